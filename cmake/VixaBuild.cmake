@@ -1,0 +1,54 @@
+# The flags of the project's own code, and the functions that make its libraries and tests.
+
+add_library(vixa_flags INTERFACE)
+target_compile_features(vixa_flags INTERFACE cxx_std_20)
+target_include_directories(vixa_flags INTERFACE "${CMAKE_SOURCE_DIR}" "${CMAKE_SOURCE_DIR}/include")
+target_compile_options(vixa_flags INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror>)
+
+if(WIN32)
+    target_compile_definitions(vixa_flags INTERFACE
+        UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX STRICT WINVER=0x0601 _WIN32_WINNT=0x0601)
+    # SSE2 is the floor (every supported Windows asks for it), also for floating point: x87's extra precision would make
+    # the gamma table differ from the native build's. A 32-bit caller aligns the stack to 4 bytes only, so every function
+    # that needs more realigns it itself.
+    target_compile_options(vixa_flags INTERFACE
+        $<$<COMPILE_LANGUAGE:CXX>:-msse2 -mfpmath=sse -mstackrealign -fstack-protector-strong>)
+    target_link_options(vixa_flags INTERFACE
+        -static -Wl,--dynamicbase -Wl,--nxcompat -Wl,--no-insert-timestamp -Wl,--no-seh)
+endif()
+
+if(VIXA_SANITIZE)
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+    add_link_options(-fsanitize=address,undefined)
+    # The sanitizers' instrumentation hides initialisations from this warning, in the standard library's headers too.
+    add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+endif()
+
+# vixa_library(NAME SOURCE...): a static library of the project's own code.
+function(vixa_library name)
+    add_library(${name} STATIC ${ARGN})
+    target_link_libraries(${name} PUBLIC vixa_flags)
+endfunction()
+
+# vixa_test(NAME SOURCES source... [LIBRARIES library...] [LABEL label]): a GoogleTest program that ctest runs as one test.
+function(vixa_test name)
+    cmake_parse_arguments(arg "" "LABEL" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE vixa_flags ${arg_LIBRARIES} gtest_main gtest)
+    add_test(NAME ${name} COMMAND ${name} "--gtest_output=xml:${CMAKE_BINARY_DIR}/results/${name}.xml"
+        WORKING_DIRECTORY "${CMAKE_BINARY_DIR}")
+    set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+    if(arg_LABEL)
+        set_tests_properties(${name} PROPERTIES LABELS "${arg_LABEL}")
+    endif()
+endfunction()
+
+# vixa_split_debug(TARGET): moves the debug information of a linked target into TARGET-file.debug beside it.
+function(vixa_split_debug target)
+    add_custom_command(TARGET ${target} POST_BUILD
+        COMMAND i686-w64-mingw32-objcopy --only-keep-debug "$<TARGET_FILE:${target}>" "$<TARGET_FILE:${target}>.debug"
+        COMMAND i686-w64-mingw32-objcopy --strip-debug --strip-unneeded
+                "--add-gnu-debuglink=$<TARGET_FILE:${target}>.debug" "$<TARGET_FILE:${target}>"
+        VERBATIM)
+endfunction()

@@ -1,0 +1,39 @@
+// The reference-counted IUnknown under objects that are shared but offer no interface by QueryInterface.
+#pragma once
+
+#include <unknwn.h>
+
+// Starts with one reference, the creator's. Counts are interlocked; the last Release destroys through the virtual
+// destructor.
+class GCUnknown : public virtual IUnknown
+{
+public:
+    // Always E_NOINTERFACE; `*object` becomes null when there is one.
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) noexcept override
+    {
+        if (object)
+            *object = nullptr;
+        return E_NOINTERFACE;
+    }
+
+    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return static_cast<ULONG>(InterlockedIncrement(&refCount)); }
+
+    ULONG STDMETHODCALLTYPE Release() noexcept override
+    {
+        const LONG left = InterlockedDecrement(&refCount);
+        if (left == 0)
+            delete this;
+        return static_cast<ULONG>(left);
+    }
+
+    virtual ~GCUnknown() = default;
+
+protected:
+    GCUnknown() = default;
+    // A copy is an object of its own: it has its own creator's reference.
+    GCUnknown(const GCUnknown&) noexcept {}
+    GCUnknown& operator=(const GCUnknown&) noexcept { return *this; }
+
+private:
+    LONG refCount = 1;
+};

@@ -1,0 +1,23 @@
+// The face of every effect filter that is this library's own: how a host hands over parameters.
+#pragma once
+
+#include <strmif.h>
+#include <unknwn.h>
+
+inline constexpr IID IID_IEffectFilter = {0xA67B871C, 0x0AD5, 0x4088, {0x89, 0x75, 0xDC, 0x79, 0x7B, 0x6B, 0x42, 0xD8}};
+
+// Reached with QueryInterface on the filter. Both operations may be called from any thread, also while the graph runs.
+struct IEffectFilter : IUnknown
+{
+    // Copies the parameters out of the host's property set; the next frame uses them. A frame sees the parameters of
+    // one call, never a mixture. No reference is kept. Every effect here takes an IDataPropertySet. S_OK also for a
+    // null property set (nothing changes) and whatever the set's GetData answers.
+    virtual HRESULT STDMETHODCALLTYPE SetPropertySet(IUnknown* propertySet) = 0;
+
+    // Stores the effect's total length, in units of 100 ns; any value is taken. S_OK.
+    virtual HRESULT STDMETHODCALLTYPE SetDuration(REFERENCE_TIME duration) = 0;
+};
+
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IEffectFilter, 0xA67B871C, 0x0AD5, 0x4088, 0x89, 0x75, 0xDC, 0x79, 0x7B, 0x6B, 0x42, 0xD8)
+#endif

@@ -1,0 +1,98 @@
+// The floors of the house: a room includes only what stands on its own floor's foundations or below.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path root = VIXA_SOURCE_DIR;
+
+// What each room may include besides itself. Kept as a list rather than as numbers so that two rooms of one floor
+// cannot quietly grow into each other.
+const std::map<std::string, std::set<std::string>> allowed = {
+    {"include", {}},
+    {"framework", {}},
+    {"effects/kernels", {}},
+    {"filter", {"include", "framework"}},
+    {"bitmap", {"framework"}},
+    {"ui", {}},
+    {"sxs", {}},
+    {"effects", {"include", "framework", "filter", "effects/kernels"}},
+    {"localisation", {"bitmap", "framework"}},
+    {"dialogs", {"include", "ui", "localisation", "resources"}},
+    {"registration", {"framework", "sxs"}},
+    {"catalogue", {"include", "framework", "filter", "bitmap", "dialogs", "localisation", "resources"}},
+    {"module",
+     {"include", "framework", "filter", "effects", "catalogue", "localisation", "registration", "resources", "dialogs",
+      "bitmap"}},
+    {"host", {"include", "framework"}},
+};
+
+std::string roomOf(const std::string& path)
+{
+    if (path.starts_with("effects/kernels/"))
+        return "effects/kernels";
+    const auto slash = path.find('/');
+    return slash == std::string::npos ? std::string() : path.substr(0, slash);
+}
+
+bool isSource(const fs::path& file)
+{
+    static const std::set<std::string> endings = {".h", ".cpp", ".inl"};
+    return endings.contains(file.extension().string());
+}
+
+TEST(House, IncludesNeverPointUpward)
+{
+    const std::regex include(R"re(^\s*#\s*include\s*["<]([^">]+)[">])re");
+    std::size_t checked = 0;
+    for (const auto& [room, mayInclude] : allowed) {
+        for (const auto& entry : fs::recursive_directory_iterator(root / room)) {
+            const std::string path = fs::relative(entry.path(), root).generic_string();
+            if (!entry.is_regular_file() || !isSource(entry.path()) || (roomOf(path) != room && room != "include"))
+                continue;
+            std::ifstream stream(entry.path());
+            std::string line;
+            for (int number = 1; std::getline(stream, line); ++number) {
+                std::smatch match;
+                if (!std::regex_search(line, match, include))
+                    continue;
+                std::string target = match[1];
+                if (target.starts_with("vixavideofx/"))
+                    target = "include/" + target;
+                else if (target.find('/') == std::string::npos && fs::exists(entry.path().parent_path() / target))
+                    target = room + "/" + target;
+                const std::string targetRoom = roomOf(target);
+                if (targetRoom.empty() || targetRoom == room || !allowed.contains(targetRoom))
+                    continue;
+                ++checked;
+                EXPECT_TRUE(mayInclude.contains(targetRoom))
+                    << path << ":" << number << ": " << room << " must not include " << targetRoom << " (" << target
+                    << ")";
+            }
+        }
+    }
+    EXPECT_GT(checked, 0u) << "no include between rooms was seen: is the tree where it should be?";
+}
+
+TEST(House, KernelsKnowNoWindows)
+{
+    const std::regex windows(R"re(#\s*include\s*<(windows|objbase|unknwn|strmif|guiddef)\.h>)re");
+    for (const auto& entry : fs::recursive_directory_iterator(root / "effects/kernels")) {
+        if (!entry.is_regular_file() || !isSource(entry.path()))
+            continue;
+        std::ifstream stream(entry.path());
+        for (std::string line; std::getline(stream, line);)
+            EXPECT_FALSE(std::regex_search(line, windows)) << entry.path() << ": " << line;
+    }
+}
+
+} // namespace

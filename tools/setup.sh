@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Installs what a build needs on Debian 12 and is not there yet. Says what and why; does nothing the second time.
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+stamp="$BUILD/setup-done"
+fingerprint=$(cat "$ROOT/tools/packages.txt" "${BASH_SOURCE[0]}" | cksum)
+if [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$fingerprint" ] &&
+    command -v wine i686-w64-mingw32-g++-posix cmake ninja clang++ >/dev/null; then
+    exit 0
+fi
+
+mapfile -t wanted < <(sed -e 's/#.*//' -e 's/[[:space:]]*$//' -e '/^$/d' "$ROOT/tools/packages.txt")
+installed() { dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep -q '^install ok installed'; }
+missing=()
+for package in "${wanted[@]}"; do
+    installed "$package" || missing+=("$package")
+done
+
+if [ ${#missing[@]} -gt 0 ]; then
+    os=$(. /etc/os-release 2>/dev/null && printf '%s %s' "${ID:-?}" "${VERSION_ID:-?}") || os="? ?"
+    [ "$os" = "debian 12" ] ||
+        fail "Set-up knows Debian 12 only (this is: $os). Install by hand what tools/packages.txt lists, then start again."
+    [ "$(id -u)" = 0 ] || fail "Set-up must install packages (${missing[*]}) and needs root: start this command as root once."
+    say "Setting up: the build needs ${#missing[@]} Debian packages that are not here: ${missing[*]}"
+    dpkg --add-architecture i386
+    # An index of a side suite may be stale on a mirror; whether what is needed can be had shows in the next step.
+    apt-get update >"$LOGS/apt-update.log" 2>&1 || say "    (package lists: not all could be refreshed, see $LOGS/apt-update.log)"
+    codename=$(. /etc/os-release && printf '%s' "$VERSION_CODENAME")
+    step apt-install "Installing packages (about a minute)" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y --no-install-recommends -t "$codename" "${missing[@]}"
+fi
+printf '%s\n' "$fingerprint" >"$stamp"

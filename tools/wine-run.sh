@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# wine-run.sh [--display] PROGRAM [ARGUMENT...]: runs a Windows program on Wine in a prefix below build/, never the user's
+# own. Without --display windows live on a null driver; with it the X display of the caller is used (DISPLAY).
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+graphics=null
+if [ "${1:-}" = --display ]; then
+    graphics=x11
+    shift
+fi
+export WINEPREFIX="${VIXA_WINEPREFIX:-$root/build/wine-$graphics}" WINEARCH=win32 WINEDEBUG="${WINEDEBUG:--all}"
+export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
+
+if [ ! -f "$WINEPREFIX/.ready" ]; then
+    mkdir -p "$WINEPREFIX"
+    exec 9>"$WINEPREFIX/.lock"
+    flock 9
+    if [ ! -f "$WINEPREFIX/.ready" ]; then
+        # The descriptor of the lock must not live on in the server that these start.
+        env DISPLAY= wineboot --init >"$WINEPREFIX/wineboot.log" 2>&1 9>&- ||
+            { echo "Wine could not make its prefix; see $WINEPREFIX/wineboot.log" >&2; exit 1; }
+        wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d "$graphics" /f >>"$WINEPREFIX/wineboot.log" 2>&1 9>&-
+        touch "$WINEPREFIX/.ready"
+    fi
+    exec 9>&-
+fi
+exec wine "$@"
