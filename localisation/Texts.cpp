@@ -1,0 +1,26 @@
+#include "localisation/Texts.h"
+
+namespace vixa {
+
+ModuleBase* textModule() noexcept
+{
+    return ModuleBase::Modules().empty() ? nullptr : ModuleBase::Modules().front();
+}
+
+std::wstring LoadResString(UINT id)
+{
+    const ModuleBase* module = textModule();
+    return module ? module->LoadResString(id) : std::wstring();
+}
+
+void handOutText(std::wstring_view text, WCHAR* buffer, ULONG* length) noexcept
+{
+    if (buffer) {
+        text.copy(buffer, text.size());
+        buffer[text.size()] = L'\0';
+    }
+    if (length)
+        *length = static_cast<ULONG>(text.size() + 1);
+}
+
+} // namespace vixa
