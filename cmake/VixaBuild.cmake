@@ -15,7 +15,7 @@ if(WIN32)
     target_compile_options(vixa_flags INTERFACE
         $<$<COMPILE_LANGUAGE:CXX>:-msse2 -mfpmath=sse -mstackrealign -fstack-protector-strong>)
     target_link_options(vixa_flags INTERFACE
-        -static -Wl,--dynamicbase -Wl,--nxcompat -Wl,--no-insert-timestamp -Wl,--no-seh)
+        -static -fstack-protector-strong -Wl,--dynamicbase -Wl,--nxcompat -Wl,--no-insert-timestamp -Wl,--no-seh)
 endif()
 
 if(VIXA_SANITIZE)

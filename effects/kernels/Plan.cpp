@@ -1,0 +1,79 @@
+#include "effects/kernels/Plan.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <numeric>
+
+namespace vixa::kernels {
+
+namespace {
+
+constexpr std::uint32_t InByte(std::uint32_t value, int byte) noexcept
+{
+    return value << (8 * byte);
+}
+
+} // namespace
+
+std::uint8_t ByteMagnitude(std::int32_t value) noexcept
+{
+    return static_cast<std::uint8_t>(std::min<std::int64_t>(std::abs(std::int64_t{value}), 255));
+}
+
+std::int32_t MultiplierOf(std::int32_t factor) noexcept
+{
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(factor) * 256u) / 100;
+}
+
+std::uint32_t InvertPattern(std::int32_t mask) noexcept
+{
+    std::uint32_t pattern = 0;
+    for (int channel = 0; channel < 3; ++channel) {
+        if (mask & (1 << channel))
+            pattern |= InByte(0xFF, channel);
+    }
+    return pattern;
+}
+
+AddPatterns AddPatternsOf(const AddParameters& parameters) noexcept
+{
+    AddPatterns patterns;
+    const std::int32_t deltas[] = {parameters.blue, parameters.green, parameters.red};
+    for (int channel = 0; channel < 3; ++channel)
+        (deltas[channel] < 0 ? patterns.subtract : patterns.add) |= InByte(ByteMagnitude(deltas[channel]), channel);
+    return patterns;
+}
+
+ConvolutionPlan PlanConvolution(Frame frame, std::int32_t width, std::int32_t height,
+                                const ConvolutionParameters& parameters, Frame scratch) noexcept
+{
+    ConvolutionPlan plan;
+    const std::int64_t rows = std::abs(std::int64_t{height});
+    if (!parameters.hasKernel || width < 1 || rows < 1)
+        return plan;
+    // At most 2^31 x 2^31 pixels, so the comparison is made in pixels: four times the product would not fit.
+    if (static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(rows) > frame.size() / 4)
+        return plan;
+    if (scratch.size() < ConvolutionScratchBytes(width))
+        return plan;
+
+    plan.width = static_cast<std::size_t>(width);
+    plan.height = static_cast<std::size_t>(rows);
+    plan.leaveAlone = false;
+    if (const ConvolutionKernel* kernel = KernelOf(parameters.kind)) {
+        const auto sum = std::accumulate(parameters.coefficients.begin(), parameters.coefficients.end(), 0);
+        plan.divisor = kernel->divides && sum != 0 ? sum : 1;
+        plan.offset = kernel->offsets ? 128 : 0;
+    }
+    return plan;
+}
+
+std::size_t ConvolutionScratchBytes(std::int32_t width) noexcept
+{
+    // Two rows, and two of the widest vectors that a level may write behind each.
+    const std::uint64_t bytes = width < 1 ? 0 : 2 * (4 * static_cast<std::uint64_t>(width) + 128);
+    return static_cast<std::size_t>(std::min<std::uint64_t>(bytes, std::numeric_limits<std::size_t>::max()));
+}
+
+} // namespace vixa::kernels
