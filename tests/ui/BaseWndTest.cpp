@@ -1,0 +1,363 @@
+// The dialog base on real windows: which object a message reaches, tooltips, the message hook, and every order in which
+// windows and objects can end.
+#include "tests/ui/HostWindow.h"
+#include "tests/ui/TestPanel.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+class Panels : public testing::Test
+{
+protected:
+    std::unique_ptr<TestPanel> open(int templateId = 100)
+    {
+        auto panel = std::make_unique<TestPanel>(&context);
+        panel->Create(host.hwnd, static_cast<std::uint32_t>(templateId));
+        panel->SetNotifyMessage(HostWindow::changed);
+        panel->Show(0);
+        return panel;
+    }
+    static void press(HWND control, WPARAM key)
+    {
+        SendMessageW(control, WM_KEYDOWN, key, 0);
+        SendMessageW(control, WM_KEYUP, key, 0);
+    }
+
+    TestContext context;
+    HostWindow host;
+};
+
+TEST_F(Panels, CreationReachesTheObjectBeforeItsHandleIsKnown)
+{
+    auto panel = open(0xABC0000 + 100); // only the low 16 bits count
+    ASSERT_NE(panel->GetHwnd(), nullptr);
+    EXPECT_EQ(panel->inits, 1);
+    EXPECT_EQ(panel->handleDuringInit, nullptr);
+    EXPECT_EQ(panel->dialog, panel->GetHwnd());
+    EXPECT_EQ(GetParent(panel->GetHwnd()), host.hwnd);
+    EXPECT_TRUE(IsWindowVisible(panel->GetHwnd()));
+    EXPECT_NE(panel->control(TestPanel::slider), nullptr);
+}
+
+TEST_F(Panels, NothingIsMadeWithoutContextHostOrTemplate)
+{
+    TestPanel bare(nullptr);
+    bare.Create(host.hwnd, 100);
+    bare.CreateToolTip(host.hwnd);
+    EXPECT_EQ(bare.GetInstance(), nullptr);
+    EXPECT_EQ(bare.tip(), nullptr);
+    bare.SetContext(&context);
+    bare.SetContext(nullptr);
+    EXPECT_EQ(bare.GetInstance(), GetModuleHandleW(nullptr)) << "null keeps the old context";
+    bare.Create(nullptr, 100);
+    EXPECT_EQ(bare.GetHwnd(), nullptr);
+
+    auto panel = open(4711);
+    EXPECT_EQ(panel->GetHwnd(), nullptr);
+    panel->Create(host.hwnd, 101); // fails after the dialog and its first control exist
+    EXPECT_EQ(panel->GetHwnd(), nullptr);
+    EXPECT_EQ(panel->destroys, 1);
+    panel->Create(host.hwnd, 100);
+    EXPECT_NE(panel->GetHwnd(), nullptr);
+    panel.reset();
+    auto after = open(); // walks the list: the failed attempts left nothing behind in it
+    EXPECT_EQ(after->inits, 1);
+}
+
+TEST_F(Panels, ControlsReachTheirHandlers)
+{
+    auto panel = open();
+    const HWND slider = panel->control(TestPanel::slider), list = panel->control(TestPanel::list);
+    press(slider, VK_RIGHT);
+    ASSERT_EQ(panel->scrolls.size(), 2u);
+    EXPECT_EQ(panel->scrolls[0].control, slider);
+    EXPECT_EQ(panel->scrolls[0].request, TB_LINEDOWN);
+    EXPECT_EQ(panel->scrolls[1].request, TB_ENDTRACK);
+    EXPECT_EQ(host.notifications, 2);
+    EXPECT_TRUE(host.dataless);
+
+    SendMessageW(panel->control(TestPanel::box), BM_CLICK, 0, 0);
+    EXPECT_EQ(panel->boxes, 1);
+
+    for (const wchar_t* text : {L"a", L"b"})
+        SendMessageW(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
+    SendMessageW(list, WM_SETFOCUS, 0, 0);
+    SendMessageW(list, WM_KILLFOCUS, 0, 0);
+    EXPECT_EQ(panel->choices, 0);
+    press(list, VK_DOWN);
+    EXPECT_EQ(panel->choices, 1);
+}
+
+TEST_F(Panels, EachPanelGetsItsOwnMessages)
+{
+    auto first = open(), second = open();
+    for (TestPanel* panel : {first.get(), second.get(), first.get()})
+        press(panel->control(TestPanel::slider), VK_RIGHT);
+    EXPECT_EQ(first->scrolls.size(), 4u);
+    EXPECT_EQ(second->scrolls.size(), 2u);
+    EXPECT_EQ(second->scrolls[0].control, second->control(TestPanel::slider));
+}
+
+TEST_F(Panels, PanelsOpenedWhileOthersAreBusyGetTheirOwnMessages)
+{
+    auto first = open();
+    std::unique_ptr<TestPanel> second, third;
+    // The second is opened inside a notification of the first; while it is made, the first receives messages, and a
+    // third is opened.
+    host.onChange = [&] {
+        host.onChange = nullptr;
+        host.onParentNotify = [&](WPARAM) { press(first->control(TestPanel::slider), VK_RIGHT); };
+        second = std::make_unique<TestPanel>(&context);
+        second->whileCreated = [&] {
+            third = open();
+            press(first->control(TestPanel::slider), VK_RIGHT);
+        };
+        second->Create(host.hwnd, 100);
+        host.onParentNotify = nullptr;
+    };
+    press(first->control(TestPanel::slider), VK_RIGHT);
+    EXPECT_EQ(first->inits, 1);
+    ASSERT_TRUE(second && third);
+    EXPECT_EQ(second->inits, 1);
+    EXPECT_EQ(third->inits, 1);
+    EXPECT_NE(second->GetHwnd(), nullptr);
+    EXPECT_NE(third->GetHwnd(), second->GetHwnd());
+    EXPECT_EQ(second->dialog, second->GetHwnd());
+    EXPECT_EQ(third->dialog, third->GetHwnd());
+    press(second->control(TestPanel::slider), VK_RIGHT);
+    EXPECT_EQ(second->scrolls.size(), 2u);
+    EXPECT_EQ(third->scrolls.size(), 0u);
+}
+
+TEST_F(Panels, AnEndedWindowGivesBackHookTooltipAndRecords)
+{
+    auto panel = open();
+    for (int round = 0; round < 3; ++round) {
+        const HWND tip = panel->tip(), dialog = panel->GetHwnd();
+        const HHOOK hook = panel->messageHook();
+        EXPECT_EQ(panel->toolTipCount(), 2u);
+        ASSERT_TRUE(IsWindow(tip));
+        ASSERT_NE(hook, nullptr);
+        DestroyWindow(dialog);
+        EXPECT_EQ(panel->destroys, round + 1) << "the handler runs once";
+        EXPECT_EQ(panel->GetHwnd(), nullptr);
+        EXPECT_FALSE(IsWindow(tip));
+        EXPECT_FALSE(UnhookWindowsHookEx(hook)) << "the hook is removed already";
+        HostWindow::pump();
+        panel->Create(host.hwnd, 100);
+    }
+    EXPECT_EQ(panel->inits, 4);
+    const HHOOK replaced = panel->messageHook();
+    panel->InstallMessageHook();
+    EXPECT_FALSE(UnhookWindowsHookEx(replaced)) << "a second hook takes the first one's place";
+}
+
+TEST_F(Panels, TheHostWindowMayGoFirst)
+{
+    auto first = open(), second = open();
+    host.destroy();
+    EXPECT_EQ(first->GetHwnd(), nullptr);
+    EXPECT_EQ(second->GetHwnd(), nullptr);
+    EXPECT_EQ(first->destroys + second->destroys, 2);
+    HostWindow::pump();
+    first->NotifyParent();
+    first->Show(1);
+    first->OnOK();
+    first->OnCancel();
+}
+
+TEST_F(Panels, TheObjectMayGoFirst)
+{
+    auto other = open(), panel = open();
+    const HWND orphan = panel->GetHwnd(), slider = panel->control(TestPanel::slider), tip = panel->tip();
+    const HHOOK hook = panel->messageHook();
+    panel.reset();
+    EXPECT_TRUE(IsWindow(orphan)) << "the window is the host's";
+    EXPECT_FALSE(IsWindowVisible(orphan));
+    EXPECT_FALSE(IsWindow(tip));
+    EXPECT_FALSE(UnhookWindowsHookEx(hook));
+
+    // Nothing of the orphan reaches the freed object (that would crash) or the panel that is left.
+    press(slider, VK_RIGHT);
+    PostMessageW(slider, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
+    HostWindow::pump();
+    press(other->control(TestPanel::slider), VK_RIGHT); // the other is the current window
+    const int notified = host.notifications;
+    press(slider, VK_LEFT);
+    DestroyWindow(orphan);
+    EXPECT_EQ(other->scrolls.size(), 2u);
+    EXPECT_EQ(other->destroys, 0);
+    EXPECT_EQ(host.notifications, notified);
+    EXPECT_TRUE(IsWindow(other->GetHwnd()));
+}
+
+TEST_F(Panels, APanelMayEndInsideItsOwnNotification)
+{
+    // Its window is destroyed.
+    auto panel = open();
+    host.onChange = [&] { DestroyWindow(panel->GetHwnd()); };
+    SendMessageW(panel->control(TestPanel::box), BM_CLICK, 0, 0);
+    EXPECT_EQ(panel->boxes, 1);
+    EXPECT_EQ(panel->GetHwnd(), nullptr);
+
+    // The object is released: rows behind the handler's must not run, nor may anything touch the object.
+    auto next = open();
+    const HWND orphan = next->GetHwnd();
+    host.onChange = [&] { next.reset(); };
+    SendMessageW(next->control(TestPanel::box), BM_CLICK, 0, 0);
+    EXPECT_EQ(next, nullptr);
+    EXPECT_TRUE(IsWindow(orphan));
+
+    // The host window is destroyed, and the object released.
+    auto last = open();
+    host.onChange = [&] {
+        last.reset();
+        host.destroy();
+    };
+    SendMessageW(last->control(TestPanel::box), BM_CLICK, 0, 0);
+    HostWindow::pump();
+    EXPECT_FALSE(IsWindow(orphan));
+}
+
+TEST_F(Panels, APanelMayEndWhileItIsMade)
+{
+    auto released = std::make_unique<TestPanel>(&context);
+    TestPanel* creating = released.get();
+    released->whileCreated = [&] { released.reset(); };
+    creating->Create(host.hwnd, 100);
+    EXPECT_EQ(released, nullptr);
+    HWND orphan = GetWindow(host.hwnd, GW_CHILD);
+    if (orphan) {
+        press(GetDlgItem(orphan, TestPanel::slider), VK_RIGHT);
+        DestroyWindow(orphan);
+    }
+
+    auto destroyed = std::make_unique<TestPanel>(&context);
+    destroyed->whileCreated = [&] { DestroyWindow(destroyed->dialog); };
+    destroyed->Create(host.hwnd, 100);
+    EXPECT_EQ(destroyed->destroys, 1);
+    EXPECT_EQ(destroyed->GetHwnd(), nullptr);
+    destroyed->whileCreated = nullptr;
+    destroyed->Create(host.hwnd, 100);
+    EXPECT_NE(destroyed->GetHwnd(), nullptr);
+}
+
+// Sees what a tooltip window is sent: relayed messages and titles.
+struct ToolTipSpy
+{
+    static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        if (message == TTM_RELAYEVENT) {
+            relayed.push_back(*reinterpret_cast<const MSG*>(lParam));
+            return 0;
+        }
+        if (message == TTM_SETTITLEW)
+            titles.push_back({static_cast<int>(wParam), reinterpret_cast<const wchar_t*>(lParam)});
+        return CallWindowProcW(original, window, message, wParam, lParam);
+    }
+    explicit ToolTipSpy(HWND tip)
+    {
+        relayed.clear();
+        titles.clear();
+        original =
+            reinterpret_cast<WNDPROC>(SetWindowLongPtrW(tip, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure)));
+    }
+    static inline std::vector<MSG> relayed;
+    static inline std::vector<std::pair<int, std::wstring>> titles;
+    static inline WNDPROC original;
+};
+
+TEST_F(Panels, TheTooltipAsksForItsTextsOnDemand)
+{
+    auto panel = open(), other = open();
+    const ToolTipSpy spy(panel->tip());
+    const auto ask = [](TestPanel& asked, int control, UINT code = TTN_GETDISPINFOW) {
+        static wchar_t untouched[] = L"untouched";
+        NMTTDISPINFOW request{};
+        request.hdr = {asked.tip(), reinterpret_cast<UINT_PTR>(asked.control(control)), code};
+        request.lpszText = untouched;
+        SendMessageW(asked.GetHwnd(), WM_NOTIFY, request.hdr.idFrom, reinterpret_cast<LPARAM>(&request));
+        return request.lpszText;
+    };
+    const wchar_t* text = ask(*panel, TestPanel::slider);
+    EXPECT_STREQ(text, L"Text one");
+    EXPECT_STREQ(ask(*other, TestPanel::box), L"Text two");
+    EXPECT_STREQ(text, L"Text one") << "the text stays until its own window is asked again";
+    EXPECT_STREQ(ask(*panel, TestPanel::edit), L"untouched");
+    EXPECT_STREQ(ask(*panel, TestPanel::slider, TTN_SHOW), L"untouched");
+
+    EXPECT_EQ(spy.titles, (std::vector<std::pair<int, std::wstring>>{{TTI_INFO, L"Title one"}}));
+    panel->OnNotify(0, 0);
+}
+
+TEST_F(Panels, TheHookRelaysMovesAndSingleClicks)
+{
+    auto panel = open();
+    const ToolTipSpy spy(panel->tip());
+    const HWND control = panel->control(TestPanel::label);
+    std::vector<UINT> numbers;
+    for (UINT message = WM_MOUSEFIRST; message <= WM_MOUSELAST; ++message)
+        PostMessageW(control, message, 3, MAKELPARAM(7, 9));
+    PostMessageW(panel->GetHwnd(), WM_MOUSEMOVE, 0, MAKELPARAM(1, 1)); // not a control of it
+    PostMessageW(host.hwnd, WM_MOUSEMOVE, 0, MAKELPARAM(1, 1));
+    HostWindow::pump();
+    for (const MSG& message : spy.relayed) {
+        if (message.hwnd != control || message.lParam != MAKELPARAM(7, 9))
+            continue; // the system's own moves under the pointer
+        EXPECT_EQ(message.wParam, 3u);
+        numbers.push_back(message.message);
+    }
+    EXPECT_EQ(numbers, (std::vector<UINT>{WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_RBUTTONDOWN, WM_RBUTTONUP}));
+    for (const MSG& message : spy.relayed)
+        EXPECT_TRUE(IsChild(panel->GetHwnd(), message.hwnd));
+
+    // The panel may end while a message is relayed.
+    auto ending = open();
+    static TestPanel* victim;
+    victim = ending.get();
+    SetWindowLongPtrW(ending->tip(), GWLP_WNDPROC,
+                      reinterpret_cast<LONG_PTR>(+[](HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+                          if (message == TTM_RELAYEVENT && victim)
+                              delete std::exchange(victim, nullptr);
+                          return DefWindowProcW(window, message, wParam, lParam);
+                      }));
+    PostMessageW(ending->control(TestPanel::slider), WM_MOUSEMOVE, 0, 0);
+    (void)ending.release();
+    HostWindow::pump();
+    EXPECT_EQ(victim, nullptr);
+}
+
+// Calls a dialog procedure as a 32-bit caller may: with a stack that is aligned to 4 bytes only.
+INT_PTR callShifted(DLGPROC procedure, HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, int shift)
+{
+    INT_PTR result;
+    __asm__ volatile("movl %%esp, %%ebx\n\t"
+                     "andl $-16, %%esp\n\t"
+                     "subl %[shift], %%esp\n\t"
+                     "pushl %[lParam]\n\t"
+                     "pushl %[wParam]\n\t"
+                     "pushl %[message]\n\t"
+                     "pushl %[dialog]\n\t"
+                     "call *%%eax\n\t"
+                     "movl %%ebx, %%esp\n\t"
+                     : "=a"(result)
+                     : "a"(procedure), [shift] "S"(shift), [lParam] "D"(lParam), [wParam] "c"(wParam),
+                       [message] "d"(message), [dialog] "m"(dialog)
+                     : "ebx", "memory", "cc");
+    return result;
+}
+
+TEST_F(Panels, TheProcedureNeedsNoAlignedStack)
+{
+    auto panel = open();
+    const auto procedure = reinterpret_cast<DLGPROC>(GetWindowLongPtrW(panel->GetHwnd(), DWLP_DLGPROC));
+    ASSERT_NE(procedure, nullptr);
+    for (int shift = 0; shift < 16; shift += 4)
+        EXPECT_EQ(callShifted(procedure, panel->GetHwnd(), WM_HSCROLL, TB_LINEUP, 0, shift), FALSE);
+    EXPECT_EQ(panel->scrolls.size(), 4u);
+}
+
+} // namespace
