@@ -1,0 +1,23 @@
+// "Add pixel": adds a signed offset to each of red, green and blue.
+#pragma once
+
+#include "filter/InPlaceVideoEffect.h"
+#include "filter/ParameterBlock.h"
+
+#include <vixavideofx/DataBlocks.h>
+
+class CAddPixel final : public InPlaceVideoEffect
+{
+public:
+    // The create routine of the factory table: null and E_OUTOFMEMORY in `*result` when memory is short.
+    static CUnknown* CALLBACK CreateInstance(IUnknown* outer, HRESULT* result) noexcept;
+
+    // Always S_OK.
+    HRESULT Transform(IMediaSample* sample) override;
+    STDMETHODIMP SetPropertySet(IUnknown* propertySet) noexcept override;
+
+private:
+    CAddPixel(IUnknown* outer, HRESULT* result);
+
+    vixa::Guarded<vixavideofx::AddBlock> parameters{{0, 0, 0, 0}};
+};

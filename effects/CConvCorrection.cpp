@@ -1,0 +1,74 @@
+#include "effects/CConvCorrection.h"
+
+#include "filter/SampleBytes.h"
+
+#include <vixavideofx/ClassIds.h>
+#include <vixavideofx/DataBlocks.h>
+
+#include <cstdint>
+#include <new>
+
+using namespace vixa;
+
+namespace {
+
+// Whether a buffer holds a frame of that size; judged in 64 bits, where no width times height overflows.
+bool Holds(std::span<const std::uint8_t> buffer, LONG width, LONG height) noexcept
+{
+    if (width < 1)
+        return false;
+    const std::int64_t rows = height;
+    const auto pixels = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(rows < 0 ? -rows : rows);
+    return pixels * 4 <= buffer.size();
+}
+
+} // namespace
+
+CConvCorrection::CConvCorrection(IUnknown* outer, HRESULT* result)
+    : InPlaceVideoEffect(outer, vixavideofx::CLSID_AddPixel, result)
+{
+}
+
+CUnknown* CALLBACK CConvCorrection::CreateInstance(IUnknown* outer, HRESULT* result) noexcept
+{
+    return new (std::nothrow) CConvCorrection(outer, result);
+}
+
+HRESULT CConvCorrection::SetMediaType(PIN_DIRECTION direction, const CMediaType* type)
+{
+    if (direction == PINDIR_INPUT && type) {
+        if (const auto* header = BitmapHeaderOf(*type)) {
+            fields.Change([&](Fields& current) {
+                current.frameWidth = header->biWidth;
+                current.frameHeight = header->biHeight;
+            });
+        }
+    }
+    return InPlaceVideoEffect::SetMediaType(direction, type);
+}
+
+HRESULT CConvCorrection::Transform(IMediaSample* sample)
+{
+    // The whole buffer, not the sample's actual data length, holds the frame.
+    const auto buffer = BufferOf(sample);
+    const Fields now = fields.Get();
+    if (!now.convolution.hasKernel || !Holds(buffer, now.frameWidth, now.frameHeight))
+        return S_OK;
+    try {
+        scratch.resize(kernels::ConvolutionScratchBytes(now.frameWidth));
+    } catch (const std::bad_alloc&) {
+        return S_OK;
+    }
+    kernels::BestKernels().convolve(buffer, now.frameWidth, now.frameHeight, now.convolution, scratch);
+    return S_OK;
+}
+
+STDMETHODIMP CConvCorrection::SetPropertySet(IUnknown* propertySet) noexcept
+{
+    if (!propertySet)
+        return S_OK;
+    vixavideofx::ConvolutionBlock block{0};
+    ReadBlock(*static_cast<IDataPropertySet*>(propertySet), block);
+    fields.Change([&](Fields& current) { current.convolution.SetKind(block.kind); });
+    return S_OK;
+}

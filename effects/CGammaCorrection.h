@@ -1,0 +1,30 @@
+// "Gamma correction": maps red, green and blue through a power curve.
+#pragma once
+
+#include "effects/kernels/Kernels.h"
+#include "filter/InPlaceVideoEffect.h"
+#include "filter/ParameterBlock.h"
+
+#include <vixavideofx/DataBlocks.h>
+
+class CGammaCorrection final : public InPlaceVideoEffect
+{
+public:
+    // The create routine of the factory table: null and E_OUTOFMEMORY in `*result` when memory is short.
+    static CUnknown* CALLBACK CreateInstance(IUnknown* outer, HRESULT* result) noexcept;
+
+    // S_OK; E_FAIL when the gamma is not the identity and there is no sample, no input pin or no buffer.
+    HRESULT Transform(IMediaSample* sample) override;
+    STDMETHODIMP SetPropertySet(IUnknown* propertySet) noexcept override;
+
+private:
+    static constexpr std::int32_t identity = 100;
+
+    CGammaCorrection(IUnknown* outer, HRESULT* result);
+
+    vixa::Guarded<vixavideofx::GammaBlock> parameters{{identity}};
+
+    // The streaming thread's own, rebuilt by the first frame that meets another gamma.
+    vixa::kernels::GammaTable table{};
+    std::int32_t tableGamma = identity;
+};

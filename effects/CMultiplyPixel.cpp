@@ -1,0 +1,29 @@
+#include "effects/CMultiplyPixel.h"
+
+#include "effects/kernels/Kernels.h"
+#include "filter/SampleBytes.h"
+
+#include <vixavideofx/ClassIds.h>
+
+#include <new>
+
+CMultiplyPixel::CMultiplyPixel(IUnknown* outer, HRESULT* result)
+    : InPlaceVideoEffect(outer, vixavideofx::CLSID_MultiplyPixel, result)
+{
+}
+
+CUnknown* CALLBACK CMultiplyPixel::CreateInstance(IUnknown* outer, HRESULT* result) noexcept
+{
+    return new (std::nothrow) CMultiplyPixel(outer, result);
+}
+
+HRESULT CMultiplyPixel::Transform(IMediaSample* sample)
+{
+    vixa::kernels::BestKernels().multiply(vixa::ValidBytesOf(sample), parameters.Get().factor);
+    return S_OK;
+}
+
+STDMETHODIMP CMultiplyPixel::SetPropertySet(IUnknown* propertySet) noexcept
+{
+    return vixa::TakeBlock(propertySet, parameters);
+}

@@ -1,0 +1,24 @@
+// "Multiply pixel": scales red, green and blue by a percentage.
+#pragma once
+
+#include "filter/InPlaceVideoEffect.h"
+#include "filter/ParameterBlock.h"
+
+#include <vixavideofx/DataBlocks.h>
+
+class CMultiplyPixel final : public InPlaceVideoEffect
+{
+public:
+    // The create routine of the factory table: null when memory is short.
+    static CUnknown* CALLBACK CreateInstance(IUnknown* outer, HRESULT* result) noexcept;
+
+    // Always S_OK.
+    HRESULT Transform(IMediaSample* sample) override;
+    STDMETHODIMP SetPropertySet(IUnknown* propertySet) noexcept override;
+
+private:
+    CMultiplyPixel(IUnknown* outer, HRESULT* result);
+
+    // The catalogue's default, so that a filter without parameters keeps the colours.
+    vixa::Guarded<vixavideofx::MultiplyBlock> parameters{{100}};
+};

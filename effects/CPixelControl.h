@@ -1,0 +1,23 @@
+// "Invert color": inverts the chosen channels and clears the others.
+#pragma once
+
+#include "filter/InPlaceVideoEffect.h"
+#include "filter/ParameterBlock.h"
+
+#include <vixavideofx/DataBlocks.h>
+
+class CPixelControl final : public InPlaceVideoEffect
+{
+public:
+    // The create routine of the factory table: null and E_OUTOFMEMORY in `*result` when memory is short.
+    static CUnknown* CALLBACK CreateInstance(IUnknown* outer, HRESULT* result) noexcept;
+
+    // Always S_OK.
+    HRESULT Transform(IMediaSample* sample) override;
+    STDMETHODIMP SetPropertySet(IUnknown* propertySet) noexcept override;
+
+private:
+    CPixelControl(IUnknown* outer, HRESULT* result);
+
+    vixa::Guarded<vixavideofx::InvertBlock> parameters{{0}};
+};
