@@ -52,3 +52,20 @@ function(vixa_split_debug target)
                 "--add-gnu-debuglink=$<TARGET_FILE:${target}>.debug" "$<TARGET_FILE:${target}>"
         VERBATIM)
 endfunction()
+
+# vixa_resource_module(FILE SOURCE source [DEFINITIONS NAME=value...] [DEPENDS file...]): a PE module of resources only: no
+# code, no entry point, no imports. A command's output: a target must depend on FILE.
+function(vixa_resource_module file)
+    cmake_parse_arguments(arg "" "SOURCE" "DEFINITIONS;DEPENDS" ${ARGN})
+    get_filename_component(name "${file}" NAME)
+    set(object "${CMAKE_CURRENT_BINARY_DIR}/${name}.o")
+    list(TRANSFORM arg_DEFINITIONS PREPEND "-D")
+    add_custom_command(
+        OUTPUT "${file}"
+        COMMAND "${CMAKE_RC_COMPILER}" -c 65001 -O coff -I "${CMAKE_SOURCE_DIR}" ${arg_DEFINITIONS} "${arg_SOURCE}" "${object}"
+        COMMAND "${CMAKE_C_COMPILER}" -shared -nostdlib -Wl,--entry,0 -Wl,--nxcompat -Wl,--dynamicbase
+                -Wl,--no-insert-timestamp -Wl,--no-seh -s -o "${file}" "${object}"
+        DEPENDS "${arg_SOURCE}" ${arg_DEPENDS}
+        COMMENT "Building ${name}"
+        VERBATIM)
+endfunction()

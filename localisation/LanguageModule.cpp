@@ -48,14 +48,34 @@ std::span<const std::byte> mappedFile(HMODULE module, const std::wstring& path) 
     return {base, size};
 }
 
-} // namespace
-
-UniqueModule loadLanguageModule(const std::wstring& path) noexcept
+UniqueModule mapAsData(const std::wstring& path)
 {
-    const QuietErrors quiet;
     UniqueModule module(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
     if (module && !isWholeResourceModule(mappedFile(module.get(), path)))
         module.reset();
+    return module;
+}
+
+// The path in 8.3 names; empty where the volume has none.
+std::wstring shortPath(const std::wstring& path)
+{
+    std::wstring shorter(path.size() + 1, L'\0');
+    const DWORD length = GetShortPathNameW(path.c_str(), shorter.data(), static_cast<DWORD>(shorter.size()));
+    shorter.resize(length < shorter.size() ? length : 0);
+    return shorter;
+}
+
+} // namespace
+
+UniqueModule loadLanguageModule(const std::wstring& path)
+{
+    const QuietErrors quiet;
+    UniqueModule module = mapAsData(path);
+    // Not every system takes a long path for a module that is mapped as data.
+    if (!module && path.size() >= MAX_PATH) {
+        if (const std::wstring shorter = shortPath(path); !shorter.empty())
+            module = mapAsData(shorter);
+    }
     return module;
 }
 

@@ -9,7 +9,7 @@ namespace vixa {
 
 // The module serves FindResource, LoadResource and LoadString. A bare file name is searched in the usual order of
 // libraries. Null, without an error box and with nothing left open, when there is no such file or it isn't a whole PE
-// module.
-UniqueModule loadLanguageModule(const std::wstring& path) noexcept;
+// module. Throws std::bad_alloc.
+UniqueModule loadLanguageModule(const std::wstring& path);
 
 } // namespace vixa

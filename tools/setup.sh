@@ -6,7 +6,7 @@ stamp="$BUILD/setup-done"
 fingerprint=$(cat "$ROOT/tools/packages.txt" "${BASH_SOURCE[0]}" | cksum)
 if [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$fingerprint" ] &&
     command -v wine i686-w64-mingw32-g++-posix cmake ninja clang++ >/dev/null; then
-    exit 0
+    exec "$ROOT/tools/fetch-tinyxml.sh"
 fi
 
 mapfile -t wanted < <(sed -e 's/#.*//' -e 's/[[:space:]]*$//' -e '/^$/d' "$ROOT/tools/packages.txt")
@@ -30,3 +30,4 @@ if [ ${#missing[@]} -gt 0 ]; then
         apt-get install -y --no-install-recommends -t "$codename" "${missing[@]}"
 fi
 printf '%s\n' "$fingerprint" >"$stamp"
+"$ROOT/tools/fetch-tinyxml.sh"

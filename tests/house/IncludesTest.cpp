@@ -24,7 +24,7 @@ const std::map<std::string, std::set<std::string>> allowed = {
     {"filter", {"include", "framework"}},
     {"bitmap", {"framework"}},
     {"ui", {"framework"}},
-    {"sxs", {}},
+    {"sxs", {"framework"}},
     {"effects", {"include", "framework", "filter", "effects/kernels"}},
     {"localisation", {"bitmap", "framework"}},
     {"dialogs", {"include", "ui", "localisation", "resources"}},

@@ -1,0 +1,38 @@
+// The allocator whose buffers lie in one block of memory.
+#pragma once
+
+#include "framework/CBaseAllocator.h"
+
+#include <memory>
+
+// Every buffer starts at a multiple of the alignment, with the prefix before it.
+class CMemAllocator : public CBaseAllocator
+{
+public:
+    CMemAllocator(LPCTSTR name, IUnknown* outer, HRESULT* result) noexcept;
+    ~CMemAllocator() override;
+
+    // For a factory template; null when there is no memory.
+    static CUnknown* CALLBACK CreateInstance(IUnknown* outer, HRESULT* result) noexcept;
+
+    // E_INVALIDARG for sizes below what makes a buffer, VFW_E_BADALIGN for an alignment that is no power of two. An
+    // alignment of 0 counts as 1.
+    HRESULT STDMETHODCALLTYPE SetProperties(ALLOCATOR_PROPERTIES* request,
+                                            ALLOCATOR_PROPERTIES* actual) noexcept override;
+
+protected:
+    HRESULT Alloc() override;
+    void Free() override;
+
+private:
+    void ReallyFree() noexcept;
+
+    struct VirtualFreeDeleter
+    {
+        void operator()(BYTE* memory) const noexcept { VirtualFree(memory, 0, MEM_RELEASE); }
+    };
+    std::unique_ptr<BYTE, VirtualFreeDeleter> m_buffer;
+};
+
+// A new allocator with one reference, the caller's. E_OUTOFMEMORY.
+HRESULT CreateMemoryAllocator(IMemAllocator** allocator) noexcept;

@@ -1,0 +1,46 @@
+// The transform filter that changes samples where they lie.
+#pragma once
+
+#include "framework/CTransInPlaceInputPin.h"
+#include "framework/CTransInPlaceOutputPin.h"
+#include "framework/CTransformFilter.h"
+
+// A derived class supplies CheckInputType and Transform(sample). Both pins carry the same type and, whenever the
+// negotiation allows, the same allocator, so that the very sample that comes in goes out. A sample is copied, once,
+// only when the allocators differ.
+class CTransInPlaceFilter : public CTransformFilter
+{
+    friend class CTransInPlaceInputPin;
+    friend class CTransInPlaceOutputPin;
+
+public:
+    // With `modifiesData` samples of a read-only upstream allocator are copied before Transform sees them.
+    CTransInPlaceFilter(LPCTSTR name, IUnknown* outer, REFCLSID classId, HRESULT* result,
+                        bool modifiesData = true) noexcept;
+
+    HRESULT Transform(IMediaSample* in, IMediaSample* out) override;              // E_UNEXPECTED, never called
+    HRESULT CheckTransform(const CMediaType* in, const CMediaType* out) override; // S_OK
+    // The input allocator's count and size, else one buffer of one byte. E_FAIL when the allocator grants less.
+    HRESULT DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request) override;
+    HRESULT GetMediaType(int index, CMediaType* type) override; // E_UNEXPECTED, never called
+    // VFW_E_NOT_IN_GRAPH outside a graph. Has the graph reconnect the other pin when its type or allocator must follow.
+    HRESULT CompleteConnect(PIN_DIRECTION direction, IPin* receivePin) override;
+    HRESULT Receive(IMediaSample* sample) override;
+
+    // Changes a sample where it lies. S_OK delivers it, S_FALSE drops it, a failure drops it and is the answer
+    // upstream.
+    virtual HRESULT Transform(IMediaSample* sample) = 0;
+
+    // Whether samples have to be copied.
+    bool UsingDifferentAllocators() const noexcept;
+
+protected:
+    bool CreatePins() override;
+    // An output buffer with the sample's contents, properties and type, and a reference; null when none can be had.
+    IMediaSample* Copy(IMediaSample* source);
+    CTransInPlaceInputPin* InputPin() const noexcept { return static_cast<CTransInPlaceInputPin*>(m_pInput.get()); }
+    CTransInPlaceOutputPin* OutputPin() const noexcept { return static_cast<CTransInPlaceOutputPin*>(m_pOutput.get()); }
+    bool TypesMatch() const noexcept { return m_pInput->CurrentMediaType() == m_pOutput->CurrentMediaType(); }
+
+    const bool m_bModifiesData;
+};

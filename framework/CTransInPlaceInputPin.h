@@ -1,0 +1,30 @@
+// The input of an in-place filter: it speaks for the downstream pin as far as it can.
+#pragma once
+
+#include "framework/CTransformInputPin.h"
+
+class CTransInPlaceFilter;
+
+class CTransInPlaceInputPin : public CTransformInputPin
+{
+public:
+    CTransInPlaceInputPin(LPCTSTR objectName, CTransInPlaceFilter* filter, HRESULT* result, LPCWSTR name) noexcept;
+
+    // The types that the downstream pin prefers; VFW_E_NOT_CONNECTED while there is none.
+    HRESULT STDMETHODCALLTYPE EnumMediaTypes(IEnumMediaTypes** types) noexcept override;
+    // The filter and the downstream pin, when connected, must both take the type.
+    HRESULT CheckMediaType(const CMediaType* type) override;
+
+    // The downstream pin's allocator, when connected.
+    HRESULT STDMETHODCALLTYPE GetAllocator(IMemAllocator** allocator) noexcept override;
+    // Passes the allocator on downstream. One that is read-only is not passed on by a filter that modifies data: the
+    // output gets another of the same sizes.
+    HRESULT STDMETHODCALLTYPE NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) noexcept override;
+    // The downstream pin's; E_NOTIMPL while there is none.
+    HRESULT STDMETHODCALLTYPE GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) noexcept override;
+
+private:
+    HRESULT GiveOutputItsOwnAllocator(IMemAllocator* upstream);
+
+    CTransInPlaceFilter* const m_pTIPFilter;
+};

@@ -1,0 +1,21 @@
+// The whole framework: what a filter, or a program with filters of its own, is written on.
+#pragma once
+
+#include "framework/CBaseAllocator.h"
+#include "framework/CBaseFilter.h"
+#include "framework/CBaseInputPin.h"
+#include "framework/CBaseObject.h"
+#include "framework/CBaseOutputPin.h"
+#include "framework/CBasePin.h"
+#include "framework/CCritSec.h"
+#include "framework/CEnumMediaTypes.h"
+#include "framework/CEnumPins.h"
+#include "framework/CFactoryTemplate.h"
+#include "framework/CMediaSample.h"
+#include "framework/CMediaType.h"
+#include "framework/CMemAllocator.h"
+#include "framework/CRefTime.h"
+#include "framework/CTransInPlaceFilter.h"
+#include "framework/CTransformFilter.h"
+#include "framework/CUnknown.h"
+#include "framework/DllEntry.h"

@@ -1,0 +1,91 @@
+#include "sxs/RegistryKey.h"
+
+#include "sxs/CVixaSXSError.h"
+#include "sxs/SxsConfiguration.h"
+
+using namespace vixa::sxs;
+
+namespace {
+
+void check(LSTATUS status)
+{
+    if (status != ERROR_SUCCESS)
+        throw CVixaSXSError(static_cast<std::int32_t>(status), AREA_REGISTRY);
+}
+
+} // namespace
+
+RegistryKey::RegistryKey(long rootKind, const std::wstring& path, REGSAM access)
+    : path_(path), access_(access), rootKind_(rootKind)
+{
+}
+
+RegistryKey RegistryKey::SubKey(const std::wstring& name) const
+{
+    return RegistryKey(rootKind_, SxsConfiguration::JoinPath(path_, name), access_);
+}
+
+HKEY RegistryKey::root()
+{
+    if (rootHandle_)
+        return rootHandle_.get();
+    HKEY found = nullptr;
+    switch (rootKind_) {
+    case LOCAL_MACHINE:
+        found = HKEY_LOCAL_MACHINE;
+        break;
+    case CURRENT_USER:
+        check(RegOpenCurrentUser(KEY_ALL_ACCESS, &found));
+        break;
+    case CLASSES_ROOT:
+        found = HKEY_CLASSES_ROOT;
+        break;
+    default:
+        throw CVixaSXSError(CODE_INVALID_ACCESS, AREA_REGISTRY);
+    }
+    rootHandle_.reset(found);
+    return found;
+}
+
+void RegistryKey::Create()
+{
+    if (handle_)
+        return;
+    HKEY created = nullptr;
+    check(RegCreateKeyExW(root(), path_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, access_, nullptr, &created,
+                          nullptr));
+    handle_.reset(created);
+}
+
+void RegistryKey::Open()
+{
+    if (handle_)
+        return;
+    HKEY opened = nullptr;
+    check(RegOpenKeyExW(root(), path_.c_str(), 0, access_, &opened));
+    handle_.reset(opened);
+}
+
+HRESULT RegistryKey::TryOpen()
+{
+    try {
+        Open();
+        return S_OK;
+    } catch (const CVixaSXSError&) {
+        return HRESULT_FROM_WIN32(ERROR_INVALID_HANDLE);
+    }
+}
+
+void RegistryKey::SetString(const std::wstring& name, const std::wstring& value)
+{
+    Open();
+    const std::size_t bytes = (value.size() + 1) * sizeof(wchar_t);
+    check(RegSetValueExW(handle_.get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
+                         static_cast<DWORD>(bytes)));
+}
+
+void RegistryKey::DeleteValue(const std::wstring& name)
+{
+    Open();
+    check(RegDeleteValueW(handle_.get(), name.c_str()));
+}

@@ -1,0 +1,50 @@
+// One registry key: a root, a path below it and the rights wanted. The handles are obtained by the first operation that
+// needs them.
+#pragma once
+
+#include "framework/Handles.h"
+
+#include <windows.h>
+
+#include <string>
+
+// For one thread at a time. Failures of the registry throw CVixaSXSError with the system's code in AREA_REGISTRY.
+class RegistryKey
+{
+public:
+    RegistryKey() noexcept = default;
+
+    // A description; nothing is opened. rootKind: a vixa::sxs::RootKind; path without a leading backslash.
+    RegistryKey(long rootKind, const std::wstring& path, REGSAM access);
+
+    // Assigning closes the handles held before.
+    RegistryKey(RegistryKey&&) noexcept = default;
+    RegistryKey& operator=(RegistryKey&&) noexcept = default;
+
+    // A description of a key below this one, with the same root and rights.
+    RegistryKey SubKey(const std::wstring& name) const;
+
+    // Creates the key, or opens it when it exists; nothing when a handle is held.
+    void Create();
+
+    // Opens the key when it exists; nothing when a handle is held.
+    void Open();
+
+    // Open() with its exception turned into a result: S_OK, or 0x80070006 when the key is not open.
+    HRESULT TryOpen();
+
+    // Writes a REG_SZ value with its terminator; opens the key first when it isn't open.
+    void SetString(const std::wstring& name, const std::wstring& value);
+
+    // Deletes a value; opens the key first when it isn't open.
+    void DeleteValue(const std::wstring& name);
+
+private:
+    HKEY root();
+
+    std::wstring path_;
+    vixa::UniqueKey handle_;
+    REGSAM access_ = 0;
+    long rootKind_ = 0;
+    vixa::UniqueKey rootHandle_; // may hold a predefined root, for which the release is as good as nothing
+};

@@ -1,0 +1,186 @@
+#include "sxs/XmlText.h"
+
+#include "sxs/CVixaSXSError.h"
+#include "sxs/Platform.h"
+
+#include <tinyxml.h>
+
+#include <algorithm>
+#include <string_view>
+
+namespace vixa::sxs {
+namespace {
+
+constexpr std::string_view blanks = " \t\r\n";
+
+bool isNameStart(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || static_cast<unsigned char>(c) >= 0x7F;
+}
+
+bool isNameChar(char c)
+{
+    return isNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.' || c == ':';
+}
+
+// Walks well-formed XML and keeps count of its nesting. What it doesn't understand it refuses: the parser is more
+// lenient than XML, and where the two could read a text differently the count would mean nothing.
+class NestingWalk
+{
+public:
+    explicit NestingWalk(std::string_view text) : rest_(text) {}
+
+    bool staysInBounds()
+    {
+        take("\xEF\xBB\xBF");
+        if (rest_.starts_with("<?xml") && !declaration())
+            return false;
+        while (!rest_.empty()) {
+            const std::size_t open = rest_.find('<');
+            if (open == std::string_view::npos)
+                break;
+            rest_.remove_prefix(open);
+            if (!markup())
+                return false;
+        }
+        return true;
+    }
+
+private:
+    bool take(std::string_view token)
+    {
+        if (!rest_.starts_with(token))
+            return false;
+        rest_.remove_prefix(token.size());
+        return true;
+    }
+
+    bool skipBlanks()
+    {
+        const std::size_t count = std::min(rest_.find_first_not_of(blanks), rest_.size());
+        rest_.remove_prefix(count);
+        return count > 0;
+    }
+
+    bool skipPast(std::string_view end)
+    {
+        const std::size_t at = rest_.find(end);
+        if (at == std::string_view::npos)
+            return false;
+        rest_.remove_prefix(at + end.size());
+        return true;
+    }
+
+    std::string_view name()
+    {
+        if (rest_.empty() || !isNameStart(rest_.front()))
+            return {};
+        const auto end = std::find_if_not(rest_.begin(), rest_.end(), isNameChar);
+        const std::string_view found = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
+        rest_.remove_prefix(found.size());
+        return found;
+    }
+
+    // name="value" or name='value'; gives the name, empty when it is anything else.
+    std::string_view attribute()
+    {
+        const std::string_view found = name();
+        skipBlanks();
+        if (!take("="))
+            return {};
+        skipBlanks();
+        const bool closed = take("\"") ? skipPast("\"") : take("'") && skipPast("'");
+        return closed ? found : std::string_view();
+    }
+
+    // The parser looks for these three names only, and skips others by a rule of its own.
+    bool declaration()
+    {
+        take("<?xml");
+        while (skipBlanks() && !rest_.starts_with("?>")) {
+            const std::string_view found = attribute();
+            if (found != "version" && found != "encoding" && found != "standalone")
+                return false;
+        }
+        return take("?>");
+    }
+
+    bool markup()
+    {
+        if (take("<!--"))
+            return skipPast("-->");
+        if (take("<![CDATA["))
+            return skipPast("]]>");
+        if (take("<!")) {
+            const std::size_t end = rest_.find_first_of("<>");
+            return end != std::string_view::npos && rest_[end] == '>' && skipPast(">");
+        }
+        if (take("</")) {
+            if (depth_ == 0 || name().empty())
+                return false;
+            skipBlanks();
+            --depth_;
+            return take(">");
+        }
+        return take("<") && startTag();
+    }
+
+    bool startTag()
+    {
+        if (name().empty())
+            return false;
+        for (std::size_t attributes = 0;; ++attributes) {
+            const bool separated = skipBlanks();
+            if (take("/>"))
+                return true;
+            if (take(">"))
+                return ++depth_ <= maxXmlDepth;
+            if (!separated || attributes == maxXmlAttributes || attribute().empty())
+                return false;
+        }
+    }
+
+    std::string_view rest_;
+    std::size_t depth_ = 0;
+};
+
+bool isUtf8(std::string_view text)
+{
+    try {
+        WideFromUtf8(std::string(text));
+        return true;
+    } catch (const CVixaSXSError&) {
+        return false;
+    }
+}
+
+} // namespace
+
+bool IsSafeToParse(const std::string& text)
+{
+    const std::string_view seen(text.c_str()); // the parser stops at the first zero
+    if (seen.size() > maxXmlBytes)
+        return false;
+    std::size_t starts = 0;
+    for (std::size_t at = seen.find('<'); at != std::string_view::npos; at = seen.find('<', at + 1))
+        starts += at + 1 < seen.size() && isNameStart(seen[at + 1]);
+    const auto attributes = static_cast<std::size_t>(std::count(seen.begin(), seen.end(), '='));
+    if (starts <= maxXmlDepth && attributes <= maxXmlAttributes)
+        return true;
+    // The parser steps over as many bytes as a lead byte announces, so that a damaged sequence hides what follows it.
+    return isUtf8(seen) && NestingWalk(seen).staysInBounds();
+}
+
+bool ParseXml(const std::string& text, TiXmlDocument& document)
+{
+    if (!IsSafeToParse(text))
+        return false;
+    // A lead byte before the terminator takes the parser up to three bytes beyond it: it must find a terminator there
+    // too.
+    std::string padded = text;
+    padded.append(3, '\0');
+    document.Parse(padded.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
+    return !document.Error();
+}
+
+} // namespace vixa::sxs

@@ -1,0 +1,250 @@
+#include "ModuleFixture.h"
+
+#include "localisation/Texts.h"
+
+#include <cstring>
+#include <fstream>
+#include <psapi.h>
+
+namespace {
+
+using vixa::test::TestModule;
+namespace fs = std::filesystem;
+
+constexpr LANGID german = 1031, french = 1036;
+const std::wstring germanText = L"F\u00FCge Pixel hinzu";
+
+struct Modules : vixa::test::ModuleFixture
+{
+    void writeFile(std::wstring_view code, std::string_view contents)
+    {
+        std::ofstream(languagePath(code), std::ios::binary) << contents;
+    }
+
+    static std::string contentsOf(const ModuleBase& module, UINT id, LPCWSTR type)
+    {
+        DWORD size = 0;
+        const HGLOBAL found = module.FindModuleResource(id, type, &size);
+        return found ? std::string(static_cast<const char*>(LockResource(found)), size) : std::string();
+    }
+};
+
+TEST_F(Modules, AttachSpeaksEnglishAndJoinsTheList)
+{
+    TestModule module;
+    module.initAnswer = false;
+    EXPECT_EQ(vixa::textModule(), nullptr);
+    EXPECT_EQ(vixa::LoadResString(542), L"");
+    EXPECT_FALSE(module.Attach(library.get()));
+    EXPECT_TRUE(module.initialised);
+    EXPECT_EQ(vixa::textModule(), &module);
+    EXPECT_EQ(ModuleBase::GetLanguage(), 1033);
+    EXPECT_EQ(module.ResourceHandle(), library.get());
+    EXPECT_EQ(vixa::LoadResString(542), L"Add pixel");
+    EXPECT_EQ(vixa::LoadResString(700), L"Red");
+    for (const UINT missing : {0u, 1u, 541u, 544u, 706u, 0x10000u, 0xFFFFFFFFu})
+        EXPECT_EQ(vixa::LoadResString(missing), L"") << missing;
+
+    addLanguage(L"en-US");
+    ModuleBase::SetLanguage(1033);
+    EXPECT_EQ(module.ResourceHandle(), library.get()) << "English is current already";
+    module.Detach();
+    EXPECT_FALSE(module.initialised);
+    EXPECT_EQ(vixa::textModule(), nullptr);
+
+    TestModule next;
+    EXPECT_TRUE(next.Attach(library.get()));
+    EXPECT_NE(next.ResourceHandle(), library.get()) << "the English file is beside the library now";
+    EXPECT_EQ(vixa::LoadResString(542), germanText);
+    next.Detach();
+}
+
+TEST_F(Modules, ALanguageFileServesTextsAndTheLibraryPictures)
+{
+    TestModule module;
+    module.Attach(library.get());
+    addLanguage(L"de-DE");
+    ModuleBase::SetLanguage(german);
+    EXPECT_EQ(ModuleBase::GetLanguage(), german);
+    const HMODULE loaded = module.ResourceHandle();
+    EXPECT_EQ(module.LoadResString(542), germanText);
+    EXPECT_EQ(module.LoadResString(543), L"") << "a text that the file lacks is empty";
+    EXPECT_EQ(module.LoadResString(160), L"a");
+    EXPECT_EQ(module.LoadResString(161), L"") << "claims more than the block holds";
+    EXPECT_EQ(module.LoadResString(162), L"");
+
+    EXPECT_EQ(contentsOf(module, 339, RT_BITMAP), "own bitmap");
+    EXPECT_EQ(contentsOf(module, 7, L"PICTURE"), "own picture");
+    EXPECT_EQ(contentsOf(module, 7, L"Picture"), "own picture");
+    EXPECT_EQ(contentsOf(module, 7, RT_RCDATA), "other data");
+    EXPECT_EQ(contentsOf(module, 0x10007, RT_RCDATA), "other data") << "the low 16 bits count";
+    EXPECT_EQ(module.FindModuleResource(0, RT_RCDATA), nullptr);
+    EXPECT_EQ(module.FindModuleResource(8, RT_RCDATA), nullptr);
+
+    ModuleBase::SetLanguage(german);
+    EXPECT_EQ(module.ResourceHandle(), loaded) << "asking again costs nothing";
+    ModuleBase::SetLanguage(0x0807);
+    EXPECT_EQ(ModuleBase::GetLanguage(), 0x0807) << "another German is served by the same file";
+    EXPECT_EQ(module.LoadResString(700), L"Rot");
+    WCHAR text[40];
+    ASSERT_EQ(LoadStringW(module.ResourceHandle(), 542, text, 40), 16);
+    EXPECT_EQ(text, germanText);
+    module.Detach();
+}
+
+TEST_F(Modules, AMissingFileMeansEnglishAndIsTriedAgain)
+{
+    TestModule module;
+    module.Attach(library.get());
+    addLanguage(L"de-DE");
+    ModuleBase::SetLanguage(german);
+    ModuleBase::SetLanguage(french);
+    EXPECT_EQ(ModuleBase::GetLanguage(), 1033);
+    EXPECT_EQ(module.ResourceHandle(), library.get());
+    EXPECT_EQ(module.LoadResString(542), L"Add pixel");
+    addLanguage(L"fr-FR");
+    ModuleBase::SetLanguage(french);
+    EXPECT_EQ(ModuleBase::GetLanguage(), french);
+    EXPECT_EQ(module.LoadResString(542), germanText);
+    module.Detach();
+}
+
+TEST_F(Modules, DamagedFilesMeanEnglishAndStayClosed)
+{
+    TestModule module;
+    module.Attach(library.get());
+    addLanguage(L"de-DE");
+    std::ifstream stream(languagePath(L"de-DE"), std::ios::binary);
+    const std::string whole(std::istreambuf_iterator<char>(stream), {});
+    stream.close();
+    ASSERT_GT(whole.size(), 1024u);
+
+    std::vector<std::string> contents = {"", "MZ", "[texts]\nadd=hinzu\n", std::string(100000, '\xFF')};
+    // The last cuts leave the last page of the mapping there, filled with zeros.
+    for (std::size_t size = 64; size < whole.size(); size += 192)
+        contents.push_back(whole.substr(0, size));
+    contents.push_back(whole.substr(0, whole.size() - 1));
+    for (const std::string& damaged : contents) {
+        writeFile(L"de-DE", damaged);
+        const DWORD mode = GetThreadErrorMode();
+        ModuleBase::SetLanguage(german);
+        EXPECT_EQ(GetThreadErrorMode(), mode);
+        EXPECT_EQ(ModuleBase::GetLanguage(), 1033) << damaged.size();
+        EXPECT_EQ(module.LoadResString(542), L"Add pixel");
+        EXPECT_TRUE(DeleteFileW(languagePath(L"de-DE").c_str())) << damaged.size() << ": somebody holds it open";
+    }
+    fs::create_directory(languagePath(L"de-DE"));
+    ModuleBase::SetLanguage(german);
+    EXPECT_EQ(ModuleBase::GetLanguage(), 1033) << "a folder";
+    fs::remove(languagePath(L"de-DE"));
+    writeFile(L"de-DE", whole);
+    ModuleBase::SetLanguage(german);
+    EXPECT_EQ(module.LoadResString(542), germanText);
+    module.Detach();
+}
+
+TEST_F(Modules, EveryAttachedModuleIsSwitched)
+{
+    struct Silent : ModuleBase
+    {
+        using ModuleBase::Attach;
+    };
+    addLanguage(L"de-DE");
+    TestModule first, second;
+    Silent silent;
+    for (ModuleBase* module :
+         {static_cast<ModuleBase*>(&first), static_cast<ModuleBase*>(&silent), static_cast<ModuleBase*>(&second)})
+        EXPECT_TRUE(module->Attach(library.get()));
+    ModuleBase::SetLanguage(german);
+    EXPECT_EQ(first.LoadResString(700), L"Rot");
+    EXPECT_EQ(second.LoadResString(700), L"Rot");
+    EXPECT_EQ(silent.LoadResString(700), L"Red") << "a module without language files";
+    first.Detach();
+    EXPECT_EQ(vixa::textModule(), &silent);
+    silent.Detach();
+    second.Detach();
+}
+
+TEST_F(Modules, LibraryPathsMayBeLong)
+{
+    fs::path deep = L"\\\\?\\" + folder.wstring();
+    while (deep.native().size() < 560) {
+        deep /= std::wstring(50, L'd');
+        ASSERT_TRUE(CreateDirectoryW(deep.c_str(), nullptr)) << GetLastError();
+    }
+    const fs::path longLibrary = deep / L"VixaVideoFX.dll", longLanguage = deep / L"VixaVideoFX_de-DE.nls";
+    ASSERT_TRUE(CopyFileW(libraryPath().c_str(), longLibrary.c_str(), TRUE));
+    ASSERT_TRUE(
+        CopyFileW((vixa::test::programFolder() / L"localisation_language.nls").c_str(), longLanguage.c_str(), TRUE));
+    const HMODULE loaded = LoadLibraryW(longLibrary.c_str());
+    ASSERT_NE(loaded, nullptr) << GetLastError();
+    {
+        TestModule module;
+        module.Attach(loaded);
+        ModuleBase::SetLanguage(german);
+        EXPECT_EQ(module.LoadResString(542), germanText);
+        module.Detach();
+    }
+    FreeLibrary(loaded);
+    DeleteFileW(longLibrary.c_str());
+    EXPECT_TRUE(DeleteFileW(longLanguage.c_str())) << "somebody holds it open";
+    for (; deep.native().size() > folder.native().size() + 4; deep = deep.parent_path())
+        RemoveDirectoryW(deep.c_str());
+}
+
+TEST_F(Modules, SwitchingLeavesNothingBehind)
+{
+    TestModule module;
+    module.Attach(library.get());
+    for (const std::wstring_view code : vixa::languageCodes())
+        addLanguage(code);
+    const LANGID languages[] = {1031, 1036, 1033, 0x0411, 0x040A, 0x080A, 0x0816};
+    const auto switchAll = [&] {
+        for (const LANGID language : languages) {
+            ModuleBase::SetLanguage(language);
+            ASSERT_EQ(module.LoadResString(542), germanText);
+        }
+    };
+    const auto mappedViews = [] {
+        std::size_t count = 0;
+        MEMORY_BASIC_INFORMATION region;
+        for (const char* at = nullptr; VirtualQuery(at, &region, sizeof region) != 0; at += region.RegionSize) {
+            count += region.State == MEM_COMMIT && region.Type == MEM_MAPPED ? 1 : 0;
+            if (reinterpret_cast<ULONG_PTR>(at) + region.RegionSize < reinterpret_cast<ULONG_PTR>(at))
+                break;
+        }
+        return count;
+    };
+    const auto openHandles = [] {
+        DWORD count = 0;
+        GetProcessHandleCount(GetCurrentProcess(), &count);
+        return count;
+    };
+    switchAll();
+    const std::size_t viewsBefore = mappedViews();
+    const DWORD handlesBefore = openHandles();
+    for (int round = 0; round < 30; ++round)
+        switchAll();
+    EXPECT_EQ(mappedViews(), viewsBefore);
+    EXPECT_EQ(openHandles(), handlesBefore);
+    module.Detach();
+}
+
+TEST(HandOutText, GoesByTwoCalls)
+{
+    WCHAR buffer[6] = {L'?', L'?', L'?', L'?', L'?', L'?'};
+    ULONG length = 77;
+    vixa::handOutText(L"Rot", nullptr, &length);
+    EXPECT_EQ(length, 4u);
+    length = 0; // never read on entry
+    vixa::handOutText(L"Rot", buffer, &length);
+    EXPECT_EQ(std::wstring(buffer, 6), std::wstring(L"Rot\0??", 6));
+    EXPECT_EQ(length, 4u);
+    vixa::handOutText(L"", buffer, nullptr);
+    EXPECT_EQ(std::wstring(buffer, 6), std::wstring(L"\0ot\0??", 6));
+    vixa::handOutText(L"", nullptr, &length);
+    EXPECT_EQ(length, 1u);
+    vixa::handOutText(L"Rot", nullptr, nullptr);
+}
+
+} // namespace

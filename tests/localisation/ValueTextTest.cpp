@@ -1,0 +1,46 @@
+#include "localisation/ValueText.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace {
+
+using vixa::formatValue;
+
+TEST(ValueText, FormatsOneDouble)
+{
+    EXPECT_EQ(formatValue(L"%.0lf", 79.6), L"80");
+    EXPECT_EQ(formatValue(L"%lf", 0.5), L"0.500000");
+    EXPECT_EQ(formatValue(L"%+08.2f", 3.14159), L"+0003.14");
+    EXPECT_EQ(formatValue(L"%-6.1f|", 2.0), L"2.0   |");
+    EXPECT_EQ(formatValue(L"%.f", 2.4), L"2");
+    EXPECT_EQ(formatValue(L"%.2e", 12345.0), L"1.23e+04");
+    EXPECT_EQ(formatValue(L"%g %%", 50.0), L"50 %");
+    EXPECT_EQ(formatValue(L"ca. %.1f\u00B0", -1.25), L"ca. -1.2\u00B0");
+    EXPECT_EQ(formatValue(std::wstring_view(L"%.0f\0%n", 7), 1.0), L"1") << "a terminator ends the format";
+}
+
+TEST(ValueText, AnyOtherFormatGivesNoText)
+{
+    const wchar_t* const refused[] = {
+        L"",     L"none",  L"100%%", L"%",     L"%s",    L"%ls",    L"%d",           L"%ld",
+        L"%n",   L"%hn",   L"%p",    L"%c",    L"%Lf",   L"%llf",   L"%hf",          L"%*f",
+        L"%.*f", L"%*.*f", L"%1$f",  L"%f%f",  L"%f %s", L"%s %f",  L"%f%n",         L"%",
+        L"%5",   L"%.",    L"%.3",   L"%l",    L"%100f", L"%.100f", L"%2147483647f", L"%.2147483647f",
+        L"%-",   L"%I64f", L"%'f",   L"% f %", L"%wf",   L"%F %%%", L"%.-3f"};
+    for (const wchar_t* format : refused)
+        EXPECT_EQ(formatValue(format, 1.0), L"") << testing::PrintToString(std::wstring(format));
+}
+
+TEST(ValueText, TheLongestNumbersFit)
+{
+    const double largest = std::numeric_limits<double>::max();
+    EXPECT_EQ(formatValue(L"%.99f", -largest).size(), 1u + 309u + 1u + 99u);
+    EXPECT_EQ(formatValue(L"%+099.99f", largest).size(), 1u + 309u + 1u + 99u);
+    EXPECT_EQ(formatValue(L"%99.0f", 1.0).size(), 99u);
+    EXPECT_FALSE(formatValue(L"%f", std::numeric_limits<double>::quiet_NaN()).empty());
+    EXPECT_FALSE(formatValue(L"%.99a", std::numeric_limits<double>::denorm_min()).empty());
+}
+
+} // namespace

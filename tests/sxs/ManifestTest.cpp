@@ -1,0 +1,218 @@
+// The host's manifest is anyone's file: whatever it holds gives a name, an empty name or an error of this subsystem.
+#include "sxs/HostManifest.h"
+#include "sxs/SxsConfiguration.h"
+#include "sxs/XmlText.h"
+#include "tests/sxs/ThrownError.h"
+
+#include <gtest/gtest.h>
+#include <tinyxml.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using namespace vixa::sxs;
+using namespace std::string_literals;
+
+std::string repeat(std::size_t count, const std::string& piece)
+{
+    std::string text;
+    text.reserve(count * piece.size());
+    for (std::size_t i = 0; i < count; ++i)
+        text += piece;
+    return text;
+}
+
+const std::string declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n";
+
+TEST(Manifest, NameComesFromTheIdentityBelowTheRoot)
+{
+    EXPECT_EQ(ManifestName("\xEF\xBB\xBF" + declaration +
+                           "<!--assembly--><assembly xmlns='urn:x' manifestVersion='1.0'>\r\n"
+                           "<assemblyIdentity type='win32' name='Edit\xC3\xB6r &amp; Co' version='1.0.0.0'/>\r\n"
+                           "<assemblyIdentity name='second'/></assembly>\r\n"),
+              L"Edit\x00F6r & Co");
+    EXPECT_EQ(ManifestName("<assembly><dependency><assemblyIdentity name='nested'/></dependency></assembly>"), L"");
+    EXPECT_EQ(ManifestName("<assembly><assemblyIdentity Name='Case'/></assembly>"), L"");
+    EXPECT_EQ(ManifestName("<x><assembly><assemblyIdentity name='n'/></assembly></x>"), L"");
+    EXPECT_EQ(ManifestName("<assembly><assemblyIdentity name=bare></assemblyIdentity></assembly>"), L"bare");
+}
+
+TEST(Manifest, WhatDoesNotParseGivesNoName)
+{
+    const std::string good = "<assembly><assemblyIdentity name='n'/></assembly>";
+    std::string wide;
+    for (const char c : declaration + good)
+        wide += {c, '\0'};
+    for (const std::string& text : {""s,
+                                    "\0"s,
+                                    " \r\n"s,
+                                    "plain text"s,
+                                    "{\"assembly\": 1}"s,
+                                    good.substr(0, 20),
+                                    good.substr(0, good.size() - 3),
+                                    "<assembly><assemblyIdentity name='n' name='m'/></assembly>"s,
+                                    "\xFF\xFE" + wide,
+                                    "\xFE\xFF" + wide,
+                                    "MZ\x90\0\x03"s,
+                                    "<assembly><assemblyIdentity name='&#x110000000;'/></assembly>"s,
+                                    "<assembly"s,
+                                    "<"s,
+                                    "<!"s,
+                                    "<?xml"s,
+                                    "<a b='\xF0"s,
+                                    "<a>\xF0"s,
+                                    "\xF0"s,
+                                    declaration + "<a b='\xF4"s})
+        EXPECT_EQ(ManifestName(text), L"") << text;
+}
+
+TEST(Manifest, NameThatIsNotUtf8IsAnError)
+{
+    for (const std::string& name :
+         {"\x80x"s, "\xC3(x"s, "\xC0\xAF."s, "\xED\xA0\x80."s, "\xF5\x80\x80\x80."s, "ab\xE2\x82"s})
+        EXPECT_EQ(thrownBy([&] {
+                      ManifestName("<?xml version='1.0' encoding='iso-8859-1'?><assembly><assemblyIdentity name='" +
+                                   name + "'/></assembly>");
+                  }),
+                  error(1113, AREA_TEXT))
+            << name;
+}
+
+// Depth of the deepest element that the parser built, also when it stopped half-way; without recursion.
+std::size_t depthOf(const TiXmlDocument& document)
+{
+    std::size_t depth = 0, deepest = 0;
+    for (const TiXmlNode* node = &document;;) {
+        if (const TiXmlNode* child = node->FirstChild()) {
+            node = child;
+            deepest = std::max(deepest, ++depth);
+            continue;
+        }
+        while (node != &document && !node->NextSibling()) {
+            node = node->Parent();
+            --depth;
+        }
+        if (node == &document)
+            return deepest;
+        node = node->NextSibling();
+    }
+}
+
+TEST(Manifest, NestingAndAttributesAreBoundedBeforeParsing)
+{
+    const std::string deep = repeat(maxXmlDepth, "<a>") + repeat(maxXmlDepth, "</a>");
+    TiXmlDocument document;
+    EXPECT_TRUE(ParseXml(deep, document));
+    EXPECT_EQ(depthOf(document), maxXmlDepth);
+    const std::string many =
+        "<r>" + repeat(5000, "<a x='1'><b/>text<!-- </a> <c> --><![CDATA[</a><c>]]></a>\n") + "</r>";
+    EXPECT_TRUE(IsSafeToParse(many));
+    EXPECT_TRUE(IsSafeToParse(declaration + "<!DOCTYPE r>" + many));
+
+    for (const std::string& text : {
+             "<a>" + deep + "</a>",
+             repeat(100000, "<a>"),
+             repeat(100000, "<a b='"),
+             // Each hides an end tag where only a careless reader would see one.
+             repeat(200, "<a><!--</a>-->"),
+             repeat(200, "<a b='</a>'>"),
+             repeat(200, "<a><![CDATA[</a>]]>"),
+             repeat(200, "<a b=\"'/>\" c=\"'\">"),
+             repeat(200, "<a><!x </a>"),
+             repeat(200, "<a><?xml x='?></a>'?>"),
+             declaration + "<r>" + repeat(200, "<a b='\xF0'></a><c d='>'/>") + "</r>",
+             "<?xml a\"version=\"?>" + repeat(200, "<a></a><a>"),
+             "<r " + repeat(maxXmlAttributes + 1, "a='1' ") + "/>",
+             std::string(maxXmlBytes + 1, ' '),
+         })
+        EXPECT_FALSE(IsSafeToParse(text)) << text.substr(0, 100);
+
+    // Only what the parser would read counts.
+    EXPECT_TRUE(IsSafeToParse("<a/>\0"s + repeat(100000, "<a>")));
+}
+
+// The largest texts that pass: their cost is what the bounds promise. A hang shows as the program's time limit.
+TEST(Manifest, CostliestTextsAreRead)
+{
+    std::string attributes;
+    for (std::size_t i = 0; i < maxXmlAttributes; ++i)
+        attributes += " a" + std::to_string(i) + "=''";
+    const std::string element = "<e" + attributes + "/>";
+    TiXmlDocument document;
+    EXPECT_TRUE(ParseXml("<r>" + repeat((maxXmlBytes - 7) / element.size(), element) + "</r>", document));
+    EXPECT_EQ(ManifestName("<assembly>" + repeat(170000, "<a/>") + "<assemblyIdentity name='n'/></assembly>"), L"n");
+    EXPECT_EQ(ManifestName("<a>" + repeat(300000, "&#x") + "</a>"), L"");
+}
+
+std::uint32_t answerLength = 0;
+
+std::uint32_t longProgramPath(wchar_t* buffer, std::uint32_t capacity, std::int32_t& error) noexcept
+{
+    std::fill_n(buffer, std::min(answerLength, capacity), L'p');
+    error = answerLength == 0 ? 126 : 0;
+    return answerLength;
+}
+
+TEST(Manifest, PathsThatCannotBeHadAreErrors)
+{
+    const auto ask = [](std::uint32_t length) {
+        answerLength = length;
+        return thrownBy([] { HostApplicationName(longProgramPath); });
+    };
+    EXPECT_EQ(ask(0), error(126, AREA_REQUEST));
+    EXPECT_EQ(ask(32767), error(8, AREA_REQUEST));
+    EXPECT_EQ(ask(32766), error(13, AREA_REQUEST));
+    EXPECT_EQ(ask(32758), error(13, AREA_REQUEST));
+    answerLength = 32757;
+    EXPECT_EQ(ManifestPath(longProgramPath).size(), 32766u);
+    EXPECT_EQ(HostApplicationName(longProgramPath), L"");
+}
+
+class ManifestFile : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        path_ = ManifestPath();
+        ASSERT_FALSE(std::filesystem::exists(path_));
+    }
+    void TearDown() override { std::filesystem::remove(path_); }
+    void write(const std::string& text) const { std::ofstream(path_, std::ios::binary) << text; }
+
+    std::filesystem::path path_;
+};
+
+TEST_F(ManifestFile, NamesTheApplicationThatIsLookedUp)
+{
+    SxsConfiguration configuration;
+    // Without a name the lookup is by identifier 0, which no application has.
+    EXPECT_EQ(thrownBy([&] { configuration.ResolveRegistryPath(1, 4, 0, L"", 1025); }), error(1630, AREA_DOCUMENT));
+    write(declaration + "<assembly><assemblyIdentity name=\"Recorder\"/></assembly>");
+    EXPECT_EQ(configuration.ResolveRegistryPath(1, 4, 0, L"", 1025), L"Software\\Vixa\\Vixa 12\\Recorder");
+    EXPECT_EQ(configuration.ResolveRegistryPath(1, 4, 130, L"", 1025), L"Software\\Vixa\\Vixa 12\\Editor");
+    write("<assembly><assemblyIdentity name='APPLICATIONSROOT'/></assembly>");
+    EXPECT_EQ(configuration.ResolveRegistryPath(1, 4, 0, L"", 1025), L"Software\\Vixa");
+    write("<assembly><assemblyIdentity name='\xC3('/></assembly>");
+    EXPECT_EQ(thrownBy([&] { configuration.ResolveRegistryPath(1, 4, 0, L"", 1025); }), error(1113, AREA_TEXT));
+}
+
+TEST_F(ManifestFile, UnreadableAndHugeOnesGiveNoName)
+{
+    const std::string good = "<assembly><assemblyIdentity name='n'/></assembly>";
+    write(good + std::string(maxXmlBytes - good.size(), ' '));
+    EXPECT_EQ(HostApplicationName(), L"n");
+    write(good + std::string(maxXmlBytes, ' '));
+    EXPECT_EQ(HostApplicationName(), L"");
+    std::filesystem::resize_file(path_, std::uintmax_t(5) << 30); // no bytes on the disk: a sparse file
+    EXPECT_EQ(HostApplicationName(), L"");
+    std::filesystem::remove(path_);
+    std::filesystem::create_directory(path_);
+    EXPECT_EQ(HostApplicationName(), L"");
+}
+
+} // namespace
