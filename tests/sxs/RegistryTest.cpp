@@ -1,0 +1,165 @@
+// Registry keys and the library's location in a real registry; the program runs in a prefix of its own.
+#include "sxs/CRegistrySxs.h"
+#include "sxs/RegistryKey.h"
+#include "tests/sxs/RegistryFaults.h"
+#include "tests/sxs/RegistryView.h"
+#include "tests/sxs/ThrownError.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using registry_view::exists;
+using registry_view::read;
+using registry_view::text;
+using namespace vixa::sxs;
+
+constexpr const wchar_t* location = L"Software\\Vixa\\Vixa 12\\Editor";
+
+class Registry : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        const registry_faults::Bypass own;
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Vixa");
+        RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Vixa");
+        registry_faults::reset();
+    }
+    void TearDown() override
+    {
+        EXPECT_EQ(registry_faults::openKeys(), 0u);
+        registry_faults::reset();
+    }
+};
+
+TEST_F(Registry, KeyIsADescriptionUntilItIsUsed)
+{
+    {
+        RegistryKey key(LOCAL_MACHINE, L"Software\\Vixa", KEY_ALL_ACCESS);
+        RegistryKey child = key.SubKey(L"\\Child");
+        EXPECT_TRUE(registry_faults::calls().empty());
+        EXPECT_EQ(child.TryOpen(), static_cast<HRESULT>(0x80070006));
+        EXPECT_EQ(thrownBy([&] { child.Open(); }), error(ERROR_FILE_NOT_FOUND, AREA_REGISTRY));
+        EXPECT_EQ(thrownBy([&] { child.SetString(L"v", L"x"); }), error(ERROR_FILE_NOT_FOUND, AREA_REGISTRY));
+        EXPECT_FALSE(exists(HKEY_LOCAL_MACHINE, L"Software\\Vixa"));
+        child.Create();
+        EXPECT_EQ(child.TryOpen(), S_OK);
+        const std::size_t calls = registry_faults::calls().size();
+        child.Create();
+        child.Open();
+        EXPECT_EQ(registry_faults::calls().size(), calls); // it is open already
+        EXPECT_EQ(registry_faults::openKeys(), 1u);
+        child.SetString(L"v", L"B\x00E4r");
+        EXPECT_EQ(read(HKEY_LOCAL_MACHINE, L"Software\\Vixa\\Child", L"v"), text(L"B\x00E4r"));
+        child.SetString(L"", L"");
+        EXPECT_EQ(read(HKEY_LOCAL_MACHINE, L"Software\\Vixa\\Child", L""), text(L""));
+        child.DeleteValue(L"v");
+        EXPECT_EQ(thrownBy([&] { child.DeleteValue(L"v"); }), error(ERROR_FILE_NOT_FOUND, AREA_REGISTRY));
+        child = RegistryKey(LOCAL_MACHINE, L"Software\\Vixa", KEY_READ);
+        EXPECT_EQ(registry_faults::openKeys(), 0u); // assigning closed it
+        EXPECT_EQ(thrownBy([&] { child.SetString(L"v", L"x"); }), error(ERROR_ACCESS_DENIED, AREA_REGISTRY));
+    }
+    EXPECT_EQ(thrownBy([] { RegistryKey(4, L"Software", KEY_READ).Open(); }), error(12, AREA_REGISTRY));
+    EXPECT_EQ(thrownBy([] { RegistryKey(0, L"Software", KEY_READ).Create(); }), error(12, AREA_REGISTRY));
+    RegistryKey(CLASSES_ROOT, L"CLSID", KEY_READ).Open();
+}
+
+TEST_F(Registry, UsersHiveIsOpenedWithFullRightsAndClosedAgain)
+{
+    RegistryKey key(CURRENT_USER, L"Software\\Vixa", KEY_SET_VALUE);
+    registry_faults::failCall(0);
+    EXPECT_EQ(thrownBy([&] { key.Create(); }), error(ERROR_ACCESS_DENIED, AREA_REGISTRY));
+    registry_faults::reset();
+    key.Create();
+    ASSERT_EQ(registry_faults::calls().size(), 2u);
+    EXPECT_EQ(registry_faults::calls()[0].function, "RegOpenCurrentUser"); // the failure before left no root behind
+    EXPECT_EQ(registry_faults::calls()[0].access, static_cast<REGSAM>(KEY_ALL_ACCESS));
+    EXPECT_EQ(registry_faults::calls()[1].access, static_cast<REGSAM>(KEY_SET_VALUE));
+    EXPECT_TRUE(exists(HKEY_CURRENT_USER, L"Software\\Vixa"));
+    EXPECT_EQ(registry_faults::openKeys(), 2u);
+    key = RegistryKey();
+}
+
+TEST_F(Registry, LocationTakesSubkeysAndValues)
+{
+    for (const auto& [kind, root] : {std::pair(LOCAL_MACHINE, HKEY_LOCAL_MACHINE), {CURRENT_USER, HKEY_CURRENT_USER}}) {
+        CRegistrySxs registry(kind);
+        ASSERT_TRUE(registry.Resolved());
+        registry_faults::reset();
+        const std::wstring effects = std::wstring(location) + L"\\Effects";
+        EXPECT_FALSE(registry.SetStringValue(L"Effects", L"n", L"v"));
+        EXPECT_FALSE(registry.DeleteValue(L"Effects", L"n"));
+        EXPECT_FALSE(exists(root, L"Software\\Vixa"));
+        EXPECT_TRUE(registry.CreateSubKey(L"Effects"));
+        EXPECT_TRUE(registry.CreateSubKey(L"Effects"));
+        EXPECT_TRUE(exists(root, effects));
+        EXPECT_TRUE(registry.SetStringValue(L"Effects", L"n", L"Add pixel"));
+        EXPECT_EQ(read(root, effects, L"n"), text(L"Add pixel"));
+        EXPECT_FALSE(registry.DeleteValue(L"Effects", L"other"));
+        EXPECT_TRUE(registry.DeleteValue(L"Effects", L"n"));
+        EXPECT_FALSE(read(root, effects, L"n"));
+        EXPECT_EQ(registry_faults::openKeys(), 0u); // between operations
+        for (const auto& call : registry_faults::calls())
+            EXPECT_TRUE(call.access == 0 || call.access == 0xF003F) << call.function;
+
+        EXPECT_FALSE(registry.CreateSubKey(nullptr));
+        EXPECT_FALSE(registry.SetStringValue(nullptr, L"n", L"v"));
+        EXPECT_FALSE(registry.SetStringValue(L"Effects", nullptr, L"v"));
+        EXPECT_FALSE(registry.SetStringValue(L"Effects", L"n", nullptr));
+        EXPECT_FALSE(registry.DeleteValue(nullptr, L"n"));
+        EXPECT_FALSE(registry.DeleteValue(L"Effects", nullptr));
+    }
+}
+
+TEST_F(Registry, EveryRefusedCallMakesItsOperationFail)
+{
+    CRegistrySxs registry(CURRENT_USER);
+    const auto use = [&] {
+        return registry.CreateSubKey(L"Effects") + registry.SetStringValue(L"Effects", L"n", L"v") +
+               registry.DeleteValue(L"Effects", L"n");
+    };
+    ASSERT_EQ(use(), 3);
+    const std::size_t calls = registry_faults::calls().size();
+    ASSERT_EQ(calls, 8u); // the hive and the key each time, and what is done with the key
+    for (std::size_t i = 0; i < calls; ++i) {
+        registry_faults::reset();
+        registry_faults::failCall(i);
+        EXPECT_LT(use(), 3) << i;
+        EXPECT_EQ(registry_faults::openKeys(), 0u) << i;
+    }
+}
+
+constexpr const char* olderGeneration = R"(<?xml version="1.0" encoding="utf-8"?><VIXA><GENERATION id="11">
+<PRODUCT-LINE id="1025"><REGISTRY-APPLICATIONS HKLM="Software\Vixa" HKCU="Software\Vixa"/>
+<APPLICATION id="130" name="Editor" subkey="Vixa 11\Editor"/></PRODUCT-LINE></GENERATION></VIXA>)";
+
+TEST_F(Registry, OtherGenerationsAreNotWrittenTo)
+{
+    CRegistrySxs registry(LOCAL_MACHINE, olderGeneration);
+    ASSERT_TRUE(registry.Resolved());
+    ASSERT_TRUE(registry.CreateSubKey(L"Effects"));
+    EXPECT_FALSE(registry.SetStringValue(L"Effects", L"n", L"v"));
+    EXPECT_FALSE(read(HKEY_LOCAL_MACHINE, L"Software\\Vixa\\Vixa 11\\Editor\\Effects", L"n"));
+    for (const auto& call : registry_faults::calls())
+        EXPECT_TRUE(call.access == 0 || call.access == 0xF0039) << call.function;
+}
+
+TEST_F(Registry, UnresolvedLocationTouchesNothing)
+{
+    const std::string document = olderGeneration;
+    const std::size_t id = document.find("130");
+    for (const std::string& text : {std::string("no document"), std::string(document).replace(id, 3, "131")}) {
+        CRegistrySxs registry(LOCAL_MACHINE, text.c_str());
+        EXPECT_FALSE(registry.Resolved());
+        EXPECT_FALSE(registry.CreateSubKey(L"Effects"));
+        EXPECT_FALSE(registry.SetStringValue(L"Effects", L"n", L"v"));
+        EXPECT_FALSE(registry.DeleteValue(L"Effects", L"n"));
+    }
+    EXPECT_FALSE(CRegistrySxs(CLASSES_ROOT).Resolved());
+    EXPECT_TRUE(registry_faults::calls().empty());
+}
+
+} // namespace

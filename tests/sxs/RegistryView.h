@@ -1,0 +1,33 @@
+// Looks into the registry past the code under test: types and bytes as they stand there.
+#pragma once
+
+#include <windows.h>
+
+#include <map>
+#include <optional>
+#include <string>
+
+namespace registry_view {
+
+struct Value
+{
+    DWORD type;
+    std::wstring data; // of a text with its terminator
+    bool operator==(const Value&) const = default;
+};
+
+// Text of a REG_SZ value as the registry holds it.
+inline Value text(const std::wstring& data)
+{
+    return {REG_SZ, data + L'\0'};
+}
+
+bool exists(HKEY root, const std::wstring& path);
+
+// Absent when the key or the value is.
+std::optional<Value> read(HKEY root, const std::wstring& path, const std::wstring& name);
+
+// Every value of a key by name; absent when the key is.
+std::optional<std::map<std::wstring, Value>> values(HKEY root, const std::wstring& path);
+
+} // namespace registry_view
