@@ -137,7 +137,7 @@ bool STDMETHODCALLTYPE BitmapBase::ReplaceKeyColor(const IBitmap* other, COLORRE
     Pixels replacement = PixelsOf(*other);
     if (replacement.bytes.empty() || replacement.width != GetWidth() || replacement.height != GetHeight() ||
         replacement.bitCount != bitCount) {
-        fitting.Attach(GDIBitmap::New());
+        *fitting.GetAddressOf() = GDIBitmap::New();
         if (!fitting || !fitting->CreateDrawn(*other, {GetWidth(), GetHeight()}, bitCount, 0, {}))
             return false;
         replacement = PixelsOf(*fitting.Get());

@@ -206,7 +206,7 @@ bool STDMETHODCALLTYPE GDIBitmap::Create(SIZE size, int bitCount) noexcept
 bool STDMETHODCALLTYPE GDIBitmap::SharesStorageWith(const IBitmap* other) const noexcept
 {
     const auto* const bitmap = dynamic_cast<const GDIBitmap*>(other);
-    return bitmap && bitmap->data == data;
+    return bitmap && bitmap->data.Get() == data.Get();
 }
 
 bool STDMETHODCALLTYPE GDIBitmap::CopyFrom(const IBitmap* other) noexcept

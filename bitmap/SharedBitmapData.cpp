@@ -10,10 +10,11 @@ using Microsoft::WRL::ComPtr;
 
 namespace {
 
+// Takes over the reference that a new record starts with. Not Attach: this library's adds a reference of its own.
 ComPtr<SharedBitmapData> Owned(SharedBitmapData* record) noexcept
 {
     ComPtr<SharedBitmapData> owner;
-    owner.Attach(record);
+    *owner.GetAddressOf() = record;
     return owner;
 }
 

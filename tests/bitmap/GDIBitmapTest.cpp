@@ -1,0 +1,346 @@
+// Storage: sharing, loading and exporting, and the order of the operations.
+#include "bitmap/GDIBitmap.h"
+#include "bitmap/ExportPicture.h"
+#include "bitmap/OsFamily.h"
+#include "tests/bitmap/GuardedBlock.h"
+#include "tests/bitmap/MemoryBitmap.h"
+#include "tests/bitmap/PackedDibs.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <map>
+
+using namespace vixa::bitmap::test;
+using Microsoft::WRL::ComPtr;
+
+namespace {
+
+bool load(IBitmap& bitmap, const Bytes& bytes)
+{
+    return bitmap.LoadDib(bytes.data(), static_cast<int>(bytes.size()));
+}
+
+Bytes exported(const IBitmap& bitmap)
+{
+    int size = 0;
+    EXPECT_TRUE(bitmap.ExportDib(nullptr, &size));
+    Bytes bytes(static_cast<std::size_t>(size));
+    EXPECT_TRUE(bitmap.ExportDib(bytes.data(), &size));
+    return bytes;
+}
+
+// The number of a virtual operation in its table: a member pointer holds one more than the table's offset.
+template <typename Operation>
+std::intptr_t slotOf(Operation operation)
+{
+    static_assert(sizeof operation == 2 * sizeof(std::intptr_t));
+    return std::bit_cast<std::array<std::intptr_t, 2>>(operation)[0] / static_cast<std::intptr_t>(sizeof(void*));
+}
+
+TEST(GDIBitmap, OperationsKeepTheirOrder)
+{
+    constexpr std::intptr_t unknown = 3, data = unknown + 6;
+    EXPECT_EQ(slotOf(&IBitmapData::GetWidth), unknown + 0);
+    EXPECT_EQ(slotOf(&IBitmapData::GetStride), unknown + 3);
+    EXPECT_EQ(slotOf(&IBitmapData::GetBits), unknown + 5);
+    const std::intptr_t slots[] = {slotOf(&IBitmap::Clone),
+                                   slotOf(&IBitmap::Draw),
+                                   slotOf(&IBitmap::Blt),
+                                   slotOf(&IBitmap::Reset),
+                                   slotOf(&IBitmap::IsEmpty),
+                                   slotOf(&IBitmap::ExportDib),
+                                   slotOf(&IBitmap::ExportGlobal),
+                                   slotOf(&IBitmap::LoadDib),
+                                   slotOf(&IBitmap::LoadGlobal),
+                                   slotOf(&IBitmap::Create),
+                                   slotOf(&IBitmap::SharesStorageWith),
+                                   slotOf(&IBitmap::CopyFrom),
+                                   slotOf(&IBitmap::ReplaceKeyColor),
+                                   slotOf(&IBitmap::Tint),
+                                   slotOf(&IBitmap::Fill),
+                                   slotOf(&IBitmap::GetSize),
+                                   slotOf(&IBitmap::GetPixel),
+                                   slotOf(&IBitmap::ContainsColor),
+                                   slotOf(&IBitmap::HasMinColorVariation),
+                                   slotOf(&IBitmap::Resize),
+                                   slotOf(&IBitmap::PrepareForDrawing),
+                                   slotOf(&IBitmap::GetBitsForRead),
+                                   slotOf(&IBitmap::GetBitsForWrite),
+                                   slotOf(&IBitmap::ReleaseBits),
+                                   slotOf(&IBitmap::HasPalette),
+                                   slotOf(&IBitmap::GetPaletteSize),
+                                   slotOf(&IBitmap::GetPaletteForRead),
+                                   slotOf(&IBitmap::GetPaletteForWrite),
+                                   slotOf(&IBitmap::ReleasePalette),
+                                   slotOf(&BitmapBase::MakeUnique),
+                                   slotOf(&GDIBitmap::DrawTransparent),
+                                   slotOf(&GDIBitmap::BltTransparent),
+                                   slotOf(&GDIBitmap::DrawAlpha),
+                                   slotOf(&GDIBitmap::BltAlpha)};
+    std::intptr_t expected = data;
+    for (const std::intptr_t slot : slots)
+        EXPECT_EQ(slot, expected++);
+}
+
+TEST(GDIBitmap, StartsEmpty)
+{
+    GDIBitmap bitmap;
+    SIZE size = {7, 7};
+    int bytes = 77;
+    EXPECT_TRUE(bitmap.IsEmpty());
+    EXPECT_EQ(bitmap.GetSize(&size), &size);
+    EXPECT_EQ(size.cx + size.cy + bitmap.GetWidth() + bitmap.GetBitCount() + bitmap.GetStride(), 0);
+    EXPECT_EQ(bitmap.GetInfo(), nullptr);
+    EXPECT_EQ(bitmap.GetBits(), nullptr);
+    EXPECT_EQ(bitmap.GetPaletteForWrite(), nullptr);
+    EXPECT_FALSE(bitmap.HasPalette());
+    EXPECT_FALSE(bitmap.ExportDib(nullptr, &bytes));
+    EXPECT_EQ(bytes, 77);
+    EXPECT_EQ(bitmap.ExportGlobal(), nullptr);
+    EXPECT_FALSE(bitmap.Fill(1));
+    EXPECT_FALSE(bitmap.Resize({4, 4}));
+    EXPECT_EQ(bitmap.GetPixel(0, 0), CLR_INVALID);
+    EXPECT_FALSE(bitmap.HasMinColorVariation(0.0, 0.0));
+}
+
+TEST(GDIBitmap, ExportsWhatWasLoaded)
+{
+    for (const auto& [width, height, bitCount] :
+         {std::tuple{24, 24, 24}, {48, 48, 24}, {36, 34, 24}, {5, 3, 32}, {9, 4, 16}, {9, 4, 8}, {33, 4, 1}}) {
+        const Bytes bytes = packedDib(width, height, bitCount);
+        GDIBitmap bitmap;
+        ASSERT_TRUE(load(bitmap, bytes)) << bitCount;
+        EXPECT_EQ(exported(bitmap), bytes) << bitCount;
+        HGLOBAL block = bitmap.ExportGlobal();
+        GDIBitmap again;
+        EXPECT_TRUE(again.LoadGlobal(block));
+        EXPECT_EQ(exported(again), bytes) << bitCount;
+        EXPECT_EQ(GlobalFree(block), nullptr);
+    }
+}
+
+TEST(GDIBitmap, ABufferThatIsTooSmallStaysAsItIs)
+{
+    GDIBitmap bitmap;
+    ASSERT_TRUE(load(bitmap, packedDib(48, 48, 24)));
+    int size = 0;
+    EXPECT_TRUE(bitmap.ExportDib(nullptr, &size));
+    EXPECT_EQ(size, 6952);
+    Bytes buffer(6952, std::byte{0xCD});
+    for (const int bad : {6951, 0, -1, INT_MIN}) {
+        size = bad;
+        EXPECT_FALSE(bitmap.ExportDib(buffer.data(), &size));
+        EXPECT_EQ(size, bad);
+    }
+    EXPECT_EQ(buffer, Bytes(6952, std::byte{0xCD}));
+    EXPECT_FALSE(bitmap.ExportDib(buffer.data(), nullptr));
+    const GuardedBlock exact(6952);
+    size = 6952;
+    EXPECT_TRUE(bitmap.ExportDib(exact.data(), &size));
+}
+
+TEST(GDIBitmap, ColourTablesGrowToTheirDepth)
+{
+    const Bytes bytes = packedDib(5, 4, 8, 16);
+    GDIBitmap bitmap;
+    ASSERT_TRUE(load(bitmap, bytes));
+    EXPECT_EQ(bitmap.GetPaletteSize(), 256);
+    const RGBQUAD* const palette = bitmap.GetPaletteForRead();
+    EXPECT_EQ(std::memcmp(palette, bytes.data() + 40, 64), 0);
+    EXPECT_EQ(std::memcmp(&palette[16], "\0\0\0\0", 4), 0);
+    EXPECT_EQ(std::memcmp(bitmap.GetBits(), bytes.data() + 104, 32), 0);
+    // A table beside colour pixels is skipped.
+    const Bytes counted = packedDib(5, 4, 24, 9);
+    ASSERT_TRUE(load(bitmap, counted));
+    EXPECT_EQ(std::memcmp(bitmap.GetBits(), counted.data() + 76, 64), 0);
+    EXPECT_FALSE(bitmap.HasPalette());
+}
+
+TEST(GDIBitmap, HostileDataLeavesItEmpty)
+{
+    for (const HostileDib& hostile : hostileDibs()) {
+        GDIBitmap bitmap;
+        ASSERT_TRUE(bitmap.Create({2, 2}, 24));
+        const GuardedBlock block(hostile.bytes);
+        EXPECT_FALSE(bitmap.LoadDib(block.data(), static_cast<int>(hostile.bytes.size()))) << hostile.what;
+        if (!hostile.bytes.empty()) {
+            EXPECT_TRUE(bitmap.IsEmpty()) << hostile.what;
+        }
+    }
+    GDIBitmap bitmap;
+    EXPECT_FALSE(bitmap.LoadDib(nullptr, 4000));
+    EXPECT_FALSE(bitmap.LoadDib(packedDib(5, 4, 24).data(), -1));
+    EXPECT_FALSE(bitmap.LoadGlobal(nullptr));
+}
+
+TEST(GDIBitmap, CreateRefusesImpossiblePictures)
+{
+    GDIBitmap bitmap;
+    for (const auto& [width, height, bitCount] : {std::tuple{0, 5, 24},
+                                                  {5, 0, 24},
+                                                  {-5, 5, 24},
+                                                  {5, -5, 24},
+                                                  {5, 5, 7},
+                                                  {5, 5, 65568},
+                                                  {INT_MAX, INT_MAX, 32},
+                                                  {0x40000000, 1, 32},
+                                                  {65536, 65536, 8},
+                                                  {0, 0, 0},
+                                                  {INT_MAX, INT_MAX, 0}}) {
+        ASSERT_TRUE(bitmap.Create({3, 3}, 24));
+        EXPECT_FALSE(bitmap.Create({width, height}, bitCount)) << width << " x " << height << " at " << bitCount;
+        EXPECT_TRUE(bitmap.IsEmpty());
+    }
+}
+
+TEST(GDIBitmap, CopiesShareUntilOneChanges)
+{
+    for (const int bitCount : {8, 24}) {
+        const Bytes bytes = packedDib(6, 5, bitCount);
+        GDIBitmap first;
+        ASSERT_TRUE(load(first, bytes));
+        GDIBitmap second(first);
+        ComPtr<IBitmap> third;
+        *third.GetAddressOf() = first.Clone();
+        EXPECT_TRUE(first.SharesStorageWith(&second));
+        EXPECT_TRUE(first.SharesStorageWith(third.Get()));
+        EXPECT_EQ(first.GetBits(), second.GetBits());
+
+        EXPECT_TRUE(second.Fill(0x5A));
+        EXPECT_FALSE(first.SharesStorageWith(&second));
+        EXPECT_TRUE(first.SharesStorageWith(third.Get()));
+        EXPECT_EQ(exported(first), bytes);
+        Bytes filled = bytes;
+        std::fill(filled.end() - first.GetStride() * 5, filled.end(), std::byte{0x5A});
+        EXPECT_EQ(exported(second), filled) << "the colour table comes along";
+
+        first.Reset();
+        EXPECT_EQ(exported(*third.Get()), bytes);
+        second = second;
+        EXPECT_EQ(exported(second), filled);
+        second = static_cast<GDIBitmap&>(*third.Get());
+        EXPECT_EQ(exported(second), bytes);
+        EXPECT_EQ(third.Reset(), 0u);
+        const void* const before = second.GetBits();
+        EXPECT_EQ(second.GetBitsForWrite(), before) << "alone, nothing is copied";
+    }
+    GDIBitmap empty, copy(empty);
+    EXPECT_TRUE(copy.MakeUnique());
+    EXPECT_FALSE(empty.SharesStorageWith(&copy));
+    EXPECT_FALSE(empty.SharesStorageWith(nullptr));
+}
+
+TEST(GDIBitmap, ReferencesAreCounted)
+{
+    GDIBitmap* const bitmap = GDIBitmap::New();
+    EXPECT_EQ(bitmap->AddRef(), 2u);
+    IBitmap* const asInterface = bitmap;
+    IBitmapData* const asData = asInterface;
+    EXPECT_EQ(asData->Release(), 1u);
+    void* object = bitmap;
+    EXPECT_EQ(asInterface->QueryInterface(IID_IUnknown, &object), E_NOINTERFACE);
+    EXPECT_EQ(object, nullptr);
+    ComPtr<IBitmap> clone;
+    *clone.GetAddressOf() = asInterface->Clone();
+    EXPECT_EQ(asInterface->Release(), 0u);
+    EXPECT_EQ(clone.Reset(), 0u);
+}
+
+TEST(GDIBitmap, CopiesFromOtherKindsOfBitmap)
+{
+    MemoryBitmap other(packedDib(6, 5, 8));
+    GDIBitmap bitmap;
+    EXPECT_TRUE(bitmap.CopyFrom(&other));
+    EXPECT_EQ(exported(bitmap), other.bytes);
+    EXPECT_FALSE(bitmap.SharesStorageWith(&other));
+    EXPECT_EQ(other.released, 2);
+    other.hidesBits = true;
+    EXPECT_FALSE(bitmap.CopyFrom(&other));
+    EXPECT_TRUE(bitmap.IsEmpty());
+    EXPECT_FALSE(bitmap.CopyFrom(nullptr));
+    GDIBitmap shared;
+    ASSERT_TRUE(shared.Create({3, 3}, 24));
+    EXPECT_TRUE(bitmap.CopyFrom(&shared));
+    EXPECT_TRUE(bitmap.SharesStorageWith(&shared));
+}
+
+// A source of resources whose every answer is known.
+struct Resources final : IBitmapResources
+{
+    std::map<UINT, Bytes> pictures;
+    std::span<const std::byte> FindBitmapResource(UINT id) noexcept override
+    {
+        const auto found = pictures.find(id);
+        return found == pictures.end() ? std::span<const std::byte>() : std::span<const std::byte>(found->second);
+    }
+};
+
+TEST(ExportPicture, AsksForTheSizeFirst)
+{
+    Resources resources;
+    resources.pictures[332] = packedDib(36, 34, 24);
+    resources.pictures[333] = Bytes(100);
+    ULONG size = 0xFFFFFFFF;
+    EXPECT_EQ(ExportPicture(resources, 332, nullptr, &size), S_OK);
+    EXPECT_EQ(size, 3712u);
+    Bytes buffer(3712, std::byte{0xCD});
+    auto* const out = reinterpret_cast<BYTE*>(buffer.data());
+    for (const ULONG bad : {3711u, 0u}) {
+        size = bad;
+        EXPECT_EQ(ExportPicture(resources, 332, out, &size), S_OK);
+        EXPECT_EQ(size, bad);
+        EXPECT_EQ(buffer, Bytes(3712, std::byte{0xCD}));
+    }
+    size = 0xFFFFFFFF;
+    EXPECT_EQ(ExportPicture(resources, 332, out, &size), S_OK);
+    EXPECT_EQ(size, 0xFFFFFFFF);
+    EXPECT_EQ(buffer, resources.pictures[332]);
+    for (const UINT missing : {0u, 333u, 344u}) {
+        size = 5;
+        EXPECT_EQ(ExportPicture(resources, missing, nullptr, &size), E_FAIL);
+        EXPECT_EQ(ExportPicture(resources, missing, out, &size), E_FAIL);
+        EXPECT_EQ(size, 5u);
+    }
+    EXPECT_EQ(ExportPicture(resources, 332, out, nullptr), E_INVALIDARG);
+}
+
+TEST(ExportPicture, LeavesNoGdiObjectBehind)
+{
+    Resources resources;
+    resources.pictures[332] = packedDib(36, 34, 24);
+    Bytes buffer(3712);
+    const auto round = [&] {
+        ULONG size = 3712;
+        ExportPicture(resources, 332, reinterpret_cast<BYTE*>(buffer.data()), &size);
+        GDIBitmap bitmap;
+        bitmap.LoadFromResource(resources, 332);
+        GDIBitmap copy(bitmap);
+        copy.Fill(3);
+        copy.Resize({9, 9});
+        copy.Create({5, 5}, 0);
+        GDIBitmap compatible(copy);
+        compatible.MakeUnique();
+    };
+    // Where the system doesn't count, the place that a new object gets in the table of objects tells: places are used
+    // again.
+    const auto liveObjects = [] {
+        if (const DWORD counted = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS))
+            return counted;
+        const vixa::UniqueBitmap probe(CreateBitmap(1, 1, 1, 1, nullptr));
+        return static_cast<DWORD>(LOWORD(reinterpret_cast<DWORD_PTR>(probe.get())));
+    };
+    round();
+    const DWORD before = liveObjects();
+    for (int i = 0; i < 1000; ++i)
+        round();
+    EXPECT_LT(liveObjects(), before + 100);
+}
+
+TEST(OsFamily, ThisSystemIsNt)
+{
+    EXPECT_NE(vixa::bitmap::osFamily(), vixa::bitmap::OsUnknown);
+    EXPECT_EQ(vixa::bitmap::osFamily() & vixa::bitmap::os9xFamily, 0u);
+}
+
+} // namespace
