@@ -1,0 +1,303 @@
+// The built language files, all of them: what a translator gets wrong without noticing.
+#include "ModuleFixture.h"
+
+#include "localisation/LanguageModule.h"
+#include "localisation/StringBlock.h"
+#include "resources/StringIds.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <sstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Texts = std::map<UINT, std::wstring>;
+
+fs::path fileOf(std::wstring_view code)
+{
+    return vixa::test::programFolder() / (L"VixaVideoFX_" + std::wstring(code) + L".nls");
+}
+
+BOOL CALLBACK collectName(HMODULE, LPCWSTR, LPWSTR name, LONG_PTR names)
+{
+    reinterpret_cast<std::set<UINT>*>(names)->insert(static_cast<UINT>(reinterpret_cast<ULONG_PTR>(name)));
+    return TRUE;
+}
+
+// Every string of the file, whatever identifiers it uses.
+Texts textsOf(std::wstring_view code)
+{
+    const vixa::UniqueModule module = vixa::loadLanguageModule(fileOf(code).wstring());
+    if (!module)
+        return {};
+    std::set<UINT> blocks;
+    EnumResourceNamesW(module.get(), RT_STRING, collectName, reinterpret_cast<LONG_PTR>(&blocks));
+    Texts texts;
+    for (const UINT block : blocks) {
+        const HRSRC found = FindResourceW(module.get(), MAKEINTRESOURCEW(block), RT_STRING);
+        const auto* bytes = static_cast<const std::byte*>(LockResource(LoadResource(module.get(), found)));
+        for (UINT index = 0; index < 16; ++index) {
+            const std::wstring text = vixa::stringOfBlock({bytes, SizeofResource(module.get(), found)}, index);
+            if (!text.empty())
+                texts[(block - 1) * 16 + index] = text;
+        }
+    }
+    return texts;
+}
+
+std::string name(std::wstring_view code, UINT id)
+{
+    return std::string(code.begin(), code.end()) + " " + std::to_string(id);
+}
+
+bool isSpace(wchar_t c)
+{
+    return c == L' ' || c == 0xA0 || c == 0x3000 || (c >= 0x2000 && c <= 0x200B) || c == 0xFEFF;
+}
+
+bool isControl(wchar_t c)
+{
+    // With the marks that steer the direction of writing, which none of these languages needs.
+    return c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0xFFFD || c == 0xFFFE || c == 0xFFFF ||
+           (c >= 0x202A && c <= 0x202E);
+}
+
+bool isUtf16(std::wstring_view text)
+{
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isHigh = text[i] >= 0xD800 && text[i] < 0xDC00, isLow = text[i] >= 0xDC00 && text[i] < 0xE000;
+        if (isLow || (isHigh && (i + 1 == text.size() || text[i + 1] < 0xDC00 || text[i + 1] >= 0xE000)))
+            return false;
+        i += isHigh ? 1 : 0;
+    }
+    return true;
+}
+
+std::set<std::wstring> wordsOf(std::wstring text)
+{
+    for (wchar_t& c : text)
+        c = c < 0x80 && !IsCharAlphaW(c) ? L' ' : static_cast<wchar_t>(towlower(c));
+    std::set<std::wstring> words;
+    std::wistringstream stream(text);
+    for (std::wstring word; stream >> word;)
+        words.insert(word);
+    return words;
+}
+
+TEST(LanguageTexts, TheEnglishTextsAreTheAgreedOnes)
+{
+    const Texts texts = textsOf(L"en-US");
+    EXPECT_EQ(texts.size(), 37u);
+    const std::pair<UINT, std::wstring_view> agreed[] = {
+        {529, L"Multiply pixel"},
+        {530, L"Gamma correction"},
+        {531, L"Detect edges"},
+        {532, L"Emboss"},
+        {533, L"Enhance details"},
+        {534, L"Enhance edges"},
+        {535, L"Enhance focus"},
+        {536, L"Light edges"},
+        {537, L"Shift edges"},
+        {538, L"Soften filter"},
+        {539, L"Filter color"},
+        {540, L"Color filter"},
+        {541, L"Invert color"},
+        {542, L"Add pixel"},
+        {543, L"Edges"},
+        {544, L"Sharpness"},
+        {700, L"Red"},
+        {701, L"Green"},
+        {702, L"Blue"},
+        {703, L"Move the slider thumb to adjust value "},
+        {704, L"Select color"},
+        {705, L"Select intensity"},
+        {708, L"Move all sliders"},
+        {709, L"Perform shift edges on horizontal"},
+        {710, L"Gamma correction"},
+        {711, L"Brighter"},
+        {712, L"Darker"},
+        {713, L"Horizontal"},
+        {714, L"Vertical"},
+        {715, L"Select this to move all sliders at the same time"},
+        {716, L"Perform inversion to the green"},
+        {717, L"Perform inversion to the blue"},
+        {718, L"Perform shift edges on vertical"},
+        {719, L"Select the color to be transformed"},
+        {720, L"Multiply factor"},
+        {721, L"Choose direction"},
+        {723, L"Perform inversion to the red"},
+    };
+    for (const auto& [id, text] : agreed)
+        EXPECT_EQ(texts.contains(id) ? texts.at(id) : L"", text) << id;
+}
+
+TEST(LanguageTexts, EveryListedFileIsThereAndNoOther)
+{
+    std::set<fs::path> built, listed;
+    for (const auto& entry : fs::directory_iterator(vixa::test::programFolder())) {
+        if (entry.path().filename().wstring().starts_with(L"VixaVideoFX_") && entry.path().extension() == L".nls")
+            built.insert(entry.path().filename());
+    }
+    for (const std::wstring_view code : vixa::languageCodes())
+        listed.insert(fileOf(code).filename());
+    EXPECT_EQ(built, listed);
+}
+
+TEST(LanguageTexts, FilesHoldTheSameTextsAndNothingBroken)
+{
+    const Texts english = textsOf(L"en-US");
+    for (const std::wstring_view code : vixa::languageCodes()) {
+        const Texts texts = textsOf(code);
+        for (const auto& [id, text] : english)
+            EXPECT_TRUE(texts.contains(id)) << name(code, id) << " is missing or empty";
+        for (const auto& [id, text] : texts) {
+            EXPECT_TRUE(english.contains(id)) << name(code, id) << " is not an identifier";
+            EXPECT_TRUE(isUtf16(text)) << name(code, id);
+            EXPECT_TRUE(std::ranges::none_of(text, isControl)) << name(code, id) << " has a control character";
+            // The agreed English text of the slider tooltip ends with a space; translations don't copy that.
+            const bool mayEndInSpace = code == L"en-US" && id == IDS_TIP_SLIDER;
+            EXPECT_FALSE(isSpace(text.front()) || (isSpace(text.back()) && !mayEndInSpace)) << name(code, id);
+            EXPECT_EQ(std::ranges::adjacent_find(text, [](wchar_t a, wchar_t b) { return isSpace(a) && isSpace(b); }),
+                      text.end())
+                << name(code, id) << " has two spaces in a row";
+            EXPECT_LT(text.size(), 255u) << name(code, id) << " does not fit the tooltip's buffer";
+        }
+    }
+}
+
+TEST(LanguageTexts, NamesThatStandTogetherDiffer)
+{
+    for (const std::wstring_view code : vixa::languageCodes()) {
+        Texts texts = textsOf(code);
+        std::set<std::wstring> effects, colours;
+        for (UINT id = IDS_MULTIPLY_PIXEL; id <= IDS_ADD_PIXEL; ++id) {
+            if (id != IDS_GROUP_COLOR_FILTER)
+                effects.insert(texts[id]);
+        }
+        EXPECT_EQ(effects.size(), 13u) << name(code, 0) << ": two effects have one name";
+        const std::set<std::wstring> groups = {texts[IDS_GROUP_COLOR_FILTER], texts[IDS_GROUP_EDGES],
+                                               texts[IDS_GROUP_SHARPNESS]};
+        EXPECT_EQ(groups.size(), 3u) << name(code, 0);
+        for (const UINT id :
+             {IDS_RED, IDS_GREEN, IDS_BLUE, IDS_DARKER, IDS_BRIGHTER, IDS_HORIZONTAL, IDS_VERTICAL, IDS_TIP_INVERT_RED,
+              IDS_TIP_INVERT_GREEN, IDS_TIP_INVERT_BLUE, IDS_TIP_SHIFT_HORIZONTAL, IDS_TIP_SHIFT_VERTICAL})
+            EXPECT_TRUE(colours.insert(texts[id]).second) << name(code, id) << " stands for something else, too";
+    }
+}
+
+TEST(LanguageTexts, NoEnglishIsLeftOver)
+{
+    // Words that are the same in that language.
+    const std::map<std::wstring, std::set<std::wstring>> shared = {
+        {L"da-DK", {L"pixel"}},
+        {L"de-DE", {L"pixel", L"details", L"horizontal"}},
+        {L"el-GR", {L"pixel"}},
+        {L"es-CL", {L"color", L"gamma", L"horizontal", L"vertical"}},
+        {L"es-ES", {L"color", L"gamma", L"horizontal", L"vertical"}},
+        {L"fr-FR", {L"correction", L"direction", L"gamma", L"inversion"}},
+        {L"it-IT", {L"gamma", L"pixel"}},
+        {L"nl-NL", {L"details", L"factor"}},
+        {L"pl-PL", {L"gamma"}},
+        {L"pt-BR", {L"horizontal", L"vertical"}},
+        {L"pt-PT", {L"horizontal", L"vertical"}},
+        {L"sk-SK", {L"filter"}},
+        {L"sl-SI", {L"filter"}},
+        {L"zh-TW", {L"gamma"}},
+    };
+    std::set<std::wstring> english;
+    for (const auto& [id, text] : textsOf(L"en-US"))
+        english.merge(wordsOf(text));
+    ASSERT_GT(english.size(), 40u);
+    for (const std::wstring_view code : vixa::languageCodes()) {
+        if (code == L"en-US")
+            continue;
+        const auto found = shared.find(std::wstring(code));
+        for (const auto& [id, text] : textsOf(code)) {
+            for (const std::wstring& word : wordsOf(text)) {
+                const bool isShared = found != shared.end() && found->second.contains(word);
+                EXPECT_TRUE(isShared || word.size() < 3 || !english.contains(word))
+                    << name(code, id) << ": " << std::string(word.begin(), word.end());
+            }
+        }
+    }
+}
+
+// How wide texts and controls are on a panel, in pixels.
+class PanelFont
+{
+public:
+    PanelFont()
+        : dc(CreateCompatibleDC(nullptr)),
+          font(CreateFontW(-MulDiv(8, GetDeviceCaps(dc.get(), LOGPIXELSY), 72), 0, 0, 0, FW_NORMAL, 0, 0, 0,
+                           DEFAULT_CHARSET, 0, 0, 0, 0, L"MS Shell Dlg"))
+    {
+        SelectObject(dc.get(), font.get());
+        baseUnit = (widthOf(L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz") / 26 + 1) / 2;
+    }
+
+    int widthOfControl(int dialogUnits) const { return MulDiv(dialogUnits, baseUnit, 4); }
+
+    // A character that this machine has no glyph for is taken to be as wide as high, as those of East Asia are.
+    int widthOf(std::wstring_view text) const
+    {
+        TEXTMETRICW metrics;
+        GetTextMetricsW(dc.get(), &metrics);
+        int sum = 0;
+        for (const wchar_t& c : text) {
+            WORD glyph = 0xFFFF, kind = 0;
+            GetGlyphIndicesW(dc.get(), &c, 1, &glyph, GGI_MARK_NONEXISTING_GLYPHS);
+            GetStringTypeW(CT_CTYPE3, &c, 1, &kind);
+            SIZE size = {};
+            GetTextExtentPoint32W(dc.get(), &c, 1, &size);
+            if ((kind & C3_NONSPACING) == 0)
+                sum += glyph == 0xFFFF ? metrics.tmHeight - metrics.tmInternalLeading : size.cx;
+        }
+        return sum;
+    }
+
+private:
+    struct DeleteFont
+    {
+        void operator()(HFONT handle) const noexcept { DeleteObject(handle); }
+    };
+    vixa::UniqueMemoryDC dc;
+    std::unique_ptr<std::remove_pointer_t<HFONT>, DeleteFont> font;
+    int baseUnit = 0;
+};
+
+TEST(LanguageTexts, LabelsFitTheirControls)
+{
+    // What a check box's square and a group box's corners take from a control, in pixels.
+    constexpr int box = 16, corners = 16;
+    struct Room
+    {
+        UINT id;
+        int dialogUnits, taken;
+    };
+    const Room rooms[] = {
+        {IDS_RED, 42, box},
+        {IDS_GREEN, 43, box},
+        {IDS_BLUE, 43, box},
+        {IDS_SELECT_COLOR, 62, 0},
+        {IDS_SELECT_INTENSITY, 100, 0},
+        {IDS_MOVE_ALL_SLIDERS, 91, box},
+        {IDS_GAMMA_LABEL, 75, 0},
+        {IDS_BRIGHTER, 42, 0},
+        {IDS_DARKER, 43, 0},
+        {IDS_HORIZONTAL, 62, box},
+        {IDS_VERTICAL, 62, box},
+        {IDS_MULTIPLY_FACTOR, 75, 0},
+        {IDS_CHOOSE_DIRECTION, 75, corners},
+    };
+    const PanelFont font;
+    for (const std::wstring_view code : vixa::languageCodes()) {
+        Texts texts = textsOf(code);
+        for (const Room& room : rooms)
+            EXPECT_LE(font.widthOf(texts[room.id]), font.widthOfControl(room.dialogUnits) - room.taken)
+                << name(code, room.id);
+    }
+}
+
+} // namespace
