@@ -3,9 +3,9 @@
 #include "sxs/SxsConfiguration.h"
 #include "sxs/XmlText.h"
 #include "tests/sxs/ThrownError.h"
+#include "tests/sxs/XmlDepth.h"
 
 #include <gtest/gtest.h>
-#include <tinyxml.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -81,26 +81,6 @@ TEST(Manifest, NameThatIsNotUtf8IsAnError)
                   }),
                   error(1113, AREA_TEXT))
             << name;
-}
-
-// Depth of the deepest element that the parser built, also when it stopped half-way; without recursion.
-std::size_t depthOf(const TiXmlDocument& document)
-{
-    std::size_t depth = 0, deepest = 0;
-    for (const TiXmlNode* node = &document;;) {
-        if (const TiXmlNode* child = node->FirstChild()) {
-            node = child;
-            deepest = std::max(deepest, ++depth);
-            continue;
-        }
-        while (node != &document && !node->NextSibling()) {
-            node = node->Parent();
-            --depth;
-        }
-        if (node == &document)
-            return deepest;
-        node = node->NextSibling();
-    }
 }
 
 TEST(Manifest, NestingAndAttributesAreBoundedBeforeParsing)

@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# fuzz.sh [RUNS [NAME...]]: runs the fuzz targets (all of them without names) with RUNS inputs each, a million without a
+# number. What crashes, hangs or grows too large stands in build/fuzz/fuzz/found/NAME afterwards; inputs that reached
+# something new are kept there for the next run.
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+runs=${1:-1000000}
+shift || true
+configure fuzz
+[ $# -gt 0 ] || mapfile -t names < <(sed -n 's/^vixa_fuzz(\([a-z_]*\) .*/\1/p' "$ROOT/fuzz/CMakeLists.txt")
+[ $# -eq 0 ] || names=("$@")
+build fuzz "${names[@]/#/fuzz_}"
+
+for name in "${names[@]}"; do
+    found="$BUILD/fuzz/fuzz/found/$name"
+    log="$LOGS/fuzz-$name.log"
+    options=(-runs="$runs" -timeout=10 -rss_limit_mb=1024 -max_len=16384 -print_final_stats=1)
+    ! grep -q "^vixa_fuzz($name .*DICTIONARY" "$ROOT/fuzz/CMakeLists.txt" ||
+        options+=("-dict=$ROOT/fuzz/$(sed -n "s/^vixa_fuzz($name .*DICTIONARY \([^)]*\))/\1/p" "$ROOT/fuzz/CMakeLists.txt")")
+    mkdir -p "$found"
+    status=0
+    (cd "$found" && "$BUILD/fuzz/bin/fuzz_$name" "${options[@]}" "$found" "$ROOT/fuzz/corpus/$name") >"$log" 2>&1 || status=$?
+    count=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
+    if [ $status -eq 0 ]; then
+        say "$name: ${count:-?} inputs, nothing found"
+    else
+        say "$name: failed after ${count:-?} inputs; see $log and $found"
+        failed=true
+    fi
+done
+[ -z "${failed:-}" ]
