@@ -42,16 +42,14 @@ void ModuleBase::Detach()
 
 void ModuleBase::LoadLanguage(LANGID language)
 {
-    ReleaseLanguage();
+    // What can throw comes first, so that texts are never left without a module.
     std::wstring path = LibraryPath();
+    vixa::UniqueModule file;
     if (GetLanguageFileName(language, path))
-        resourceHandle = vixa::loadLanguageModule(path).release();
-    if (resourceHandle) {
-        currentLanguage = language;
-    } else {
-        resourceHandle = moduleHandle;
-        currentLanguage = vixa::englishLanguage;
-    }
+        file = vixa::loadLanguageModule(path);
+    ReleaseLanguage();
+    currentLanguage = file ? language : vixa::englishLanguage;
+    resourceHandle = file ? file.release() : moduleHandle;
 }
 
 void ModuleBase::SetLanguage(LANGID language)

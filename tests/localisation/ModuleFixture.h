@@ -1,6 +1,7 @@
 // A library with language files in a folder of its own, and a module object that serves texts from there.
 #pragma once
 
+#include "framework/Handles.h"
 #include "localisation/LanguageFiles.h"
 #include "localisation/ModuleBase.h"
 
@@ -71,12 +72,8 @@ protected:
                       fs::copy_options::overwrite_existing);
     }
 
-    struct FreeModule
-    {
-        void operator()(HMODULE module) const noexcept { FreeLibrary(module); }
-    };
     fs::path folder;
-    std::unique_ptr<std::remove_pointer_t<HMODULE>, FreeModule> library;
+    UniqueModule library;
 };
 
 } // namespace vixa::test

@@ -1,0 +1,34 @@
+#include "catalogue/DescriptionObject.h"
+
+#include "bitmap/ExportPicture.h"
+#include "localisation/ModulePictures.h"
+#include "localisation/Texts.h"
+
+#include <exception>
+
+namespace vixa {
+
+HRESULT checkTextRequest(LANGID language, const WCHAR* text, const ULONG* length) noexcept
+{
+    if (language != ModuleBase::GetLanguage())
+        return E_FAIL;
+    return text || length ? S_OK : E_INVALIDARG;
+}
+
+HRESULT answerText(UINT stringId, WCHAR* text, ULONG* length) noexcept
+{
+    try {
+        handOutText(LoadResString(stringId), text, length);
+        return S_OK;
+    } catch (const std::exception&) {
+        return E_OUTOFMEMORY;
+    }
+}
+
+HRESULT answerImage(UINT imageId, BYTE* buffer, ULONG* size) noexcept
+{
+    ModulePictures pictures;
+    return ExportPicture(pictures, imageId, buffer, size);
+}
+
+} // namespace vixa

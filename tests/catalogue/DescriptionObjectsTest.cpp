@@ -1,0 +1,201 @@
+#include "catalogue/SingleEnumPropertySetInfo.h"
+#include "catalogue/SingleValuePropertySetInfo.h"
+#include "tests/localisation/ModuleFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <wrl/client.h>
+
+namespace {
+
+using Microsoft::WRL::ComPtr;
+using vixa::test::TestModule;
+
+constexpr LANGID english = 1033, german = 1031;
+constexpr UINT picture = 50, noPicture = 51, name = 104;
+
+struct Descriptions : testing::Test
+{
+    void SetUp() override
+    {
+        library.reset(LoadLibraryW((vixa::test::programFolder() / L"catalogue_library.dll").c_str()));
+        ASSERT_TRUE(library);
+        module.Attach(library.get());
+    }
+    void TearDown() override
+    {
+        module.Detach();
+        EXPECT_EQ(CBaseObject::ObjectsActive(), 0);
+    }
+
+    static ComPtr<ISingleValuePropertySetInfo> valueInfo(UINT formatId, UINT imageId = picture)
+    {
+        return SingleValuePropertySetInfo::New({-10.0, 90.5, 0.25, formatId, imageId, name});
+    }
+    static ComPtr<ISingleEnumPropertySetInfo> enumInfo(ULONG count = 3)
+    {
+        return SingleEnumPropertySetInfo::New({count, 200, picture, name});
+    }
+
+    // Both calls of the protocol; the second gets a buffer of just the answered size between marks.
+    template <typename Request>
+    static std::wstring textOf(const Request& request)
+    {
+        ULONG length = 0xDEAD;
+        EXPECT_EQ(request(nullptr, &length), S_OK);
+        if (length == 0)
+            return L"(none)";
+        std::wstring buffer(length + 1, L'#');
+        ULONG again = 0;
+        EXPECT_EQ(request(buffer.data(), &again), S_OK);
+        EXPECT_EQ(again, length);
+        EXPECT_EQ(buffer[length], L'#') << "written past the answered length";
+        EXPECT_EQ(buffer[length - 1], L'\0');
+        return buffer.substr(0, length - 1);
+    }
+
+    vixa::UniqueModule library;
+    TestModule module;
+};
+
+TEST_F(Descriptions, RangesGoToThePointersGiven)
+{
+    const auto info = valueInfo(0);
+    double minimum = 7, maximum = 7, step = 7;
+    EXPECT_EQ(info->GetRange(nullptr, nullptr, nullptr), E_INVALIDARG);
+    EXPECT_EQ(info->GetRange(nullptr, &maximum, nullptr), S_OK);
+    EXPECT_EQ(maximum, 90.5);
+    EXPECT_EQ(info->GetRange(&minimum, nullptr, &step), S_OK);
+    EXPECT_EQ(minimum, -10.0);
+    EXPECT_EQ(step, 0.25);
+}
+
+TEST_F(Descriptions, ValuesAreFormattedInTheCurrentLanguage)
+{
+    const auto info = valueInfo(100);
+    const auto text = [&](LANGID language, double value) {
+        return textOf([&](WCHAR* buffer, ULONG* length) { return info->FormatValue(language, value, buffer, length); });
+    };
+    EXPECT_EQ(text(english, 79.6), L"80");
+    ULONG length = 99;
+    EXPECT_EQ(info->FormatValue(german, 1.0, nullptr, &length), E_FAIL);
+    EXPECT_EQ(length, 99u);
+    EXPECT_EQ(info->FormatValue(german, 1.0, nullptr, nullptr), E_FAIL) << "the language is judged first";
+    EXPECT_EQ(info->FormatValue(english, 1.0, nullptr, nullptr), E_INVALIDARG);
+    WCHAR buffer[3];
+    EXPECT_EQ(info->FormatValue(english, 12.0, buffer, nullptr), S_OK);
+    EXPECT_STREQ(buffer, L"12");
+    ModuleBase::SetLanguage(german);
+    EXPECT_EQ(text(german, -0.25), L"-0.2 Prozent");
+    EXPECT_EQ(info->FormatValue(english, 1.0, nullptr, &length), E_FAIL);
+}
+
+TEST_F(Descriptions, FormatsThatAskForMoreThanOneNumberGiveNoText)
+{
+    ModuleBase::SetLanguage(german);
+    for (const UINT format : {0u, 101u, 102u, 103u, 999u}) {
+        const auto info = valueInfo(format);
+        WCHAR untouched[2] = {L'#', L'#'};
+        ULONG length = 99;
+        EXPECT_EQ(info->FormatValue(german, 1.0, untouched, &length), S_OK) << format;
+        EXPECT_EQ(length, 0u) << format;
+        EXPECT_EQ(untouched[0], L'#') << format;
+        EXPECT_EQ(info->FormatValue(german, 1.0, untouched, nullptr), S_OK) << format;
+    }
+}
+
+TEST_F(Descriptions, ChoicesAreNamedWithinTheirCount)
+{
+    const auto info = enumInfo();
+    ULONG count = 0;
+    EXPECT_EQ(info->GetCount(nullptr), E_INVALIDARG);
+    EXPECT_EQ(info->GetCount(&count), S_OK);
+    EXPECT_EQ(count, 3u);
+    const std::array<std::wstring, 3> names = {L"Low", L"Middle", L"High"};
+    for (long i = 0; i < 3; ++i) {
+        EXPECT_EQ(textOf([&](WCHAR* buffer, ULONG* length) { return info->GetItemName(english, i, buffer, length); }),
+                  names[static_cast<std::size_t>(i)]);
+    }
+    ULONG length = 99;
+    for (const long index : {3L, 1000L, LONG_MAX, -1L, LONG_MIN})
+        EXPECT_EQ(info->GetItemName(english, index, nullptr, &length), E_INVALIDARG) << index;
+    EXPECT_EQ(info->GetItemName(english, 0, nullptr, nullptr), E_INVALIDARG);
+    EXPECT_EQ(info->GetItemName(german, 0, nullptr, &length), E_FAIL);
+    EXPECT_EQ(info->GetItemName(german, -1, nullptr, &length), E_FAIL);
+    EXPECT_EQ(length, 99u);
+    EXPECT_EQ(enumInfo(0)->GetItemName(english, 0, nullptr, &length), E_INVALIDARG);
+    EXPECT_EQ(enumInfo(0xFFFFFFFF)->GetItemName(english, -1, nullptr, &length), E_INVALIDARG);
+    EXPECT_EQ(enumInfo(9)->GetItemName(english, 8, nullptr, &length), S_OK) << "a choice without a text";
+    EXPECT_EQ(length, 1u);
+}
+
+TEST_F(Descriptions, NamesAndPicturesAreTheSameForBoth)
+{
+    const auto check = [&](auto info) {
+        EXPECT_EQ(textOf([&](WCHAR* buffer, ULONG* length) { return info->GetName(english, buffer, length); }),
+                  L"Strength");
+        EXPECT_EQ(info->GetName(english, nullptr, nullptr), E_INVALIDARG);
+        ULONG length = 99;
+        EXPECT_EQ(info->GetName(german, nullptr, &length), E_FAIL);
+        EXPECT_EQ(length, 99u);
+
+        ULONG size = 0;
+        std::array<BYTE, 57> buffer;
+        buffer.fill(0x5A);
+        EXPECT_EQ(info->GetImage(nullptr, nullptr), E_INVALIDARG);
+        EXPECT_EQ(info->GetImage(buffer.data(), nullptr), E_INVALIDARG);
+        EXPECT_EQ(info->GetImage(nullptr, &size), S_OK);
+        EXPECT_EQ(size, 56u);
+        for (const ULONG room : {0ul, 55ul}) {
+            size = room;
+            EXPECT_EQ(info->GetImage(buffer.data(), &size), S_OK);
+            EXPECT_EQ(size, room);
+            EXPECT_EQ(buffer[0], 0x5A) << "too small a buffer receives nothing";
+        }
+        size = 56;
+        EXPECT_EQ(info->GetImage(buffer.data(), &size), S_OK);
+        EXPECT_EQ(buffer[0], 40);
+        EXPECT_EQ(buffer[40], 0x11);
+        EXPECT_EQ(buffer[53], 0xCC);
+        EXPECT_EQ(buffer[56], 0x5A);
+    };
+    check(valueInfo(100));
+    check(enumInfo());
+    ModuleBase::SetLanguage(german);
+    ULONG size = 0;
+    EXPECT_EQ(valueInfo(100)->GetImage(nullptr, &size), S_OK) << "pictures come from the library";
+    EXPECT_EQ(valueInfo(100, noPicture)->GetImage(nullptr, &size), E_FAIL);
+    EXPECT_EQ(valueInfo(100, 0)->GetImage(nullptr, &size), E_FAIL);
+    EXPECT_EQ(textOf([&](WCHAR* buffer, ULONG* length) { return enumInfo()->GetName(german, buffer, length); }),
+              L"Staerke");
+    EXPECT_EQ(textOf([&](WCHAR* buffer, ULONG* length) { return enumInfo()->GetItemName(german, 0, buffer, length); }),
+              L"")
+        << "a text that the language file lacks";
+}
+
+TEST_F(Descriptions, InterfacesAndCounts)
+{
+    const auto check = [](auto* object, REFIID own, REFIID other) {
+        EXPECT_EQ(object->AddRef(), 1u) << "created without a reference";
+        for (const IID& iid : {IID_IUnknown, own}) {
+            void* found = nullptr;
+            EXPECT_EQ(object->QueryInterface(iid, &found), S_OK);
+            EXPECT_EQ(found, object);
+            EXPECT_EQ(object->Release(), 1u);
+        }
+        void* none = object;
+        EXPECT_EQ(object->QueryInterface(other, &none), E_NOINTERFACE);
+        EXPECT_EQ(none, nullptr);
+        EXPECT_EQ(object->QueryInterface(own, nullptr), E_POINTER);
+        EXPECT_EQ(CBaseObject::ObjectsActive(), 1);
+        EXPECT_EQ(object->Release(), 0u);
+        EXPECT_EQ(CBaseObject::ObjectsActive(), 0) << "destroyed";
+    };
+    check(static_cast<ISingleValuePropertySetInfo*>(SingleValuePropertySetInfo::New({})),
+          IID_ISingleValuePropertySetInfo, IID_ISingleEnumPropertySetInfo);
+    check(static_cast<ISingleEnumPropertySetInfo*>(SingleEnumPropertySetInfo::New({})), IID_ISingleEnumPropertySetInfo,
+          IID_ISingleValuePropertySetInfo);
+}
+
+} // namespace
