@@ -27,7 +27,7 @@ const std::map<std::string, std::set<std::string>> allowed = {
     {"sxs", {"framework"}},
     {"effects", {"include", "framework", "filter", "effects/kernels"}},
     {"localisation", {"bitmap", "framework"}},
-    {"dialogs", {"include", "ui", "localisation", "resources"}},
+    {"dialogs", {"include", "filter", "ui", "localisation", "resources"}},
     {"registration", {"framework", "sxs"}},
     {"catalogue", {"include", "framework", "filter", "bitmap", "dialogs", "localisation", "resources"}},
     {"module",

@@ -1,0 +1,89 @@
+#include "dialogs/CDialogInvert.h"
+
+#include "dialogs/Panel.h"
+#include "resources/StringIds.h"
+
+#include <vixavideofx/DataBlocks.h>
+
+using vixavideofx::InvertBlock;
+
+namespace {
+enum Control : int
+{
+    Label = 1016,
+    Red = 1020,
+    Green = 1021,
+    Blue = 1022,
+};
+}
+
+const MessageMapEntry* CDialogInvert::GetMessageMap()
+{
+    using This = CDialogInvert;
+    static const MessageMapEntry map[] = {
+        onMessage(WM_INITDIALOG, &This::OnInitDialog),
+        onMessage(WM_COMMAND, &This::OnCommand),
+        onMessage(WM_NOTIFY, &This::OnNotify),
+        onCommand(WM_DESTROY, 0, 0, &This::OnDestroy),
+        endOfMap,
+    };
+    return map;
+}
+
+void CDialogInvert::OnInitDialog(WPARAM focusControl)
+{
+    const HWND dialog = vixa::dialogOf(focusControl);
+    red.Attach(GetDlgItem(dialog, Red));
+    green.Attach(GetDlgItem(dialog, Green));
+    blue.Attach(GetDlgItem(dialog, Blue));
+    label.Attach(GetDlgItem(dialog, Label));
+
+    CreateToolTip(dialog);
+    addToolTip(dialog, Red, IDS_TIP_INVERT_RED, IDS_TIP_INVERT_RED);
+    addToolTip(dialog, Green, IDS_TIP_INVERT_GREEN, IDS_TIP_INVERT_GREEN);
+    addToolTip(dialog, Blue, IDS_TIP_INVERT_BLUE, IDS_TIP_INVERT_BLUE);
+    InstallMessageHook();
+
+    label.SetText(vixa::panelText(GetInstance(), IDS_SELECT_COLOR).c_str());
+    red.SetText(vixa::panelText(GetInstance(), IDS_RED).c_str());
+    green.SetText(vixa::panelText(GetInstance(), IDS_GREEN).c_str());
+    blue.SetText(vixa::panelText(GetInstance(), IDS_BLUE).c_str());
+}
+
+void CDialogInvert::OnDestroy()
+{
+    CBaseWnd::OnDestroy();
+}
+
+void CDialogInvert::OnNotify(LPARAM notifyHeader, WPARAM wParam)
+{
+    CBaseWnd::OnNotify(notifyHeader, wParam);
+}
+
+void CDialogInvert::OnCommand(LPARAM lParam, WPARAM)
+{
+    if (!vixa::isFrom(lParam, red.GetHwnd()) && !vixa::isFrom(lParam, green.GetHwnd()) &&
+        !vixa::isFrom(lParam, blue.GetHwnd()))
+        return;
+    const auto bit = [](CBaseCheckBox& box, std::int32_t value) { return box.GetCheck() == BST_CHECKED ? value : 0; };
+    vixa::writeBlock(params, InvertBlock{bit(red, InvertBlock::Red) | bit(green, InvertBlock::Green) |
+                                         bit(blue, InvertBlock::Blue)});
+    NotifyParent();
+}
+
+void CDialogInvert::LoadValues()
+{
+    const auto block = vixa::readBlock<InvertBlock>(params);
+    if (!block)
+        return;
+    const auto check = [&](std::int32_t value) { return block->mask & value ? BST_CHECKED : BST_UNCHECKED; };
+    red.SetCheck(check(InvertBlock::Red));
+    green.SetCheck(check(InvertBlock::Green));
+    blue.SetCheck(check(InvertBlock::Blue));
+}
+
+void CDialogInvert::ClearChecks()
+{
+    for (CBaseCheckBox* box : {&red, &green, &blue})
+        box->SetCheck(BST_UNCHECKED);
+}

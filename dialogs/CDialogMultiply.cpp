@@ -1,0 +1,86 @@
+#include "dialogs/CDialogMultiply.h"
+
+#include "dialogs/Panel.h"
+#include "resources/StringIds.h"
+
+#include <vixavideofx/DataBlocks.h>
+
+using vixavideofx::MultiplyBlock;
+
+namespace {
+enum Control : int
+{
+    Label = 1028,
+    Slider = 1029,
+    ValueText = 1030,
+};
+}
+
+const MessageMapEntry* CDialogMultiply::GetMessageMap()
+{
+    using This = CDialogMultiply;
+    static const MessageMapEntry map[] = {
+        onMessage(WM_INITDIALOG, &This::OnInitDialog),
+        onMessage(WM_HSCROLL, &This::OnHScroll),
+        onCommand(WM_DESTROY, 0, 0, &This::OnDestroy),
+        onMessage(WM_NOTIFY, &This::OnNotify),
+        endOfMap,
+    };
+    return map;
+}
+
+void CDialogMultiply::OnInitDialog(WPARAM focusControl)
+{
+    const HWND dialog = vixa::dialogOf(focusControl);
+    slider.Attach(GetDlgItem(dialog, Slider));
+    valueText.Attach(GetDlgItem(dialog, ValueText));
+    label.Attach(GetDlgItem(dialog, Label));
+
+    CreateToolTip(dialog);
+    addToolTip(dialog, Slider, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
+    InstallMessageHook();
+
+    label.SetText(vixa::panelText(GetInstance(), IDS_MULTIPLY_FACTOR).c_str());
+    ResetControls();
+    slider.SetPageSize(15);
+}
+
+void CDialogMultiply::OnDestroy()
+{
+    CBaseWnd::OnDestroy();
+}
+
+void CDialogMultiply::OnHScroll(LPARAM lParam, WPARAM wParam)
+{
+    if (vixa::isFrom(lParam, slider.GetHwnd()))
+        showFactor();
+    if (!vixa::settlesValue(wParam))
+        return;
+    vixa::writeBlock(params, MultiplyBlock{slider.GetPos()});
+    NotifyParent();
+}
+
+void CDialogMultiply::ResetControls()
+{
+    slider.SetRangeMax(200);
+    slider.SetRangeMin(0);
+    slider.SetPos(0);
+    valueText.SetText(L"0");
+}
+
+void CDialogMultiply::LoadValues()
+{
+    const auto block = vixa::readBlock<MultiplyBlock>(params);
+    if (!block)
+        return;
+    slider.SetPos(block->factor);
+    showFactor();
+}
+
+void CDialogMultiply::showFactor()
+{
+    const int percent = slider.GetPos();
+    const int hundredths = percent % 100;
+    valueText.SetText(
+        (std::to_wstring(percent / 100) + (hundredths < 10 ? L".0" : L".") + std::to_wstring(hundredths)).c_str());
+}

@@ -1,0 +1,19 @@
+#include "dialogs/CDialogNoPropreties.h"
+
+const MessageMapEntry* CDialogNoPropreties::GetMessageMap()
+{
+    using This = CDialogNoPropreties;
+    static const MessageMapEntry map[] = {
+        onMessage(WM_INITDIALOG, &This::OnInitDialog),
+        onCommand(WM_DESTROY, 0, 0, &This::OnDestroy),
+        endOfMap,
+    };
+    return map;
+}
+
+void CDialogNoPropreties::OnInitDialog(WPARAM) {}
+
+void CDialogNoPropreties::OnDestroy()
+{
+    CBaseWnd::OnDestroy();
+}

@@ -1,0 +1,136 @@
+#include "dialogs/CDialogSelectAddPixel.h"
+
+#include "dialogs/Panel.h"
+#include "resources/StringIds.h"
+
+#include <vixavideofx/DataBlocks.h>
+
+#include <algorithm>
+
+using vixavideofx::AddBlock;
+
+namespace {
+enum Control : int
+{
+    RedSlider = 1007,
+    GreenSlider,
+    BlueSlider,
+    RedLabel,
+    GreenLabel,
+    BlueLabel,
+    RedValue,
+    GreenValue,
+    BlueValue,
+    MoveAll = 1040,
+};
+constexpr int lowest = -255, highest = 255;
+} // namespace
+
+const MessageMapEntry* CDialogSelectAddPixel::GetMessageMap()
+{
+    using This = CDialogSelectAddPixel;
+    static const MessageMapEntry map[] = {
+        onMessage(WM_INITDIALOG, &This::OnInitDialog),
+        onMessage(WM_HSCROLL, &This::OnHScroll),
+        onMessage(WM_NOTIFY, &This::OnNotify),
+        onCommand(WM_DESTROY, 0, 0, &This::OnDestroy),
+        endOfMap,
+    };
+    return map;
+}
+
+void CDialogSelectAddPixel::OnInitDialog(WPARAM focusControl)
+{
+    const HWND dialog = vixa::dialogOf(focusControl);
+    redSlider.Attach(GetDlgItem(dialog, RedSlider));
+    greenSlider.Attach(GetDlgItem(dialog, GreenSlider));
+    blueSlider.Attach(GetDlgItem(dialog, BlueSlider));
+    redValue.Attach(GetDlgItem(dialog, RedValue));
+    greenValue.Attach(GetDlgItem(dialog, GreenValue));
+    blueValue.Attach(GetDlgItem(dialog, BlueValue));
+    redLabel.Attach(GetDlgItem(dialog, RedLabel));
+    greenLabel.Attach(GetDlgItem(dialog, GreenLabel));
+    blueLabel.Attach(GetDlgItem(dialog, BlueLabel));
+    moveAll.Attach(GetDlgItem(dialog, MoveAll));
+
+    CreateToolTip(dialog);
+    for (int control : {RedSlider, GreenSlider, BlueSlider})
+        addToolTip(dialog, static_cast<std::uint32_t>(control), IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
+    addToolTip(dialog, MoveAll, IDS_TIP_MOVE_ALL_SLIDERS, IDS_TIP_MOVE_ALL_SLIDERS);
+    InstallMessageHook();
+
+    links.clear();
+    links.push_back(std::make_unique<SliderLink>(SliderLink{redSlider, redValue}));
+    links.push_back(std::make_unique<SliderLink>(SliderLink{greenSlider, greenValue}));
+    links.push_back(std::make_unique<SliderLink>(SliderLink{blueSlider, blueValue}));
+
+    redLabel.SetText(vixa::panelText(GetInstance(), IDS_RED).c_str());
+    greenLabel.SetText(vixa::panelText(GetInstance(), IDS_GREEN).c_str());
+    blueLabel.SetText(vixa::panelText(GetInstance(), IDS_BLUE).c_str());
+    for (const auto& link : links)
+        link->slider.SetPageSize(15);
+    moveAll.SetText(vixa::panelText(GetInstance(), IDS_MOVE_ALL_SLIDERS).c_str());
+    ResetControls();
+}
+
+void CDialogSelectAddPixel::OnDestroy()
+{
+    CBaseWnd::OnDestroy();
+}
+
+void CDialogSelectAddPixel::OnHScroll(LPARAM lParam, WPARAM wParam)
+{
+    for (const auto& moved : links) {
+        if (!vixa::isFrom(lParam, moved->slider.GetHwnd()))
+            continue;
+        moved->showPosition();
+        const int position = moved->slider.GetPos();
+        if (moveAll.GetCheck())
+            for (const auto& other : links)
+                if (other != moved)
+                    other->moveTo(other->slider.GetPos() + position - moved->lastPosition);
+        moved->lastPosition = position;
+    }
+    if (!vixa::settlesValue(wParam))
+        return;
+    vixa::writeBlock(params,
+                     AddBlock{redSlider.GetPos(), greenSlider.GetPos(), blueSlider.GetPos(), moveAll.GetCheck()});
+    NotifyParent();
+}
+
+void CDialogSelectAddPixel::ResetControls()
+{
+    for (const auto& link : links) {
+        link->slider.SetRangeMax(highest);
+        link->slider.SetRangeMin(lowest);
+        link->moveTo(0);
+    }
+}
+
+void CDialogSelectAddPixel::LoadValues()
+{
+    const auto block = vixa::readBlock<AddBlock>(params);
+    if (!block)
+        return;
+    blueSlider.SetPos(block->blueDelta);
+    greenSlider.SetPos(block->greenDelta);
+    redSlider.SetPos(block->redDelta);
+    moveAll.SetCheck(block->moveAll);
+    for (const auto& link : links) {
+        // The next move is measured from here, not from what another instance of the effect had.
+        link->lastPosition = link->slider.GetPos();
+        link->showPosition();
+    }
+}
+
+void CDialogSelectAddPixel::SliderLink::moveTo(int position)
+{
+    lastPosition = std::clamp(position, lowest, highest);
+    slider.SetPos(lastPosition);
+    showPosition();
+}
+
+void CDialogSelectAddPixel::SliderLink::showPosition()
+{
+    valueText.SetText(vixa::positionText(slider.GetPos()).c_str());
+}

@@ -1,0 +1,46 @@
+// The panel of "Add pixel": a number for each colour, moved one by one or all together.
+#pragma once
+
+#include "ui/CBaseCheckBox.h"
+#include "ui/CBaseSlider.h"
+#include "ui/CBaseText.h"
+#include "ui/CBaseWnd.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class CDialogSelectAddPixel : public CBaseWnd
+{
+public:
+    using CBaseWnd::CBaseWnd;
+    ~CDialogSelectAddPixel() override = default;
+    const MessageMapEntry* GetMessageMap() override;
+    void OnInitDialog(WPARAM focusControl) override;
+    void OnDestroy() override;
+
+    // `lParam` is the trackbar, the low word of `wParam` its request.
+    virtual void OnHScroll(LPARAM lParam, WPARAM wParam);
+    virtual void ResetControls();
+    // Shows the block; without one the controls stay as they are.
+    virtual void LoadValues();
+
+private:
+    // A colour's slider with its value text, and where the panel last saw the slider: what a move is measured from.
+    struct SliderLink
+    {
+        CBaseSlider& slider;
+        CBaseText& valueText;
+        std::int32_t lastPosition = 0;
+
+        // Puts the slider to a position, as far as its range goes, and takes note of it.
+        void moveTo(int position);
+        void showPosition();
+    };
+
+    CBaseSlider redSlider, greenSlider, blueSlider;
+    CBaseText redValue, greenValue, blueValue;
+    CBaseText redLabel, greenLabel, blueLabel;
+    CBaseCheckBox moveAll;
+    std::vector<std::unique_ptr<SliderLink>> links; // red, green, blue
+};

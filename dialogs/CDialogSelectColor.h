@@ -1,0 +1,38 @@
+// The panel of "Filter color": an intensity and the colour that it goes to.
+#pragma once
+
+#include "ui/CBaseListBox.h"
+#include "ui/CBaseSlider.h"
+#include "ui/CBaseText.h"
+#include "ui/CBaseWnd.h"
+
+#include <cstdint>
+
+class CDialogSelectColor : public CBaseWnd
+{
+public:
+    using CBaseWnd::CBaseWnd;
+    ~CDialogSelectColor() override = default;
+    const MessageMapEntry* GetMessageMap() override;
+    void OnInitDialog(WPARAM focusControl) override;
+    void OnDestroy() override;
+
+    // `lParam` is the trackbar, the low word of `wParam` its request.
+    virtual void OnHScroll(LPARAM lParam, WPARAM wParam);
+    virtual void OnColourChosen();
+    // Writes the block and tells the host.
+    virtual void StoreValues();
+    virtual void ResetControls();
+    // Shows the block; without one the controls stay as they are.
+    virtual void LoadValues();
+
+private:
+    void selectColour(std::int32_t colour);
+    std::int32_t selectedColour();
+
+    CBaseSlider slider;
+    CBaseListBox colourList; // sorted by its texts, so each entry carries its colour number
+    CBaseText valueText;
+    CBaseText colourLabel;
+    CBaseText intensityLabel;
+};

@@ -1,0 +1,79 @@
+#include "dialogs/CDialogSelectGamma.h"
+
+#include "dialogs/Panel.h"
+#include "resources/StringIds.h"
+
+#include <vixavideofx/DataBlocks.h>
+
+using vixavideofx::GammaBlock;
+
+namespace {
+enum Control : int
+{
+    Title = 1031,
+    LeftLabel = 1032,
+    RightLabel = 1033,
+    Slider = 1034,
+    UnusedButton = 1035,
+};
+}
+
+const MessageMapEntry* CDialogSelectGamma::GetMessageMap()
+{
+    using This = CDialogSelectGamma;
+    static const MessageMapEntry map[] = {
+        onMessage(WM_INITDIALOG, &This::OnInitDialog),
+        onMessage(WM_HSCROLL, &This::OnHScroll),
+        onCommand(WM_DESTROY, 0, 0, &This::OnDestroy),
+        onMessage(WM_NOTIFY, &This::OnNotify),
+        endOfMap,
+    };
+    return map;
+}
+
+void CDialogSelectGamma::OnInitDialog(WPARAM focusControl)
+{
+    const HWND dialog = vixa::dialogOf(focusControl);
+    slider.Attach(GetDlgItem(dialog, Slider));
+    title.Attach(GetDlgItem(dialog, Title));
+    rightLabel.Attach(GetDlgItem(dialog, RightLabel));
+    leftLabel.Attach(GetDlgItem(dialog, LeftLabel));
+
+    CreateToolTip(dialog);
+    addToolTip(dialog, Slider, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
+    InstallMessageHook();
+
+    title.SetText(vixa::panelText(GetInstance(), IDS_GAMMA_LABEL).c_str());
+    rightLabel.SetText(vixa::panelText(GetInstance(), IDS_BRIGHTER).c_str());
+    leftLabel.SetText(vixa::panelText(GetInstance(), IDS_DARKER).c_str());
+    ResetControls();
+    slider.SetPageSize(3);
+    // Nothing draws it and nothing answers it; hidden, it takes no place in the tab order either.
+    ShowWindow(GetDlgItem(dialog, UnusedButton), SW_HIDE);
+}
+
+void CDialogSelectGamma::OnDestroy()
+{
+    CBaseWnd::OnDestroy();
+}
+
+void CDialogSelectGamma::OnHScroll(LPARAM, WPARAM wParam)
+{
+    if (!vixa::settlesValue(wParam))
+        return;
+    vixa::writeBlock(params, GammaBlock{slider.GetPos()});
+    NotifyParent();
+}
+
+void CDialogSelectGamma::LoadValues()
+{
+    if (const auto block = vixa::readBlock<GammaBlock>(params))
+        slider.SetPos(block->gamma);
+}
+
+void CDialogSelectGamma::ResetControls()
+{
+    slider.SetRangeMax(220);
+    slider.SetRangeMin(45);
+    slider.SetPos(100);
+}

@@ -1,0 +1,90 @@
+#include "dialogs/CDialogShiftEdges.h"
+
+#include "dialogs/Panel.h"
+#include "resources/StringIds.h"
+
+#include <vixavideofx/DataBlocks.h>
+
+using vixavideofx::ConvolutionBlock;
+using vixavideofx::ConvolutionKind;
+
+namespace {
+enum Control : int
+{
+    DirectionGroup = 1036,
+    Horizontal = 1038,
+    Vertical = 1039,
+};
+}
+
+const MessageMapEntry* CDialogShiftEdges::GetMessageMap()
+{
+    using This = CDialogShiftEdges;
+    static const MessageMapEntry map[] = {
+        onMessage(WM_INITDIALOG, &This::OnInitDialog),
+        onMessage(WM_COMMAND, &This::OnCommand),
+        onMessage(WM_NOTIFY, &This::OnNotify),
+        onCommand(WM_DESTROY, 0, 0, &This::OnDestroy),
+        endOfMap,
+    };
+    return map;
+}
+
+void CDialogShiftEdges::OnInitDialog(WPARAM focusControl)
+{
+    const HWND dialog = vixa::dialogOf(focusControl);
+    horizontal.Attach(GetDlgItem(dialog, Horizontal));
+    vertical.Attach(GetDlgItem(dialog, Vertical));
+
+    CreateToolTip(dialog);
+    addToolTip(dialog, Horizontal, IDS_TIP_SHIFT_HORIZONTAL, IDS_TIP_SHIFT_HORIZONTAL);
+    addToolTip(dialog, Vertical, IDS_TIP_SHIFT_VERTICAL, IDS_TIP_SHIFT_VERTICAL);
+    InstallMessageHook();
+
+    SetDlgItemTextW(dialog, DirectionGroup, vixa::panelText(GetInstance(), IDS_CHOOSE_DIRECTION).c_str());
+    horizontal.SetText(vixa::panelText(GetInstance(), IDS_HORIZONTAL).c_str());
+    vertical.SetText(vixa::panelText(GetInstance(), IDS_VERTICAL).c_str());
+}
+
+void CDialogShiftEdges::OnDestroy()
+{
+    CBaseWnd::OnDestroy();
+}
+
+void CDialogShiftEdges::OnCommand(LPARAM lParam, WPARAM)
+{
+    if (!vixa::isFrom(lParam, horizontal.GetHwnd()) && !vixa::isFrom(lParam, vertical.GetHwnd()))
+        return;
+    const bool alongRows = horizontal.GetCheck() == BST_CHECKED, alongColumns = vertical.GetCheck() == BST_CHECKED;
+    auto kind = ConvolutionKind::ShiftEdges;
+    if (alongRows && !alongColumns)
+        kind = ConvolutionKind::ShiftEdgesHorizontal;
+    else if (alongColumns && !alongRows)
+        kind = ConvolutionKind::ShiftEdgesVertical;
+    else if (!alongRows) {
+        // The last box was cleared, but there is no kernel without a direction.
+        horizontal.SetCheck(BST_CHECKED);
+        vertical.SetCheck(BST_CHECKED);
+    }
+    vixa::writeBlock(params, ConvolutionBlock{static_cast<std::int32_t>(kind)});
+    NotifyParent();
+}
+
+void CDialogShiftEdges::LoadValues()
+{
+    ClearChecks();
+    const auto block = vixa::readBlock<ConvolutionBlock>(params);
+    if (!block)
+        return;
+    const auto kind = static_cast<ConvolutionKind>(block->kind);
+    if (kind != ConvolutionKind::ShiftEdgesVertical)
+        horizontal.SetCheck(BST_CHECKED);
+    if (kind != ConvolutionKind::ShiftEdgesHorizontal)
+        vertical.SetCheck(BST_CHECKED);
+}
+
+void CDialogShiftEdges::ClearChecks()
+{
+    horizontal.SetCheck(BST_UNCHECKED);
+    vertical.SetCheck(BST_UNCHECKED);
+}

@@ -1,0 +1,60 @@
+// What the settings panels have in common: their texts, their data blocks, and which slider messages count.
+#pragma once
+
+#include "filter/ParameterBlock.h"
+
+#include <vixavideofx/PropertySets.h>
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+
+namespace vixa {
+
+// A text of the library's own string resources, at most 254 characters; empty when it is missing.
+std::wstring ownText(HINSTANCE library, UINT id);
+
+// A text in the current language, or the library's own when the language file lacks it.
+std::wstring panelText(HINSTANCE library, UINT id);
+
+// A trackbar position as its value text shows it.
+std::wstring positionText(int position);
+
+// The dialog around the control that WM_INITDIALOG names.
+inline HWND dialogOf(WPARAM focusControl)
+{
+    return GetParent(reinterpret_cast<HWND>(focusControl));
+}
+
+inline bool isFrom(LPARAM lParam, HWND control)
+{
+    return control && reinterpret_cast<HWND>(lParam) == control;
+}
+
+// Whether a trackbar's message settles a value. While the thumb is dragged only the shown number follows; the drag ends
+// with a message of its own.
+bool settlesValue(WPARAM scrollRequest);
+
+// The block of a property set: none when there is no set, when reading fails or gives nothing. What a short read leaves
+// out is 0.
+template <typename Block>
+std::optional<Block> readBlock(IDataPropertySet* params) noexcept
+{
+    if (!params)
+        return std::nullopt;
+    Block block{};
+    const BlockRead read = ReadBlock(*params, block);
+    if (FAILED(read.result) || read.size <= 0)
+        return std::nullopt;
+    return block;
+}
+
+template <typename Block>
+void writeBlock(IDataPropertySet* params, const Block& block)
+{
+    if (params)
+        params->SetData(&block, sizeof block);
+}
+
+} // namespace vixa
