@@ -26,11 +26,12 @@ public:
     HRESULT STDMETHODCALLTYPE GetProperties(ALLOCATOR_PROPERTIES* actual) noexcept override;
     // VFW_E_SIZENOTSET before SetProperties, E_OUTOFMEMORY.
     HRESULT STDMETHODCALLTYPE Commit() noexcept override;
-    // Wakes who waits for a buffer. The memory goes when the last buffer has come back.
+    // Wakes who waits for a buffer. Buffers that are out stay good until they come back.
     HRESULT STDMETHODCALLTYPE Decommit() noexcept override;
     // Waits for a buffer unless AM_GBF_NOWAIT (VFW_E_TIMEOUT). VFW_E_NOT_COMMITTED, also when decommitted meanwhile.
     HRESULT STDMETHODCALLTYPE GetBuffer(IMediaSample** sample, REFERENCE_TIME* start, REFERENCE_TIME* end,
                                         DWORD flags) noexcept override;
+    // For the last Release of one of this allocator's samples only.
     HRESULT STDMETHODCALLTYPE ReleaseBuffer(IMediaSample* sample) noexcept override;
     HRESULT STDMETHODCALLTYPE SetNotify(IMemAllocatorNotifyCallbackTemp* notify) noexcept override;
     HRESULT STDMETHODCALLTYPE GetFreeCount(LONG* count) noexcept override;
@@ -43,6 +44,8 @@ protected:
 
     void PutFree(CMediaSample* sample) noexcept;
     CMediaSample* TakeFree() noexcept;
+    // They look again for a buffer, or see that there will be none.
+    void WakeWaiters() noexcept;
 
     CMediaSample* m_free = nullptr; // the buffers at home, a list through m_pNext
     LONG m_lFree = 0;

@@ -69,8 +69,8 @@ public:
     HRESULT NotifyEvent(long code, LONG_PTR parameter1, LONG_PTR parameter2) noexcept;
     // Without a reference; null outside a graph.
     IFilterGraph* GetFilterGraph() const noexcept { return m_pGraph; }
-    // Asks the graph to connect a pin again with the same peer, with that type (null: any). E_NOINTERFACE when the
-    // graph cannot, VFW_E_NOT_IN_GRAPH outside one.
+    // Asks the graph to connect a pin again with the same peer, with that type (null: any).
+    // VFW_E_NOT_IN_GRAPH outside a graph.
     HRESULT ReconnectPin(IPin* pin, const AM_MEDIA_TYPE* type) noexcept;
     void IncrementPinVersion() noexcept { InterlockedIncrement(&m_PinVersion); }
     CCritSec* FilterLock() const noexcept { return m_pLock; }
@@ -90,4 +90,9 @@ protected:
     IFilterGraph* m_pGraph = nullptr;
     IMediaEventSink* m_pSink = nullptr;
     LONG m_PinVersion = 1;
+
+private:
+    // Taken last, for the clock and the start only: a streaming thread asks for the time and may not wait for the
+    // filter lock.
+    CCritSec m_clockLock;
 };

@@ -23,12 +23,12 @@ public:
     virtual HRESULT CheckStreaming();
 
     // IMemInputPin.
-    // The pin's own allocator, made when first asked for: VFW_E_NO_ALLOCATOR never, E_OUTOFMEMORY.
+    // The pin's allocator, made when first asked for. E_OUTOFMEMORY.
     HRESULT STDMETHODCALLTYPE GetAllocator(IMemAllocator** allocator) noexcept override;
     HRESULT STDMETHODCALLTYPE NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) noexcept override;
     HRESULT STDMETHODCALLTYPE GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) noexcept override; // E_NOTIMPL
-    // Reads the sample's properties (SampleProps) and checks a type that is attached: when this pin refuses it the
-    // stream is ended, the graph gets EC_ERRORABORT, and the answer is VFW_E_INVALIDMEDIATYPE.
+    // Reads the sample's properties (SampleProps). A type that is attached becomes the connection's when this pin takes
+    // it; when it refuses, the stream is ended, the graph gets EC_ERRORABORT, and the answer is VFW_E_INVALIDMEDIATYPE.
     HRESULT STDMETHODCALLTYPE Receive(IMediaSample* sample) noexcept override;
     // Stops at the first sample whose Receive is not S_OK, and answers what that one did.
     HRESULT STDMETHODCALLTYPE ReceiveMultiple(IMediaSample** samples, LONG count, LONG* processed) noexcept override;
@@ -53,4 +53,10 @@ protected:
     volatile bool m_bReadOnly = false;
     volatile bool m_bFlushing = false;
     AM_SAMPLE2_PROPERTIES m_SampleProps = {};
+
+private:
+    void ReadProperties(IMediaSample& sample);
+    HRESULT TakeAttachedType();
+
+    UniqueMediaType m_attachedType; // what m_SampleProps points to when the sample only hands out copies
 };

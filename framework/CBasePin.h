@@ -4,6 +4,9 @@
 #include "framework/CBaseFilter.h"
 #include "framework/CEnumMediaTypes.h"
 
+// A copy of a text in task memory, which is the caller's. E_OUTOFMEMORY.
+HRESULT AMGetWideString(LPCWSTR text, LPWSTR* copy) noexcept;
+
 // A pin lives as long as its filter: its references are the filter's. A derived class supplies CheckMediaType, usually
 // GetMediaType, and the streaming operations of its direction. The filter lock guards everything but streaming.
 class CBasePin : public CUnknown, public IPin, public IQualityControl
@@ -63,6 +66,8 @@ public:
     bool IsConnected() const noexcept { return m_Connected != nullptr; }
     // The peer, without a reference; null when unconnected.
     IPin* GetConnected() const noexcept { return m_Connected.Get(); }
+    // The peer with a reference; for threads that hold no lock against a disconnection.
+    ComPtr<IPin> Peer() noexcept;
     bool IsStopped() const noexcept { return m_pFilter->IsStopped(); }
     LPCWSTR Name() const noexcept { return m_Name; }
     // Only for a time when the type cannot change: under the filter lock while stopped, or on the streaming thread.
@@ -100,7 +105,11 @@ protected:
     double m_dRate = 1.0;
 
 private:
-    // Taken last and only for a copy: the type changes on the streaming thread too, which may not wait for the filter
-    // lock.
-    CCritSec m_typeLock;
+    void SetConnected(IPin* pin) noexcept;
+    // Lets a peer go without asking whether the filter is stopped: after an attempt that failed.
+    void Abandon() noexcept;
+
+    // Guards the peer and the type; taken last and only for a copy. A streaming thread asks for both, and changes the
+    // type, and may not wait for the filter lock.
+    CCritSec m_connectionLock;
 };

@@ -3,14 +3,23 @@
 
 #include "framework/Platform.h"
 
+#include <memory>
+
 // Gives back what a plain media type owns (the format block and the attached object) and clears those fields.
 void FreeMediaType(AM_MEDIA_TYPE& type) noexcept;
 
 // The same, and the structure itself, which came from CoTaskMemAlloc. Null is allowed.
 void DeleteMediaType(AM_MEDIA_TYPE* type) noexcept;
 
-// Copies into a structure that owns nothing yet. E_OUTOFMEMORY (and an empty format) when there is no memory,
-// E_POINTER for a source that claims a format block and has none.
+// Owns a type that came from CreateMediaType, an enumerator or a sample.
+struct MediaTypeDeleter
+{
+    void operator()(AM_MEDIA_TYPE* type) const noexcept { DeleteMediaType(type); }
+};
+using UniqueMediaType = std::unique_ptr<AM_MEDIA_TYPE, MediaTypeDeleter>;
+
+// Copies into a structure that owns nothing yet. E_OUTOFMEMORY (and no format block) when there is no memory. A block
+// that the source claims and does not have is no block in the copy.
 HRESULT CopyMediaType(AM_MEDIA_TYPE* target, const AM_MEDIA_TYPE* source) noexcept;
 
 // A copy in task memory, for DeleteMediaType; null when there is no memory.
@@ -30,10 +39,10 @@ public:
     CMediaType& operator=(CMediaType&& other) noexcept;
     ~CMediaType();
 
-    // Takes over a copy. On failure (E_OUTOFMEMORY, E_POINTER) this type stays as it was.
+    // Takes over a copy. On failure (E_OUTOFMEMORY) this type stays as it was.
     HRESULT Set(const AM_MEDIA_TYPE& other) noexcept;
 
-    // Equal in everything but the attached object.
+    // Equal identifiers and format blocks: the sample size and the flags only repeat what those say.
     bool operator==(const CMediaType& other) const noexcept;
 
     bool IsValid() const noexcept { return majortype != GUID_NULL; }
@@ -54,7 +63,7 @@ public:
     ULONG FormatLength() const noexcept { return cbFormat; }
     const GUID* FormatType() const noexcept { return &formattype; }
     void SetFormatType(const GUID* type) noexcept { formattype = *type; }
-    // Copies a format block in; false when there is no memory.
+    // Copies a format block in, which is not this one; false when there is no memory.
     bool SetFormat(const BYTE* format, ULONG length) noexcept;
     void ResetFormatBuffer() noexcept;
     // A block of that length, contents not set; null (and the old block kept) when there is no memory.
@@ -62,6 +71,7 @@ public:
     // The same, keeping the old contents as far as they fit.
     BYTE* ReallocFormatBuffer(ULONG length) noexcept;
 
+    // To a fresh type's sample size: fixed, 1 byte.
     void InitMediaType() noexcept;
 
     // A type without major type or format type leaves something for the other side to choose.

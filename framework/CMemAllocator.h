@@ -5,7 +5,8 @@
 
 #include <memory>
 
-// Every buffer starts at a multiple of the alignment, with the prefix before it.
+// Every buffer starts at a multiple of the alignment, with the prefix before it. The memory stays from one commit to
+// the next as long as the properties do.
 class CMemAllocator : public CBaseAllocator
 {
 public:
@@ -15,8 +16,7 @@ public:
     // For a factory template; null when there is no memory.
     static CUnknown* CALLBACK CreateInstance(IUnknown* outer, HRESULT* result) noexcept;
 
-    // E_INVALIDARG for sizes below what makes a buffer, VFW_E_BADALIGN for an alignment that is no power of two. An
-    // alignment of 0 counts as 1.
+    // E_INVALIDARG for a negative size or count, VFW_E_BADALIGN for an alignment that is no power of two.
     HRESULT STDMETHODCALLTYPE SetProperties(ALLOCATOR_PROPERTIES* request,
                                             ALLOCATOR_PROPERTIES* actual) noexcept override;
 
@@ -26,6 +26,7 @@ protected:
 
 private:
     void ReallyFree() noexcept;
+    HRESULT MakeBuffers() noexcept;
 
     struct VirtualFreeDeleter
     {

@@ -23,7 +23,7 @@ public:
     // The input allocator's count and size, else one buffer of one byte. E_FAIL when the allocator grants less.
     HRESULT DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request) override;
     HRESULT GetMediaType(int index, CMediaType* type) override; // E_UNEXPECTED, never called
-    // VFW_E_NOT_IN_GRAPH outside a graph. Has the graph reconnect the other pin when its type or allocator must follow.
+    // VFW_E_NOT_IN_GRAPH outside a graph. Has the graph reconnect the other pin when its type must follow.
     HRESULT CompleteConnect(PIN_DIRECTION direction, IPin* receivePin) override;
     HRESULT Receive(IMediaSample* sample) override;
 
@@ -40,6 +40,8 @@ protected:
     IMediaSample* Copy(IMediaSample* source);
     CTransInPlaceInputPin* InputPin() const noexcept { return static_cast<CTransInPlaceInputPin*>(m_pInput.get()); }
     CTransInPlaceOutputPin* OutputPin() const noexcept { return static_cast<CTransInPlaceOutputPin*>(m_pOutput.get()); }
+    // Upstream's buffers may not be changed where they lie.
+    bool MustCopy() const noexcept { return m_bModifiesData && m_pInput->IsReadOnly(); }
     bool TypesMatch() const noexcept { return m_pInput->CurrentMediaType() == m_pOutput->CurrentMediaType(); }
 
     const bool m_bModifiesData;

@@ -17,6 +17,8 @@ public:
     HRESULT CheckMediaType(const CMediaType* type) override;
     // The input's allocator when it may be written to and the downstream pin takes it; else as the base.
     HRESULT DecideAllocator(IMemInputPin* pin, IMemAllocator** allocator) override;
+    // Has the graph reconnect the input when the downstream pin's allocator should be used there too.
+    HRESULT CompleteConnect(IPin* receivePin) override;
 
     void SetAllocator(IMemAllocator* allocator) noexcept { m_pAllocator = allocator; }
     // Without references.

@@ -4,6 +4,7 @@
 #include "framework/CTransformInputPin.h"
 #include "framework/CTransformOutputPin.h"
 
+#include <atomic>
 #include <memory>
 
 // The pins are "Input" (FindPin "In") and "Output" ("Out"), made when either is first asked for. State changes and
@@ -25,7 +26,7 @@ public:
     HRESULT STDMETHODCALLTYPE Stop() noexcept override;
     HRESULT STDMETHODCALLTYPE Pause() noexcept override;
 
-    // Changes `in` into `out`. S_FALSE: nothing is delivered for this sample.
+    // Changes `in` into `out`. S_FALSE: nothing is delivered for this sample. E_UNEXPECTED unless overridden.
     virtual HRESULT Transform(IMediaSample* in, IMediaSample* out);
     virtual HRESULT CheckInputType(const CMediaType* type) = 0;
     virtual HRESULT CheckTransform(const CMediaType* in, const CMediaType* out) = 0;
@@ -58,11 +59,18 @@ protected:
     // What a result of Transform means: delivers, skips or fails.
     HRESULT DeliverTransformed(HRESULT transformed, IMediaSample* sample);
 
-    bool m_bEOSDelivered = false;   // for a paused filter without an input connection
-    bool m_bSampleSkipped = false;  // a discontinuity that the next sample has to carry
-    bool m_bQualityChanged = false; // EC_QUALITY_CHANGE was sent since the last pause
+    bool m_bEOSDelivered = false;                // for a paused filter without an input connection
+    std::atomic<bool> m_bSampleSkipped = false;  // the next buffer is asked for with AM_GBF_PREVFRAMESKIPPED
+    std::atomic<bool> m_bQualityChanged = false; // EC_QUALITY_CHANGE was sent since the last pause
     CCritSec m_csFilter;
     CCritSec m_csReceive;
     std::unique_ptr<CTransformInputPin> m_pInput;
     std::unique_ptr<CTransformOutputPin> m_pOutput;
+
+private:
+    bool PinsExist() noexcept;
+    HRESULT PauseFromStopped();
+
+    // Taken last, while the pins are made: whoever first asks for one may hold any lock.
+    CCritSec m_pinsLock;
 };

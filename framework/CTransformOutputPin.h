@@ -31,5 +31,8 @@ protected:
     CTransformFilter* const m_pTransformFilter;
 
 private:
+    HRESULT MakePosition() noexcept;
+
+    CCritSec m_positionLock;
     ComPtr<IUnknown> m_pPosition; // made when first asked for
 };

@@ -8,10 +8,10 @@ extern HINSTANCE g_hInst;
 
 // To be called at DLL_PROCESS_ATTACH (switches thread notifications off, then runs every row's init routine with TRUE)
 // and at DLL_PROCESS_DETACH (runs them with FALSE). TRUE for every reason.
-extern "C" BOOL WINAPI DllEntryPoint(HINSTANCE instance, ULONG reason, LPVOID reserved);
+extern "C" BOOL WINAPI DllEntryPoint(HINSTANCE instance, ULONG reason, LPVOID reserved) noexcept;
 
 // Writes (TRUE) or deletes (FALSE) the class keys of every row of the table under HKEY_CLASSES_ROOT, and enters or
 // removes the rows that have a filter setup with the filter mapper. Registration stops at the first key that cannot be
 // written and answers HRESULT_FROM_WIN32 of its error; the rows before it stay. Without a filter mapper its failure is
 // the answer, with the class keys left as they are then.
-STDAPI AMovieDllRegisterServer2(BOOL registering);
+STDAPI AMovieDllRegisterServer2(BOOL registering) noexcept;

@@ -1,0 +1,146 @@
+#include "framework/CTransInPlaceFilter.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+
+CTransInPlaceFilter::CTransInPlaceFilter(LPCTSTR name, IUnknown* outer, REFCLSID classId, HRESULT*,
+                                         bool modifiesData) noexcept
+    : CTransformFilter(name, outer, classId), m_bModifiesData(modifiesData)
+{
+}
+
+bool CTransInPlaceFilter::CreatePins()
+{
+    HRESULT result = S_OK;
+    std::unique_ptr<CTransInPlaceInputPin> input(new (std::nothrow)
+                                                     CTransInPlaceInputPin(nullptr, this, &result, L"Input"));
+    std::unique_ptr<CTransInPlaceOutputPin> output(new (std::nothrow)
+                                                       CTransInPlaceOutputPin(nullptr, this, &result, L"Output"));
+    if (!input || !output || FAILED(result))
+        return false;
+    m_pInput = std::move(input);
+    m_pOutput = std::move(output);
+    return true;
+}
+
+HRESULT CTransInPlaceFilter::Transform(IMediaSample*, IMediaSample*)
+{
+    return E_UNEXPECTED;
+}
+
+HRESULT CTransInPlaceFilter::CheckTransform(const CMediaType*, const CMediaType*)
+{
+    return S_OK;
+}
+
+HRESULT CTransInPlaceFilter::DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request)
+{
+    ALLOCATOR_PROPERTIES upstream = {1, 1, 1, 0};
+    if (m_pInput->IsConnected() && m_pInput->PeekAllocator()) {
+        const HRESULT result = m_pInput->PeekAllocator()->GetProperties(&upstream);
+        if (FAILED(result))
+            return result;
+    }
+    request->cBuffers = std::max(upstream.cBuffers, 1L);
+    request->cbBuffer = std::max(upstream.cbBuffer, 1L);
+    ALLOCATOR_PROPERTIES granted = {};
+    const HRESULT result = allocator->SetProperties(request, &granted);
+    if (FAILED(result))
+        return result;
+    return granted.cBuffers < request->cBuffers || granted.cbBuffer < request->cbBuffer ||
+                   granted.cbAlign < request->cbAlign
+               ? E_FAIL
+               : S_OK;
+}
+
+HRESULT CTransInPlaceFilter::GetMediaType(int, CMediaType*)
+{
+    return E_UNEXPECTED;
+}
+
+HRESULT CTransInPlaceFilter::CompleteConnect(PIN_DIRECTION direction, IPin*)
+{
+    if (!m_pGraph)
+        return VFW_E_NOT_IN_GRAPH;
+    CBasePin& connected = direction == PINDIR_INPUT ? static_cast<CBasePin&>(*m_pInput) : *m_pOutput;
+    CBasePin& other = direction == PINDIR_INPUT ? static_cast<CBasePin&>(*m_pOutput) : *m_pInput;
+    if (!other.IsConnected() || TypesMatch())
+        return S_OK;
+    const CMediaType type(connected.CurrentMediaType());
+    return ReconnectPin(&other, &type);
+}
+
+bool CTransInPlaceFilter::UsingDifferentAllocators() const noexcept
+{
+    return InputPin()->PeekAllocator() != OutputPin()->PeekAllocator();
+}
+
+HRESULT CTransInPlaceFilter::Receive(IMediaSample* sample)
+{
+    const AM_SAMPLE2_PROPERTIES& properties = *m_pInput->SampleProps();
+    if (properties.dwStreamId != AM_STREAM_MEDIA)
+        return m_pOutput->Deliver(sample);
+
+    // The input has taken a type that came with the sample; the output carries the same.
+    if ((properties.dwSampleFlags & AM_SAMPLE_TYPECHANGED) && properties.pMediaType) {
+        const HRESULT result = m_pOutput->SetMediaType(&m_pInput->CurrentMediaType());
+        if (FAILED(result))
+            return result;
+    }
+    ComPtr<IMediaSample> copy;
+    if (UsingDifferentAllocators()) {
+        copy.Attach(Copy(sample));
+        if (!copy)
+            return E_UNEXPECTED;
+        sample = copy.Get();
+    }
+    return DeliverTransformed(Transform(sample), sample);
+}
+
+IMediaSample* CTransInPlaceFilter::Copy(IMediaSample* source)
+{
+    AM_SAMPLE2_PROPERTIES& from = *m_pInput->SampleProps();
+    const bool starts = (from.dwSampleFlags & AM_SAMPLE_TIMEVALID) != 0;
+    const bool ends = (from.dwSampleFlags & AM_SAMPLE_STOPVALID) != 0;
+    ComPtr<IMediaSample> target;
+    if (FAILED(m_pOutput->GetDeliveryBuffer(&target, starts ? &from.tStart : nullptr, ends ? &from.tStop : nullptr,
+                                            m_bSampleSkipped ? AM_GBF_PREVFRAMESKIPPED : 0)) ||
+        !target)
+        return nullptr;
+
+    BYTE* sourceBytes = nullptr;
+    BYTE* targetBytes = nullptr;
+    const LONG length = source->GetActualDataLength();
+    // A length beyond either buffer is a lie that must not be followed.
+    if (length < 0 || length > source->GetSize() || length > target->GetSize())
+        return nullptr;
+    if (length > 0) {
+        if (FAILED(source->GetPointer(&sourceBytes)) || FAILED(target->GetPointer(&targetBytes)) || !sourceBytes ||
+            !targetBytes)
+            return nullptr;
+        std::memcpy(targetBytes, sourceBytes, static_cast<std::size_t>(length));
+    }
+
+    ComPtr<IMediaSample2> target2;
+    if (SUCCEEDED(target->QueryInterface(IID_IMediaSample2, reinterpret_cast<void**>(target2.GetAddressOf())))) {
+        // All but the buffer, which is the target's own.
+        constexpr DWORD size = offsetof(AM_SAMPLE2_PROPERTIES, pbBuffer);
+        AM_SAMPLE2_PROPERTIES properties = from;
+        properties.cbData = size;
+        properties.lActual = length;
+        if (FAILED(target2->SetProperties(size, reinterpret_cast<const BYTE*>(&properties))))
+            return nullptr;
+    } else {
+        target->SetTime(starts ? &from.tStart : nullptr, ends ? &from.tStop : nullptr);
+        target->SetSyncPoint((from.dwSampleFlags & AM_SAMPLE_SPLICEPOINT) != 0);
+        target->SetPreroll((from.dwSampleFlags & AM_SAMPLE_PREROLL) != 0);
+        target->SetDiscontinuity((from.dwSampleFlags & AM_SAMPLE_DATADISCONTINUITY) != 0);
+        if (FAILED(target->SetActualDataLength(length)) || FAILED(target->SetMediaType(from.pMediaType)))
+            return nullptr;
+    }
+    LONGLONG start = 0, end = 0;
+    if (source->GetMediaTime(&start, &end) == S_OK)
+        target->SetMediaTime(&start, &end);
+    return target.Detach();
+}

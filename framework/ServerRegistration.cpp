@@ -1,0 +1,134 @@
+#include "framework/DllEntry.h"
+#include "framework/FilterMapper.h"
+#include "framework/Handles.h"
+
+#include <cwchar>
+
+namespace {
+
+constexpr int textLength = 260; // of every buffer here, with the terminator; longer texts are cut
+
+struct Text
+{
+    WCHAR characters[textLength] = {};
+};
+
+Text CutText(LPCWSTR text) noexcept
+{
+    Text cut;
+    lstrcpynW(cut.characters, text, textLength);
+    return cut;
+}
+
+Text ClassKeyName(const CLSID& classId) noexcept
+{
+    constexpr int identifierLength = 39; // of StringFromGUID2's text, with the terminator
+    WCHAR identifier[identifierLength];
+    StringFromGUID2(classId, identifier, identifierLength);
+    Text name;
+    std::swprintf(name.characters, textLength, L"CLSID\\%ls", identifier);
+    return name;
+}
+
+HRESULT ModulePath(Text& path) noexcept
+{
+    char ansi[textLength];
+    if (GetModuleFileNameA(g_hInst, ansi, textLength) == 0)
+        return HRESULT_FROM_WIN32(GetLastError());
+    ansi[textLength - 1] = '\0'; // some systems leave a path that was cut without one
+    if (MultiByteToWideChar(CP_ACP, 0, ansi, -1, path.characters, textLength) == 0)
+        return HRESULT_FROM_WIN32(GetLastError());
+    return S_OK;
+}
+
+LSTATUS CreateKey(HKEY parent, LPCWSTR name, vixa::UniqueKey& key) noexcept
+{
+    HKEY opened = nullptr;
+    const LSTATUS status =
+        RegCreateKeyExW(parent, name, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr, &opened, nullptr);
+    if (status == ERROR_SUCCESS)
+        key.reset(opened);
+    return status;
+}
+
+LSTATUS SetText(HKEY key, LPCWSTR valueName, LPCWSTR text) noexcept
+{
+    const auto bytes = static_cast<DWORD>((std::wcslen(text) + 1) * sizeof(WCHAR));
+    return RegSetValueExW(key, valueName, 0, REG_SZ, reinterpret_cast<const BYTE*>(text), bytes);
+}
+
+LSTATUS WriteClassKey(const CFactoryTemplate& row, LPCWSTR path) noexcept
+{
+    vixa::UniqueKey classKey, serverKey;
+    LSTATUS status = CreateKey(HKEY_CLASSES_ROOT, ClassKeyName(*row.m_ClsID).characters, classKey);
+    if (status == ERROR_SUCCESS)
+        status = SetText(classKey.get(), nullptr, CutText(row.m_Name).characters);
+    if (status == ERROR_SUCCESS)
+        status = CreateKey(classKey.get(), L"InprocServer32", serverKey);
+    if (status == ERROR_SUCCESS)
+        status = SetText(serverKey.get(), nullptr, path);
+    if (status == ERROR_SUCCESS)
+        status = SetText(serverKey.get(), L"ThreadingModel", L"Both");
+    return status;
+}
+
+// Deletes a key with everything below it. A key that cannot be opened counts as deleted.
+LSTATUS DeleteTree(HKEY parent, LPCWSTR name) noexcept
+{
+    HKEY opened = nullptr;
+    if (RegOpenKeyExW(parent, name, 0, MAXIMUM_ALLOWED, &opened) != ERROR_SUCCESS)
+        return ERROR_SUCCESS;
+    {
+        const vixa::UniqueKey key(opened);
+        Text previous;
+        for (;;) {
+            Text child;
+            DWORD length = textLength;
+            if (RegEnumKeyExW(opened, 0, child.characters, &length, nullptr, nullptr, nullptr, nullptr) !=
+                ERROR_SUCCESS)
+                break;
+            // One that is still the first after its deletion will be for ever.
+            if (std::wcscmp(child.characters, previous.characters) == 0)
+                return ERROR_ACCESS_DENIED;
+            const LSTATUS status = DeleteTree(opened, child.characters);
+            if (status != ERROR_SUCCESS)
+                return status;
+            previous = child;
+        }
+    }
+    return RegDeleteKeyW(parent, name);
+}
+
+// The rows that have a filter setup; the mapper must be there also when none has.
+HRESULT EnterFilterSetups(bool registering) noexcept
+{
+    vixa::FilterMapper mapper;
+    HRESULT result = mapper.Status();
+    for (int i = 0; SUCCEEDED(result) && i < g_cTemplates; ++i)
+        if (const AMOVIESETUP_FILTER* const setup = g_Templates[i].m_pAMovieSetup_Filter)
+            result = mapper.Enter(*setup, registering);
+    return FAILED(result) ? result : S_OK;
+}
+
+} // namespace
+
+STDAPI AMovieDllRegisterServer2(BOOL registering) noexcept
+{
+    Text path;
+    HRESULT result = ModulePath(path);
+    if (FAILED(result))
+        return result;
+    if (registering) {
+        for (int i = 0; i < g_cTemplates; ++i) {
+            const LSTATUS status = WriteClassKey(g_Templates[i], path.characters);
+            if (status != ERROR_SUCCESS)
+                return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
+        }
+    }
+    result = EnterFilterSetups(registering != FALSE);
+    if (FAILED(result) || registering)
+        return result;
+    for (int i = 0; i < g_cTemplates; ++i)
+        DeleteTree(HKEY_CLASSES_ROOT, ClassKeyName(*g_Templates[i].m_ClsID).characters);
+    return S_OK;
+}
