@@ -3,7 +3,7 @@
 # the prefix afterwards. For what writes to the registry or installs something.
 set -euo pipefail
 tools=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-build="$tools/../build"
+build=$(cd "$tools/.." && pwd)/build
 template="$build/wine-template"
 
 mkdir -p "$build"
@@ -18,14 +18,22 @@ if [ ! -f "$template/.complete" ]; then
 fi
 exec 9>&-
 
-prefix=$(mktemp -d "$build/wine-fresh.XXXXXX")
-finish() {
-    WINEPREFIX="$prefix" wineserver -k 2>/dev/null || true
-    WINEPREFIX="$prefix" wineserver -w || true
-    rm -rf "$prefix"
+# discard PREFIX: ends what still runs in it, and removes it.
+discard() {
+    WINEPREFIX="$1" wineserver -k 2>/dev/null || true
+    WINEPREFIX="$1" wineserver -w 2>/dev/null || true
+    rm -rf "$1"
 }
-trap finish EXIT
+for left in "$build"/wine-fresh.*; do
+    [ ! -d "$left" ] || kill -0 "${left##*.}" 2>/dev/null || discard "$left" # its run was killed
+done
+
+prefix="$build/wine-fresh.$$"
+mkdir "$prefix"
+trap 'discard "$prefix"' EXIT
+trap 'exit 143' TERM INT
 # Links are enough for files that nobody writes; the server writes linked registry files in place, so those are copied.
 cp -al "$template/." "$prefix/"
 cp --remove-destination "$template"/*.reg "$prefix/"
-VIXA_WINEPREFIX="$prefix" "$tools/wine-run.sh" "$@"
+VIXA_WINEPREFIX="$prefix" "$tools/wine-run.sh" "$@" &
+wait $!

@@ -10,7 +10,7 @@ if [ "${1:-}" = --display ]; then
     shift
 fi
 export WINEPREFIX="${VIXA_WINEPREFIX:-$root/build/wine-$graphics}" WINEARCH=win32 WINEDEBUG="${WINEDEBUG:--all}"
-export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
+export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe=;winedbg.exe="
 
 if [ ! -f "$WINEPREFIX/.ready" ]; then
     mkdir -p "$WINEPREFIX"
