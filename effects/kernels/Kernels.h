@@ -53,7 +53,7 @@ enum class Level
     Scalar, // plain C++: the definition of every effect
     Sse2,
     Avx2,
-    Avx512, // F, BW, VL and VBMI
+    Avx512, // F, BW, VL, VBMI and VNNI
 };
 
 // The highest level that this build holds and that both the processor and the operating system allow.

@@ -1,6 +1,7 @@
-// Which form of each kernel runs.
-#include "effects/kernels/Kernels.h"
+// Which form of each kernel runs, and the step from checked parameters to a level's bare loops.
+#include "effects/kernels/Plan.h"
 #include "effects/kernels/Scalar.h"
+#include "effects/kernels/VectorKernels.h"
 
 #include <algorithm>
 
@@ -8,19 +9,87 @@ namespace vixa::kernels {
 
 namespace {
 
+template <const VectorKernels& level>
+void Gamma(Frame frame, const GammaTable& table) noexcept
+{
+    level.gamma(frame.data(), frame.size() / 4, table.entries.data());
+}
+
+template <const VectorKernels& level>
+void Multiply(Frame frame, std::int32_t factor) noexcept
+{
+    const std::int32_t multiplier = MultiplierOf(factor);
+    if (multiplier < 0 || multiplier > 32767)
+        return scalar::Multiply(frame, factor);
+    level.multiply(frame.data(), frame.size() / 4, static_cast<std::uint32_t>(multiplier));
+}
+
+template <const VectorKernels& level>
+void Invert(Frame frame, std::int32_t mask) noexcept
+{
+    if (mask != 0)
+        level.invert(frame.data(), frame.size() / 8 * 2, InvertPattern(mask));
+}
+
+template <const VectorKernels& level>
+void FilterColor(Frame frame, const FilterColorParameters& parameters) noexcept
+{
+    if (parameters.colour >= 0 && parameters.colour <= 2)
+        level.filterColor(frame.data(), frame.size() / 4, parameters.colour, ByteMagnitude(parameters.intensity),
+                          parameters.brighten);
+}
+
+template <const VectorKernels& level>
+void Add(Frame frame, const AddParameters& parameters) noexcept
+{
+    const AddPatterns patterns = AddPatternsOf(parameters);
+    level.add(frame.data(), frame.size() / 8 * 2, patterns.add, patterns.subtract);
+}
+
+template <const VectorKernels& level>
+void Convolve(Frame frame, std::int32_t width, std::int32_t height, const ConvolutionParameters& parameters,
+              Frame scratch) noexcept
+{
+    const ConvolutionPlan plan = PlanConvolution(frame, width, height, parameters, scratch);
+    if (plan.leaveAlone)
+        return;
+    // The vector forms know the ten kinds. A kernel that outlived its kind is rare and goes the plain way.
+    const ConvolutionKernel* kernel = KernelOf(parameters.kind);
+    if (!kernel || kernel->coefficients != parameters.coefficients || plan.width < 3 || plan.height < 3)
+        return scalar::Convolve(frame, width, height, parameters, scratch);
+    level.convolve(frame.data(), plan.width, plan.height, static_cast<ConvolutionForm>(parameters.kind),
+                   scratch.data());
+}
+
 constexpr KernelSet scalarKernels = {scalar::Gamma,       scalar::Multiply, scalar::Invert,
                                      scalar::FilterColor, scalar::Add,      scalar::Convolve};
+
+template <const VectorKernels& level>
+constexpr KernelSet vectorKernels = {Gamma<level>,       Multiply<level>, Invert<level>,
+                                     FilterColor<level>, Add<level>,      Convolve<level>};
 
 } // namespace
 
 Level HighestLevel() noexcept
 {
-    return Level::Scalar;
+    // These ask the processor and whether the operating system saves the wide registers.
+    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl") &&
+        __builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512vnni"))
+        return Level::Avx512;
+    if (__builtin_cpu_supports("avx2"))
+        return Level::Avx2;
+    return Level::Sse2;
 }
 
 const KernelSet& KernelsOf(Level level) noexcept
 {
     switch (std::min(level, HighestLevel())) {
+    case Level::Avx512:
+        return vectorKernels<avx512Kernels>;
+    case Level::Avx2:
+        return vectorKernels<avx2Kernels>;
+    case Level::Sse2:
+        return vectorKernels<sse2Kernels>;
     default:
         return scalarKernels;
     }

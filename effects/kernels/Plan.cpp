@@ -1,5 +1,7 @@
 #include "effects/kernels/Plan.h"
 
+#include "effects/kernels/VectorKernels.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
@@ -71,8 +73,9 @@ ConvolutionPlan PlanConvolution(Frame frame, std::int32_t width, std::int32_t he
 
 std::size_t ConvolutionScratchBytes(std::int32_t width) noexcept
 {
-    // Two rows, and two of the widest vectors that a level may write behind each.
-    const std::uint64_t bytes = width < 1 ? 0 : 2 * (4 * static_cast<std::uint64_t>(width) + 128);
+    // The scalar form keeps two rows, the vector forms one and a fixed amount.
+    const std::uint64_t row = 4 * static_cast<std::uint64_t>(width);
+    const std::uint64_t bytes = width < 1 ? 0 : row + std::max<std::uint64_t>(row, scratchBesidesRow);
     return static_cast<std::size_t>(std::min<std::uint64_t>(bytes, std::numeric_limits<std::size_t>::max()));
 }
 

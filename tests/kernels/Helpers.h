@@ -12,7 +12,7 @@ namespace vixa::kernels::test {
 using Bytes = std::vector<std::uint8_t>;
 
 // The levels that this machine can run.
-inline std::vector<Level> Levels()
+inline std::vector<Level> AvailableLevels()
 {
     std::vector<Level> levels;
     for (int level = 0; level <= static_cast<int>(HighestLevel()); ++level)

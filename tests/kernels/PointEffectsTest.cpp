@@ -15,7 +15,7 @@ protected:
     const KernelSet& kernels = KernelsOf(GetParam());
 };
 
-INSTANTIATE_TEST_SUITE_P(Levels, PointEffects, testing::ValuesIn(Levels()),
+INSTANTIATE_TEST_SUITE_P(Levels, PointEffects, testing::ValuesIn(AvailableLevels()),
                          [](const auto& tested) { return "Level" + std::to_string(static_cast<int>(tested.param)); });
 
 TEST(GammaTable, FollowsThePowerCurve)

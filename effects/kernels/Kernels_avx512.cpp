@@ -1,0 +1,124 @@
+// The vector kernels for AVX-512 with F, BW, VL, VBMI and VNNI.
+#include "effects/kernels/VectorKernels.h"
+
+#include <cstring>
+#include <immintrin.h>
+
+#define VIXA_INLINE inline __attribute__((always_inline))
+
+namespace vixa::kernels {
+
+namespace {
+
+struct Backend
+{
+    using Vector = __m512i;
+    static constexpr std::size_t bytes = 64;
+
+    static VIXA_INLINE Vector Load(const std::uint8_t* at) { return _mm512_loadu_si512(at); }
+    static VIXA_INLINE void Store(std::uint8_t* at, Vector v) { _mm512_storeu_si512(at, v); }
+    static VIXA_INLINE __mmask64 First(std::size_t count) { return ~__mmask64{0} >> (bytes - count); }
+    static VIXA_INLINE Vector LoadPart(const std::uint8_t* at, std::size_t count)
+    {
+        return _mm512_maskz_loadu_epi8(First(count), at);
+    }
+    static VIXA_INLINE void StorePart(std::uint8_t* at, Vector v, std::size_t count)
+    {
+        _mm512_mask_storeu_epi8(at, First(count), v);
+    }
+
+    static VIXA_INLINE Vector Zero() { return _mm512_setzero_si512(); }
+    static VIXA_INLINE Vector Pattern(std::uint32_t pixel) { return _mm512_set1_epi32(static_cast<int>(pixel)); }
+    static VIXA_INLINE Vector Pattern64(std::uint32_t low, std::uint32_t high)
+    {
+        return _mm512_set1_epi64(static_cast<long long>(std::uint64_t{high} << 32 | low));
+    }
+    static VIXA_INLINE Vector Set16(int value) { return _mm512_set1_epi16(static_cast<short>(value)); }
+
+    static VIXA_INLINE Vector And(Vector a, Vector b) { return _mm512_and_si512(a, b); }
+    static VIXA_INLINE Vector AndNot(Vector a, Vector b) { return _mm512_andnot_si512(a, b); }
+    static VIXA_INLINE Vector Or(Vector a, Vector b) { return _mm512_or_si512(a, b); }
+    static VIXA_INLINE Vector Xor(Vector a, Vector b) { return _mm512_xor_si512(a, b); }
+
+    static VIXA_INLINE Vector AddI8(Vector a, Vector b) { return _mm512_add_epi8(a, b); }
+    static VIXA_INLINE Vector AddSaturatedU8(Vector a, Vector b) { return _mm512_adds_epu8(a, b); }
+    static VIXA_INLINE Vector SubtractSaturatedU8(Vector a, Vector b) { return _mm512_subs_epu8(a, b); }
+    static VIXA_INLINE Vector SubtractSaturatedI8(Vector a, Vector b) { return _mm512_subs_epi8(a, b); }
+    static VIXA_INLINE Vector MinU8(Vector a, Vector b) { return _mm512_min_epu8(a, b); }
+    static VIXA_INLINE Vector AverageU8(Vector a, Vector b) { return _mm512_avg_epu8(a, b); }
+    static VIXA_INLINE Vector UnpackLow8(Vector a, Vector b) { return _mm512_unpacklo_epi8(a, b); }
+    static VIXA_INLINE Vector UnpackHigh8(Vector a, Vector b) { return _mm512_unpackhi_epi8(a, b); }
+    static VIXA_INLINE Vector PackU8(Vector a, Vector b) { return _mm512_packus_epi16(a, b); }
+    static VIXA_INLINE Vector PackI8(Vector a, Vector b) { return _mm512_packs_epi16(a, b); }
+    // Lower and upper eight bytes of each 16 in turn.
+    static VIXA_INLINE Vector Interleave8(Vector v)
+    {
+        return _mm512_shuffle_epi8(
+            v, _mm512_broadcast_i32x4(_mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15)));
+    }
+
+    static VIXA_INLINE Vector Add16(Vector a, Vector b) { return _mm512_add_epi16(a, b); }
+    static VIXA_INLINE Vector Sub16(Vector a, Vector b) { return _mm512_sub_epi16(a, b); }
+    static VIXA_INLINE Vector MultiplyHighU16(Vector a, Vector b) { return _mm512_mulhi_epu16(a, b); }
+    static VIXA_INLINE Vector MultiplyHighI16(Vector a, Vector b) { return _mm512_mulhi_epi16(a, b); }
+    static VIXA_INLINE Vector Even(Vector v) { return _mm512_and_si512(v, _mm512_set1_epi16(0xFF)); }
+    static VIXA_INLINE Vector Odd(Vector v) { return _mm512_srli_epi16(v, 8); }
+    template <int factor>
+    static VIXA_INLINE Vector TimesEven(Vector v)
+    {
+        return _mm512_maddubs_epi16(v, _mm512_set1_epi16(factor & 0xFF));
+    }
+    template <int factor>
+    static VIXA_INLINE Vector TimesOdd(Vector v)
+    {
+        return _mm512_maddubs_epi16(v, _mm512_set1_epi16(static_cast<short>(factor * 256)));
+    }
+
+    static VIXA_INLINE Vector Add32(Vector a, Vector b) { return _mm512_add_epi32(a, b); }
+    template <int bits>
+    static VIXA_INLINE Vector ShiftLeft32(Vector v)
+    {
+        return _mm512_slli_epi32(v, bits);
+    }
+    template <int bits>
+    static VIXA_INLINE Vector ShiftRight32(Vector v)
+    {
+        return _mm512_srli_epi32(v, bits);
+    }
+
+    using Weights = Vector;
+    static VIXA_INLINE Weights MakeWeights(int blue, int green, int red)
+    {
+        return _mm512_set1_epi32((blue & 0xFF) | (green & 0xFF) << 8 | (red & 0xFF) << 16);
+    }
+    static VIXA_INLINE Vector Product32(Vector pixels, Weights weights)
+    {
+        return _mm512_dpbusd_epi32(Zero(), pixels, weights);
+    }
+    template <bool up>
+    static VIXA_INLINE Vector ChangeWhere(Vector v, Vector change, Vector inside, Vector light, Vector tooLight)
+    {
+        const Vector chosen = _mm512_and_si512(_mm512_srai_epi32(inside, 31), change);
+        const __mmask64 where = _mm512_cmplt_epi8_mask(light, tooLight);
+        return up ? _mm512_mask_adds_epu8(v, where, v, chosen) : _mm512_mask_subs_epu8(v, where, v, chosen);
+    }
+};
+
+#include "effects/kernels/Bodies.inl"
+
+void Gamma(std::uint8_t* frame, std::size_t pixels, const std::uint8_t* table) noexcept
+{
+    const Vector t0 = B::Load(table), t1 = B::Load(table + 64), t2 = B::Load(table + 128), t3 = B::Load(table + 192);
+    constexpr __mmask64 colours = 0x7777777777777777u;
+    ForEachVector(frame, pixels * pixelBytes, [&](Vector v) {
+        const Vector low = _mm512_mask2_permutex2var_epi8(t0, v, colours, t1);
+        const __mmask64 upper = _mm512_movepi8_mask(v) & colours;
+        return _mm512_mask_blend_epi8(upper, low, _mm512_permutex2var_epi8(t2, v, t3));
+    });
+}
+
+} // namespace
+
+const VectorKernels avx512Kernels = {Gamma, Multiply, Invert, FilterColor, Add, Convolve};
+
+} // namespace vixa::kernels

@@ -1,0 +1,62 @@
+// What one vector level provides: bare loops over bytes in memory. Everything that depends on parameters alone
+// (patterns, multipliers, checked sizes) is worked out before, in code that every processor can run, so the level's own
+// files hold nothing else: no class templates, no library code that the linker could share with code for smaller
+// machines.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vixa::kernels {
+
+// The arithmetic of one convolution, told apart by kernel and rounding; the values are those of the kinds.
+enum class ConvolutionForm : int
+{
+    DetectEdges = 1,
+    Emboss = 2,
+    EnhanceDetails = 3,
+    EnhanceEdges = 4,
+    EnhanceFocus = 5,
+    LightEdges = 6,
+    ShiftBoth = 7,
+    Soften = 8,
+    ShiftVertical = 9,
+    ShiftHorizontal = 10,
+};
+
+struct VectorKernels
+{
+    // `table` has 256 entries; `pixels` are counted in pixels of four bytes throughout.
+    void (*gamma)(std::uint8_t* frame, std::size_t pixels, const std::uint8_t* table) noexcept;
+
+    // Multiplier in 1/256, 0 to 32767.
+    void (*multiply)(std::uint8_t* frame, std::size_t pixels, std::uint32_t multiplier) noexcept;
+
+    void (*invert)(std::uint8_t* frame, std::size_t pixels, std::uint32_t pattern) noexcept;
+
+    // Colour 0 to 2; magnitude at most 255.
+    void (*filterColor)(std::uint8_t* frame, std::size_t pixels, int colour, std::uint32_t magnitude,
+                        bool brighten) noexcept;
+
+    void (*add)(std::uint8_t* frame, std::size_t pixels, std::uint32_t add, std::uint32_t subtract) noexcept;
+
+    // Width and height at least 3; scratch as ConvolutionScratchBytes says.
+    void (*convolve)(std::uint8_t* frame, std::size_t width, std::size_t height, ConvolutionForm form,
+                     std::uint8_t* scratch) noexcept;
+};
+
+// The widest vector of any level, and how a convolution's scratch is laid out at every level: one saved row, then the
+// planes of one stretch of a row.
+inline constexpr std::size_t widestVector = 64;
+inline constexpr std::size_t stretchBytes = 2048;
+// A little more than the stretch and a vector at each end, and no multiple of 4096, so that planes do not fall on each
+// other in the cache.
+inline constexpr std::size_t planeBytes = stretchBytes + 4 * widestVector;
+inline constexpr std::size_t planeCount = 8;
+inline constexpr std::size_t scratchBesidesRow = 3 * widestVector + planeCount * planeBytes;
+
+extern const VectorKernels sse2Kernels;
+extern const VectorKernels avx2Kernels;
+extern const VectorKernels avx512Kernels;
+
+} // namespace vixa::kernels

@@ -1,0 +1,245 @@
+// Every level gives the scalar form's bytes, whatever the sizes, contents, addresses and parameters.
+#include "tests/kernels/GuardedFrame.h"
+#include "tests/kernels/Helpers.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <sstream>
+#include <string>
+
+namespace vixa::kernels::test {
+namespace {
+
+using Against = GuardedFrame::Against;
+
+// The first byte in which two frames differ and the pixels around it, before and after; empty when they are equal.
+std::string Difference(const Bytes& before, Frame expected, Frame actual, std::size_t width)
+{
+    const auto [wrong, right] = std::mismatch(actual.begin(), actual.end(), expected.begin());
+    if (wrong == actual.end())
+        return {};
+    const auto at = static_cast<std::size_t>(wrong - actual.begin());
+    std::ostringstream text;
+    text << "byte " << at % 4 << " of pixel " << at / 4 % width << ", " << at / 4 / width << ": expected "
+         << int{*right} << ", got " << int{*wrong} << "\nbefore (blue green red fourth):\n";
+    const auto x = static_cast<std::ptrdiff_t>(at / 4 % width), y = static_cast<std::ptrdiff_t>(at / 4 / width);
+    for (std::ptrdiff_t row = y - 1; row <= y + 1; ++row) {
+        for (std::ptrdiff_t column = x - 1; column <= x + 1; ++column) {
+            const std::ptrdiff_t pixel = 4 * (row * static_cast<std::ptrdiff_t>(width) + column);
+            for (std::ptrdiff_t byte = pixel; byte < pixel + 4; ++byte) {
+                if (column >= 0 && column < static_cast<std::ptrdiff_t>(width) && byte >= 0 &&
+                    byte < static_cast<std::ptrdiff_t>(before.size()))
+                    text << int{before[static_cast<std::size_t>(byte)]} << ' ';
+                else
+                    text << "- ";
+            }
+            text << (column <= x ? "| " : "\n");
+        }
+    }
+    return text.str();
+}
+
+// Noise of several kinds: any bytes, only extremes, only neighbours of the extremes and the middle, smooth.
+Bytes Contents(std::size_t size, std::uint32_t seed)
+{
+    Bytes bytes = RandomBytes(size, seed);
+    switch (seed % 4) {
+    case 1:
+        for (auto& byte : bytes)
+            byte = byte & 1 ? 255 : 0;
+        break;
+    case 2:
+        for (auto& byte : bytes)
+            byte = static_cast<std::uint8_t>((byte & 0xC1) - (byte >> 1 & 1));
+        break;
+    case 3:
+        for (std::size_t at = 0; at < size; ++at)
+            bytes[at] = static_cast<std::uint8_t>(at / 7 + (bytes[at] & 3));
+        break;
+    default:
+        break;
+    }
+    return bytes;
+}
+
+class Levels : public testing::Test
+{
+protected:
+    // Runs one kernel in the scalar form and at every vector level of this machine, the latter between guard pages, at
+    // both of them.
+    template <typename Run>
+    [[nodiscard]] testing::AssertionResult SameAsScalar(const Bytes& before, std::size_t width, const Run& run)
+    {
+        Bytes expected = before;
+        run(KernelsOf(Level::Scalar), Frame(expected));
+        for (const Level level : AvailableLevels()) {
+            if (level == Level::Scalar)
+                continue;
+            for (const Against side : {Against::Front, Against::Back}) {
+                const Frame actual = guarded_.Place(before, side);
+                run(KernelsOf(level), actual);
+                const std::string difference = Difference(before, expected, actual, width);
+                if (!difference.empty())
+                    return testing::AssertionFailure() << "at " << NameOf(level) << ": " << difference;
+            }
+        }
+        return testing::AssertionSuccess();
+    }
+
+    GuardedFrame guarded_{1 << 18};
+};
+
+// Where a level is missing, its forms go untested: let the log say so.
+class Machine : public testing::TestWithParam<Level>
+{
+};
+
+INSTANTIATE_TEST_SUITE_P(Levels, Machine, testing::Values(Level::Sse2, Level::Avx2, Level::Avx512),
+                         [](const auto& tested) {
+                             std::string name = NameOf(tested.param);
+                             std::erase(name, '-');
+                             return name;
+                         });
+
+TEST_P(Machine, Runs)
+{
+    if (GetParam() > HighestLevel())
+        GTEST_SKIP() << "this machine has no " << NameOf(GetParam());
+    EXPECT_NE(&KernelsOf(GetParam()), &KernelsOf(Level::Scalar));
+}
+
+TEST_F(Levels, ConvolveEverySizeAsTheScalarFormDoes)
+{
+    std::uint32_t seed = 0;
+    const auto check = [&](std::int32_t width, std::int32_t height, std::int32_t kind) {
+        ++seed;
+        const std::size_t picture = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4;
+        const Bytes before =
+            Contents(picture + seed % 5, seed); // bytes behind the picture, and unaligned starts with them
+        const ConvolutionParameters parameters = ParametersOfKind(kind);
+        return SameAsScalar(before, static_cast<std::size_t>(width),
+                            [&](const KernelSet& kernels, Frame frame) {
+                                Bytes scratch = RandomBytes(ConvolutionScratchBytes(width), seed);
+                                kernels.convolve(frame, width, seed % 2 ? height : -height, parameters, scratch);
+                            })
+               << "kind " << kind << ", " << width << " x " << height << ", seed " << seed;
+    };
+    for (std::int32_t width = 1; width <= 300; ++width) {
+        // Every width with three heights; every height turns up with many widths.
+        for (const std::int32_t height : {1 + width * 7 % 40, 1 + width * 11 % 9, 3 + width % 2}) {
+            for (std::int32_t kind = firstKind; kind <= lastKind; ++kind)
+                ASSERT_TRUE(check(width, height, kind));
+        }
+    }
+    // Rows longer than a stretch, ending around its border.
+    for (const std::int32_t width : {495, 496, 511, 512, 513, 514, 528, 529, 1023, 1024, 1025, 1041, 2047, 2050}) {
+        for (std::int32_t kind = firstKind; kind <= lastKind; ++kind)
+            ASSERT_TRUE(check(width, 3 + (width + kind) % 6, kind));
+    }
+}
+
+TEST_F(Levels, ConvolveWithAKernelThatOutlivedItsKind)
+{
+    for (std::int32_t kind = firstKind; kind <= lastKind; ++kind) {
+        ConvolutionParameters parameters = ParametersOfKind(kind);
+        parameters.SetKind(11);
+        EXPECT_TRUE(
+            SameAsScalar(Contents(37 * 9 * 4, 4), 37,
+                         [&](const KernelSet& kernels, Frame frame) { Convolve(kernels, frame, 37, 9, parameters); }))
+            << "kernel of kind " << kind;
+    }
+}
+
+// All 2^24 colours; the fourth byte goes through its values along the way.
+TEST_F(Levels, FilterEveryColour)
+{
+    constexpr std::uint32_t blockPixels = 1 << 16;
+    Bytes before(blockPixels * 4);
+    for (std::uint32_t red = 0; red < 256; ++red) {
+        for (std::uint32_t i = 0; i < blockPixels; ++i) {
+            const std::uint32_t pixel = i * 0x3B << 24 | red << 16 | i;
+            std::memcpy(before.data() + i * 4, &pixel, 4);
+        }
+        for (std::int32_t colour = 0; colour <= 2; ++colour) {
+            for (const bool brighten : {false, true}) {
+                ASSERT_TRUE(SameAsScalar(before, blockPixels,
+                                         [&](const KernelSet& kernels, Frame frame) {
+                                             kernels.filterColor(frame, {97, colour, brighten});
+                                         }))
+                    << "red " << red << ", colour " << colour << ", brighten " << brighten;
+            }
+        }
+    }
+}
+
+// Each channel goes through all its values, together with different ones of the others.
+Bytes EveryValue(std::size_t tail)
+{
+    Bytes bytes(256 * 4 + tail);
+    for (std::size_t at = 0; at < bytes.size(); ++at)
+        bytes[at] = static_cast<std::uint8_t>(at / 4 * (2 * (at % 4) + 1) + 31 * (at % 4));
+    return bytes;
+}
+
+TEST_F(Levels, PointEffectsForEveryParameter)
+{
+    std::vector<std::int32_t> values = {INT_MIN, INT_MIN + 1, -65536, -257,    256,     257,         12799,  12800,
+                                        12801,   65535,       65536,  1 << 23, 1 << 24, INT_MAX - 1, INT_MAX};
+    for (std::int32_t value = -256; value <= 255; ++value)
+        values.push_back(value);
+
+    for (const std::int32_t value : values) {
+        const Bytes before = EveryValue(static_cast<std::size_t>(value & 15));
+        const auto same = [&](const auto& run) { return SameAsScalar(before, 256, run) << "parameter " << value; };
+        using Set = const KernelSet&;
+        ASSERT_TRUE(same([&](Set kernels, Frame frame) { kernels.gamma(frame, MakeGammaTable(value)); }));
+        ASSERT_TRUE(same([&](Set kernels, Frame frame) { kernels.multiply(frame, value); }));
+        ASSERT_TRUE(same([&](Set kernels, Frame frame) { kernels.invert(frame, value); }));
+        ASSERT_TRUE(same([&](Set kernels, Frame frame) { kernels.add(frame, {value, -(value / 2), value / 3 + 7}); }));
+        ASSERT_TRUE(same([&](Set kernels, Frame frame) { kernels.add(frame, {value / 3 + 7, value, -(value / 2)}); }));
+        ASSERT_TRUE(same([&](Set kernels, Frame frame) { kernels.add(frame, {-(value / 2), value / 3, value}); }));
+        for (std::int32_t colour = -1; colour <= 3; ++colour) {
+            ASSERT_TRUE(same([&](Set kernels, Frame frame) {
+                kernels.filterColor(frame, {value, colour, (value & 1) != 0});
+            }));
+        }
+    }
+}
+
+TEST_F(Levels, PointEffectsOfEveryLength)
+{
+    for (std::size_t size = 0; size <= 700; ++size) {
+        const Bytes before = Contents(size, static_cast<std::uint32_t>(size));
+        const auto same = [&](const auto& run) { return SameAsScalar(before, size + 1, run) << "bytes " << size; };
+        using Set = const KernelSet&;
+        ASSERT_TRUE(same([&](Set kernels, Frame frame) { kernels.gamma(frame, MakeGammaTable(60)); }));
+        ASSERT_TRUE(same([&](Set kernels, Frame frame) { kernels.multiply(frame, 130); }));
+        ASSERT_TRUE(same([&](Set kernels, Frame frame) { kernels.invert(frame, 5); }));
+        ASSERT_TRUE(same([&](Set kernels, Frame frame) { kernels.add(frame, {-9, 100, 30}); }));
+        ASSERT_TRUE(same([&](Set kernels, Frame frame) { kernels.filterColor(frame, {80, 0, true}); }));
+    }
+}
+
+TEST(LevelChoice, NeverExceedsTheMachineOrTheCeiling)
+{
+    EXPECT_EQ(&KernelsOf(Level::Avx512), &KernelsOf(HighestLevel()));
+    const auto all = [](const KernelSet& set) {
+        return std::array{reinterpret_cast<void (*)()>(set.gamma),  reinterpret_cast<void (*)()>(set.multiply),
+                          reinterpret_cast<void (*)()>(set.invert), reinterpret_cast<void (*)()>(set.filterColor),
+                          reinterpret_cast<void (*)()>(set.add),    reinterpret_cast<void (*)()>(set.convolve)};
+    };
+    for (const Level ceiling : test::AvailableLevels()) {
+        const auto best = all(BestKernels(ceiling));
+        for (std::size_t effect = 0; effect < best.size(); ++effect) {
+            bool found = false;
+            for (const Level level : test::AvailableLevels())
+                found |= level <= ceiling && all(KernelsOf(level))[effect] == best[effect];
+            EXPECT_TRUE(found) << "effect " << effect << " above " << NameOf(ceiling);
+        }
+    }
+}
+
+} // namespace
+} // namespace vixa::kernels::test
