@@ -1,0 +1,96 @@
+// The icons in the repository: drawn by the effects, packed as the library promises, and to be told apart.
+#include "tools/make-icons/Icons.h"
+#include "bitmap/DibLayout.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace vixa::icons {
+namespace {
+
+const std::filesystem::path root = VIXA_SOURCE_DIR;
+
+std::vector<std::uint8_t> contentOf(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Mean difference of the colour bytes in the columns from `left` on, 0 to 255.
+double difference(const Picture& a, const Picture& b, int left = 0)
+{
+    long sum = 0;
+    for (int y = 0; y < iconHeight; ++y)
+        for (int x = left; x < iconWidth; ++x)
+            for (int channel = 0; channel < 3; ++channel)
+                sum += std::abs(a.at(x, y)[channel] - b.at(x, y)[channel]);
+    return double(sum) / ((iconWidth - left) * iconHeight * 3);
+}
+
+TEST(Icons, FilesAreWhatTheirMakerDraws)
+{
+    for (const Icon& icon : icons())
+        EXPECT_EQ(contentOf(root / "resources/bitmaps" / fileName(icon)), bitmapFile(drawIcon(icon)))
+            << icon.name << ": draw the icons again with the target 'icons' and look at docs/icons.png";
+}
+
+TEST(Icons, FilesArePlainPicturesOf3712Bytes)
+{
+    constexpr std::size_t fileHeader = 14;
+    for (const Icon& icon : icons()) {
+        const auto file = contentOf(root / "resources/bitmaps" / fileName(icon));
+        ASSERT_EQ(file.size(), fileHeader + 3712) << icon.name;
+        EXPECT_EQ(file[10], fileHeader + 40);
+        const auto layout = bitmap::parsePackedDib(std::as_bytes(std::span(file).subspan(fileHeader)));
+        ASSERT_TRUE(layout) << icon.name;
+        EXPECT_EQ(layout->width, iconWidth);
+        EXPECT_EQ(layout->height, iconHeight);
+        EXPECT_EQ(layout->bitCount, 24);
+        EXPECT_EQ(layout->headerBytes, 40);
+        EXPECT_EQ(layout->totalBytes(), 3712);
+    }
+}
+
+TEST(Icons, ResourceScriptNamesEachOnce)
+{
+    std::ifstream script(root / "resources/bitmaps.rc");
+    std::set<std::string> rows;
+    for (std::string line; std::getline(script, line);) {
+        const bool isRow = !line.starts_with("//");
+        EXPECT_TRUE(!isRow || rows.insert(line).second) << line;
+    }
+    std::set<std::string> expected;
+    for (const Icon& icon : icons())
+        expected.insert(std::to_string(icon.id) + " BITMAP \"resources/bitmaps/" + fileName(icon) + '"');
+    EXPECT_EQ(rows, expected);
+    EXPECT_EQ(rows.size(), 13u);
+}
+
+TEST(Icons, EffectsShowAndDiffer)
+{
+    for (const Icon& icon : icons()) {
+        Icon untouched = icon;
+        untouched.apply = [](Picture&) {};
+        const Picture picture = drawIcon(icon), plain = drawIcon(untouched);
+        EXPECT_GT(difference(picture, plain, icon.split), 8.0) << icon.name;
+        for (int y = 0; y < iconHeight; ++y)
+            for (int x = 0; x < icon.split; ++x)
+                ASSERT_TRUE(std::equal(picture.at(x, y), picture.at(x, y) + 3, plain.at(x, y))) << icon.name;
+        for (const Icon& other : icons()) {
+            if (other.id < icon.id) {
+                EXPECT_GT(difference(picture, drawIcon(other)), 6.0) << icon.name << " and " << other.name;
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace vixa::icons

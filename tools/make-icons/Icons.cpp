@@ -1,0 +1,156 @@
+#include "tools/make-icons/Icons.h"
+
+#include "effects/kernels/Kernels.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vixa::icons {
+
+namespace {
+
+using namespace vixa::kernels;
+
+const KernelSet& effects()
+{
+    return KernelsOf(Level::Scalar);
+}
+
+template <std::int32_t kind>
+void convolve(Picture& picture)
+{
+    ConvolutionParameters parameters;
+    parameters.SetKind(kind);
+    std::vector<std::uint8_t> scratch(ConvolutionScratchBytes(picture.width));
+    effects().convolve(picture.bytes, picture.width, picture.height, parameters, scratch);
+}
+
+void add(Picture& picture)
+{
+    effects().add(picture.bytes, {.red = 90, .green = 20, .blue = -60});
+}
+
+void multiply(Picture& picture)
+{
+    effects().multiply(picture.bytes, 45);
+}
+
+void gamma(Picture& picture)
+{
+    effects().gamma(picture.bytes, MakeGammaTable(260));
+}
+
+void filterColor(Picture& picture)
+{
+    effects().filterColor(picture.bytes, {.intensity = 255, .colour = 2, .brighten = false});
+}
+
+void invert(Picture& picture)
+{
+    effects().invert(picture.bytes, 7);
+}
+
+constexpr std::array<Icon, 13> all = {{
+    {332, "Soften filter", convolve<8>, 3, 1, 14, false},
+    {333, "Emboss", convolve<2>, 1, 2, 0, false},
+    {334, "Shift edges", convolve<7>, 1, 1, 14, false},
+    {335, "Detect edges", convolve<1>, 1, 1, 0, false},
+    {336, "Light edges", convolve<6>, 1, 1, 14, false},
+    {337, "Enhance edges", convolve<4>, 1, 1, 14, false},
+    {338, "Filter color", filterColor, 1, 1, 14, false},
+    {339, "Add pixel", add, 1, 1, 14, false},
+    {340, "Multiply pixel", multiply, 1, 1, 14, false},
+    {341, "Gamma correction", gamma, 1, 1, 14, false},
+    {342, "Enhance focus", convolve<5>, 3, 1, 16, true},
+    {343, "Enhance details", convolve<3>, 2, 1, 14, false},
+    {344, "Invert color", invert, 1, 1, 14, false},
+}};
+
+// The picture without its margin, each icon pixel the mean of scale × scale pixels.
+Picture reduced(const Picture& picture, int scale, int margin)
+{
+    Picture icon(iconWidth, iconHeight);
+    const int count = scale * scale;
+    for (int y = 0; y < iconHeight; ++y)
+        for (int x = 0; x < iconWidth; ++x)
+            for (int channel = 0; channel < 3; ++channel) {
+                int sum = count / 2;
+                for (int sy = 0; sy < scale; ++sy)
+                    for (int sx = 0; sx < scale; ++sx)
+                        sum += picture.at(margin + x * scale + sx, margin + y * scale + sy)[channel];
+                icon.at(x, y)[channel] = static_cast<std::uint8_t>(sum / count);
+            }
+    return icon;
+}
+
+void put32(std::vector<std::uint8_t>& bytes, std::uint32_t value)
+{
+    for (int shift = 0; shift < 32; shift += 8)
+        bytes.push_back(static_cast<std::uint8_t>(value >> shift));
+}
+
+void put16(std::vector<std::uint8_t>& bytes, std::uint32_t value)
+{
+    bytes.push_back(static_cast<std::uint8_t>(value));
+    bytes.push_back(static_cast<std::uint8_t>(value >> 8));
+}
+
+} // namespace
+
+std::span<const Icon> icons()
+{
+    return all;
+}
+
+Picture drawIcon(const Icon& icon)
+{
+    const int softening = icon.soft ? 2 : 0;
+    const int margin = softening + icon.passes; // each pass of a convolution blackens one more ring of pixels
+    Picture scene = paintScene(icon.scale, margin);
+    for (int pass = 0; pass < softening; ++pass)
+        convolve<8>(scene);
+    const Picture before = reduced(scene, icon.scale, margin);
+    for (int pass = 0; pass < icon.passes; ++pass)
+        icon.apply(scene);
+    Picture result = reduced(scene, icon.scale, margin);
+    for (int y = 0; y < iconHeight; ++y)
+        for (int x = 0; x < icon.split; ++x)
+            std::copy_n(before.at(x, y), 4, result.at(x, y));
+    return result;
+}
+
+std::vector<std::uint8_t> bitmapFile(const Picture& picture)
+{
+    constexpr std::uint32_t fileHeader = 14, header = 40;
+    const auto width = static_cast<std::uint32_t>(picture.width), height = static_cast<std::uint32_t>(picture.height);
+    const std::uint32_t stride = (width * 3 + 3) / 4 * 4;
+    const std::uint32_t total = fileHeader + header + stride * height;
+    std::vector<std::uint8_t> bytes = {'B', 'M'};
+    bytes.reserve(total);
+    put32(bytes, total);
+    put32(bytes, 0);
+    put32(bytes, fileHeader + header);
+    put32(bytes, header);
+    put32(bytes, width);
+    put32(bytes, height);
+    put16(bytes, 1);  // planes
+    put16(bytes, 24); // bits per pixel
+    for (int rest = 0; rest < 6; ++rest)
+        put32(bytes, 0);
+    for (int y = picture.height - 1; y >= 0; --y) {
+        for (int x = 0; x < picture.width; ++x)
+            bytes.insert(bytes.end(), picture.at(x, y), picture.at(x, y) + 3);
+        bytes.resize((bytes.size() - fileHeader - header + 3) / 4 * 4 + fileHeader + header);
+    }
+    return bytes;
+}
+
+std::string fileName(const Icon& icon)
+{
+    std::string name = icon.name;
+    for (char& letter : name)
+        letter = letter == ' ' ? '-' : letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    return name + ".bmp";
+}
+
+} // namespace vixa::icons

@@ -1,0 +1,38 @@
+// The thirteen icons: the scene, its left part as it is, the rest seen through an effect.
+#pragma once
+
+#include "tools/make-icons/Picture.h"
+#include "tools/make-icons/Scene.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace vixa::icons {
+
+struct Icon
+{
+    int id;           // bitmap resource
+    const char* name; // of the effect, and of the file
+    // Applies the effect once to a whole picture.
+    void (*apply)(Picture& picture);
+    int passes; // how often: what is faint in a small picture is done more than once
+    int scale;  // picture pixels per icon pixel while the effect is applied: more makes its lines finer
+    int split;  // columns on the left that stay as they are
+    bool soft;  // the scene is out of focus before the effect is applied
+};
+
+// In the order of their ids.
+std::span<const Icon> icons();
+
+// The icon's pixels at its real size.
+Picture drawIcon(const Icon& icon);
+
+// A bitmap file: 14 bytes, then the 40-byte header and bottom-up rows of 24-bit pixels.
+std::vector<std::uint8_t> bitmapFile(const Picture& picture);
+
+// "soften-filter.bmp" of "Soften filter".
+std::string fileName(const Icon& icon);
+
+} // namespace vixa::icons
