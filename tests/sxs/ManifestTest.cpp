@@ -112,8 +112,11 @@ TEST(Manifest, NestingAndAttributesAreBoundedBeforeParsing)
          })
         EXPECT_FALSE(IsSafeToParse(text)) << text.substr(0, 100);
 
-    // Only what the parser would read counts.
+    // Only what stands before the first zero counts, and nothing takes the parser beyond it.
+    TiXmlDocument cut;
     EXPECT_TRUE(IsSafeToParse("<a/>\0"s + repeat(100000, "<a>")));
+    EXPECT_FALSE(ParseXml(declaration + "<a>\xF0\0bc"s + repeat(1000, "<a>"), cut));
+    EXPECT_LE(depthOf(cut), 2u);
 }
 
 // The largest texts that pass: their cost is what the bounds promise. A hang shows as the program's time limit.
