@@ -26,9 +26,9 @@ private:
     HRESULT EnterOld(const AMOVIESETUP_FILTER& setup) noexcept;
 
     bool m_initialised;
-    HRESULT m_status;
     ComPtr<IFilterMapper2> m_mapper2;
     ComPtr<IFilterMapper> m_mapper;
+    HRESULT m_status; // initialised with the mappers, so after them
 };
 
 } // namespace vixa
