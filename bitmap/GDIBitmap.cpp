@@ -219,8 +219,10 @@ bool STDMETHODCALLTYPE GDIBitmap::CopyFrom(const IBitmap* other) noexcept
     }
     SIZE size;
     auto made = SharedBitmapData::Make(*other->GetSize(&size), other->GetBitCount());
-    if (!made)
+    if (!made) {
+        Reset();
         return false;
+    }
     const auto pixels = PixelsOf(*other);
     const RGBQUAD* const palette = other->GetPaletteForRead();
     const bool copied = made->bits && !pixels.bytes.empty() && palette;
