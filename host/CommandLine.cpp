@@ -1,0 +1,108 @@
+#include "host/CommandLine.h"
+
+#include "host/HostError.h"
+#include "host/NearestNames.h"
+#include "host/Text.h"
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion"
+#pragma GCC diagnostic ignored "-Wshadow"
+#endif
+#include <CLI/CLI.hpp>
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
+#include <algorithm>
+
+namespace vixa::host {
+
+namespace {
+
+// The words of `apply`, in the order in which they stood: a setting belongs to the effect before it.
+EffectStack BuildStack(const std::vector<CLI::Option*>& order, const CLI::Option* first, const CLI::Option* then,
+                       const CLI::Option* set)
+{
+    EffectStack stack;
+    std::size_t effects = 0, settings = 0;
+    for (const CLI::Option* option : order) {
+        if (option == first) {
+            if (!stack.empty())
+                throw WrongWords("--then comes after the first effect: vixahost apply EFFECT --then EFFECT IN OUT.");
+            stack.emplace_back(FindEffect(first->results().front()));
+        } else if (option == then) {
+            if (stack.empty())
+                throw WrongWords("--then comes after the first effect: vixahost apply EFFECT --then EFFECT IN OUT.");
+            stack.emplace_back(FindEffect(then->results().at(effects++)));
+        } else if (option == set) {
+            const std::string& assignment = set->results().at(settings++);
+            if (stack.empty())
+                throw WrongWords("--set " + assignment + " belongs after the name of the effect that it sets.");
+            stack.back().Set(assignment);
+        }
+    }
+    return stack;
+}
+
+constexpr const char* examples = "Examples:\n"
+                                 "  vixahost apply \"Emboss\" in.png out.png\n"
+                                 "  vixahost apply \"Gamma correction\" --set gamma=160 clip.avi out.avi\n"
+                                 "  vixahost apply \"Soften filter\" --then \"Enhance edges\" in.png out.png\n";
+
+} // namespace
+
+Command ParseCommandLine(const std::vector<std::string>& words)
+{
+    CLI::App app("Shows VixaVideoFX's effects and applies them to pictures and clips. Without arguments: all effects "
+                 "on a sample picture, into the folder \"out\".",
+                 "vixahost");
+    // A path such as /tmp/in.png is a path here, not an option.
+    app.allow_windows_style_options(false);
+    app.require_subcommand(0, 1);
+    app.set_version_flag("--version", "vixahost " VIXA_VERSION);
+    app.footer(examples);
+    app.add_subcommand("effects", "Lists the effects, their identifiers and their parameters with ranges");
+
+    CLI::App* apply = app.add_subcommand("apply", "Sends a picture (PNG, BMP, JPEG, TIFF) or an AVI clip through "
+                                                  "one or more effects");
+    apply->allow_windows_style_options(false);
+    std::string effect, input, output;
+    std::vector<std::string> settings, more;
+    const CLI::Option* first = apply->add_option("EFFECT", effect, "The effect's name, as `vixahost effects` lists it");
+    first = apply->get_option("EFFECT")->required();
+    apply->add_option("IN", input, "Picture or clip to read")->required();
+    apply->add_option("OUT", output, "Picture or clip to write; its ending says the picture's format")->required();
+    const CLI::Option* set = apply->add_option("--set", settings, "A parameter of the effect before it")
+                                 ->type_name("NAME=VALUE")
+                                 ->allow_extra_args(false);
+    const CLI::Option* then =
+        apply->add_option("--then", more, "A further effect")->type_name("EFFECT")->allow_extra_args(false);
+    apply->footer(examples);
+
+    if (!words.empty() && !words.front().starts_with('-') && words.front() != "effects" && words.front() != "apply") {
+        const std::string commands[] = {"effects", "apply"};
+        throw WrongWords("There is no command \"" + words.front() + "\"; did you mean " +
+                         Alternatives(NearestNames(words.front(), commands)) + "? `vixahost --help` shows all.");
+    }
+    try {
+        app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+    } catch (const CLI::CallForHelp&) {
+        return TextCommand{app.help()};
+    } catch (const CLI::CallForAllHelp&) {
+        return TextCommand{app.help("", CLI::AppFormatMode::All)};
+    } catch (const CLI::CallForVersion& version) {
+        return TextCommand{std::string(version.what()) + "\n"};
+    } catch (const CLI::ParseError& fault) {
+        std::string message = fault.what();
+        std::replace(message.begin(), message.end(), '\n', ' ');
+        throw WrongWords(message + " (`vixahost --help` shows how it goes)");
+    }
+    if (app.got_subcommand("effects"))
+        return EffectsCommand{};
+    if (app.got_subcommand("apply"))
+        return ApplyCommand{BuildStack(apply->parse_order(), first, then, set), Wide(input), Wide(output)};
+    return ShowCommand{};
+}
+
+} // namespace vixa::host

@@ -1,0 +1,63 @@
+#include "host/EffectLibrary.h"
+
+#include "host/HostError.h"
+#include "host/Text.h"
+
+namespace vixa::host {
+
+namespace {
+
+std::filesystem::path BesideTheProgram()
+{
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size()) {
+            path.resize(length);
+            return std::filesystem::path(path).parent_path() / L"VixaVideoFX.dll";
+        }
+        path.resize(path.size() * 2);
+    }
+}
+
+template <typename Function>
+Function Export(HMODULE module, const char* name)
+{
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+}
+
+} // namespace
+
+EffectLibrary::EffectLibrary() : EffectLibrary(BesideTheProgram()) {}
+
+EffectLibrary::EffectLibrary(const std::filesystem::path& file) : module(LoadLibraryW(file.c_str()))
+{
+    if (!module)
+        throw FailedJob("The effect library can't be loaded (system error " + std::to_string(GetLastError()) +
+                        "); put it here: " + Show(file));
+    getClassObject = Export<GetClassObject>(module.get(), "DllGetClassObject");
+    canUnloadNow = Export<CanUnloadNow>(module.get(), "DllCanUnloadNow");
+    if (!getClassObject || !canUnloadNow)
+        throw FailedJob(Show(file) + " is no effect library (it lacks DllGetClassObject or DllCanUnloadNow); "
+                                     "put the right one there.");
+}
+
+Microsoft::WRL::ComPtr<IBaseFilter> EffectLibrary::CreateFilter(const GUID& classId, const char* name) const
+{
+    Microsoft::WRL::ComPtr<IClassFactory> factory;
+    HRESULT result = getClassObject(classId, IID_IClassFactory, &factory);
+    Microsoft::WRL::ComPtr<IBaseFilter> filter;
+    if (SUCCEEDED(result))
+        result = factory->CreateInstance(nullptr, IID_IBaseFilter, &filter);
+    if (FAILED(result))
+        throw FailedJob("The library can't make the effect \"" + std::string(name) + "\" (" + Show(result) +
+                        "); is VixaVideoFX.dll of the same version as this program?");
+    return filter;
+}
+
+bool EffectLibrary::CanUnload() const noexcept
+{
+    return canUnloadNow() == S_OK;
+}
+
+} // namespace vixa::host

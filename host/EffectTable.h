@@ -1,0 +1,29 @@
+// What the host knows of the thirteen effects by itself: their names and the data blocks they start with.
+#pragma once
+
+#include <guiddef.h>
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace vixa::host {
+
+struct EffectEntry
+{
+    const char* name; // English
+    const GUID* classId;
+    std::span<const std::int32_t> defaults; // the effect's data block before the user has set anything
+};
+
+// In the library's order.
+std::span<const EffectEntry> Effects();
+
+// The effect of that name, whatever the case of its ASCII letters; throws WrongWords that offers the nearest names.
+const EffectEntry& FindEffect(std::string_view name);
+
+// "Add pixel" as "add-pixel": a file name that needs no quoting.
+std::string FileStem(const EffectEntry& effect);
+
+} // namespace vixa::host
