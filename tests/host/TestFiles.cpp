@@ -1,0 +1,300 @@
+#include "tests/host/TestFiles.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <stdexcept>
+
+namespace vixa::host::test {
+
+ScratchFolder::ScratchFolder()
+{
+    static int count = 0;
+    path = std::filesystem::temp_directory_path() /
+           (L"vixahost test \x00e4\x4e2d " + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++count));
+    std::filesystem::create_directories(path);
+}
+
+ScratchFolder::~ScratchFolder()
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+}
+
+std::vector<std::wstring> ScratchFolder::Names() const
+{
+    std::vector<std::wstring> names;
+    for (const auto& entry : std::filesystem::directory_iterator(path))
+        names.push_back(entry.path().filename().native());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+Bytes ReadBytes(const std::filesystem::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void WriteBytes(const std::filesystem::path& file, const Bytes& bytes)
+{
+    std::ofstream stream(file, std::ios::binary);
+    stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+Picture TestPicture(int width, int height, unsigned seed, bool alpha)
+{
+    std::mt19937 random(seed);
+    Picture picture(width, height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            for (int channel = 0; channel < 4; ++channel)
+                picture.Row(y)[x * 4 + channel] =
+                    channel == 3 && !alpha ? std::uint8_t{255}
+                                           : static_cast<std::uint8_t>(x * 5 + channel * 40 + int(random() % 64));
+    return picture;
+}
+
+namespace {
+
+void Put16(Bytes& to, unsigned value)
+{
+    to.push_back(static_cast<std::uint8_t>(value));
+    to.push_back(static_cast<std::uint8_t>(value >> 8));
+}
+
+void Put32(Bytes& to, std::uint32_t value)
+{
+    Put16(to, value & 0xFFFF);
+    Put16(to, value >> 16);
+}
+
+void PutTag(Bytes& to, const char* tag)
+{
+    to.insert(to.end(), tag, tag + 4);
+}
+
+Bytes Chunk(const char* tag, const Bytes& content)
+{
+    Bytes chunk;
+    PutTag(chunk, tag);
+    Put32(chunk, static_cast<std::uint32_t>(content.size()));
+    chunk.insert(chunk.end(), content.begin(), content.end());
+    if (content.size() % 2 != 0)
+        chunk.push_back(0);
+    return chunk;
+}
+
+Bytes List(const char* tag, const char* type, const std::vector<Bytes>& parts)
+{
+    Bytes content;
+    PutTag(content, type);
+    for (const Bytes& part : parts)
+        content.insert(content.end(), part.begin(), part.end());
+    return Chunk(tag, content);
+}
+
+struct Stream
+{
+    const char* type;
+    const char* handler;
+    std::uint32_t scale, rate, length, buffer, sampleSize;
+    int width, height;
+};
+
+Bytes StreamHeader(const Stream& stream)
+{
+    Bytes header;
+    PutTag(header, stream.type);
+    PutTag(header, stream.handler);
+    for (const std::uint32_t value :
+         {0u, 0u, 0u, stream.scale, stream.rate, 0u, stream.length, stream.buffer, 0xFFFFFFFFu, stream.sampleSize, 0u})
+        Put32(header, value);
+    Put16(header, static_cast<unsigned>(stream.width));
+    Put16(header, static_cast<unsigned>(stream.height));
+    return Chunk("strh", header);
+}
+
+// A frame as it lies in the file.
+Bytes StoredFrame(const ClipRecipe& recipe, int frame)
+{
+    Bytes stored;
+    for (int row = 0; row < recipe.height; ++row) {
+        const int y = recipe.topDown ? recipe.height - 1 - row : row;
+        for (int x = 0; x < recipe.width; ++x)
+            for (int channel = 0; channel < recipe.bits / 8; ++channel)
+                stored.push_back(ClipByte(frame, x, y, channel));
+        while (stored.size() % 4 != 0)
+            stored.push_back(0);
+    }
+    return stored;
+}
+
+std::size_t SamplesUpTo(const ClipRecipe& recipe, int frame)
+{
+    return static_cast<std::size_t>(std::uint64_t(frame) * recipe.scale * 44100 / recipe.rate);
+}
+
+constexpr std::size_t blockAlign = 4;
+
+std::uint32_t Get32(const Bytes& from, std::size_t at)
+{
+    std::uint32_t value = 0;
+    if (at + 4 > from.size())
+        throw std::runtime_error("the clip ends too early");
+    std::memcpy(&value, from.data() + at, 4);
+    return value;
+}
+
+std::string TagAt(const Bytes& from, std::size_t at)
+{
+    return {from.begin() + static_cast<std::ptrdiff_t>(at), from.begin() + static_cast<std::ptrdiff_t>(at) + 4};
+}
+
+void Parse(const Bytes& file, std::size_t at, std::size_t end, ParsedClip& clip, bool& inSound)
+{
+    while (at + 8 <= end) {
+        const std::string tag = TagAt(file, at);
+        const std::size_t size = Get32(file, at + 4), content = at + 8;
+        const auto piece = [&] {
+            return Bytes(file.begin() + static_cast<std::ptrdiff_t>(content),
+                         file.begin() + static_cast<std::ptrdiff_t>(content + size));
+        };
+        if (content + size > end)
+            throw std::runtime_error("chunk " + tag + " is longer than what holds it");
+        if (tag == "RIFF" || tag == "LIST")
+            Parse(file, content + 4, content + size, clip, inSound);
+        if (tag == "strh") {
+            inSound = TagAt(file, content) == "auds";
+            (inSound ? clip.soundScale : clip.scale) = Get32(file, content + 20);
+            (inSound ? clip.soundRate : clip.rate) = Get32(file, content + 24);
+            (inSound ? clip.soundLength : clip.length) = Get32(file, content + 32);
+            if (inSound)
+                clip.soundSampleSize = Get32(file, content + 44);
+        }
+        if (tag == "strf" && inSound)
+            clip.soundFormat = piece();
+        if (tag == "strf" && !inSound) {
+            clip.width = static_cast<int>(Get32(file, content + 4));
+            clip.height = static_cast<int>(Get32(file, content + 8));
+            clip.bits = static_cast<int>(Get32(file, content + 12) >> 16);
+        }
+        if (tag == "00db" || tag == "00dc")
+            clip.frames.push_back(piece());
+        if (tag == "01wb") {
+            const Bytes samples = piece();
+            clip.sound.insert(clip.sound.end(), samples.begin(), samples.end());
+        }
+        at = content + size + size % 2;
+    }
+}
+
+} // namespace
+
+std::uint8_t ClipByte(int frame, int x, int y, int channel)
+{
+    return static_cast<std::uint8_t>(x * 7 + y * 3 + frame * 11 + channel * 50 + (x * y) % 5);
+}
+
+Bytes ClipFrame(const ClipRecipe& recipe, int frame)
+{
+    if (frame == recipe.emptyFrame)
+        --frame;
+    Bytes pixels;
+    for (int y = 0; y < recipe.height; ++y)
+        for (int x = 0; x < recipe.width; ++x)
+            for (int channel = 0; channel < 4; ++channel) {
+                const bool colourless = channel == 3 && recipe.bits < 32;
+                pixels.push_back(colourless ? std::uint8_t{0} : ClipByte(frame, x, y, recipe.bits == 8 ? 0 : channel));
+            }
+    return pixels;
+}
+
+Bytes ClipSound(const ClipRecipe& recipe)
+{
+    Bytes sound(SamplesUpTo(recipe, recipe.frames) * blockAlign);
+    for (std::size_t i = 0; i < sound.size(); ++i)
+        sound[i] = static_cast<std::uint8_t>(i * 13 + i / 251);
+    return sound;
+}
+
+Bytes MakeClip(const ClipRecipe& recipe)
+{
+    const Bytes sound = recipe.sound ? ClipSound(recipe) : Bytes();
+    const auto frameBytes = static_cast<std::uint32_t>(StoredFrame(recipe, 0).size());
+
+    Bytes pictureFormat;
+    for (const std::uint32_t value : {40u, static_cast<std::uint32_t>(recipe.width),
+                                      static_cast<std::uint32_t>(recipe.topDown ? -recipe.height : recipe.height),
+                                      1u | static_cast<std::uint32_t>(recipe.bits) << 16})
+        Put32(pictureFormat, value);
+    PutTag(pictureFormat, recipe.compression);
+    for (const std::uint32_t value : {frameBytes, 0u, 0u, 0u, 0u})
+        Put32(pictureFormat, value);
+    if (recipe.bits == 8)
+        for (std::uint32_t grey = 0; grey < 256; ++grey)
+            Put32(pictureFormat, grey * 0x010101);
+
+    Bytes soundFormat;
+    Put16(soundFormat, 1);
+    Put16(soundFormat, 2);
+    Put32(soundFormat, 44100);
+    Put32(soundFormat, 44100 * blockAlign);
+    Put16(soundFormat, blockAlign);
+    Put16(soundFormat, 16);
+    Put16(soundFormat, 0);
+
+    const auto frames = static_cast<std::uint32_t>(recipe.frames);
+    std::vector<Bytes> headers;
+    Bytes main;
+    for (const std::uint32_t value :
+         {33366u, 0u, 0u, 0x10u, frames, 0u, recipe.sound ? 2u : 1u, frameBytes,
+          static_cast<std::uint32_t>(recipe.width), static_cast<std::uint32_t>(recipe.height), 0u, 0u, 0u, 0u})
+        Put32(main, value);
+    headers.push_back(Chunk("avih", main));
+    headers.push_back(List(
+        "LIST", "strl",
+        {StreamHeader({"vids", "DIB ", recipe.scale, recipe.rate, frames, frameBytes, 0, recipe.width, recipe.height}),
+         Chunk("strf", pictureFormat)}));
+    if (recipe.sound)
+        headers.push_back(
+            List("LIST", "strl",
+                 {StreamHeader({"auds", "\0\0\0\0", 1, 44100, static_cast<std::uint32_t>(sound.size() / blockAlign),
+                                22050, blockAlign, 0, 0}),
+                  Chunk("strf", soundFormat)}));
+
+    std::vector<Bytes> data;
+    Bytes index;
+    std::uint32_t offset = 4;
+    const auto add = [&](const char* tag, const Bytes& content) {
+        data.push_back(Chunk(tag, content));
+        PutTag(index, tag);
+        Put32(index, 0x10);
+        Put32(index, offset);
+        Put32(index, static_cast<std::uint32_t>(content.size()));
+        offset += static_cast<std::uint32_t>(data.back().size());
+    };
+    for (int frame = 0; frame < recipe.frames; ++frame) {
+        add("00db", frame == recipe.emptyFrame ? Bytes() : StoredFrame(recipe, frame));
+        if (recipe.sound)
+            add("01wb",
+                Bytes(sound.begin() + static_cast<std::ptrdiff_t>(SamplesUpTo(recipe, frame) * blockAlign),
+                      sound.begin() + static_cast<std::ptrdiff_t>(SamplesUpTo(recipe, frame + 1) * blockAlign)));
+    }
+    return List("RIFF", "AVI ", {List("LIST", "hdrl", headers), List("LIST", "movi", data), Chunk("idx1", index)});
+}
+
+ParsedClip ParseClip(const Bytes& file)
+{
+    ParsedClip clip;
+    bool inSound = false;
+    // What follows the RIFF chunk (padding) is no part of the clip.
+    Parse(file, 0, std::min<std::size_t>(file.size(), 8 + std::size_t{Get32(file, 4)}), clip, inSound);
+    return clip;
+}
+
+} // namespace vixa::host::test
