@@ -1,0 +1,170 @@
+// AVI clips: what is read from clips of several kinds, what is written, sound, damage.
+#include "host/AviHeader.h"
+#include "host/ClipReader.h"
+#include "host/ClipWriter.h"
+#include "host/HostError.h"
+#include "tests/host/TestFiles.h"
+
+#include <gtest/gtest.h>
+#include <objbase.h>
+
+#include <cstring>
+
+namespace vixa::host {
+namespace {
+
+using namespace test;
+
+class ClipFile : public testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))); }
+    void TearDown() override { CoUninitialize(); }
+
+    std::filesystem::path Make(const ClipRecipe& recipe)
+    {
+        const auto file = folder / L"clip.avi";
+        WriteBytes(file, MakeClip(recipe));
+        return file;
+    }
+
+    ScratchFolder folder;
+};
+
+TEST_F(ClipFile, EveryKindOfRgbClipGivesItsFrames)
+{
+    std::vector<ClipRecipe> recipes(6);
+    recipes[1].bits = 24;
+    recipes[1].width = 17; // rows padded to 4 bytes
+    recipes[2].bits = 8;
+    recipes[2].width = 15;
+    recipes[3].topDown = true;
+    recipes[4].topDown = true;
+    recipes[4].bits = 24;
+    recipes[5].emptyFrame = 2;
+    for (const ClipRecipe& recipe : recipes) {
+        SCOPED_TRACE(testing::Message() << recipe.bits << " bits, top-down " << recipe.topDown << ", empty frame "
+                                        << recipe.emptyFrame);
+        ClipReader reader(Make(recipe));
+        EXPECT_EQ(reader.FrameCount(), recipe.frames);
+        EXPECT_EQ(reader.Format().width, recipe.width);
+        EXPECT_EQ(reader.Format().height, recipe.height);
+        EXPECT_EQ(reader.Format().rate, 30000u);
+        EXPECT_EQ(reader.Format().scale, 1001u);
+        Bytes frame(reader.Format().FrameBytes());
+        for (int i = 0; i < recipe.frames; ++i) {
+            ASSERT_TRUE(reader.Read(frame));
+            EXPECT_TRUE(frame == ClipFrame(recipe, i)) << "frame " << i;
+        }
+        EXPECT_FALSE(reader.Read(frame));
+    }
+}
+
+TEST_F(ClipFile, ACopyKeepsFramesRateLengthAndSound)
+{
+    for (const bool sound : {true, false}) {
+        ClipRecipe recipe;
+        recipe.frames = 40;
+        recipe.sound = sound;
+        const auto copy = folder / L"copy";
+        {
+            ClipReader reader(Make(recipe));
+            ASSERT_EQ(reader.Sound().size(), sound ? 1u : 0u);
+            ClipWriter writer(copy, reader);
+            EXPECT_EQ(writer.Depth(), ClipDepth::Rgb32);
+            Bytes frame(reader.Format().FrameBytes());
+            while (reader.Read(frame))
+                writer.Write(frame);
+            writer.Finish();
+        }
+        const ParsedClip clip = ParseClip(ReadBytes(copy));
+        EXPECT_EQ(clip.width, recipe.width);
+        EXPECT_EQ(clip.height, recipe.height);
+        EXPECT_EQ(clip.bits, 32);
+        EXPECT_EQ(clip.length, 40u);
+        EXPECT_EQ(std::uint64_t{clip.rate} * 1001, std::uint64_t{clip.scale} * 30000);
+        ASSERT_EQ(clip.frames.size(), 40u);
+        for (int i = 0; i < 40; ++i)
+            EXPECT_TRUE(clip.frames[static_cast<std::size_t>(i)] == ClipFrame(recipe, i)) << "frame " << i;
+        if (sound) {
+            const Bytes expected = ClipSound(recipe);
+            EXPECT_TRUE(clip.sound == expected) << clip.sound.size() << " of " << expected.size() << " bytes";
+            EXPECT_EQ(clip.soundLength, expected.size() / 4) << "counted in samples, not in blocks";
+            EXPECT_EQ(clip.soundSampleSize, 4u);
+            EXPECT_EQ(clip.soundRate, clip.soundScale * 44100);
+            EXPECT_EQ(clip.soundFormat.size(), 18u);
+        } else {
+            EXPECT_TRUE(clip.sound.empty());
+        }
+    }
+}
+
+TEST_F(ClipFile, AWriterThatGotTooFewFramesSaysSo)
+{
+    ClipReader reader(Make({}));
+    ClipWriter writer(folder / L"copy", reader);
+    writer.Write(ClipFrame({}, 0));
+    EXPECT_NO_THROW(writer.Finish()) << "the writer is content with what it was given";
+    EXPECT_EQ(ParseClip(ReadBytes(folder / L"copy")).frames.size(), 1u);
+}
+
+TEST_F(ClipFile, DepthFollowsWhatAnAviFileHolds)
+{
+    const FrameFormat hd = {1920, 1080, 25, 1};
+    EXPECT_EQ(DepthFor(hd, 258, 0), ClipDepth::Rgb32);
+    EXPECT_EQ(DepthFor(hd, 259, 0), ClipDepth::Rgb24);
+    EXPECT_EQ(DepthFor(hd, 300, 10'000'000), ClipDepth::Rgb24);
+    EXPECT_THROW(DepthFor(hd, 346, 0), FailedJob);
+    EXPECT_THROW(DepthFor({2, 2, 25, 1}, 10, 0x7FFFFFFF), FailedJob);
+}
+
+TEST_F(ClipFile, DamagedAndForeignClipsAreRefused)
+{
+    const Bytes whole = MakeClip({});
+    const auto file = folder / L"clip.avi";
+    const auto refused = [&](const Bytes& bytes, const char* what) {
+        WriteBytes(file, bytes);
+        EXPECT_THROW(
+            {
+                ClipReader reader(file);
+                Bytes frame(reader.Format().FrameBytes());
+                while (reader.Read(frame)) {
+                }
+            },
+            FailedJob)
+            << what;
+    };
+    for (const std::size_t size :
+         {std::size_t{12}, std::size_t{40}, std::size_t{200}, whole.size() / 2, whole.size() - 1})
+        refused(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)), "cut short");
+    ClipRecipe recipe;
+    std::memcpy(recipe.compression, "ZZZ9", 5);
+    refused(MakeClip(recipe), "no decoder");
+    Bytes timeless = whole;
+    std::fill_n(timeless.begin() + 12 + 12 + 64 + 12 + 8 + 24, 4, std::uint8_t{0}); // the rate in the first strh
+    refused(timeless, "no rate");
+    recipe = {};
+    recipe.frames = 0;
+    refused(MakeClip(recipe), "no frames");
+    Bytes parts = whole;
+    parts.insert(parts.end(), {'R', 'I', 'F', 'F', 4, 0, 0, 0, 'A', 'V', 'I', 'X'});
+    refused(parts, "goes on in a second part");
+
+    EXPECT_TRUE(IsAvi(file));
+    WriteBytes(file, {'R', 'I', 'F', 'F'});
+    EXPECT_FALSE(IsAvi(file));
+    EXPECT_FALSE(IsAvi(folder / L"missing.avi"));
+}
+
+TEST_F(ClipFile, TimesFollowTheRateWithoutDrift)
+{
+    const FrameFormat ntsc = {2, 2, 30000, 1001};
+    EXPECT_EQ(ntsc.TimeOf(0), 0);
+    EXPECT_EQ(ntsc.TimeOf(1), 333'666);
+    EXPECT_EQ(ntsc.TimeOf(30000), std::int64_t{1001} * 10'000'000);
+    const FrameFormat odd = {2, 2, 0xFFFFFFFF, 0xFFFFFFFE};
+    EXPECT_EQ(odd.TimeOf(1'000'000) / 10'000'000, 999'999);
+}
+
+} // namespace
+} // namespace vixa::host
