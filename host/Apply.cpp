@@ -1,0 +1,129 @@
+#include "host/AviHeader.h"
+#include "host/ClipReader.h"
+#include "host/ClipWriter.h"
+#include "host/Commands.h"
+#include "host/EffectGraph.h"
+#include "host/HostError.h"
+#include "host/Interrupt.h"
+#include "host/PictureFile.h"
+#include "host/PictureFrames.h"
+#include "host/Progress.h"
+#include "host/TargetFile.h"
+#include "host/Text.h"
+
+#include <cstdio>
+
+namespace vixa::host {
+
+namespace {
+
+void RequireReadable(const std::filesystem::path& file)
+{
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    if (!GetFileAttributesExW(file.c_str(), GetFileExInfoStandard, &data))
+        throw FailedJob("There is no file " + Show(file) + "; check its name and folder.");
+    if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
+        throw FailedJob(Show(file) + " is a folder; name a picture or a clip in it.");
+    if (data.nFileSizeLow == 0 && data.nFileSizeHigh == 0)
+        throw FailedJob(Show(file) + " is empty; name a picture or a clip that holds something.");
+    const HANDLE opened =
+        CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (opened == INVALID_HANDLE_VALUE)
+        throw FailedJob(Show(file) + " can't be opened (system error " + std::to_string(GetLastError()) +
+                        "); are you allowed to read it?");
+    CloseHandle(opened);
+}
+
+std::string StackText(const EffectStack& stack)
+{
+    std::string text;
+    for (const EffectStep& step : stack) {
+        const std::string settings = step.Settings();
+        text += (text.empty() ? "" : ", then ") + std::string(step.Effect().name) +
+                (settings.empty() ? "" : " (" + settings + ")");
+    }
+    return text;
+}
+
+void ReportDone(const ApplyCommand& command, const FrameFormat& format, std::int64_t frames, double milliseconds)
+{
+    char figures[96];
+    std::snprintf(figures, sizeof figures, "%d x %d, %lld %s, %.2f ms per frame", format.width, format.height,
+                  static_cast<long long>(frames), frames == 1 ? "picture" : "frames", milliseconds);
+    Say(StackText(command.stack) + ": " + Show(command.output) + ", " + figures + "\n");
+}
+
+void ApplyToPicture(const ApplyCommand& command, PictureFormat format)
+{
+    Picture picture = ReadPicture(command.input);
+    TargetFile target(command.output);
+    double milliseconds = 0;
+    PictureReader reader(picture);
+    {
+        const EffectLibrary library;
+        // Reader and writer share the picture: the one frame is read before it is written.
+        PictureWriter writer(picture);
+        EffectGraph graph(library, command.stack, reader, writer, reader.Format().TimeOf(1));
+        graph.Run();
+        if (writer.FramesWritten() != 1)
+            throw FailedJob("The filter graph gave no picture.");
+        milliseconds = graph.MedianMilliseconds();
+    }
+    WritePicture(target.Temporary(), format, picture);
+    if (Interrupted())
+        throw FailedJob("Stopped before the end; nothing was written.");
+    target.Commit();
+    ReportDone(command, reader.Format(), 1, milliseconds);
+}
+
+void ApplyToClip(const ApplyCommand& command)
+{
+    ClipReader reader(command.input);
+    TargetFile target(command.output);
+    ClipWriter writer(target.Temporary(), reader);
+    const EffectLibrary library;
+    Progress progress(reader.FrameCount());
+    double milliseconds = 0;
+    try {
+        EffectGraph graph(library, command.stack, reader, writer, reader.Format().TimeOf(reader.FrameCount()));
+        graph.Run([&](std::int64_t done) { progress.Show(done); });
+        milliseconds = graph.MedianMilliseconds();
+    } catch (...) {
+        progress.End();
+        throw;
+    }
+    progress.End();
+    writer.Finish();
+    if (Interrupted())
+        throw FailedJob("Stopped before the end; nothing was written.");
+    target.Commit();
+    ReportDone(command, reader.Format(), reader.FrameCount(), milliseconds);
+    if (writer.Depth() == ClipDepth::Rgb24)
+        Say("The clip has 24 bits per pixel: with 32 it would be larger than the 2 GB that an AVI file may have.\n");
+}
+
+} // namespace
+
+void Apply(const ApplyCommand& command)
+{
+    const std::optional<PictureFormat> format = PictureFormatOf(command.output);
+    const bool clipWanted = _wcsicmp(command.output.extension().c_str(), L".avi") == 0;
+    if (!format && !clipWanted)
+        throw WrongWords("The output " + Show(command.output) +
+                         " must end in .png, .bmp, .jpg or .tif for a picture or in .avi for a clip.");
+    RequireReadable(command.input);
+    if (IsSameFile(command.input, command.output))
+        throw WrongWords("Input and output are the same file, " + Show(command.input) +
+                         "; name another output, the input is never changed.");
+    const bool clip = IsAvi(command.input);
+    if (clip != clipWanted)
+        throw WrongWords(Show(command.input) + (clip ? " is a clip: the output must end in .avi."
+                                                     : " is not an AVI clip: the output must be a picture (.png, "
+                                                       ".bmp, .jpg, .tif)."));
+    if (clip)
+        ApplyToClip(command);
+    else
+        ApplyToPicture(command, *format);
+}
+
+} // namespace vixa::host

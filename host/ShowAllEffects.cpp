@@ -1,0 +1,91 @@
+#include "host/Commands.h"
+#include "host/ContactSheet.h"
+#include "host/EffectGraph.h"
+#include "host/HostError.h"
+#include "host/PictureFile.h"
+#include "host/PictureFrames.h"
+#include "host/SampleScene.h"
+#include "host/TargetFile.h"
+#include "host/Text.h"
+
+#include <cstdio>
+
+namespace vixa::host {
+
+namespace {
+
+struct Showing
+{
+    const char* effect;
+    std::vector<const char*> settings; // that show what the effect does
+};
+
+const std::vector<Showing> showings = {
+    {"Add pixel", {"red=60", "green=0", "blue=-60"}},
+    {"Filter color", {"intensity=-200", "colour=red"}},
+    {"Invert color", {"mask=all"}},
+    {"Multiply pixel", {"factor=150"}},
+    {"Gamma correction", {"gamma=180"}},
+    {"Detect edges", {}},
+    {"Emboss", {}},
+    {"Enhance details", {}},
+    {"Enhance edges", {}},
+    {"Enhance focus", {}},
+    {"Light edges", {}},
+    {"Shift edges", {"direction=both"}},
+    {"Soften filter", {}},
+};
+
+constexpr int framesMeasured = 15;
+
+std::string Cell(std::string text, std::size_t width)
+{
+    text.resize(std::max(width, text.size() + 1), ' ');
+    return text;
+}
+
+void Save(const std::filesystem::path& file, const Picture& picture)
+{
+    TargetFile target(file);
+    WritePicture(target.Temporary(), PictureFormat::Png, picture);
+    target.Commit();
+}
+
+} // namespace
+
+void ShowAllEffects()
+{
+    const std::filesystem::path folder = L"out";
+    if (!CreateDirectoryW(folder.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)
+        throw FailedJob("The folder \"out\" can't be made here (system error " + std::to_string(GetLastError()) +
+                        "); start from a folder that you may write to.");
+    const EffectLibrary library;
+    const Picture scene = DrawSampleScene();
+    std::vector<SheetTile> tiles = {{"The sample picture", "", scene}};
+
+    Say(Cell("effect", 18) + Cell("settings", 32) + Cell("size", 12) + "ms per frame\n");
+    for (const Showing& showing : showings) {
+        EffectStep step(FindEffect(showing.effect));
+        for (const char* setting : showing.settings)
+            step.Set(setting);
+        Picture result = scene;
+        PictureReader reader(scene, framesMeasured);
+        PictureWriter writer(result);
+        EffectGraph graph(library, {step}, reader, writer, reader.Format().TimeOf(framesMeasured));
+        graph.Run();
+        if (writer.FramesWritten() != framesMeasured)
+            throw FailedJob("The filter graph lost frames.");
+        Save(folder / (FileStem(step.Effect()) + ".png"), result);
+
+        char time[32];
+        std::snprintf(time, sizeof time, "%12.3f", graph.MedianMilliseconds());
+        const std::string settings = step.Settings();
+        Say(Cell(showing.effect, 18) + Cell(settings.empty() ? "-" : settings, 32) +
+            Cell(std::to_string(result.width) + " x " + std::to_string(result.height), 12) + time + "\n");
+        tiles.push_back({showing.effect, settings, std::move(result)});
+    }
+    Save(folder / L"contact-sheet.png", DrawContactSheet("VixaVideoFX: thirteen effects", tiles));
+    Say("14 pictures are in " + Show(std::filesystem::absolute(folder)) + "; contact-sheet.png shows all.\n");
+}
+
+} // namespace vixa::host
