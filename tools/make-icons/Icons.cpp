@@ -51,19 +51,19 @@ void invert(Picture& picture)
 }
 
 constexpr std::array<Icon, 13> all = {{
-    {332, "Soften filter", convolve<8>, 3, 1, 14, false},
-    {333, "Emboss", convolve<2>, 1, 2, 0, false},
-    {334, "Shift edges", convolve<7>, 1, 1, 14, false},
-    {335, "Detect edges", convolve<1>, 1, 1, 0, false},
-    {336, "Light edges", convolve<6>, 1, 1, 14, false},
-    {337, "Enhance edges", convolve<4>, 1, 1, 14, false},
-    {338, "Filter color", filterColor, 1, 1, 14, false},
-    {339, "Add pixel", add, 1, 1, 14, false},
-    {340, "Multiply pixel", multiply, 1, 1, 14, false},
-    {341, "Gamma correction", gamma, 1, 1, 14, false},
-    {342, "Enhance focus", convolve<5>, 3, 1, 16, true},
-    {343, "Enhance details", convolve<3>, 2, 1, 14, false},
-    {344, "Invert color", invert, 1, 1, 14, false},
+    {332, "Soften filter", convolve<8>, 3, 1, 14, 0},
+    {333, "Emboss", convolve<2>, 1, 2, 0, 0},
+    {334, "Shift edges", convolve<7>, 1, 1, 14, 0},
+    {335, "Detect edges", convolve<1>, 1, 1, 0, 0},
+    {336, "Light edges", convolve<6>, 1, 1, 14, 0},
+    {337, "Enhance edges", convolve<4>, 1, 1, 14, 0},
+    {338, "Filter color", filterColor, 1, 1, 14, 0},
+    {339, "Add pixel", add, 1, 1, 14, 0},
+    {340, "Multiply pixel", multiply, 1, 1, 14, 0},
+    {341, "Gamma correction", gamma, 1, 1, 14, 0},
+    {342, "Enhance focus", convolve<5>, 4, 2, 16, 6},
+    {343, "Enhance details", convolve<3>, 2, 1, 14, 0},
+    {344, "Invert color", invert, 1, 1, 14, 0},
 }};
 
 // The picture without its margin, each icon pixel the mean of scale × scale pixels.
@@ -104,10 +104,9 @@ std::span<const Icon> icons()
 
 Picture drawIcon(const Icon& icon)
 {
-    const int softening = icon.soft ? 2 : 0;
-    const int margin = softening + icon.passes; // each pass of a convolution blackens one more ring of pixels
+    const int margin = icon.softened + icon.passes; // each pass of a convolution blackens one more ring of pixels
     Picture scene = paintScene(icon.scale, margin);
-    for (int pass = 0; pass < softening; ++pass)
+    for (int pass = 0; pass < icon.softened; ++pass)
         convolve<8>(scene);
     const Picture before = reduced(scene, icon.scale, margin);
     for (int pass = 0; pass < icon.passes; ++pass)

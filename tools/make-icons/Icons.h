@@ -17,10 +17,10 @@ struct Icon
     const char* name; // of the effect, and of the file
     // Applies the effect once to a whole picture.
     void (*apply)(Picture& picture);
-    int passes; // how often: what is faint in a small picture is done more than once
-    int scale;  // picture pixels per icon pixel while the effect is applied: more makes its lines finer
-    int split;  // columns on the left that stay as they are
-    bool soft;  // the scene is out of focus before the effect is applied
+    int passes;   // how often: what is faint in a small picture is done more than once
+    int scale;    // picture pixels per icon pixel while the effect is applied: more makes its lines finer
+    int split;    // columns on the left that stay as they are
+    int softened; // times that the scene was softened before, so that it is out of focus
 };
 
 // In the order of their ids.
