@@ -4,8 +4,14 @@
 
 stamp="$BUILD/setup-done"
 fingerprint=$(cat "$ROOT/tools/packages.txt" "${BASH_SOURCE[0]}" | cksum)
+have() {
+    for program; do
+        command -v "$program" >/dev/null || return 1
+    done
+}
+# The stamp lives with the checkout; the machine under it may have changed since.
 if [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$fingerprint" ] &&
-    command -v wine i686-w64-mingw32-g++-posix cmake ninja clang++ >/dev/null; then
+    have wine i686-w64-mingw32-g++-posix cmake ninja clang++ xvfb-run; then
     exec "$ROOT/tools/fetch-tinyxml.sh"
 fi
 
