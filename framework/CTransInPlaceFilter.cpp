@@ -90,7 +90,8 @@ HRESULT CTransInPlaceFilter::Receive(IMediaSample* sample)
     }
     ComPtr<IMediaSample> copy;
     if (UsingDifferentAllocators()) {
-        copy.Attach(Copy(sample));
+        // Not Attach: this platform's ComPtr counts one more there.
+        *copy.GetAddressOf() = Copy(sample);
         if (!copy)
             return E_UNEXPECTED;
         sample = copy.Get();
