@@ -1,0 +1,53 @@
+// The five functions that the library exports.
+#include "module/EffectTable.h"
+#include "module/VixaVideoFXClassFactory.h"
+#include "module/VixaVideoFXModule.h"
+#include "registration/Registration.h"
+
+#include <exception>
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) noexcept
+{
+    // Always TRUE: a library that could not name its classes answers E_OUTOFMEMORY to who asks for one.
+    try {
+        if (reason == DLL_PROCESS_ATTACH)
+            TheModule().Attach(instance);
+        else if (reason == DLL_PROCESS_DETACH)
+            TheModule().Detach();
+    } catch (const std::exception&) {
+    }
+    return TRUE;
+}
+
+STDAPI DllGetClassObject(REFCLSID clsid, REFIID riid, void** object) noexcept
+{
+    if (riid != IID_IUnknown && riid != IID_IClassFactory)
+        return E_NOINTERFACE;
+    CFactoryTemplate* const effect = FindEffect(clsid);
+    if (!effect)
+        return CLASS_E_CLASSNOTAVAILABLE;
+    if (!object)
+        return E_POINTER;
+    VixaVideoFXClassFactory* const factory = CreateClassFactory(clsid);
+    *object = static_cast<IClassFactory*>(factory);
+    if (!factory)
+        return E_OUTOFMEMORY;
+    factory->factoryTemplate = effect;
+    factory->AddRef();
+    return S_OK;
+}
+
+STDAPI DllCanUnloadNow() noexcept
+{
+    return ServerLocks() <= 0 && CBaseObject::ObjectsActive() == 0 ? S_OK : S_FALSE;
+}
+
+STDAPI DllRegisterServer() noexcept
+{
+    return vixa::RegisterLibrary();
+}
+
+STDAPI DllUnregisterServer() noexcept
+{
+    return vixa::UnregisterLibrary();
+}
