@@ -110,9 +110,12 @@ void Gamma(std::uint8_t* frame, std::size_t pixels, const std::uint8_t* table) n
 {
     const Vector t0 = B::Load(table), t1 = B::Load(table + 64), t2 = B::Load(table + 128), t3 = B::Load(table + 192);
     constexpr __mmask64 colours = 0x7777777777777777u;
+    // Arithmetic on 64-bit masks would go through general registers in 32-bit code, so the fourth bytes are left out of
+    // the mask before it is made.
+    const Vector upperHalf = B::Pattern(0x00808080u);
     ForEachVector(frame, pixels * pixelBytes, [&](Vector v) {
         const Vector low = _mm512_mask2_permutex2var_epi8(t0, v, colours, t1);
-        const __mmask64 upper = _mm512_movepi8_mask(v) & colours;
+        const __mmask64 upper = _mm512_movepi8_mask(B::And(v, upperHalf));
         return _mm512_mask_blend_epi8(upper, low, _mm512_permutex2var_epi8(t2, v, t3));
     });
 }

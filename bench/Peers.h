@@ -1,0 +1,24 @@
+// What a user could pick instead: the same work, or the nearest that a library offers, done by other libraries on one
+// thread. Each is given a frame to read; those that cannot work in place write to a frame of their own.
+#pragma once
+
+#include "bench/Cases.h"
+#include "bench/Series.h"
+
+#include <string>
+#include <vector>
+
+namespace vixa::bench {
+
+struct Peer
+{
+    std::string effect; // as in Cases()
+    Candidate candidate;
+};
+
+// All of them for frames of one size; empty for a library that was not there when this was built.
+std::vector<Peer> OpenCvPeers(Size size);
+std::vector<Peer> LibyuvPeers(Size size);
+std::vector<Peer> FfmpegPeers(Size size);
+
+} // namespace vixa::bench

@@ -1,0 +1,144 @@
+#include "bench/Peers.h"
+
+#ifdef VIXA_HAS_FFMPEG
+
+extern "C" {
+#include <libavfilter/avfilter.h>
+#include <libavfilter/buffersink.h>
+#include <libavfilter/buffersrc.h>
+#include <libavutil/frame.h>
+#include <libavutil/log.h>
+#include <libavutil/pixdesc.h>
+}
+
+#include <cstring>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+
+namespace vixa::bench {
+
+namespace {
+
+// One filter between a source and a sink, single-threaded. It gets frames in the layout that it works in, so that no
+// conversion is counted; planes are filled from the test frame's bytes outside the measured time, once.
+class FilterGraph
+{
+public:
+    FilterGraph(Size size, const char* layout, const std::string& description) : graph_(avfilter_graph_alloc())
+    {
+        graph_->nb_threads = 1;
+        std::ostringstream source;
+        source << "buffer=video_size=" << size.width << "x" << size.height << ":pix_fmt=" << layout
+               << ":time_base=1/25:pixel_aspect=1/1 [a]; [a] " << description << " [b]; [b] buffersink";
+        AVFilterInOut *inputs = nullptr, *outputs = nullptr;
+        if (avfilter_graph_parse2(graph_, source.str().c_str(), &inputs, &outputs) < 0 ||
+            avfilter_graph_config(graph_, nullptr) < 0)
+            throw std::runtime_error("cannot make the filter " + description);
+        for (unsigned i = 0; i < graph_->nb_filters; ++i) {
+            if (std::strcmp(graph_->filters[i]->filter->name, "buffer") == 0)
+                in_ = graph_->filters[i];
+            if (std::strcmp(graph_->filters[i]->filter->name, "buffersink") == 0)
+                out_ = graph_->filters[i];
+        }
+        frame_ = av_frame_alloc();
+        frame_->format = av_get_pix_fmt(layout);
+        frame_->width = size.width;
+        frame_->height = size.height;
+        if (av_frame_get_buffer(frame_, 64) < 0)
+            throw std::runtime_error("no memory for a frame");
+        for (int plane = 0; plane < 4 && frame_->data[plane]; ++plane) {
+            const int bytes = frame_->linesize[plane] * size.height;
+            for (int at = 0; at < bytes; ++at)
+                frame_->data[plane][at] = static_cast<std::uint8_t>(at * 2654435761u >> 24);
+        }
+        result_ = av_frame_alloc();
+    }
+    ~FilterGraph()
+    {
+        av_frame_free(&frame_);
+        av_frame_free(&result_);
+        avfilter_graph_free(&graph_);
+    }
+    FilterGraph(const FilterGraph&) = delete;
+    FilterGraph& operator=(const FilterGraph&) = delete;
+
+    void Run()
+    {
+        ++frame_->pts;
+        if (av_buffersrc_add_frame_flags(in_, frame_, AV_BUFFERSRC_FLAG_KEEP_REF) >= 0 &&
+            av_buffersink_get_frame(out_, result_) >= 0)
+            av_frame_unref(result_);
+    }
+
+private:
+    AVFilterGraph* graph_;
+    AVFilterContext *in_ = nullptr, *out_ = nullptr;
+    AVFrame *frame_ = nullptr, *result_ = nullptr;
+};
+
+} // namespace
+
+std::vector<Peer> FfmpegPeers(Size size)
+{
+    av_log_set_level(AV_LOG_QUIET);
+    std::vector<Peer> peers;
+    const auto add = [&](const char* effect, const char* name, const char* layout, const std::string& description) {
+        auto graph = std::make_shared<FilterGraph>(size, layout, description);
+        peers.push_back({effect, {std::string("FFmpeg ") + name, [graph](kernels::Frame) { graph->Run(); }}});
+    };
+    add("Add pixel", "lutrgb", "bgra",
+        "lutrgb=r=clip(val+50\\,0\\,255):g=clip(val-30\\,0\\,255):b=clip(val+20\\,0\\,255)");
+    add("Invert color", "negate", "gbrap", "negate");
+    add("Multiply pixel", "lutrgb", "bgra",
+        "lutrgb=r=clip(val*1.5\\,0\\,255):g=clip(val*1.5\\,0\\,255):b=clip(val*1.5\\,0\\,255)");
+    add("Gamma correction", "lutrgb", "bgra", "lutrgb=r=gammaval(0.625):g=gammaval(0.625):b=gammaval(0.625)");
+    for (const auto& [effect, colour] :
+         {std::pair{"Filter color, blue", "blues"}, {"Filter color, green", "greens"}, {"Filter color, red", "reds"}})
+        add(effect, "selectivecolor", "bgra", std::string("selectivecolor=") + colour + "=-0.3 0.3 0.3");
+
+    const struct
+    {
+        const char* effect;
+        std::int32_t kind;
+    } filters[] = {{"Detect edges", 1},
+                   {"Emboss", 2},
+                   {"Enhance details", 3},
+                   {"Enhance edges", 4},
+                   {"Enhance focus", 5},
+                   {"Light edges", 6},
+                   {"Shift edges, both", 7},
+                   {"Shift edges, vertical", 9},
+                   {"Shift edges, horizontal", 10},
+                   {"Soften filter", 8}};
+    for (const auto& filter : filters) {
+        const kernels::ConvolutionKernel& row = *kernels::KernelOf(filter.kind);
+        std::ostringstream matrix, description;
+        int sum = 0;
+        for (const std::int32_t coefficient : row.coefficients) {
+            matrix << (matrix.tellp() > 0 ? " " : "") << coefficient;
+            sum += coefficient;
+        }
+        description << "convolution=";
+        for (int plane = 0; plane < 4; ++plane) {
+            description << (plane > 0 ? ":" : "") << plane << "m='" << matrix.str() << "':" << plane
+                        << "rdiv=" << (row.divides ? 1.0 / sum : 1.0) << ":" << plane
+                        << "bias=" << (row.offsets ? 128 : 0);
+        }
+        add(filter.effect, "convolution", "gbrap", description.str());
+    }
+    return peers;
+}
+
+} // namespace vixa::bench
+
+#else
+
+namespace vixa::bench {
+std::vector<Peer> FfmpegPeers(Size)
+{
+    return {};
+}
+} // namespace vixa::bench
+
+#endif

@@ -1,0 +1,47 @@
+// What the benchmarks print: a table for people, and the same figures as JSON.
+#pragma once
+
+#include "bench/Cases.h"
+#include "bench/Series.h"
+
+#include <string>
+#include <vector>
+
+namespace vixa::bench {
+
+struct Row
+{
+    std::string effect;
+    std::vector<Timing> timings;
+};
+
+struct Options
+{
+    std::vector<Size> sizes;
+    double seconds = 0.25; // per candidate
+    bool json = false;
+    std::string only; // effects whose name holds this
+};
+
+// Throws std::invalid_argument with one line for words that it does not know.
+Options ReadOptions(int count, char** words);
+
+class Report
+{
+public:
+    // `program` names the program and its width of addresses.
+    Report(std::string program, bool json);
+    ~Report();
+
+    // One table: a line per effect, a column per name in `columns`; names that are no column share the last one,
+    // where the fastest of them is given with its name.
+    void Add(Size size, const std::vector<std::string>& columns, const std::vector<Row>& rows);
+    // A figure of its own, such as a time.
+    void Add(const std::string& name, double value, const std::string& unit);
+
+private:
+    bool json_;
+    bool first_ = true;
+};
+
+} // namespace vixa::bench

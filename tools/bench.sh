@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# bench.sh [--peers] [--json] [--native | --wine] [--quick] [--only PART-OF-A-NAME] [WIDTHxHEIGHT...]: builds and runs the
+# benchmarks: the kernels natively (beside other libraries, as far as they are installed; --peers installs them) and in
+# 32-bit code on Wine. On one core, as ratios.
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+json= native=1 wine=1
+words=()
+while [ $# -gt 0 ]; do
+    case $1 in
+    --peers) peers=1 ;;
+    --json) json=1 words+=("$1") ;;
+    --native) wine= ;;
+    --wine) native= ;;
+    *) words+=("$1") ;;
+    esac
+    shift
+done
+# With --json only the figures go to standard output.
+exec 3>&1
+[ -z "$json" ] || exec 1>&2
+
+if [ -n "${peers:-}" ]; then
+    mapfile -t packages < <(sed -e 's/#.*//' -e '/^[[:space:]]*$/d' "$ROOT/tools/packages-bench.txt")
+    if ! dpkg-query -W -f '${Status}\n' "${packages[@]}" 2>/dev/null | awk '!/^install ok installed$/ { bad = 1 } END { exit bad || NR < '${#packages[@]}' }'; then
+        [ "$(id -u)" = 0 ] || fail "The peers need packages (${packages[*]}): start this command as root once."
+        step apt-bench "Installing the peers' packages" env DEBIAN_FRONTEND=noninteractive \
+            apt-get install -y --no-install-recommends "${packages[@]}"
+    fi
+    rm -f "$BUILD/bench/build.ninja" # look for them again
+fi
+
+# The last core of those that may be used: the first one usually serves the system's interrupts.
+core=$(taskset -cp $$ | sed 's/.*[^0-9]//')
+pinned() { taskset -c "$core" "$@" >&3; }
+separator() { [ -z "$json" ] || printf ',\n' >&3; }
+
+[ -z "$native" ] || build bench vixa_bench
+[ -z "$wine" ] || build win32 vixa_bench
+
+[ -z "$json" ] || printf '{"processor": "%s", "programs": [\n' "$(sed -n '/^model name/{s/.*: //p;q}' /proc/cpuinfo)" >&3
+if [ -n "$native" ]; then
+    pinned "$BUILD/bench/bin/vixa_bench" "${words[@]}"
+fi
+if [ -n "$wine" ]; then
+    [ -z "$native" ] || separator
+    pinned "$ROOT/tools/wine-run.sh" "$BUILD/win32/bin/vixa_bench.exe" "${words[@]}"
+fi
+[ -z "$json" ] || printf ']}\n' >&3
