@@ -293,6 +293,16 @@ TEST_F(Panels, TheTooltipAsksForItsTextsOnDemand)
     panel->OnNotify(0, 0);
 }
 
+TestPanel* victim;
+
+// A tooltip whose panel ends when it hears of a mouse message.
+LRESULT CALLBACK endVictim(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == TTM_RELAYEVENT && victim)
+        delete std::exchange(victim, nullptr);
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
 TEST_F(Panels, TheHookRelaysMovesAndSingleClicks)
 {
     auto panel = open();
@@ -316,14 +326,8 @@ TEST_F(Panels, TheHookRelaysMovesAndSingleClicks)
 
     // The panel may end while a message is relayed.
     auto ending = open();
-    static TestPanel* victim;
     victim = ending.get();
-    SetWindowLongPtrW(ending->tip(), GWLP_WNDPROC,
-                      reinterpret_cast<LONG_PTR>(+[](HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-                          if (message == TTM_RELAYEVENT && victim)
-                              delete std::exchange(victim, nullptr);
-                          return DefWindowProcW(window, message, wParam, lParam);
-                      }));
+    SetWindowLongPtrW(ending->tip(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(endVictim));
     PostMessageW(ending->control(TestPanel::slider), WM_MOUSEMOVE, 0, 0);
     (void)ending.release();
     HostWindow::pump();

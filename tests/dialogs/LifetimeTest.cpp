@@ -1,0 +1,147 @@
+// What panels leave behind: nothing, however often they are opened, used and closed.
+#include "tests/dialogs/PanelFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+// The process's GDI objects: handles are an index below a generation, and an index alone names the object too.
+int gdiObjects()
+{
+    int count = 0;
+    for (UINT_PTR index = 1; index < 0x10000; ++index)
+        count += GetObjectType(reinterpret_cast<HGDIOBJ>(index)) != 0;
+    return count;
+}
+
+// How many windows, hooks and other user objects there are: more probes than closed windows have left free slots take
+// new slots behind all that live.
+int userObjects()
+{
+    constexpr int probes = 600;
+    HWND windows[probes];
+    int highest = 0;
+    for (HWND& window : windows) {
+        window = CreateWindowExW(0, L"Static", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+        highest = std::max<int>(highest, LOWORD(reinterpret_cast<UINT_PTR>(window)));
+    }
+    for (HWND window : windows)
+        DestroyWindow(window);
+    return highest - probes;
+}
+
+BOOL CALLBACK countWindow(HWND, LPARAM sum)
+{
+    ++*reinterpret_cast<int*>(sum);
+    return TRUE;
+}
+
+BOOL CALLBACK countTree(HWND window, LPARAM sum)
+{
+    countWindow(window, sum);
+    EnumChildWindows(window, countWindow, sum);
+    return TRUE;
+}
+
+int threadWindows()
+{
+    int count = 0;
+    EnumThreadWindows(GetCurrentThreadId(), countTree, reinterpret_cast<LPARAM>(&count));
+    return count;
+}
+
+// The bytes in use on all heaps of the process.
+std::size_t heapBytes()
+{
+    HANDLE heaps[64];
+    std::size_t sum = 0;
+    const DWORD count = GetProcessHeaps(64, heaps);
+    for (DWORD i = 0; i < count && i < 64; ++i) {
+        PROCESS_HEAP_ENTRY entry{};
+        HeapLock(heaps[i]);
+        while (HeapWalk(heaps[i], &entry))
+            if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY)
+                sum += entry.cbData;
+        HeapUnlock(heaps[i]);
+    }
+    return sum;
+}
+
+// Opens, uses and closes all seven panels.
+void round(HostWindow& host, int number)
+{
+    ColourPanel colour(host, {1, 1});
+    AddPanel add(host, {1, 2, 3, 1});
+    InvertPanel invert(host, {1});
+    MultiplyPanel multiply(host, {1});
+    GammaPanel gamma(host, {99});
+    ShiftPanel shift(host, {7});
+    EmptyPanel empty(host, {});
+    add.scroll(1007, TB_ENDTRACK);
+    SendMessageW(invert.control(1020), BM_CLICK, 0, 0);
+    PostMessageW(multiply.control(1029), WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
+    HostWindow::pump();
+    const HWND windows[] = {colour.window, add.window,   invert.window, multiply.window,
+                            gamma.window,  shift.window, empty.window};
+    // The windows go before their objects, or after them, or some this way and some that.
+    for (std::size_t i = 0; i < std::size(windows); ++i)
+        if (number % 3 == 0 || (number % 3 == 1 && i % 2 == 0))
+            DestroyWindow(windows[i]);
+}
+
+TEST(Lifetime, ClosedPanelsLeaveNoWindowHookOrGdiObject)
+{
+    const int rounds = repetitions(286, 10);
+    const TestModule module;
+    HostWindow host;
+    const auto closeOrphans = [&] {
+        while (const HWND child = GetWindow(host.hwnd, GW_CHILD))
+            DestroyWindow(child);
+    };
+    for (int i = 0; i < 3; ++i) // what the system keeps for good
+        round(host, i);
+    closeOrphans();
+    const int gdi = gdiObjects(), windows = threadWindows();
+    const int users = userObjects();
+    const std::size_t bytes = heapBytes();
+    for (int i = 0; i < rounds; ++i) {
+        round(host, i);
+        closeOrphans();
+    }
+    EXPECT_EQ(threadWindows(), windows);
+    EXPECT_LE(gdiObjects(), gdi);
+    EXPECT_LE(userObjects(), users + 20) << "a leak of one object for each panel would be " << 7 * rounds;
+    EXPECT_LE(heapBytes(), bytes + 5000) << "a leak of 100 bytes for each panel would be " << 700 * rounds;
+    printf("%d panels: GDI objects %d -> %d, windows %d -> %d, user objects %d -> %d, heap bytes %+d\n", 7 * rounds,
+           gdi, gdiObjects(), windows, threadWindows(), users, userObjects(), static_cast<int>(heapBytes() - bytes));
+}
+
+TEST(Lifetime, SliderMovesCostNoMemory)
+{
+    const TestModule module;
+    HostWindow host;
+    AddPanel panel(host, {0, 0, 0, 1});
+    const auto move = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            panel.put(1007, i % 511 - 255);
+            panel.scroll(1007, TB_LINEDOWN);
+            panel.set.writes.clear();
+        }
+        HostWindow::pump();
+    };
+    move(1000);
+    const std::size_t before = heapBytes();
+    const int gdi = gdiObjects();
+    host.notifications = 0;
+    const int moves = repetitions(10000, 2000);
+    move(moves);
+    EXPECT_EQ(host.notifications, moves);
+    EXPECT_LE(heapBytes(), before + 2000);
+    EXPECT_LE(gdiObjects(), gdi);
+    printf("%d moves: heap bytes %+d\n", moves, static_cast<int>(heapBytes() - before));
+}
+
+} // namespace

@@ -1,0 +1,212 @@
+// A panel in a host's window: opened as a host does it, driven with the user's keys and mouse, its property set and its
+// notifications on record.
+#pragma once
+
+#include "dialogs/CColourEffects.h"
+#include "dialogs/CDialogInvert.h"
+#include "dialogs/CDialogMultiply.h"
+#include "dialogs/CDialogNoPropreties.h"
+#include "dialogs/CDialogSelectAddPixel.h"
+#include "dialogs/CDialogSelectColor.h"
+#include "dialogs/CDialogSelectGamma.h"
+#include "dialogs/CDialogShiftEdges.h"
+#include "localisation/LanguageFiles.h"
+#include "localisation/ModuleBase.h"
+#include "tests/ui/HostWindow.h"
+
+#include <commctrl.h>
+
+#include <vixavideofx/PropertySets.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+// The program itself as the library: it has the library's resources, and the language files stand beside it.
+class TestModule final : public ModuleBase
+{
+public:
+    TestModule() { Attach(GetModuleHandleW(nullptr)); }
+    ~TestModule() override { Detach(); }
+    bool GetLanguageFileName(LANGID language, std::wstring& path) override
+    {
+        path = path.substr(0, path.find_last_of(L'\\') + 1) + L"VixaVideoFX.dll";
+        vixa::makeLanguageFileName(language, path);
+        return true;
+    }
+};
+
+// How often a test of endurance repeats: the full count with VIXA_FULL_COUNTS set, which takes minutes.
+inline int repetitions(int full, int usual)
+{
+    return std::getenv("VIXA_FULL_COUNTS") ? full : usual;
+}
+
+// Keeps the block and every write to it.
+class RecordingSet final : public IDataPropertySet
+{
+public:
+    using Block = std::vector<std::int32_t>;
+
+    RecordingSet(Block initial = {}) : block(std::move(initial)) {}
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE GetData(void* buffer, int* size) override
+    {
+        ++reads;
+        if (FAILED(readResult))
+            return readResult;
+        std::memcpy(buffer, block.data(), block.size() * 4);
+        *size = reportedSize >= 0 ? reportedSize : static_cast<int>(block.size() * 4);
+        return readResult;
+    }
+    HRESULT STDMETHODCALLTYPE SetData(const void* data, int size) override
+    {
+        block.assign(static_cast<std::size_t>(size) / 4, 0);
+        std::memcpy(block.data(), data, block.size() * 4);
+        writes.push_back(block);
+        return S_OK;
+    }
+
+    Block block;
+    std::vector<Block> writes;
+    int reads = 0;
+    HRESULT readResult = S_OK;
+    int reportedSize = -1; // -1: the block's
+};
+
+// Opens `dialog` as a host's request does: the first time makes the window, a later one hands it out again.
+template <typename Dialog>
+HWND openPanel(Dialog& dialog, CColourEffects& context, HWND host, std::uint32_t templateId, IDataPropertySet* set)
+{
+    constexpr bool hasValues = requires
+    {
+        dialog.LoadValues();
+    };
+    if (!dialog.GetHwnd()) {
+        context.SetInstance(GetModuleHandleW(nullptr));
+        dialog.SetContext(&context);
+        dialog.Create(host, templateId);
+        if constexpr (hasValues) {
+            dialog.SetParams(set);
+            dialog.LoadValues();
+            dialog.SetNotifyMessage(HostWindow::changed);
+        }
+    } else {
+        if constexpr (hasValues)
+            dialog.SetParams(set);
+        dialog.OnReuse();
+        if constexpr (hasValues)
+            dialog.LoadValues();
+    }
+    return dialog.GetHwnd();
+}
+
+template <typename Dialog, std::uint32_t templateId>
+class Panel
+{
+public:
+    explicit Panel(HostWindow& inHost, RecordingSet::Block initial) : host(inHost), set(std::move(initial))
+    {
+        window = openPanel(dialog, context, host.hwnd, templateId, &set);
+        dialog.Show(1);
+        HostWindow::pump(window);
+    }
+
+    void reuse(IDataPropertySet* other) { openPanel(dialog, context, host.hwnd, templateId, other); }
+
+    HWND control(int id) const { return GetDlgItem(window, id); }
+    std::wstring text(int id) const
+    {
+        wchar_t buffer[256];
+        return {buffer, static_cast<std::size_t>(GetWindowTextW(control(id), buffer, 256))};
+    }
+    bool checked(int id) const { return SendMessageW(control(id), BM_GETCHECK, 0, 0) == BST_CHECKED; }
+    int position(int id) const { return static_cast<int>(SendMessageW(control(id), TBM_GETPOS, 0, 0)); }
+    bool shown(int id) const { return (GetWindowLongW(control(id), GWL_STYLE) & WS_VISIBLE) != 0; }
+
+    // The user's key on a control that has the focus.
+    void key(int id, WORD virtualKey) const
+    {
+        SetFocus(control(id));
+        INPUT input[2]{};
+        input[0].type = input[1].type = INPUT_KEYBOARD;
+        input[0].ki.wVk = input[1].ki.wVk = virtualKey;
+        input[1].ki.dwFlags = KEYEVENTF_KEYUP;
+        for (INPUT& each : input)
+            each.ki.dwFlags |= isExtended(virtualKey) ? KEYEVENTF_EXTENDEDKEY : 0u;
+        SendInput(2, input, sizeof *input);
+        HostWindow::pump(window);
+    }
+
+    // The user's mouse button on a point of a control's client area.
+    void press(HWND target, int x, int y) const
+    {
+        pointAt(target, x, y);
+        button(MOUSEEVENTF_LEFTDOWN);
+    }
+    void moveTo(HWND target, int x, int y) const { pointAt(target, x, y); }
+    void release() const { button(MOUSEEVENTF_LEFTUP); }
+    void click(int id) const
+    {
+        RECT area;
+        GetClientRect(control(id), &area);
+        press(control(id), 6, area.bottom / 2);
+        release();
+    }
+
+    // The middle of a slider's thumb.
+    POINT thumb(int id) const
+    {
+        RECT area;
+        SendMessageW(control(id), TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&area));
+        return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+    }
+    // A trackbar's message without the trackbar: what a host or an assistive program sends.
+    void scroll(int id, int request) const
+    {
+        SendMessageW(window, WM_HSCROLL, MAKEWPARAM(request, 0), reinterpret_cast<LPARAM>(control(id)));
+    }
+    void put(int id, int value) const { SendMessageW(control(id), TBM_SETPOS, TRUE, value); }
+
+    HostWindow& host;
+    RecordingSet set;
+    CColourEffects context;
+    Dialog dialog;
+    HWND window = nullptr;
+
+private:
+    static bool isExtended(WORD key) { return key >= VK_PRIOR && key <= VK_DOWN; }
+    void button(DWORD flag) const
+    {
+        INPUT input{};
+        input.type = INPUT_MOUSE;
+        input.mi.dwFlags = flag;
+        SendInput(1, &input, sizeof input);
+        HostWindow::pump(window);
+    }
+    void pointAt(HWND target, int x, int y) const
+    {
+        POINT point{x, y};
+        ClientToScreen(target, &point);
+        INPUT input{};
+        input.type = INPUT_MOUSE;
+        input.mi.dx = (point.x * 65536 + 32768) / GetSystemMetrics(SM_CXSCREEN);
+        input.mi.dy = (point.y * 65536 + 32768) / GetSystemMetrics(SM_CYSCREEN);
+        input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
+        SendInput(1, &input, sizeof input);
+        HostWindow::pump(window);
+    }
+};
+
+using ColourPanel = Panel<CDialogSelectColor, 800>;
+using AddPanel = Panel<CDialogSelectAddPixel, 801>;
+using InvertPanel = Panel<CDialogInvert, 802>;
+using MultiplyPanel = Panel<CDialogMultiply, 803>;
+using GammaPanel = Panel<CDialogSelectGamma, 804>;
+using ShiftPanel = Panel<CDialogShiftEdges, 805>;
+using EmptyPanel = Panel<CDialogNoPropreties, 806>;

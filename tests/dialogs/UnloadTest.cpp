@@ -1,0 +1,80 @@
+// A library that held panels is unloaded while messages still arrive at the host's thread.
+#include "tests/dialogs/PanelFixture.h"
+#include "tests/dialogs/PanelModule.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Queues what a user's hand leaves behind: mouse and key messages to a control, and its own to its panel.
+BOOL CALLBACK disturbControl(HWND control, LPARAM)
+{
+    for (UINT message : {WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONUP})
+        PostMessageW(control, message, 0, MAKELPARAM(9, 4));
+    PostMessageW(control, WM_KEYDOWN, VK_RIGHT, 0);
+    PostMessageW(control, WM_KEYUP, VK_RIGHT, 0);
+    const HWND panel = GetParent(control);
+    PostMessageW(panel, WM_HSCROLL, TB_ENDTRACK, reinterpret_cast<LPARAM>(control));
+    PostMessageW(panel, WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(control), CBN_SELENDOK), reinterpret_cast<LPARAM>(control));
+    return TRUE;
+}
+
+void disturb(HWND host)
+{
+    EnumChildWindows(host, disturbControl, 0);
+    PostThreadMessageW(GetCurrentThreadId(), WM_USER, 0, 0);
+}
+
+TEST(Unload, IsSafeWhileMessagesArrive)
+{
+    enum Way
+    {
+        ObjectsFirst, // objects released, windows of the host left
+        WindowsFirst, // windows destroyed, then the objects
+        HostFirst,    // the host's window destroyed, then the objects
+        Leaked,       // nothing released at all
+        Ways,
+    };
+    const int loads = repetitions(200, 24);
+    for (int i = 0; i < loads; ++i) {
+        HostWindow host;
+        RecordingSet set({1, 2, 3, 0});
+        const HMODULE module = LoadLibraryW(L"panel_module.dll");
+        ASSERT_NE(module, nullptr);
+        const auto makePanels =
+            reinterpret_cast<MakePanels>(reinterpret_cast<void*>(GetProcAddress(module, "makePanels")));
+        PanelModulePanels* const panels = makePanels();
+        ASSERT_EQ(panels->Open(host.hwnd, HostWindow::changed, &set), 7);
+        disturb(host.hwnd);
+        HostWindow::pump();
+        ASSERT_GT(host.notifications, 10);
+        disturb(host.hwnd);
+        switch (i % Ways) {
+        case ObjectsFirst:
+            panels->Release();
+            break;
+        case WindowsFirst:
+            while (const HWND child = GetWindow(host.hwnd, GW_CHILD))
+                DestroyWindow(child);
+            panels->Release();
+            break;
+        case HostFirst:
+            host.destroy();
+            panels->Release();
+            break;
+        default:
+            break;
+        }
+        FreeLibrary(module);
+        ASSERT_EQ(GetModuleHandleW(L"panel_module.dll"), nullptr);
+        set.writes.clear();
+        host.notifications = 0;
+        HostWindow::pump();
+        disturb(host.hwnd);
+        HostWindow::pump();
+        EXPECT_EQ(set.writes.size(), 0u);
+        EXPECT_EQ(host.notifications, 0);
+    }
+}
+
+} // namespace
