@@ -1,6 +1,7 @@
 #include "Holdings.h"
 #include "ModuleFixture.h"
 
+#include "localisation/LanguageModule.h"
 #include "localisation/Texts.h"
 
 #include <fstream>
@@ -70,6 +71,7 @@ TEST_F(Modules, ALanguageFileServesTextsAndTheLibraryPictures)
     ModuleBase::SetLanguage(german);
     EXPECT_EQ(ModuleBase::GetLanguage(), german);
     const HMODULE loaded = module.ResourceHandle();
+    EXPECT_EQ(GetModuleHandleW(languagePath(L"de-DE").c_str()), nullptr) << "data, not code that could run";
     EXPECT_EQ(module.LoadResString(542), germanText);
     EXPECT_EQ(module.LoadResString(543), L"") << "a text that the file lacks is empty";
     EXPECT_EQ(module.LoadResString(160), L"a");
@@ -166,6 +168,17 @@ TEST_F(Modules, EveryAttachedModuleIsSwitched)
     EXPECT_EQ(vixa::textModule(), &silent);
     silent.Detach();
     second.Detach();
+}
+
+TEST(LanguageModule, BareNamesAreSearchedInTheUsualOrder)
+{
+    const vixa::UniqueModule found = vixa::loadLanguageModule(L"VixaVideoFX_de-DE.nls");
+    ASSERT_TRUE(found) << "it stands beside the program";
+    WCHAR text[40];
+    EXPECT_EQ(LoadStringW(found.get(), 700, text, 40), 3);
+    EXPECT_STREQ(text, L"Rot");
+    EXPECT_FALSE(vixa::loadLanguageModule(L"VixaVideoFX_xx-XX.nls"));
+    EXPECT_FALSE(vixa::loadLanguageModule(L""));
 }
 
 TEST_F(Modules, LibraryPathsMayBeLong)
