@@ -144,9 +144,18 @@ STDMETHODIMP EffectCatalogue::GetPropertySetInfo(IUnknown** info) noexcept
     const HRESULT result = GetPropertySetKind(&kind);
     if (FAILED(result))
         return result;
-    // No record describes a number or a choice, so there is nothing to describe.
-    *info = nullptr;
-    return S_OK;
+    switch (static_cast<PropertySetKind>(kind)) {
+    case PropertySetKind::None:
+    case PropertySetKind::DataBlock:
+    case PropertySetKind::HostKind4:
+    case PropertySetKind::HostKind5:
+    case PropertySetKind::HostKind6:
+        *info = nullptr;
+        return S_OK;
+    default:
+        // A number or a choice would be described from its row; no effect here is of these kinds, so there is none.
+        return E_FAIL;
+    }
 }
 
 STDMETHODIMP EffectCatalogue::SetDefaults(IUnknown* propertySet) noexcept
@@ -157,17 +166,30 @@ STDMETHODIMP EffectCatalogue::SetDefaults(IUnknown* propertySet) noexcept
     const HRESULT result = GetPropertySetKind(&kind);
     if (FAILED(result))
         return result;
-    const auto block = vixa::DefaultBlockOf(*factoryTemplate->m_ClsID);
+    if (static_cast<PropertySetKind>(kind) == PropertySetKind::None)
+        return S_OK;
+    if (static_cast<PropertySetKind>(kind) != PropertySetKind::DataBlock)
+        return E_FAIL; // no default is known for any other kind
+    const CLSID& effect = *factoryTemplate->m_ClsID;
+    const auto block = vixa::DefaultBlockOf(effect);
     if (block.empty())
         return E_FAIL;
     static_cast<IDataPropertySet*>(propertySet)->SetData(block.data(), static_cast<int>(block.size_bytes()));
+    panels.Reset(effect);
     return S_OK;
 }
 
-STDMETHODIMP EffectCatalogue::ShowSettingsDialog(ULONG, HWND, UINT, IUnknown* propertySet, HWND* window) noexcept
+STDMETHODIMP EffectCatalogue::ShowSettingsDialog(ULONG, HWND parent, UINT notifyMessage, IUnknown* propertySet,
+                                                 HWND* window) noexcept
 {
     if (!propertySet || !window || !factoryTemplate)
         return E_FAIL;
     *window = nullptr;
-    return E_FAIL;
+    try {
+        *window = panels.Show(*factoryTemplate->m_ClsID, g_hInst, parent, notifyMessage,
+                              static_cast<IDataPropertySet*>(propertySet));
+    } catch (const std::exception&) {
+        return E_OUTOFMEMORY;
+    }
+    return *window ? S_OK : E_FAIL;
 }

@@ -2,6 +2,7 @@
 // the object to a class factory.
 #pragma once
 
+#include "catalogue/EffectPanels.h"
 #include "framework/DirectShow.h"
 
 #include <vixavideofx/IEffectInfo.h>
@@ -42,4 +43,6 @@ private:
     // The rule of the simple getters: E_FAIL without an effect, E_INVALIDARG without `out`, E_FAIL without a record.
     template <typename Field>
     HRESULT Answer(ULONG* out, Field field) const noexcept;
+
+    vixa::EffectPanels panels;
 };
