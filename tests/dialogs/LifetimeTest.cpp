@@ -21,7 +21,7 @@ int gdiObjects()
 // new slots behind all that live.
 int userObjects()
 {
-    constexpr int probes = 600;
+    constexpr int probes = 1500;
     HWND windows[probes];
     int highest = 0;
     for (HWND& window : windows) {
@@ -92,6 +92,36 @@ void round(HostWindow& host, int number)
             DestroyWindow(windows[i]);
 }
 
+LRESULT CALLBACK passOn(int code, WPARAM wParam, LPARAM lParam)
+{
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+// The measures notice what they are to notice.
+TEST(Lifetime, MeasuresSeeLeaks)
+{
+    HostWindow host;
+    const std::size_t bytes = heapBytes();
+    const int users = userObjects(), gdi = gdiObjects(), windows = threadWindows();
+    std::vector<std::unique_ptr<int>> small(500);
+    for (auto& each : small)
+        each = std::make_unique<int>();
+    std::vector<HHOOK> hooks(50);
+    for (HHOOK& hook : hooks)
+        hook = SetWindowsHookExW(WH_GETMESSAGE, passOn, nullptr, GetCurrentThreadId());
+    const HBRUSH brush = CreateSolidBrush(1);
+    const HWND window =
+        CreateWindowExW(0, L"Static", nullptr, WS_CHILD, 0, 0, 0, 0, host.hwnd, nullptr, nullptr, nullptr);
+    EXPECT_GE(heapBytes(), bytes + 500 * sizeof(int));
+    EXPECT_GE(userObjects(), users + 50);
+    EXPECT_EQ(gdiObjects(), gdi + 1);
+    EXPECT_EQ(threadWindows(), windows + 1);
+    DestroyWindow(window);
+    DeleteObject(brush);
+    for (HHOOK hook : hooks)
+        UnhookWindowsHookEx(hook);
+}
+
 TEST(Lifetime, ClosedPanelsLeaveNoWindowHookOrGdiObject)
 {
     const int rounds = repetitions(286, 10);
@@ -112,7 +142,7 @@ TEST(Lifetime, ClosedPanelsLeaveNoWindowHookOrGdiObject)
         closeOrphans();
     }
     EXPECT_EQ(threadWindows(), windows);
-    EXPECT_LE(gdiObjects(), gdi);
+    EXPECT_LE(gdiObjects(), gdi + 6); // caches of the system may still grow
     EXPECT_LE(userObjects(), users + 20) << "a leak of one object for each panel would be " << 7 * rounds;
     EXPECT_LE(heapBytes(), bytes + 5000) << "a leak of 100 bytes for each panel would be " << 700 * rounds;
     printf("%d panels: GDI objects %d -> %d, windows %d -> %d, user objects %d -> %d, heap bytes %+d\n", 7 * rounds,
@@ -140,7 +170,7 @@ TEST(Lifetime, SliderMovesCostNoMemory)
     move(moves);
     EXPECT_EQ(host.notifications, moves);
     EXPECT_LE(heapBytes(), before + 2000);
-    EXPECT_LE(gdiObjects(), gdi);
+    EXPECT_LE(gdiObjects(), gdi + 6); // caches of the system may still grow
     printf("%d moves: heap bytes %+d\n", moves, static_cast<int>(heapBytes() - before));
 }
 

@@ -1,0 +1,93 @@
+// A tooltip appears, with title and text, when the user's pointer rests on a control of a panel.
+#include "tests/dialogs/PanelFixture.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// What the panel answers when its tooltip asks, and what title the tooltip is given.
+struct Spoken
+{
+    static inline std::wstring text, title;
+    static inline WNDPROC panelProcedure, tipProcedure;
+
+    static LRESULT CALLBACK onPanel(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        const LRESULT result = CallWindowProcW(panelProcedure, window, message, wParam, lParam);
+        const auto* header = reinterpret_cast<const NMHDR*>(lParam);
+        if (message == WM_NOTIFY && header->code == TTN_GETDISPINFOW)
+            if (const wchar_t* answer = reinterpret_cast<const NMTTDISPINFOW*>(header)->lpszText)
+                text = answer;
+        return result;
+    }
+    static LRESULT CALLBACK onTip(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        if (message == TTM_SETTITLEW)
+            title = reinterpret_cast<const wchar_t*>(lParam);
+        return CallWindowProcW(tipProcedure, window, message, wParam, lParam);
+    }
+    static WNDPROC replace(HWND window, WNDPROC procedure)
+    {
+        return reinterpret_cast<WNDPROC>(
+            SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure)));
+    }
+};
+
+BOOL CALLBACK findToolTip(HWND window, LPARAM found)
+{
+    wchar_t name[32];
+    GetClassNameW(window, name, 32);
+    if (lstrcmpiW(name, TOOLTIPS_CLASSW) == 0)
+        *reinterpret_cast<HWND*>(found) = window;
+    return TRUE;
+}
+
+template <typename Panel>
+void expectToolTip(RecordingSet::Block block, int id, const wchar_t* title, const wchar_t* text)
+{
+    HostWindow host;
+    Panel panel(host, std::move(block));
+    HWND tip = nullptr;
+    EnumThreadWindows(GetCurrentThreadId(), findToolTip, reinterpret_cast<LPARAM>(&tip));
+    ASSERT_NE(tip, nullptr);
+    Spoken::text.clear();
+    Spoken::title.clear();
+    Spoken::panelProcedure = Spoken::replace(panel.window, Spoken::onPanel);
+    Spoken::tipProcedure = Spoken::replace(tip, Spoken::onTip);
+    panel.moveTo(host.hwnd, 400, 300);
+    EXPECT_FALSE(IsWindowVisible(tip));
+    RECT area;
+    // Near the right end: the list's text field is a window of its own, its button belongs to the list.
+    GetClientRect(panel.control(id), &area);
+    const int x = area.right - 9;
+    panel.moveTo(panel.control(id), x, 6);
+    panel.moveTo(panel.control(id), x + 2, 7);
+    EXPECT_TRUE(HostWindow::pumpUntil([&] { return IsWindowVisible(tip) != FALSE; }, 5000, panel.window)) << id;
+    EXPECT_EQ(Spoken::title, title) << id;
+    EXPECT_EQ(Spoken::text, text) << id;
+    GetWindowRect(tip, &area);
+    EXPECT_GT(area.right - area.left, 50);
+    EXPECT_GT(area.bottom - area.top, 20) << "title and text stand below each other";
+
+    // A click puts it away.
+    panel.press(panel.control(id), x, 7);
+    EXPECT_FALSE(IsWindowVisible(tip)) << id;
+    panel.release();
+}
+
+TEST(ToolTips, AppearWhereThePointerRests)
+{
+    const TestModule module;
+    constexpr const wchar_t* slide = L"Move the slider thumb to adjust value ";
+    expectToolTip<ColourPanel>({0, 0}, 1005, L"Select intensity", slide);
+    expectToolTip<ColourPanel>({0, 0}, 1003, L"Select color", L"Select the color to be transformed");
+    expectToolTip<AddPanel>({0, 0, 0, 0}, 1008, L"Select intensity", slide);
+    expectToolTip<AddPanel>({0, 0, 0, 0}, 1040, L"Select this to move all sliders at the same time",
+                            L"Select this to move all sliders at the same time");
+    expectToolTip<InvertPanel>({0}, 1021, L"Perform inversion to the green", L"Perform inversion to the green");
+    expectToolTip<MultiplyPanel>({0}, 1029, L"Select intensity", slide);
+    expectToolTip<GammaPanel>({0}, 1034, L"Select intensity", slide);
+    expectToolTip<ShiftPanel>({7}, 1039, L"Perform shift edges on vertical", L"Perform shift edges on vertical");
+}
+
+} // namespace
