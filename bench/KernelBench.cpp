@@ -50,8 +50,6 @@ void MeasureSize(Size size, const Options& options, Report& report)
         }
         rows.push_back({measured.effect, Measure(frame, candidates, options.seconds)});
     }
-    if (!peers.empty() && !options.json)
-        columns.push_back("peer");
     report.Add(size, columns, rows);
 }
 

@@ -60,23 +60,26 @@ void Report::Add(Size size, const std::vector<std::string>& columns, const std::
         return;
     }
 
-    std::printf("\n%-12s%14s", (std::to_string(size.width) + " x " + std::to_string(size.height)).c_str(), "");
+    const auto isOther = [&](const Timing& timing) { return std::ranges::find(columns, timing.name) == columns.end(); };
+    std::printf("\n%-26s", (std::to_string(size.width) + " x " + std::to_string(size.height)).c_str());
     for (const std::string& column : columns)
         std::printf("%10s", column.c_str());
+    if (std::ranges::any_of(rows, [&](const Row& row) { return std::ranges::any_of(row.timings, isOther); }))
+        std::printf("%10s", "best peer");
     std::printf("\n");
     for (const Row& row : rows) {
         std::printf("%-26s", row.effect.c_str());
-        const Timing* best = nullptr; // of those without a column
-        for (const Timing& timing : row.timings) {
-            if (std::ranges::find(columns, timing.name) == columns.end() && (!best || timing.seconds < best->seconds))
-                best = &timing;
-        }
         for (const std::string& column : columns) {
             const auto timing = std::ranges::find(row.timings, column, &Timing::name);
             if (timing != row.timings.end())
                 std::printf("%10.2f", timing->ratio);
             else
                 std::printf("%10s", "");
+        }
+        const Timing* best = nullptr;
+        for (const Timing& timing : row.timings) {
+            if (isOther(timing) && (!best || timing.seconds < best->seconds))
+                best = &timing;
         }
         if (best)
             std::printf("%10.2f  %s", best->ratio, best->name.c_str());

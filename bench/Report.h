@@ -33,8 +33,7 @@ public:
     Report(std::string program, bool json);
     ~Report();
 
-    // One table: a line per effect, a column per name in `columns`; names that are no column share the last one,
-    // where the fastest of them is given with its name.
+    // One table: a line per effect, a column per name in `columns`, and last the fastest of the other candidates.
     void Add(Size size, const std::vector<std::string>& columns, const std::vector<Row>& rows);
     // A figure of its own, such as a time.
     void Add(const std::string& name, double value, const std::string& unit);
