@@ -1,0 +1,148 @@
+// vixa_filter_bench: the library's filters as a graph runs them. Frames go in through the input pin and out through the
+// output pin; beside it stand the same kernels called directly, so that the difference is what the filter costs.
+#include "bench/Cases.h"
+#include "bench/Report.h"
+#include "bench/Series.h"
+#include "tests/support/EffectGraph.h"
+#include "tests/support/Library.h"
+#include "tests/support/TestPropertySet.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <stdexcept>
+
+using namespace vixa;
+using namespace vixa::bench;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double Since(Clock::time_point start)
+{
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+const GUID& ClassOf(const std::string& effect)
+{
+    for (const test::Effect& known : test::effects) {
+        if (effect.starts_with(known.name))
+            return known.clsid;
+    }
+    throw std::logic_error("no class for " + effect);
+}
+
+// One effect, connected and running, with the case's settings.
+class RunningEffect
+{
+public:
+    RunningEffect(const test::Library& library, const Case& measured, Size size)
+        : filter_(library.Create(ClassOf(measured.effect))),
+          graph_(filter_.Get(), test::VideoType(size.width, size.height))
+    {
+        if (FAILED(graph_.connected))
+            throw std::runtime_error("the graph refuses " + measured.effect);
+        graph_.sink->pin->keep = false;
+        test::TestPropertySet settings;
+        settings.block.resize(measured.block.size() * sizeof(std::int32_t));
+        std::memcpy(settings.block.data(), measured.block.data(), settings.block.size());
+        test::ComPtr<IEffectFilter> effect;
+        filter_.As(&effect);
+        effect->SetPropertySet(&settings);
+    }
+
+    void Receive(kernels::Frame frame)
+    {
+        test::TestSample sample(frame);
+        graph_.Send(&sample);
+    }
+
+private:
+    test::ComPtr<IBaseFilter> filter_;
+    test::EffectGraph graph_;
+};
+
+// Frames so small that the kernel is a small part of the cost, many at a time because the clock is coarse.
+void MeasureOverhead(const test::Library& library, Report& report)
+{
+    constexpr Size small = {64, 64};
+    constexpr int calls = 2000, rounds = 40;
+    std::vector<std::uint8_t> bytes(small.width * small.height * 4, std::uint8_t{100});
+    std::vector<std::uint8_t> scratch(kernels::ConvolutionScratchBytes(small.width));
+    for (const Case& measured : Cases()) {
+        RunningEffect effect(library, measured, small);
+        double received = 1e9, direct = 1e9;
+        for (int round = 0; round < rounds; ++round) {
+            auto start = Clock::now();
+            for (int call = 0; call < calls; ++call)
+                measured.run(kernels::BestKernels(), bytes, small, scratch);
+            direct = std::min(direct, Since(start) / calls);
+            start = Clock::now();
+            for (int call = 0; call < calls; ++call)
+                effect.Receive(bytes);
+            received = std::min(received, Since(start) / calls);
+        }
+        report.Add("Receive less kernel, 64 x 64, " + measured.effect, (received - direct) * 1e6, "microseconds");
+        report.Add("Receive, 64 x 64, " + measured.effect, received * 1e9 / (small.width * small.height),
+                   "nanoseconds a pixel");
+    }
+}
+
+void MeasureStart(Report& report)
+{
+    constexpr int rounds = 30;
+    std::vector<double> times;
+    for (int round = 0; round < rounds; ++round) {
+        const auto start = Clock::now();
+        const test::Library library;
+        const auto filter = library.Create(vixavideofx::CLSID_AddPixel);
+        times.push_back(Since(start));
+    }
+    report.Add("LoadLibrary to the first filter, first time", times.front() * 1e3, "milliseconds");
+    std::ranges::sort(times);
+    report.Add("LoadLibrary to the first filter, median", times[times.size() / 2] * 1e3, "milliseconds");
+}
+
+void MeasureSize(Size size, const Options& options, const test::Library& library, Report& report)
+{
+    TestFrame frame(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height) * 4);
+    std::vector<std::uint8_t> scratch(kernels::ConvolutionScratchBytes(size.width));
+    std::vector<Row> rows;
+    for (const Case& measured : Cases()) {
+        if (measured.effect.find(options.only) == std::string::npos)
+            continue;
+        RunningEffect effect(library, measured, size);
+        rows.push_back(
+            {measured.effect,
+             Measure(
+                 frame,
+                 {{"kernel", [&](kernels::Frame bytes) { measured.run(kernels::BestKernels(), bytes, size, scratch); }},
+                  {"Receive", [&](kernels::Frame bytes) { effect.Receive(bytes); }}},
+                 options.seconds)});
+    }
+    report.Add(size, {"kernel", "Receive"}, rows);
+}
+
+} // namespace
+
+int main(int count, char** words)
+{
+    try {
+        const Options options = ReadOptions(count, words);
+        CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+        Report report("Filters, 32-bit library", options.json);
+        MeasureStart(report);
+        const test::Library library;
+        if (!library.module)
+            throw std::runtime_error("VixaVideoFX.dll is not beside this program");
+        MeasureOverhead(library, report);
+        for (const Size size : options.sizes)
+            MeasureSize(size, options, library, report);
+        return 0;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "vixa_filter_bench: %s\n", error.what());
+        return 2;
+    }
+}
