@@ -142,6 +142,11 @@ bool ClipReader::Read(std::span<std::uint8_t> frame)
     return true;
 }
 
+void ClipReader::Seek(std::int64_t index) noexcept
+{
+    position = static_cast<LONG>(std::clamp<std::int64_t>(index, 0, count));
+}
+
 void ClipReader::Convert(const StoredFrame& from, std::span<std::uint8_t> frame)
 {
     if (!convertBitmap) {

@@ -21,6 +21,8 @@ public:
     FrameFormat Format() const override { return format; }
     std::int64_t FrameCount() const noexcept { return count; }
     bool Read(std::span<std::uint8_t> frame) override;
+    // The next Read gives frame `index`; one beyond the clip counts as its nearest end.
+    void Seek(std::int64_t index) noexcept;
 
     // What the stream's header says (rate, scale, start, quality, name), for a copy of the clip.
     const AVISTREAMINFOW& Information() const noexcept { return information; }

@@ -66,4 +66,13 @@ HRESULT DataPropertySet::SetData(const void* data, int size) noexcept
     }
 }
 
+std::vector<std::int32_t> DataPropertySet::Block()
+{
+    const std::lock_guard hold(lock);
+    std::vector<std::int32_t> block(stored.size() / sizeof(std::int32_t));
+    if (!block.empty())
+        std::memcpy(block.data(), stored.data(), block.size() * sizeof(std::int32_t));
+    return block;
+}
+
 } // namespace vixa::host

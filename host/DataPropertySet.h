@@ -28,6 +28,9 @@ public:
     // E_INVALIDARG for a negative size or missing data, E_OUTOFMEMORY; the old block then stays.
     HRESULT STDMETHODCALLTYPE SetData(const void* data, int size) noexcept override;
 
+    // A copy of the stored block, as far as it is made of whole numbers.
+    std::vector<std::int32_t> Block();
+
 private:
     DataPropertySet() = default;
     ~DataPropertySet() = default;

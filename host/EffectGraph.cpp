@@ -81,10 +81,20 @@ void EffectGraph::Connect(IBaseFilter* from, IBaseFilter* to, const char* name)
             "\"" + std::string(name) + "\" can't be connected");
 }
 
-void EffectGraph::Run(const std::function<void(std::int64_t)>& onProgress)
+void EffectGraph::Start()
 {
     if (const HRESULT result = control->Run(); FAILED(result))
         Fail(result);
+}
+
+void EffectGraph::Stop() noexcept
+{
+    control->Stop();
+}
+
+void EffectGraph::Run(const std::function<void(std::int64_t)>& onProgress)
+{
+    Start();
     WaitForEnd(onProgress);
     control->Stop();
     if (onProgress)

@@ -7,17 +7,22 @@ namespace vixa::host {
 
 namespace {
 
-std::filesystem::path BesideTheProgram()
+std::filesystem::path FileOf(HMODULE module)
 {
     std::wstring path(MAX_PATH, L'\0');
     for (;;) {
-        const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+        const DWORD length = GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
         if (length < path.size()) {
             path.resize(length);
-            return std::filesystem::path(path).parent_path() / L"VixaVideoFX.dll";
+            return path;
         }
         path.resize(path.size() * 2);
     }
+}
+
+std::filesystem::path BesideTheProgram()
+{
+    return FileOf(nullptr).parent_path() / L"VixaVideoFX.dll";
 }
 
 template <typename Function>
@@ -53,6 +58,24 @@ Microsoft::WRL::ComPtr<IBaseFilter> EffectLibrary::CreateFilter(const GUID& clas
         throw FailedJob("The library can't make the effect \"" + std::string(name) + "\" (" + Show(result) +
                         "); is VixaVideoFX.dll of the same version as this program?");
     return filter;
+}
+
+Microsoft::WRL::ComPtr<IEffectInfo> EffectLibrary::CatalogueOf(const GUID& classId) const
+{
+    Microsoft::WRL::ComPtr<IClassFactory> factory;
+    HRESULT result = getClassObject(classId, IID_IClassFactory, &factory);
+    Microsoft::WRL::ComPtr<IEffectInfo> info;
+    if (SUCCEEDED(result))
+        result = factory->QueryInterface(IID_IEffectInfo, &info);
+    if (FAILED(result))
+        throw FailedJob("The library tells nothing about one of its effects (" + Show(result) +
+                        "); is VixaVideoFX.dll of the same version as this program?");
+    return info;
+}
+
+std::filesystem::path EffectLibrary::File() const
+{
+    return FileOf(module.get());
 }
 
 bool EffectLibrary::CanUnload() const noexcept

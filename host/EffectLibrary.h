@@ -3,6 +3,8 @@
 
 #include "framework/Handles.h"
 
+#include <vixavideofx/IEffectInfo.h>
+
 #include <strmif.h>
 #include <wrl/client.h>
 
@@ -20,6 +22,12 @@ public:
 
     // A new filter for one effect. Throws FailedJob. Must be released before the library object goes.
     Microsoft::WRL::ComPtr<IBaseFilter> CreateFilter(const GUID& classId, const char* name) const;
+
+    // The catalogue object of one effect. Throws FailedJob. Must be released before the library object goes.
+    Microsoft::WRL::ComPtr<IEffectInfo> CatalogueOf(const GUID& classId) const;
+
+    // Where the library was loaded from.
+    std::filesystem::path File() const;
 
     // What the library answers to DllCanUnloadNow: true when none of its objects is alive.
     bool CanUnload() const noexcept;

@@ -23,6 +23,9 @@ public:
     // WrongWords that names the parameters there are, or the range; the step is then unchanged.
     void Set(std::string_view assignment);
 
+    // Takes a whole block, as a settings panel has written it.
+    void SetBlock(std::span<const std::int32_t> newBlock) { block.assign(newBlock.begin(), newBlock.end()); }
+
     const EffectEntry& Effect() const noexcept { return *effect; }
     // The effect's data block, as its property set holds it.
     std::span<const std::int32_t> Block() const noexcept { return block; }
