@@ -22,18 +22,19 @@ HRESULT CBaseAllocator::SetProperties(ALLOCATOR_PROPERTIES* request, ALLOCATOR_P
 {
     if (!request || !actual)
         return E_POINTER;
+    const ALLOCATOR_PROPERTIES asked = *request; // both pointers may be the same
     CAutoLock lock(this);
     *actual = {};
     if (m_bCommitted)
         return VFW_E_ALREADY_COMMITTED;
     if (m_lFree < m_lAllocated)
         return VFW_E_BUFFERS_OUTSTANDING;
-    if (request->cBuffers < 0 || request->cbBuffer < 0 || request->cbPrefix < 0)
+    if (asked.cBuffers < 0 || asked.cbBuffer < 0 || asked.cbPrefix < 0)
         return E_INVALIDARG;
-    m_lCount = request->cBuffers;
-    m_lSize = request->cbBuffer;
-    m_lAlignment = request->cbAlign;
-    m_lPrefix = request->cbPrefix;
+    m_lCount = asked.cBuffers;
+    m_lSize = asked.cbBuffer;
+    m_lAlignment = asked.cbAlign;
+    m_lPrefix = asked.cbPrefix;
     m_bChanged = true;
     *actual = {m_lCount, m_lSize, m_lAlignment, m_lPrefix};
     return S_OK;
