@@ -98,7 +98,7 @@ void DrawBall(Canvas& canvas, const Area& area, double hue)
 
 void DrawText(Canvas& canvas, const Area& area)
 {
-    const int half = area.rows * 5 / 9;
+    const int half = area.rows * 5 / 8;
     canvas.FillRectangle(area.left, area.top, area.columns, half, {250, 250, 245});
     canvas.FillRectangle(area.left, area.top + half, area.columns, area.rows - half, {24, 32, 72});
     struct Line
@@ -107,11 +107,11 @@ void DrawText(Canvas& canvas, const Area& area)
         const char* text;
         TextStyle style;
     };
-    const Line lines[] = {{4, "VixaVideoFX", {30, true, {20, 20, 20}}},
-                          {42, "Thirteen effects for video", {15, false, {150, 20, 30}}},
-                          {62, "abcdefghijklm 0123456789", {11, false, {60, 60, 60}}},
-                          {half + 6, "Light on dark", {22, true, {255, 220, 90}}},
-                          {half + 36, "The small print, 11 pixels high", {11, false, {200, 220, 255}}}};
+    const Line lines[] = {{3, "VixaVideoFX", {28, true, {20, 20, 20}}},
+                          {37, "Thirteen effects for video", {14, false, {150, 20, 30}}},
+                          {56, "abcdefghijklm 0123456789", {11, false, {60, 60, 60}}},
+                          {half + 1, "Light on dark", {20, true, {255, 220, 90}}},
+                          {half + 27, "The small print, 11 pixels high", {11, false, {200, 220, 255}}}};
     for (const Line& line : lines)
         canvas.DrawLine(area.left + 8, area.top + line.top, area.columns - 10, line.text, line.style);
 }

@@ -85,7 +85,7 @@ void ShowAllEffects()
         tiles.push_back({showing.effect, settings, std::move(result)});
     }
     Save(folder / L"contact-sheet.png", DrawContactSheet("VixaVideoFX: thirteen effects", tiles));
-    Say("14 pictures are in " + Show(std::filesystem::absolute(folder)) + "; contact-sheet.png shows all.\n");
+    Say("14 pictures are in the folder out; contact-sheet.png shows all of them.\n");
 }
 
 } // namespace vixa::host
