@@ -1,0 +1,236 @@
+// The real program from outside: its jobs, its complaints, its exit status, and what it leaves on the disk.
+#include "host/EffectLibrary.h"
+#include "host/PictureFile.h"
+#include "host/PictureFrames.h"
+#include "host/Text.h"
+#include "tests/host/KernelResult.h"
+#include "tests/host/Process.h"
+#include "tests/host/TestFiles.h"
+
+#include <gtest/gtest.h>
+#include <objbase.h>
+
+#include <algorithm>
+
+namespace vixa::host {
+namespace {
+
+using namespace test;
+
+EffectStep Step(const char* effect, std::initializer_list<const char*> settings = {})
+{
+    EffectStep step(FindEffect(effect));
+    for (const char* setting : settings)
+        step.Set(setting);
+    return step;
+}
+
+// The picture after the kernels, its alpha kept.
+Picture Expected(const Picture& picture, const EffectStack& stack)
+{
+    PictureReader reader(picture);
+    Bytes frame(reader.Format().FrameBytes());
+    reader.Read(frame);
+    for (const EffectStep& step : stack)
+        ApplyKernel(step, frame, picture.width, picture.height);
+    Picture result = picture;
+    PictureWriter(result).Write(frame);
+    return result;
+}
+
+class HostRun : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
+        WritePicture(folder / L"in.png", PictureFormat::Png, TestPicture(61, 47, 3));
+    }
+    void TearDown() override { CoUninitialize(); }
+
+    Outcome Run(const std::vector<std::wstring>& words, const std::wstring& interruptWhen = L"")
+    {
+        return RunHost(folder.Path(), words, interruptWhen);
+    }
+
+    void ExpectDone(const Outcome& outcome)
+    {
+        EXPECT_EQ(outcome.status, 0u);
+        EXPECT_EQ(outcome.err, "");
+    }
+
+    ScratchFolder folder;
+};
+
+TEST_F(HostRun, PicturesOfEveryFormatGoThroughTheGraph)
+{
+    const Picture picture = ReadPicture(folder / L"in.png");
+    const Picture wanted = Expected(picture, {Step("Emboss")});
+    for (const wchar_t* format : {L".png", L".bmp", L".tif", L".jpg"}) {
+        const std::wstring in = L"\x00e4\x4e2d in" + std::wstring(format), out = L"\x05d0 out" + std::wstring(format);
+        WritePicture(folder / in, *PictureFormatOf(in), picture);
+        ExpectDone(Run({L"apply", L"emboss", in, out}));
+        const Picture result = ReadPicture(folder / out);
+        ASSERT_EQ(result.width, picture.width);
+        ASSERT_EQ(result.height, picture.height);
+        if (*PictureFormatOf(out) != PictureFormat::Jpeg) {
+            EXPECT_TRUE(result.pixels == wanted.pixels) << Utf8(format);
+        }
+    }
+}
+
+TEST_F(HostRun, AChainOfEffectsKeepsOrderSettingsAndTransparency)
+{
+    const Picture picture = TestPicture(40, 30, 9, true);
+    WritePicture(folder / L"clear.png", PictureFormat::Png, picture);
+    ExpectDone(Run({L"apply", L"Soften filter", L"--then", L"Gamma correction", L"--set", L"gamma=160", L"--then",
+                    L"Invert color", L"--set", L"mask=all", L"clear.png", L"out.tif"}));
+    const EffectStack stack = {Step("Soften filter"), Step("Gamma correction", {"gamma=160"}),
+                               Step("Invert color", {"mask=all"})};
+    EXPECT_TRUE(ReadPicture(folder / L"out.tif").pixels == Expected(picture, stack).pixels);
+}
+
+TEST_F(HostRun, AClipKeepsEverythingButItsColours)
+{
+    ClipRecipe recipe;
+    recipe.width = 40;
+    recipe.height = 30;
+    recipe.frames = 30;
+    WriteBytes(folder / L"clip.avi", MakeClip(recipe));
+    const Outcome outcome = Run({L"apply", L"Shift edges", L"--set", L"direction=vertical", L"clip.avi", L"out.AVI"});
+    ExpectDone(outcome);
+    EXPECT_NE(outcome.out.find("30 of 30 frames"), std::string::npos) << outcome.out;
+    EXPECT_EQ(outcome.out.find('\r'), std::string::npos) << "a bar belongs on a terminal only";
+
+    const ParsedClip clip = ParseClip(ReadBytes(folder / L"out.AVI"));
+    EXPECT_EQ(clip.width, 40);
+    EXPECT_EQ(clip.height, 30);
+    EXPECT_EQ(std::uint64_t{clip.rate} * 1001, std::uint64_t{clip.scale} * 30000);
+    EXPECT_TRUE(clip.sound == ClipSound(recipe));
+    ASSERT_EQ(clip.frames.size(), 30u);
+    for (int i = 0; i < 30; ++i) {
+        Bytes wanted = ClipFrame(recipe, i);
+        ApplyKernel(Step("Shift edges", {"direction=vertical"}), wanted, 40, 30);
+        EXPECT_TRUE(clip.frames[static_cast<std::size_t>(i)] == wanted) << "frame " << i;
+    }
+}
+
+TEST_F(HostRun, BadInputIsToldInOneLineAndWritesNothing)
+{
+    WriteBytes(folder / L"empty.png", {});
+    Bytes cut = ReadBytes(folder / L"in.png");
+    cut.resize(cut.size() / 2);
+    WriteBytes(folder / L"cut.png", cut);
+    WriteBytes(folder / L"text.png", {'h', 'e', 'l', 'l', 'o'});
+    Bytes clip = MakeClip({});
+    WriteBytes(folder / L"clip.avi", clip);
+    clip.resize(clip.size() - 100);
+    WriteBytes(folder / L"cut.avi", clip);
+    ClipRecipe foreign;
+    std::copy_n("ZZZ9", 5, foreign.compression);
+    WriteBytes(folder / L"foreign.avi", MakeClip(foreign));
+    ClipRecipe broken;
+    broken.frames = 60;
+    Bytes middle = MakeClip(broken);
+    // A frame behind the middle is a third of its length by the index: the job fails when part of the output is
+    // written already. An entry: name, flags, offset, length.
+    const std::size_t index = middle.size() - 60 * 2 * 16;
+    middle[index + 80 * 16 + 13] = 1;
+    WriteBytes(folder / L"middle.avi", middle);
+    std::filesystem::create_directory(folder / L"folder.png");
+
+    struct Case
+    {
+        std::vector<std::wstring> words;
+        unsigned long status;
+        const char* mentions;
+    };
+    const std::vector<Case> cases = {
+        {{L"frobnicate"}, 2, "did you mean"},
+        {{L"apply", L"Embos", L"in.png", L"out.png"}, 2, "\"Emboss\""},
+        {{L"apply", L"Gamma correction", L"--set", L"gama=3", L"in.png", L"out.png"}, 2, "gamma (45 to 220)"},
+        {{L"apply", L"Gamma correction", L"--set", L"gamma=3", L"in.png", L"out.png"}, 2, "45 to 220"},
+        {{L"apply", L"Emboss", L"in.png"}, 2, "OUT"},
+        {{L"apply", L"Emboss", L"in.png", L"out.xyz"}, 2, ".png"},
+        {{L"apply", L"Emboss", L"in.png", L"out.avi"}, 2, "picture"},
+        {{L"apply", L"Emboss", L"clip.avi", L"out.png"}, 2, ".avi"},
+        {{L"apply", L"Emboss", L"in.png", L"in.png"}, 2, "same file"},
+        {{L"apply", L"Emboss", L"in.png", L"./IN.PNG"}, 2, "same file"},
+        {{L"apply", L"Emboss", L"in.png", folder.Path().native() + L"\\in.png"}, 2, "same file"},
+        {{L"apply", L"Emboss", L"missing.png", L"out.png"}, 1, "missing.png"},
+        {{L"apply", L"Emboss", L"folder.png", L"out.png"}, 1, "folder"},
+        {{L"apply", L"Emboss", L"in.png", L"folder.png"}, 1, "folder"},
+        {{L"apply", L"Emboss", L"empty.png", L"out.png"}, 1, "empty"},
+        {{L"apply", L"Emboss", L"cut.png", L"out.png"}, 1, "a whole PNG"},
+        {{L"apply", L"Emboss", L"text.png", L"out.png"}, 1, "PNG, BMP, JPEG or TIFF"},
+        {{L"apply", L"Emboss", L"cut.avi", L"out.avi"}, 1, "cut short"},
+        {{L"apply", L"Emboss", L"foreign.avi", L"out.avi"}, 1, "ZZZ9"},
+        {{L"apply", L"Emboss", L"middle.avi", L"out.avi"}, 1, "can't be decoded"},
+        {{L"apply", L"Emboss", L"in.png", L"nowhere/out.png"}, 1, "nowhere"},
+        {{L"apply", L"Emboss", L"clip.avi", L"nowhere/out.avi"}, 1, "nowhere"},
+    };
+    const auto before = folder.Names();
+    const Bytes input = ReadBytes(folder / L"in.png");
+    for (const Case& wrong : cases) {
+        SCOPED_TRACE(testing::Message() << wrong.mentions);
+        const Outcome outcome = Run(wrong.words);
+        EXPECT_EQ(outcome.status, wrong.status) << outcome.err;
+        EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+        EXPECT_NE(outcome.err.find(wrong.mentions), std::string::npos) << outcome.err;
+        EXPECT_EQ(folder.Names(), before);
+    }
+    EXPECT_EQ(ReadBytes(folder / L"in.png"), input);
+}
+
+TEST_F(HostRun, AnInterruptedClipLeavesNothing)
+{
+    ClipRecipe recipe;
+    recipe.width = 320;
+    recipe.height = 240;
+    recipe.frames = 1500;
+    recipe.bits = 8;
+    recipe.sound = false;
+    WriteBytes(folder / L"clip.avi", MakeClip(recipe));
+    WriteBytes(folder / L"out.avi", {1, 2, 3});
+    const auto before = folder.Names();
+    const Outcome outcome =
+        Run({L"apply", L"Emboss", L"--then", L"Soften filter", L"clip.avi", L"out.avi"}, L"out.avi.partial");
+    EXPECT_EQ(outcome.status, 1u) << outcome.out;
+    EXPECT_NE(outcome.err.find("Stopped"), std::string::npos) << outcome.err;
+    EXPECT_EQ(folder.Names(), before);
+    EXPECT_EQ(ReadBytes(folder / L"out.avi"), (Bytes{1, 2, 3})) << "an older result stays";
+}
+
+TEST_F(HostRun, WithoutWordsEveryEffectIsShown)
+{
+    const Outcome outcome = Run({});
+    ExpectDone(outcome);
+    for (const EffectEntry& effect : Effects())
+        EXPECT_NE(outcome.out.find(effect.name), std::string::npos) << effect.name;
+    int pictures = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder / L"out")) {
+        const Picture picture = ReadPicture(entry.path());
+        EXPECT_GE(picture.width, 640);
+        ++pictures;
+    }
+    EXPECT_EQ(pictures, 14);
+    const Outcome list = Run({L"effects"});
+    ExpectDone(list);
+    EXPECT_NE(list.out.find("{C79C3183-D7F7-439A-98CC-33906A691708}"), std::string::npos);
+    EXPECT_NE(list.out.find("45 to 220"), std::string::npos);
+}
+
+TEST_F(HostRun, TheLibraryIsFreeWhenTheGraphIsGone)
+{
+    const EffectLibrary library;
+    {
+        const auto filter = library.CreateFilter(*FindEffect("Emboss").classId, "Emboss");
+        EXPECT_FALSE(library.CanUnload());
+    }
+    EXPECT_TRUE(library.CanUnload());
+    EXPECT_THROW(EffectLibrary(folder / L"in.png"), std::exception);
+    EXPECT_THROW(library.CreateFilter(GUID{}, "Nothing"), std::exception);
+}
+
+} // namespace
+} // namespace vixa::host

@@ -1,0 +1,35 @@
+#include "tests/host/KernelResult.h"
+
+#include "effects/kernels/Kernels.h"
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace vixa::host::test {
+
+void ApplyKernel(const EffectStep& step, std::span<std::uint8_t> frame, int width, int height)
+{
+    const kernels::KernelSet& kernels = kernels::KernelsOf(kernels::Level::Scalar);
+    const std::string effect = step.Effect().name;
+    const auto block = step.Block();
+    if (effect == "Add pixel") {
+        kernels.add(frame, {block[0], block[1], block[2]});
+    } else if (effect == "Filter color") {
+        kernels.filterColor(frame, {std::abs(block[0]), block[1], block[0] >= 0});
+    } else if (effect == "Invert color") {
+        kernels.invert(frame, block[0]);
+    } else if (effect == "Multiply pixel") {
+        kernels.multiply(frame, block[0]);
+    } else if (effect == "Gamma correction") {
+        if (block[0] != 100)
+            kernels.gamma(frame, kernels::MakeGammaTable(block[0]));
+    } else {
+        kernels::ConvolutionParameters parameters;
+        parameters.SetKind(block[0]);
+        std::vector<std::uint8_t> scratch(kernels::ConvolutionScratchBytes(width));
+        kernels.convolve(frame, width, height, parameters, scratch);
+    }
+}
+
+} // namespace vixa::host::test
