@@ -10,6 +10,8 @@ if [ "${1:-}" = --display ]; then
     shift
 fi
 export WINEPREFIX="${VIXA_WINEPREFIX:-$root/build/wine-$graphics}" WINEARCH=win32 WINEDEBUG="${WINEDEBUG:--all}"
+# Without UTF-8 Wine loses every letter of a file name that is not ASCII.
+[ "$(locale charmap 2>/dev/null)" = UTF-8 ] || export LC_ALL=C.UTF-8
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe=;winedbg.exe="
 
 if [ ! -f "$WINEPREFIX/.ready" ]; then
