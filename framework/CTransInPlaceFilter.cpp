@@ -10,18 +10,9 @@ CTransInPlaceFilter::CTransInPlaceFilter(LPCTSTR name, IUnknown* outer, REFCLSID
 {
 }
 
-bool CTransInPlaceFilter::CreatePins()
+CBasePin* CTransInPlaceFilter::GetPin(int index)
 {
-    HRESULT result = S_OK;
-    std::unique_ptr<CTransInPlaceInputPin> input(new (std::nothrow)
-                                                     CTransInPlaceInputPin(nullptr, this, &result, L"Input"));
-    std::unique_ptr<CTransInPlaceOutputPin> output(new (std::nothrow)
-                                                       CTransInPlaceOutputPin(nullptr, this, &result, L"Output"));
-    if (!input || !output || FAILED(result))
-        return false;
-    m_pInput = std::move(input);
-    m_pOutput = std::move(output);
-    return true;
+    return PinAt<CTransInPlaceInputPin, CTransInPlaceOutputPin>(index, this);
 }
 
 HRESULT CTransInPlaceFilter::Transform(IMediaSample*, IMediaSample*)
@@ -37,7 +28,7 @@ HRESULT CTransInPlaceFilter::CheckTransform(const CMediaType*, const CMediaType*
 HRESULT CTransInPlaceFilter::DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request)
 {
     ALLOCATOR_PROPERTIES upstream = {1, 1, 1, 0};
-    if (m_pInput->IsConnected() && m_pInput->PeekAllocator()) {
+    if (m_pInput && m_pInput->IsConnected() && m_pInput->PeekAllocator()) {
         const HRESULT result = m_pInput->PeekAllocator()->GetProperties(&upstream);
         if (FAILED(result))
             return result;

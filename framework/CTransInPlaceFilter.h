@@ -18,6 +18,8 @@ public:
     CTransInPlaceFilter(LPCTSTR name, IUnknown* outer, REFCLSID classId, HRESULT* result,
                         bool modifiesData = true) noexcept;
 
+    CBasePin* GetPin(int index) override;
+
     HRESULT Transform(IMediaSample* in, IMediaSample* out) override;              // E_UNEXPECTED, never called
     HRESULT CheckTransform(const CMediaType* in, const CMediaType* out) override; // S_OK
     // The input allocator's count and size, else one buffer of one byte. E_FAIL when the allocator grants less.
@@ -35,7 +37,6 @@ public:
     bool UsingDifferentAllocators() const noexcept;
 
 protected:
-    bool CreatePins() override;
     // An output buffer with the sample's contents, properties and type, and a reference; null when none can be had.
     IMediaSample* Copy(IMediaSample* source);
     CTransInPlaceInputPin* InputPin() const noexcept { return static_cast<CTransInPlaceInputPin*>(m_pInput.get()); }

@@ -16,30 +16,7 @@ int CTransformFilter::GetPinCount()
 
 CBasePin* CTransformFilter::GetPin(int index)
 {
-    CAutoLock lock(&m_pinsLock);
-    if (!m_pInput && !CreatePins())
-        return nullptr;
-    switch (index) {
-    case 0:
-        return m_pInput.get();
-    case 1:
-        return m_pOutput.get();
-    default:
-        return nullptr;
-    }
-}
-
-bool CTransformFilter::CreatePins()
-{
-    HRESULT result = S_OK;
-    std::unique_ptr<CTransformInputPin> input(new (std::nothrow) CTransformInputPin(nullptr, this, &result, L"Input"));
-    std::unique_ptr<CTransformOutputPin> output(new (std::nothrow)
-                                                    CTransformOutputPin(nullptr, this, &result, L"Output"));
-    if (!input || !output || FAILED(result))
-        return false;
-    m_pInput = std::move(input);
-    m_pOutput = std::move(output);
-    return true;
+    return PinAt<CTransformInputPin, CTransformOutputPin>(index, this);
 }
 
 bool CTransformFilter::PinsExist() noexcept

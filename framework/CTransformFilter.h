@@ -6,6 +6,8 @@
 
 #include <atomic>
 #include <memory>
+#include <new>
+#include <utility>
 
 // The pins are "Input" (FindPin "In") and "Output" ("Out"), made when either is first asked for. State changes and
 // connections hold the filter lock (m_csFilter); Receive and EndOfStream hold the receive lock (m_csReceive). Who takes
@@ -54,8 +56,10 @@ public:
 protected:
     // An output buffer with the input sample's times and flags, and a reference, for Transform(in, out).
     HRESULT InitializeOutputSample(IMediaSample* sample, IMediaSample** output);
-    // Makes both pins, or neither.
-    virtual bool CreatePins();
+    // GetPin for a filter with pins of those classes: makes both, or neither, when either is first asked for. Not a
+    // virtual operation: derived classes count on the order of those.
+    template <typename Input, typename Output, typename Filter>
+    CBasePin* PinAt(int index, Filter* filter) noexcept;
     // What a result of Transform means: delivers, skips or fails.
     HRESULT DeliverTransformed(HRESULT transformed, IMediaSample* sample);
 
@@ -74,3 +78,19 @@ private:
     // Taken last, while the pins are made: whoever first asks for one may hold any lock.
     CCritSec m_pinsLock;
 };
+
+template <typename Input, typename Output, typename Filter>
+CBasePin* CTransformFilter::PinAt(int index, Filter* filter) noexcept
+{
+    CAutoLock lock(&m_pinsLock);
+    if (!m_pInput) {
+        HRESULT result = S_OK;
+        std::unique_ptr<Input> input(new (std::nothrow) Input(nullptr, filter, &result, L"Input"));
+        std::unique_ptr<Output> output(new (std::nothrow) Output(nullptr, filter, &result, L"Output"));
+        if (!input || !output || FAILED(result))
+            return nullptr;
+        m_pInput = std::move(input);
+        m_pOutput = std::move(output);
+    }
+    return index == 0 ? static_cast<CBasePin*>(m_pInput.get()) : index == 1 ? m_pOutput.get() : nullptr;
+}
