@@ -1,0 +1,116 @@
+// What happens at the same time as streaming: state changes, flushes, questions and quality messages from other
+// threads.
+#include "tests/framework/TestFilters.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+using namespace test;
+
+namespace {
+
+constexpr DWORD duration = 1000; // milliseconds of each run
+
+TEST(Stress, StatesChangeWhileSamplesCome)
+{
+    for (const auto mode : {SourcePin::Allocator::Peers, SourcePin::Allocator::OwnReadOnly}) {
+        Chain chain;
+        chain.source->pin.mode = mode;
+        chain.source->pin.StreamByItself();
+        chain.sink->pin.remembers = false;
+        ASSERT_EQ(S_OK, chain.Connect());
+        const ULONGLONG end = GetTickCount64() + duration;
+        int rounds = 0;
+        for (; GetTickCount64() < end; ++rounds) {
+            ASSERT_HRESULT_SUCCEEDED(chain.graph->Run());
+            if (rounds % 2)
+                Sleep(1);
+            if (rounds % 3) {
+                ASSERT_HRESULT_SUCCEEDED(chain.graph->Pause());
+            }
+            ASSERT_HRESULT_SUCCEEDED(chain.graph->Stop());
+            ASSERT_FALSE(chain.probe->streaming);
+            const int before = chain.sink->pin.received;
+            Sleep(0);
+            ASSERT_EQ(before, chain.sink->pin.received) << "a frame after the stop";
+        }
+        EXPECT_GT(rounds, 10);
+        EXPECT_GT(chain.source->pin.pushed, 0);
+        // A frame that was in the filter when the sink had stopped already is refused there.
+        EXPECT_LE(chain.sink->pin.received, chain.probe->transforms);
+        EXPECT_GE(chain.sink->pin.received + rounds, chain.probe->transforms);
+    }
+}
+
+TEST(Stress, FilterAloneStopsWithEveryBufferOut)
+{
+    Chain chain;
+    chain.source->pin.mode = SourcePin::Allocator::OwnReadOnly;
+    ASSERT_EQ(S_OK, chain.Connect());
+    ASSERT_HRESULT_SUCCEEDED(chain.graph->Run());
+    // Somebody downstream keeps all buffers, and the next frame waits for one under the receive lock.
+    std::vector<ComPtr<IMediaSample>> kept(3);
+    for (auto& sample : kept)
+        ASSERT_EQ(S_OK, chain.sink->pin.PeekAllocator()->GetBuffer(&sample, nullptr, nullptr, AM_GBF_NOWAIT));
+    const ComPtr<IMediaSample> sample = chain.Sample();
+    HRESULT result = S_OK;
+    std::thread pusher([&] { result = chain.source->pin.Deliver(sample.Get()); });
+    Sleep(20);
+    EXPECT_EQ(S_OK, chain.probe->Stop());
+    pusher.join();
+    EXPECT_EQ(E_UNEXPECTED, result);
+    kept.clear();
+}
+
+TEST(Stress, QuestionsFromEveryThread)
+{
+    Chain chain;
+    chain.source->pin.StreamByItself();
+    chain.sink->pin.remembers = false;
+    ASSERT_EQ(S_OK, chain.Connect());
+    std::atomic<bool> done = false;
+    const auto loop = [&](auto action) {
+        return std::thread([&done, action] {
+            while (!done)
+                action();
+        });
+    };
+    CTransInPlaceInputPin& in = chain.probe->in();
+    CTransInPlaceOutputPin& out = chain.probe->out();
+    std::thread threads[] = {
+        loop([&] {
+            in.BeginFlush();
+            in.EndFlush();
+            Sleep(1);
+        }),
+        loop([&] {
+            out.Notify(chain.sink.get(), {Famine, 900, 10, 0});
+            in.QueryAccept(&chain.source->pin.types[0]);
+            CMediaType type;
+            EXPECT_EQ(S_OK, out.ConnectionMediaType(&type));
+            EXPECT_EQ(sizeof(VIDEOINFOHEADER), type.FormatLength());
+            ComPtr<IPin> peer;
+            EXPECT_EQ(S_OK, in.ConnectedTo(&peer));
+        }),
+        loop([&] {
+            ComPtr<IEnumPins> pins;
+            EXPECT_EQ(S_OK, chain.probe->EnumPins(&pins));
+            ComPtr<IPin> pin;
+            while (pins->Next(1, pin.ReleaseAndGetAddressOf(), nullptr) == S_OK)
+                EXPECT_NE(nullptr, pin.Get());
+        }),
+    };
+    const ULONGLONG end = GetTickCount64() + duration;
+    while (GetTickCount64() < end) {
+        ASSERT_HRESULT_SUCCEEDED(chain.graph->Run());
+        Sleep(2);
+        ASSERT_HRESULT_SUCCEEDED(chain.graph->Stop());
+    }
+    done = true;
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_GT(chain.probe->transforms, 0);
+}
+
+} // namespace
