@@ -125,10 +125,14 @@ TEST(Allocation, BuffersAreAskedForAsUpstreamHasThem)
 // A sample of another maker, with the older interface only and perhaps with a length that lies.
 struct PlainSample : IMediaSample
 {
-    explicit PlainSample(IMediaSample* inner) : sample(inner), length(inner->GetActualDataLength()) {}
+    explicit PlainSample(IMediaSample* inner)
+        : sample(inner), length(inner->GetActualDataLength()), size(inner->GetSize())
+    {
+    }
 
     IMediaSample* sample;
     LONG length;
+    LONG size;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) noexcept override
     {
@@ -138,7 +142,7 @@ struct PlainSample : IMediaSample
     ULONG STDMETHODCALLTYPE AddRef() noexcept override { return 2; }
     ULONG STDMETHODCALLTYPE Release() noexcept override { return 1; }
     HRESULT STDMETHODCALLTYPE GetPointer(BYTE** p) noexcept override { return sample->GetPointer(p); }
-    LONG STDMETHODCALLTYPE GetSize() noexcept override { return sample->GetSize(); }
+    LONG STDMETHODCALLTYPE GetSize() noexcept override { return size; }
     HRESULT STDMETHODCALLTYPE GetTime(REFERENCE_TIME* a, REFERENCE_TIME* b) noexcept override
     {
         return sample->GetTime(a, b);
@@ -185,6 +189,9 @@ TEST(Allocation, CopiesOfForeignSamples)
         sample.length = lie;
         EXPECT_EQ(E_UNEXPECTED, chain.probe->in().Receive(&sample)) << lie;
     }
+    sample.length = 100; // fits the copy, not the sample
+    sample.size = 99;
+    EXPECT_EQ(E_UNEXPECTED, chain.probe->in().Receive(&sample));
     EXPECT_EQ(1, chain.sink->pin.received);
     chain.graph->Stop();
 }
