@@ -74,6 +74,11 @@ Function .onInit
 FunctionEnd
 
 Function un.onInit
+    ; The copy that runs here is deleted at the next start of the system, but its folder would be tried before it.
+    ${If} $EXEDIR != $INSTDIR
+        RMDir /REBOOTOK "$EXEDIR"
+        SetRebootFlag false
+    ${EndIf}
     !insertmacro RequireAdministrator
 FunctionEnd
 

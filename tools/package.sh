@@ -7,9 +7,10 @@
 build win32 VixaVideoFX vixahost languages
 
 version=$(sed -n 's/^project(VixaVideoFX VERSION \([0-9.]*\) .*/\1/p' "$ROOT/CMakeLists.txt")
-SOURCE_DATE_EPOCH=$(git -C "$ROOT" log -1 --format=%ct)
+# Without the history, as in an unpacked archive of the sources, their own date does.
+SOURCE_DATE_EPOCH=$(git -C "$ROOT" log -1 --format=%ct 2>/dev/null || stat -c %Y "$ROOT/CMakeLists.txt")
 export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C
-[ -z "$(git -C "$ROOT" status --porcelain)" ] || say "    (the working tree differs from the commit)"
+[ -z "$(git -C "$ROOT" status --porcelain 2>/dev/null)" ] || say "    (the working tree differs from the commit)"
 
 out="$BUILD/package"
 name="VixaVideoFX-$version"

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # wine-fresh.sh PROGRAM [ARGUMENT...]: runs a Windows program in a Wine prefix that nothing has run in before, and removes
 # the prefix afterwards. For what writes to the registry or installs something.
+# wine-fresh.sh --host COMMAND [ARGUMENT...]: runs a command of this machine, for which tools/wine-run.sh uses that prefix.
 set -euo pipefail
 tools=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 build=$(cd "$tools/.." && pwd)/build
@@ -35,5 +36,11 @@ trap 'exit 143' TERM INT
 # Links are enough for files that nobody writes; the server writes linked registry files in place, so those are copied.
 cp -al "$template/." "$prefix/"
 cp --remove-destination "$template"/*.reg "$prefix/"
-VIXA_WINEPREFIX="$prefix" "$tools/wine-run.sh" "$@" &
+export VIXA_WINEPREFIX="$prefix"
+if [ "${1:-}" = --host ]; then
+    shift
+    "$@" &
+else
+    "$tools/wine-run.sh" "$@" &
+fi
 wait $!

@@ -1,0 +1,101 @@
+#!/usr/bin/env bash
+# Installs, uses, upgrades and uninstalls silently in a fresh Wine prefix, and compares its registry and files with what they
+# were before: nothing may differ but the host's two category keys, which stay behind empty, and what Wine itself writes at
+# every start. Leaves the states and their differences in build/package/check.
+. "$(dirname "${BASH_SOURCE[0]}")/../../tools/common.sh"
+
+if [ -z "${VIXA_WINEPREFIX:-}" ]; then
+    "$ROOT/tools/package.sh"
+    build win32 RunWithoutRights
+    exec "$ROOT/tools/wine-fresh.sh" --host "${BASH_SOURCE[0]}"
+fi
+
+prefix=$VIXA_WINEPREFIX
+installer=$(ls "$BUILD"/package/VixaVideoFX-*-setup.exe)
+stage=${installer%-setup.exe}
+installed="$prefix/drive_c/Program Files/VixaVideoFX"
+check="$BUILD/package/check"
+rm -rf "$check"
+mkdir -p "$check"
+wine() { timeout 120 "$ROOT/tools/wine-run.sh" "$@" </dev/null; }
+
+# settle: until every program of the prefix has ended, the uninstaller's copy of itself too, and the registry is on the disk.
+settle() { WINEPREFIX="$prefix" timeout 120 wineserver -w; }
+
+# state NAME: every key and value, without the times of keys, and every file with its size. The data that Wine writes anew
+# at each start are left out.
+state() {
+    settle
+    for hive in system user userdef; do
+        awk -v hive="$hive" '
+            /^#time=/ { next }
+            /^\[/ { sub(/\] [0-9]+$/, "]"); key = $0 }
+            /^"DriverDateData"=/ || /^@="(Display adapters|Monitors)"$/ { next }
+            /^$/ { next }
+            { print hive ".reg", ($0 == key ? key : key " " $0) }' "$prefix/$hive.reg"
+    done | sort >"$check/$1.registry"
+    (cd "$prefix" && find . \( -name '*.reg' -o -name '.lock' \) -prune -o -printf '%y %s %p\n' |
+        sed 's/^d [0-9]* /d /' | sort -k3) >"$check/$1.files"
+}
+
+# expect WHAT WANTED FOUND
+expect() {
+    [ "$2" = "$3" ] || fail "$1: expected $2, found $3"
+    say "    $1: $3"
+}
+
+code() {
+    local status=0
+    "$@" >>"$check/output.log" 2>&1 || status=$?
+    printf '%s' "$status"
+}
+
+# differences NAME: what a state has or lacks that the one before had or lacked not.
+differences() {
+    diff "$check/before.files" "$check/$1.files" | grep '^[<>]' || true
+    diff "$check/before.registry" "$check/$1.registry" | grep '^[<>]' || true
+}
+
+say "Installing, using and uninstalling in a fresh prefix"
+# An uninstaller's copy of itself goes with a restart; what else that changes is so in both states.
+wine wineboot --restart
+state before
+
+expect "exit code without administrator rights" $((740 % 256)) \
+    "$(code wine "$BUILD/win32/bin/RunWithoutRights.exe" "$installer" /S)"
+state refused
+expect "differences after that" "" "$(differences refused)"
+
+for round in first repeated; do
+    expect "exit code, $round installation" 0 "$(code wine "$installer" /S)"
+    settle
+    expect "files not as packed, $round installation" "" \
+        "$(diff -r "$stage" "$installed" | grep -v '^Only in .*: Uninstall.exe$' || true)"
+done
+state installed
+expect "effects registered" 13 "$(grep -c 'Editor\\\\Effects\] "{' "$check/installed.registry")"
+expect "exit code, listing effects from the installed folder" 0 "$(cd "$installed" && code wine vixahost.exe effects)"
+
+# While somebody reads the library nothing is touched.
+printf '@ping -n 9 127.0.0.1 <"C:\\Program Files\\VixaVideoFX\\VixaVideoFX.dll" >nul\r\n' >"$prefix/drive_c/read.cmd"
+wine cmd /c 'C:\read.cmd' &
+sleep 2
+expect "exit code, installation over a library in use" 5 "$(code wine "$installer" /S)"
+# The uninstaller goes on in a copy of itself, whose exit code nobody gets.
+code wine "$installed/Uninstall.exe" /S >/dev/null
+wait $!
+settle
+rm "$prefix/drive_c/read.cmd"
+expect "files not as packed after that" "" "$(diff -r "$stage" "$installed" | grep -v '^Only in .*: Uninstall.exe$' || true)"
+
+touch "$installed/of somebody else.txt"
+expect "exit code, uninstallation" 0 "$(code wine "$installed/Uninstall.exe" /S)"
+settle
+expect "left in the folder" "of somebody else.txt" "$(ls "$installed")"
+rm -r "$installed"
+wine wineboot --restart
+state after
+differences after >"$check/after.diff"
+categories='> system.reg [Software\\Vixa\\Vixa 12\\Editor\\Effects7]
+> system.reg [Software\\Vixa\\Vixa 12\\Editor\\Effects]'
+expect "differences after uninstallation" "$categories" "$(cat "$check/after.diff")"
