@@ -124,6 +124,12 @@ Section
             ExecWait '"$SYSDIR\regsvr32.exe" /u /s "$INSTDIR\${NAME}.dll"'
         ${Else}
             StrCpy $0 ""
+            ; The library enters what the ANSI code page can express of its path.
+            ReadRegStr $1 HKCR "CLSID\{DDBE68A3-F53E-4E2D-B5AF-578F4302C032}\InprocServer32" ""
+            ${If} $1 != "$INSTDIR\${NAME}.dll"
+                ExecWait '"$SYSDIR\regsvr32.exe" /u /s "$INSTDIR\${NAME}.dll"'
+                StrCpy $0 "programs could not load it from $INSTDIR; please choose a folder with a short, plain name"
+            ${EndIf}
         ${EndIf}
     ${EndIf}
 

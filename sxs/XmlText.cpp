@@ -175,8 +175,8 @@ bool ParseXml(const std::string& text, TiXmlDocument& document)
 {
     if (!IsSafeToParse(text))
         return false;
-    // A lead byte before the terminator takes the parser up to three bytes beyond it: it must find terminators there too,
-    // not what may follow a zero within the text.
+    // A lead byte before the terminator takes the parser up to three bytes beyond it: it must find terminators there
+    // too, not what may follow a zero within the text.
     std::string padded(text.c_str());
     padded.append(3, '\0');
     document.Parse(padded.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);

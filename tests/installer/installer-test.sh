@@ -56,6 +56,10 @@ differences() {
     diff "$check/before.registry" "$check/$1.registry" | grep '^[<>]' || true
 }
 
+# What a removal may leave: the categories are the hosts'.
+categories='> system.reg [Software\\Vixa\\Vixa 12\\Editor\\Effects7]
+> system.reg [Software\\Vixa\\Vixa 12\\Editor\\Effects]'
+
 say "Installing, using and uninstalling in a fresh prefix"
 # An uninstaller's copy of itself goes with a restart; what else that changes is so in both states.
 wine wineboot --restart
@@ -65,6 +69,10 @@ expect "exit code without administrator rights" $((740 % 256)) \
     "$(code wine "$BUILD/win32/bin/RunWithoutRights.exe" "$installer" /S)"
 state refused
 expect "differences after that" "" "$(differences refused)"
+
+expect "exit code, folder that the system cannot load from" 2 "$(code wine "$installer" /S '/D=C:\日本')"
+state unloadable
+expect "differences after that" "$categories" "$(differences unloadable)"
 
 for round in first repeated; do
     expect "exit code, $round installation" 0 "$(code wine "$installer" /S)"
@@ -96,6 +104,4 @@ rm -r "$installed"
 wine wineboot --restart
 state after
 differences after >"$check/after.diff"
-categories='> system.reg [Software\\Vixa\\Vixa 12\\Editor\\Effects7]
-> system.reg [Software\\Vixa\\Vixa 12\\Editor\\Effects]'
 expect "differences after uninstallation" "$categories" "$(cat "$check/after.diff")"
