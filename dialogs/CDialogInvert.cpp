@@ -48,6 +48,7 @@ void CDialogInvert::OnInitDialog(WPARAM focusControl)
     red.SetText(vixa::panelText(GetInstance(), IDS_RED).c_str());
     green.SetText(vixa::panelText(GetInstance(), IDS_GREEN).c_str());
     blue.SetText(vixa::panelText(GetInstance(), IDS_BLUE).c_str());
+    vixa::widenToTexts(dialog);
 }
 
 void CDialogInvert::OnDestroy()

@@ -43,6 +43,7 @@ void CDialogMultiply::OnInitDialog(WPARAM focusControl)
     label.SetText(vixa::panelText(GetInstance(), IDS_MULTIPLY_FACTOR).c_str());
     ResetControls();
     slider.SetPageSize(15);
+    vixa::widenToTexts(dialog);
 }
 
 void CDialogMultiply::OnDestroy()

@@ -71,6 +71,7 @@ void CDialogSelectAddPixel::OnInitDialog(WPARAM focusControl)
         link->slider.SetPageSize(15);
     moveAll.SetText(vixa::panelText(GetInstance(), IDS_MOVE_ALL_SLIDERS).c_str());
     ResetControls();
+    vixa::widenToTexts(dialog);
 }
 
 void CDialogSelectAddPixel::OnDestroy()

@@ -67,6 +67,7 @@ void CDialogSelectColor::OnInitDialog(WPARAM focusControl)
     intensityLabel.SetText(vixa::panelText(GetInstance(), IDS_SELECT_INTENSITY).c_str());
     ResetControls();
     slider.SetPageSize(15);
+    vixa::widenToTexts(dialog);
 }
 
 void CDialogSelectColor::OnDestroy()

@@ -50,6 +50,7 @@ void CDialogSelectGamma::OnInitDialog(WPARAM focusControl)
     slider.SetPageSize(3);
     // Nothing draws it and nothing answers it; hidden, it takes no place in the tab order either.
     ShowWindow(GetDlgItem(dialog, UnusedButton), SW_HIDE);
+    vixa::widenToTexts(dialog);
 }
 
 void CDialogSelectGamma::OnDestroy()

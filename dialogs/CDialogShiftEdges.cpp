@@ -44,6 +44,7 @@ void CDialogShiftEdges::OnInitDialog(WPARAM focusControl)
     SetDlgItemTextW(dialog, DirectionGroup, vixa::panelText(GetInstance(), IDS_CHOOSE_DIRECTION).c_str());
     horizontal.SetText(vixa::panelText(GetInstance(), IDS_HORIZONTAL).c_str());
     vertical.SetText(vixa::panelText(GetInstance(), IDS_VERTICAL).c_str());
+    vixa::widenToTexts(dialog);
 }
 
 void CDialogShiftEdges::OnDestroy()

@@ -27,6 +27,10 @@ inline HWND dialogOf(WPARAM focusControl)
     return GetParent(reinterpret_cast<HWND>(focusControl));
 }
 
+// Widens the panel's labels and check boxes whose texts are too long for the template's sizes, as far as the panel and
+// the controls beside them leave room. Texts that fit stay as they are.
+void widenToTexts(HWND dialog);
+
 inline bool isFrom(LPARAM lParam, HWND control)
 {
     return control && reinterpret_cast<HWND>(lParam) == control;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -37,6 +38,19 @@ int textRoom(HWND control)
     return width - (isGroup ? 18 : 17);
 }
 
+bool hasGlyphs(HWND control, const std::wstring& text)
+{
+    const HDC dc = GetDC(control);
+    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
+    std::vector<WORD> glyphs(text.size());
+    GetGlyphIndicesW(dc, text.data(), static_cast<int>(text.size()), glyphs.data(), GGI_MARK_NONEXISTING_GLYPHS);
+    SelectObject(dc, old);
+    ReleaseDC(control, dc);
+    return std::find(glyphs.begin(), glyphs.end(), WORD{0xFFFF}) == glyphs.end();
+}
+
+int measured = 0;
+
 std::string narrow(const std::wstring& text)
 {
     std::string result(text.size() * 4, '\0');
@@ -54,13 +68,20 @@ void expectTextsFit(HostWindow& host, RecordingSet::Block block, LANGID language
         const std::wstring text = panel.text(GetDlgCtrlID(control));
         if (text.empty() || !panel.shown(GetDlgCtrlID(control)))
             continue;
-        EXPECT_LE(textWidth(control, text), textRoom(control))
+        if (!hasGlyphs(control, text))
+            continue; // its width would be that of empty boxes
+        ++measured;
+        // The empty column behind a value's last digit may be cut off.
+        const bool isNumber = text.find_first_not_of(L"-.0123456789") == std::wstring::npos;
+        EXPECT_LE(textWidth(control, text), textRoom(control) + isNumber)
             << "language " << language << ", control " << GetDlgCtrlID(control) << ": " << narrow(text);
     }
 }
 
-TEST(Labels, FitTheirControlsInEveryLanguage)
+// In the font that stands for the dialog font here: one whose texts and panels are wide, or Tahoma.
+void expectAllTextsFit(int atLeast)
 {
+    measured = 0;
     const TestModule module;
     HostWindow host;
     // One identifier for each language file.
@@ -78,6 +99,16 @@ TEST(Labels, FitTheirControlsInEveryLanguage)
         expectTextsFit<GammaPanel>(host, {100}, language);
         expectTextsFit<ShiftPanel>(host, {7}, language);
     }
+    EXPECT_GE(measured, atLeast);
+}
+
+TEST(Labels, FitTheirControlsInEveryLanguage)
+{
+    expectAllTextsFit(500);
+    const wchar_t* const tahoma = LR"(Z:\usr\share\wine\fonts\tahoma.ttf)";
+    ASSERT_EQ(AddFontResourceExW(tahoma, FR_PRIVATE, nullptr), 1) << "tools/setup.sh installs it";
+    expectAllTextsFit(450);
+    RemoveFontResourceExW(tahoma, FR_PRIVATE, nullptr);
 }
 
 } // namespace

@@ -43,9 +43,8 @@ BOOL CALLBACK findToolTip(HWND window, LPARAM found)
 }
 
 template <typename Panel>
-void expectToolTip(RecordingSet::Block block, int id, const wchar_t* title, const wchar_t* text)
+void expectToolTip(HostWindow& host, RecordingSet::Block block, int id, const wchar_t* title, const wchar_t* text)
 {
-    HostWindow host;
     Panel panel(host, std::move(block));
     HWND tip = nullptr;
     EnumThreadWindows(GetCurrentThreadId(), findToolTip, reinterpret_cast<LPARAM>(&tip));
@@ -78,16 +77,17 @@ void expectToolTip(RecordingSet::Block block, int id, const wchar_t* title, cons
 TEST(ToolTips, AppearWhereThePointerRests)
 {
     const TestModule module;
+    HostWindow host;
     constexpr const wchar_t* slide = L"Move the slider thumb to adjust value ";
-    expectToolTip<ColourPanel>({0, 0}, 1005, L"Select intensity", slide);
-    expectToolTip<ColourPanel>({0, 0}, 1003, L"Select color", L"Select the color to be transformed");
-    expectToolTip<AddPanel>({0, 0, 0, 0}, 1008, L"Select intensity", slide);
-    expectToolTip<AddPanel>({0, 0, 0, 0}, 1040, L"Select this to move all sliders at the same time",
+    expectToolTip<ColourPanel>(host, {0, 0}, 1005, L"Select intensity", slide);
+    expectToolTip<ColourPanel>(host, {0, 0}, 1003, L"Select color", L"Select the color to be transformed");
+    expectToolTip<AddPanel>(host, {0, 0, 0, 0}, 1008, L"Select intensity", slide);
+    expectToolTip<AddPanel>(host, {0, 0, 0, 0}, 1040, L"Select this to move all sliders at the same time",
                             L"Select this to move all sliders at the same time");
-    expectToolTip<InvertPanel>({0}, 1021, L"Perform inversion to the green", L"Perform inversion to the green");
-    expectToolTip<MultiplyPanel>({0}, 1029, L"Select intensity", slide);
-    expectToolTip<GammaPanel>({0}, 1034, L"Select intensity", slide);
-    expectToolTip<ShiftPanel>({7}, 1039, L"Perform shift edges on vertical", L"Perform shift edges on vertical");
+    expectToolTip<InvertPanel>(host, {0}, 1021, L"Perform inversion to the green", L"Perform inversion to the green");
+    expectToolTip<MultiplyPanel>(host, {0}, 1029, L"Select intensity", slide);
+    expectToolTip<GammaPanel>(host, {0}, 1034, L"Select intensity", slide);
+    expectToolTip<ShiftPanel>(host, {7}, 1039, L"Perform shift edges on vertical", L"Perform shift edges on vertical");
 }
 
 } // namespace
