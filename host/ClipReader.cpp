@@ -93,7 +93,9 @@ void ClipReader::OpenDecoder()
         decoder.Attach(AVIStreamGetFrameOpen(video.Get(), nullptr)); // whatever it likes to give
     if (decoder)
         return;
-    const DWORD code = reinterpret_cast<const BITMAPINFOHEADER*>(formatBlock.data())->biCompression;
+    DWORD code = reinterpret_cast<const BITMAPINFOHEADER*>(formatBlock.data())->biCompression;
+    if (code < 256) // one of the numbers that have no letters
+        code = information.fccHandler;
     std::string letters;
     for (int shift = 0; shift < 32; shift += 8) {
         const char letter = static_cast<char>(code >> shift);

@@ -119,6 +119,11 @@ Bytes StreamHeader(const Stream& stream)
     return Chunk("strh", header);
 }
 
+bool RunLengths(const ClipRecipe& recipe)
+{
+    return std::string(recipe.compression) == "MRLE";
+}
+
 // A frame as it lies in the file.
 Bytes StoredFrame(const ClipRecipe& recipe, int frame)
 {
@@ -126,9 +131,16 @@ Bytes StoredFrame(const ClipRecipe& recipe, int frame)
     for (int row = 0; row < recipe.height; ++row) {
         const int y = recipe.topDown ? recipe.height - 1 - row : row;
         for (int x = 0; x < recipe.width; ++x)
-            for (int channel = 0; channel < recipe.bits / 8; ++channel)
+            for (int channel = 0; channel < recipe.bits / 8; ++channel) {
+                if (RunLengths(recipe))
+                    stored.push_back(1); // a run of one pixel
                 stored.push_back(ClipByte(frame, x, y, channel));
-        while (stored.size() % 4 != 0)
+            }
+        if (RunLengths(recipe)) {
+            const bool last = row + 1 == recipe.height;
+            stored.insert(stored.end(), {0, static_cast<std::uint8_t>(last ? 1 : 0)}); // end of row or of picture
+        }
+        while (!RunLengths(recipe) && stored.size() % 4 != 0)
             stored.push_back(0);
     }
     return stored;
@@ -232,7 +244,10 @@ Bytes MakeClip(const ClipRecipe& recipe)
                                       static_cast<std::uint32_t>(recipe.topDown ? -recipe.height : recipe.height),
                                       1u | static_cast<std::uint32_t>(recipe.bits) << 16})
         Put32(pictureFormat, value);
-    PutTag(pictureFormat, recipe.compression);
+    if (RunLengths(recipe))
+        Put32(pictureFormat, 1); // the number that stands for run lengths of 8 bits
+    else
+        PutTag(pictureFormat, recipe.compression);
     for (const std::uint32_t value : {frameBytes, 0u, 0u, 0u, 0u})
         Put32(pictureFormat, value);
     if (recipe.bits == 8)
@@ -256,10 +271,10 @@ Bytes MakeClip(const ClipRecipe& recipe)
           static_cast<std::uint32_t>(recipe.width), static_cast<std::uint32_t>(recipe.height), 0u, 0u, 0u, 0u})
         Put32(main, value);
     headers.push_back(Chunk("avih", main));
-    headers.push_back(List(
-        "LIST", "strl",
-        {StreamHeader({"vids", "DIB ", recipe.scale, recipe.rate, frames, frameBytes, 0, recipe.width, recipe.height}),
-         Chunk("strf", pictureFormat)}));
+    headers.push_back(List("LIST", "strl",
+                           {StreamHeader({"vids", recipe.compression[0] ? recipe.compression : "DIB ", recipe.scale,
+                                          recipe.rate, frames, frameBytes, 0, recipe.width, recipe.height}),
+                            Chunk("strf", pictureFormat)}));
     if (recipe.sound)
         headers.push_back(
             List("LIST", "strl",

@@ -47,7 +47,7 @@ struct ClipRecipe
     int frames = 5;
     std::uint32_t rate = 30000, scale = 1001;
     bool sound = true;                     // 16-bit stereo at 44100 Hz, as long as the pictures
-    char compression[5] = {0, 0, 0, 0, 0}; // a four-letter code, or zeros for uncompressed
+    char compression[5] = {0, 0, 0, 0, 0}; // "MRLE": run lengths, for 8 bits; zeros: uncompressed
     int emptyFrame = -1;                   // a frame without data: the one before it stays
 };
 
