@@ -8,6 +8,7 @@
 #include "host/PictureFile.h"
 #include "host/PictureFrames.h"
 #include "host/Progress.h"
+#include "host/StackFile.h"
 #include "host/TargetFile.h"
 #include "host/Text.h"
 
@@ -120,6 +121,19 @@ void Apply(const ApplyCommand& command)
         throw WrongWords(Show(command.input) + (clip ? " is a clip: the output must end in .avi."
                                                      : " is not an AVI clip: the output must be a picture (.png, "
                                                        ".bmp, .jpg, .tif)."));
+    if (!command.stackFile.empty()) {
+        ApplyCommand loaded = command;
+        {
+            const EffectLibrary library;
+            const auto catalogue = ReadCatalogue(library);
+            loaded.stack = StackToRun(LoadStackFile(command.stackFile, catalogue), catalogue);
+        }
+        if (loaded.stack.empty())
+            throw FailedJob("The stack file " + Show(command.stackFile) +
+                            " has no effect that is switched on; there is nothing to apply.");
+        clip ? ApplyToClip(loaded) : ApplyToPicture(loaded, *format);
+        return;
+    }
     if (clip)
         ApplyToClip(command);
     else

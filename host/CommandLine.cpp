@@ -15,6 +15,7 @@
 #endif
 
 #include <algorithm>
+#include <cstdio>
 
 namespace vixa::host {
 
@@ -45,10 +46,24 @@ EffectStack BuildStack(const std::vector<CLI::Option*>& order, const CLI::Option
     return stack;
 }
 
+// "1180x760". Throws WrongWords.
+void ReadSize(const std::string& text, BrowseCommand& command)
+{
+    if (text.empty())
+        return;
+    int length = 0;
+    if (std::sscanf(text.c_str(), "%5dx%5d%n", &command.width, &command.height, &length) != 2 ||
+        static_cast<std::size_t>(length) != text.size() || command.width < 1 || command.height < 1)
+        throw WrongWords("--size takes the window's width and height in pixels, as in --size 1180x760; \"" + text +
+                         "\" is none.");
+}
+
 constexpr const char* examples = "Examples:\n"
                                  "  vixahost apply \"Emboss\" in.png out.png\n"
                                  "  vixahost apply \"Gamma correction\" --set gamma=160 clip.avi out.avi\n"
-                                 "  vixahost apply \"Soften filter\" --then \"Enhance edges\" in.png out.png\n";
+                                 "  vixahost apply \"Soften filter\" --then \"Enhance edges\" in.png out.png\n"
+                                 "  vixahost apply --stack looks.txt in.png out.png\n"
+                                 "  vixahost browse in.png\n";
 
 } // namespace
 
@@ -72,7 +87,11 @@ Command ParseCommandLine(const std::vector<std::string>& words)
     const CLI::Option* first = apply->add_option("EFFECT", effect, "The effect's name, as `vixahost effects` lists it");
     first = apply->get_option("EFFECT")->required();
     apply->add_option("IN", input, "Picture or clip to read")->required();
-    apply->add_option("OUT", output, "Picture or clip to write; its ending says the picture's format")->required();
+    CLI::Option* const out =
+        apply->add_option("OUT", output, "Picture or clip to write; its ending says the picture's format");
+    std::string stackFile;
+    apply->add_option("--stack", stackFile, "A stack file instead of EFFECT, as the browser saves it")
+        ->type_name("FILE");
     const CLI::Option* set = apply->add_option("--set", settings, "A parameter of the effect before it")
                                  ->type_name("NAME=VALUE")
                                  ->allow_extra_args(false);
@@ -80,8 +99,18 @@ Command ParseCommandLine(const std::vector<std::string>& words)
         apply->add_option("--then", more, "A further effect")->type_name("EFFECT")->allow_extra_args(false);
     apply->footer(examples);
 
-    if (!words.empty() && !words.front().starts_with('-') && words.front() != "effects" && words.front() != "apply") {
-        const std::string commands[] = {"effects", "apply"};
+    CLI::App* browse = app.add_subcommand("browse", "Opens a window in which effects are tried on a picture or a clip");
+    browse->allow_windows_style_options(false);
+    std::string opened, firstStack, screenshot, size, language;
+    browse->add_option("FILE", opened, "Picture or clip to open");
+    browse->add_option("--stack", firstStack, "A stack file to begin with")->type_name("FILE");
+    browse->add_option("--screenshot", screenshot, "Writes a picture of the window (.png) and ends")->type_name("FILE");
+    browse->add_option("--size", size, "The window's size in pixels")->type_name("WIDTHxHEIGHT");
+    browse->add_option("--language", language, "The effects' language, as de or pt-BR")->type_name("CODE");
+
+    if (!words.empty() && !words.front().starts_with('-') && words.front() != "effects" && words.front() != "apply" &&
+        words.front() != "browse") {
+        const std::string commands[] = {"effects", "apply", "browse"};
         throw WrongWords("There is no command \"" + words.front() + "\"; did you mean " +
                          Alternatives(NearestNames(words.front(), commands)) + "? `vixahost --help` shows all.");
     }
@@ -100,8 +129,22 @@ Command ParseCommandLine(const std::vector<std::string>& words)
     }
     if (app.got_subcommand("effects"))
         return EffectsCommand{};
-    if (app.got_subcommand("apply"))
-        return ApplyCommand{BuildStack(apply->parse_order(), first, then, set), Wide(input), Wide(output)};
+    if (app.got_subcommand("browse")) {
+        BrowseCommand command{Wide(opened), Wide(firstStack), Wide(screenshot), language, 0, 0};
+        ReadSize(size, command);
+        return command;
+    }
+    if (app.got_subcommand("apply")) {
+        if (stackFile.empty() && out->count() == 0)
+            throw WrongWords("OUT is required: vixahost apply EFFECT IN OUT (`vixahost --help` shows how it goes)");
+        if (stackFile.empty())
+            return ApplyCommand{BuildStack(apply->parse_order(), first, then, set), {}, Wide(input), Wide(output)};
+        if (out->count() > 0 || then->count() > 0 || set->count() > 0)
+            throw WrongWords("--stack FILE takes the place of EFFECT, --then and --set: vixahost apply --stack FILE IN "
+                             "OUT.");
+        // Without EFFECT the two files are the first two words.
+        return ApplyCommand{{}, Wide(stackFile), Wide(effect), Wide(input)};
+    }
     return ShowCommand{};
 }
 

@@ -41,10 +41,10 @@ std::optional<std::int32_t> ValueOf(const ParameterDescription& parameter, std::
     return value;
 }
 
-[[noreturn]] void RefuseName(const EffectEntry& effect, std::string_view name)
+[[noreturn]] void RefuseName(std::string_view effectName, const GUID& effect, std::string_view name)
 {
-    std::string message = "\"" + std::string(effect.name) + "\" has no parameter \"" + std::string(name) + "\"; ";
-    const auto parameters = ParametersOf(*effect.classId);
+    std::string message = "\"" + std::string(effectName) + "\" has no parameter \"" + std::string(name) + "\"; ";
+    const auto parameters = ParametersOf(effect);
     if (parameters.empty())
         throw WrongWords(message + "it takes none, so leave --set away.");
     message += "it takes ";
@@ -64,23 +64,29 @@ EffectStep::EffectStep(const EffectEntry& entry) : effect(&entry), block(entry.d
 
 void EffectStep::Set(std::string_view assignment)
 {
+    block = SetInBlock(effect->name, *effect->classId, block, assignment);
+}
+
+std::vector<std::int32_t> SetInBlock(std::string_view effectName, const GUID& effect, std::vector<std::int32_t> block,
+                                     std::string_view assignment)
+{
     const std::size_t equals = assignment.find('=');
     if (equals == std::string_view::npos)
         throw WrongWords("--set takes name=value, as in --set gamma=160; \"" + std::string(assignment) +
                          "\" has no value.");
     const std::string_view name = assignment.substr(0, equals), text = assignment.substr(equals + 1);
-    for (const ParameterDescription& parameter : ParametersOf(*effect->classId)) {
+    for (const ParameterDescription& parameter : ParametersOf(effect)) {
         if (LowerCase(parameter.name) != LowerCase(name))
             continue;
         const std::optional<std::int32_t> value = ValueOf(parameter, text);
         if (!value)
-            throw WrongWords("\"" + std::string(effect->name) + "\": " + parameter.name + " can't be \"" +
+            throw WrongWords("\"" + std::string(effectName) + "\": " + parameter.name + " can't be \"" +
                              std::string(text) + "\"; it takes " + RangeOf(parameter) + " (" + parameter.meaning +
                              ").");
         block.at(parameter.offset / sizeof(std::int32_t)) = *value;
-        return;
+        return block;
     }
-    RefuseName(*effect, name);
+    RefuseName(effectName, effect, name);
 }
 
 std::string EffectStep::Settings() const

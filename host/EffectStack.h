@@ -39,6 +39,11 @@ private:
 
 using EffectStack = std::vector<EffectStep>;
 
+// The block with one parameter set from "name=value", as EffectStep::Set does it; the English name is for the
+// complaint.
+std::vector<std::int32_t> SetInBlock(std::string_view effectName, const GUID& effect, std::vector<std::int32_t> block,
+                                     std::string_view assignment);
+
 // What a parameter takes: "45 to 220", or "both, vertical or horizontal" when only the named values are allowed.
 std::string RangeOf(const vixavideofx::ParameterDescription& parameter);
 

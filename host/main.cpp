@@ -17,6 +17,7 @@ struct Runner
     void operator()(const ShowCommand&) const { ShowAllEffects(); }
     void operator()(const EffectsCommand&) const { ListEffects(); }
     void operator()(const ApplyCommand& command) const { Apply(command); }
+    void operator()(const BrowseCommand& command) const { Browse(command); }
     void operator()(const TextCommand& command) const { Say(command.text); }
 };
 

@@ -1,0 +1,92 @@
+// The browser's main window.
+#pragma once
+
+#include "host/browse/EffectTree.h"
+#include "host/browse/PanelHost.h"
+#include "host/browse/PreviewPane.h"
+#include "host/browse/Session.h"
+#include "host/browse/StackList.h"
+#include "host/browse/Window.h"
+
+#include <shellapi.h>
+
+#include <atomic>
+#include <memory>
+
+namespace vixa::host {
+
+// Made and used on one thread, in which COM must be running. Ends the thread's message loop when it is closed.
+class BrowseWindow : public Window
+{
+public:
+    // `size` in pixels; zero as the system likes. Throws HostError.
+    explicit BrowseWindow(SIZE size);
+    ~BrowseWindow() override;
+
+    Session& Work() noexcept { return *session; }
+    // These throw HostError and leave everything as it was.
+    void Open(const std::filesystem::path& file);
+    void LoadStack(const std::filesystem::path& file);
+    void Save(const std::filesystem::path& file);
+    void SetLanguage(LANGID language);
+
+    // Hands a message to the window's keys and controls before it is dispatched; true when that was all.
+    bool Translate(MSG& message);
+
+    // How long it took from the panel's last change to the picture on the screen, in milliseconds; 0 before the first.
+    double Latency() const noexcept { return latency; }
+    // True while a change has not reached the screen yet.
+    bool Pending() const { return session->Busy() || shownNumber != session->Latest().number; }
+    // The panel's child window of the library, for those who drive the window from outside.
+    HWND Panel() const noexcept { return panel->Panel(); }
+
+private:
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void OnFault(const char* message) noexcept override;
+    void OnCreate();
+    void OnCommand(int command);
+    LRESULT OnNotify(const NMHDR& header);
+    void OnDrop(HDROP drop);
+    void OnSeekBar();
+    void OnPanelChanged(const std::vector<std::int32_t>& block);
+    void ShowResult();
+    void FillLanguages();
+
+    // Brings everything that shows the stack up to date.
+    void ShowStack();
+    void ShowPanel();
+    void ShowMedium();
+    void ShowPosition();
+    void ShowStatus();
+    void UpdateMenu();
+    void LayOut();
+    void TakeNewStyle();
+
+    template <typename Function>
+    void ChangeStack(Function change);
+
+    void AskOpen();
+    void AskSave();
+    void AskLoadStack();
+    void AskSaveStack();
+    void About();
+
+    std::unique_ptr<Style> style;
+    std::unique_ptr<Session> session;
+    std::atomic<bool> resultPosted = false;
+    std::uint64_t shownNumber = 0;
+    LARGE_INTEGER changedAt = {}; // 0: nothing is being timed
+    double latency = 0;
+
+    std::unique_ptr<EffectTree> tree;
+    std::unique_ptr<StackList> list;
+    std::unique_ptr<PanelHost> panel;
+    std::unique_ptr<PreviewPane> preview;
+    HWND stackLabel = nullptr, panelLabel = nullptr, emptyPanel = nullptr, seekBar = nullptr, timeText = nullptr,
+         status = nullptr;
+    std::vector<HWND> stackButtons, clipButtons;
+    std::vector<struct Language> languages;
+    HACCEL keys = nullptr;
+};
+
+} // namespace vixa::host

@@ -1,0 +1,62 @@
+// A filter graph that stays running: frames are pushed in, parameters change under way, results come out.
+#pragma once
+
+#include "host/EffectGraph.h"
+#include "host/Frames.h"
+
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace vixa::host {
+
+using FrameBytes = std::vector<std::uint8_t>;
+using SharedFrame = std::shared_ptr<const FrameBytes>;
+
+// One frame before and after the effects, and how many results there were before it.
+struct LiveResult
+{
+    SharedFrame before, after;
+    std::uint64_t number = 0;
+};
+
+// Used on one thread, in which COM must be running; the library must outlive it.
+class LiveGraph
+{
+public:
+    // `onResult` is called on the graph's thread after each frame and must not wait for the owner's thread.
+    LiveGraph(const EffectLibrary& library, const FrameFormat& format, const EffectStack& stack,
+              REFERENCE_TIME duration, std::function<void()> onResult);
+    ~LiveGraph();
+    LiveGraph(const LiveGraph&) = delete;
+    LiveGraph& operator=(const LiveGraph&) = delete;
+
+    // The parameters of one step from the next frame on.
+    void SetBlock(std::size_t step, std::span<const std::int32_t> block);
+
+    // Sends a frame of the format's size. When one waits already, this one takes its place: only the newest counts.
+    void Push(SharedFrame frame);
+
+    // The newest result; frames are null before the first.
+    LiveResult Latest() const;
+
+    // True while a pushed frame has not come out yet.
+    bool Busy() const;
+
+    // The time that the effects took for a frame, in milliseconds. Ends the graph.
+    double EndAndMedian();
+
+private:
+    class Reader;
+    class Writer;
+    struct Exchange;
+
+    std::shared_ptr<Exchange> exchange;
+    std::unique_ptr<Reader> reader;
+    std::unique_ptr<Writer> writer;
+    std::unique_ptr<EffectGraph> graph;
+};
+
+} // namespace vixa::host

@@ -1,0 +1,98 @@
+#include "host/browse/Medium.h"
+
+#include "host/AviHeader.h"
+#include "host/HostError.h"
+#include "host/PictureFile.h"
+#include "host/PictureFrames.h"
+#include "host/Text.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace vixa::host {
+
+Medium::Medium(const std::filesystem::path& file) : path(file), name(Show(file.filename()))
+{
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    if (!GetFileAttributesExW(file.c_str(), GetFileExInfoStandard, &data))
+        throw FailedJob("There is no file " + Show(file) + "; check its name and folder.");
+    if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
+        throw FailedJob(Show(file) + " is a folder; choose a picture or a clip in it.");
+    if (IsAvi(file)) {
+        clip = std::make_unique<ClipReader>(file);
+        format = clip->Format();
+        count = clip->FrameCount();
+        if (count < 1)
+            throw FailedJob(Show(file) + " has no frames; choose another clip.");
+        return;
+    }
+    picture = ReadPicture(file);
+    TakePicture();
+}
+
+Medium::Medium(const Picture& source, std::string title) : name(std::move(title)), picture(source)
+{
+    TakePicture();
+}
+
+void Medium::TakePicture()
+{
+    PictureReader reader(picture);
+    format = reader.Format();
+    auto bytes = std::make_shared<FrameBytes>(format.FrameBytes());
+    reader.Read(*bytes);
+    still = std::move(bytes);
+}
+
+SharedFrame Medium::Frame(std::int64_t index)
+{
+    if (!clip)
+        return still;
+    auto bytes = std::make_shared<FrameBytes>(format.FrameBytes());
+    clip->Seek(std::clamp<std::int64_t>(index, 0, count - 1));
+    clip->Read(*bytes);
+    return bytes;
+}
+
+void Player::Play(std::uint64_t now) noexcept
+{
+    if (count < 2)
+        return;
+    if (position + 1 >= count)
+        position = 0;
+    playedFrom = position;
+    startedAt = now;
+    playing = true;
+}
+
+void Player::Seek(std::int64_t index) noexcept
+{
+    playing = false;
+    position = std::clamp<std::int64_t>(index, 0, count - 1);
+}
+
+std::int64_t Player::Advance(std::uint64_t now) noexcept
+{
+    if (!playing)
+        return position;
+    const auto elapsed = static_cast<double>(now - startedAt) / 1000.0;
+    const auto frames = static_cast<std::int64_t>(elapsed * format.rate / format.scale);
+    position = std::min(playedFrom + frames, count - 1);
+    if (position == count - 1)
+        playing = false;
+    return position;
+}
+
+std::string TimeText(const FrameFormat& format, std::int64_t position, std::int64_t count)
+{
+    const auto show = [&](std::int64_t frame) {
+        const std::int64_t hundredths = format.TimeOf(frame) / 100'000;
+        char text[32];
+        std::snprintf(text, sizeof text, "%lld:%02lld.%02lld", static_cast<long long>(hundredths / 6000),
+                      static_cast<long long>(hundredths / 100 % 60), static_cast<long long>(hundredths % 100));
+        return std::string(text);
+    };
+    return show(position) + " / " + show(count);
+}
+
+} // namespace vixa::host

@@ -1,0 +1,76 @@
+// What the browser has open: a picture or a clip.
+#pragma once
+
+#include "host/ClipReader.h"
+#include "host/Picture.h"
+#include "host/browse/LiveGraph.h"
+
+#include <filesystem>
+#include <memory>
+
+namespace vixa::host {
+
+class Medium
+{
+public:
+    // Opens a picture or an AVI clip. Throws HostError. One thread, in which COM must be running.
+    explicit Medium(const std::filesystem::path& file);
+    // A picture without a file.
+    Medium(const Picture& picture, std::string name);
+
+    bool IsClip() const noexcept { return clip != nullptr; }
+    const std::filesystem::path& File() const noexcept { return path; } // empty for a picture without a file
+    const Picture& Still() const noexcept { return picture; }           // empty for a clip
+    const FrameFormat& Format() const noexcept { return format; }
+    std::int64_t FrameCount() const noexcept { return count; } // 1 for a picture
+    REFERENCE_TIME Duration() const noexcept { return format.TimeOf(count); }
+    // One line for the title: the file's name.
+    const std::string& Name() const noexcept { return name; }
+
+    // Frame `index`, as the graph takes it. Throws HostError.
+    SharedFrame Frame(std::int64_t index);
+
+private:
+    void TakePicture();
+
+    std::filesystem::path path;
+    std::string name;
+    Picture picture;
+    std::unique_ptr<ClipReader> clip;
+    FrameFormat format;
+    std::int64_t count = 1;
+    SharedFrame still;
+};
+
+// Where a clip stands while it plays. Plain arithmetic over a clock that the caller reads.
+class Player
+{
+public:
+    Player() = default;
+    Player(const FrameFormat& frames, std::int64_t frameCount) : format(frames), count(frameCount) {}
+
+    bool Playing() const noexcept { return playing; }
+    std::int64_t Position() const noexcept { return position; }
+    std::int64_t Count() const noexcept { return count; }
+
+    // From the clip's end it plays from the beginning.
+    void Play(std::uint64_t now) noexcept;
+    void Pause() noexcept { playing = false; }
+    // Pauses on a frame inside the clip.
+    void Seek(std::int64_t index) noexcept;
+    // The frame that is due, `now` in milliseconds; stops on the last. Frames are left out rather than shown late.
+    std::int64_t Advance(std::uint64_t now) noexcept;
+
+private:
+    FrameFormat format;
+    std::int64_t count = 1;
+    std::int64_t position = 0;
+    bool playing = false;
+    std::int64_t playedFrom = 0;
+    std::uint64_t startedAt = 0;
+};
+
+// "0:07.40 / 1:02.00".
+std::string TimeText(const FrameFormat& format, std::int64_t position, std::int64_t count);
+
+} // namespace vixa::host

@@ -1,0 +1,85 @@
+#include "host/browse/PanelHost.h"
+
+#include "host/HostError.h"
+#include "host/Text.h"
+
+namespace vixa::host {
+
+namespace {
+constexpr UINT panelChanged = WM_APP + 1;
+}
+
+PanelHost::PanelHost(HWND parent)
+{
+    Create({L"VixaPanelHost", 0, IDC_ARROW, reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1)}, L"",
+           WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, WS_EX_CONTROLPARENT, parent, nullptr, {10, 10});
+}
+
+PanelHost::~PanelHost()
+{
+    Close();
+}
+
+void PanelHost::Open(const CatalogueEntry& entry, const std::vector<std::int32_t>& block)
+{
+    if (panel && IsWindow(panel) && IsEqualGUID(classId, entry.classId)) {
+        set->SetData(block.data(), static_cast<int>(block.size() * sizeof(std::int32_t)));
+        Show();
+        return;
+    }
+    Close();
+    info = entry.info;
+    classId = entry.classId;
+    set = DataPropertySet::Create(block);
+    Show();
+}
+
+void PanelHost::Show()
+{
+    const HRESULT result = info->ShowSettingsDialog(0, hwnd, panelChanged, set.Get(), &panel);
+    if (FAILED(result))
+        throw FailedJob("The library can't open the effect's settings (" + vixa::host::Show(result) + ").");
+    // The keys that move between controls reach into the panel.
+    SetWindowLongPtrW(panel, GWL_EXSTYLE, GetWindowLongPtrW(panel, GWL_EXSTYLE) | WS_EX_CONTROLPARENT);
+    ShowWindow(panel, SW_SHOW);
+}
+
+void PanelHost::Close()
+{
+    if (panel && IsWindow(panel))
+        DestroyWindow(panel);
+    panel = nullptr;
+    info.Reset();
+    set.Reset();
+    classId = {};
+}
+
+void PanelHost::Reset()
+{
+    if (!info)
+        return;
+    info->SetDefaults(set.Get());
+    Show();
+    if (onChanged)
+        onChanged(set->Block());
+}
+
+SIZE PanelHost::PanelSize() const noexcept
+{
+    RECT rectangle = {};
+    if (panel)
+        GetWindowRect(panel, &rectangle);
+    return {rectangle.right - rectangle.left, rectangle.bottom - rectangle.top};
+}
+
+LRESULT PanelHost::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == panelChanged) {
+        if (onChanged && set)
+            onChanged(set->Block());
+        return 0;
+    }
+    return Window::OnMessage(message, wParam, lParam);
+}
+
+} // namespace vixa::host

@@ -1,0 +1,43 @@
+// The place in the window where the library's settings panel of one effect lives.
+#pragma once
+
+#include "host/DataPropertySet.h"
+#include "host/EffectCatalogue.h"
+#include "host/browse/Window.h"
+
+#include <functional>
+
+namespace vixa::host {
+
+class PanelHost : public Window
+{
+public:
+    explicit PanelHost(HWND parent);
+    ~PanelHost() override;
+
+    // Opens the effect's panel on a block, or loads the block into the panel that is open already. Throws FailedJob.
+    void Open(const CatalogueEntry& entry, const std::vector<std::int32_t>& block);
+    // Takes the panel away; the library then keeps nothing of the host's.
+    void Close();
+    // The defaults, as the library writes them into the open panel's set.
+    void Reset();
+
+    HWND Panel() const noexcept { return panel; }
+    SIZE PanelSize() const noexcept;
+    // True when the open panel has nothing to set.
+    bool IsEmpty() const noexcept { return !panel || !GetWindow(panel, GW_CHILD); }
+
+    // Called with the new block when the user has changed something.
+    std::function<void(const std::vector<std::int32_t>&)> onChanged;
+
+private:
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void Show();
+
+    Microsoft::WRL::ComPtr<IEffectInfo> info;
+    Microsoft::WRL::ComPtr<DataPropertySet> set;
+    GUID classId = {};
+    HWND panel = nullptr;
+};
+
+} // namespace vixa::host

@@ -1,0 +1,29 @@
+// Shows how far a save is, and lets the user cancel it.
+#pragma once
+
+#include "host/browse/SaveJob.h"
+#include "host/browse/Window.h"
+
+#include <memory>
+
+namespace vixa::host {
+
+class SaveDialog : public Window
+{
+public:
+    // Saves; returns when it is done. False when the user has cancelled. Throws HostError. `owner` is disabled
+    // meanwhile; for a picture no window appears unless it takes its time.
+    static bool Run(HWND owner, const Style& style, SaveOrder order);
+
+private:
+    SaveDialog(HWND owner, const Style& style, SaveOrder order);
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void Progress();
+
+    const Style& style;
+    HWND text = nullptr, bar = nullptr, cancel = nullptr;
+    std::unique_ptr<SaveJob> job;
+    bool ended = false;
+};
+
+} // namespace vixa::host

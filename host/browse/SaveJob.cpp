@@ -1,0 +1,114 @@
+#include "host/browse/SaveJob.h"
+
+#include "host/ClipReader.h"
+#include "host/ClipWriter.h"
+#include "host/EffectGraph.h"
+#include "host/HostError.h"
+#include "host/PictureFile.h"
+#include "host/PictureFrames.h"
+#include "host/TargetFile.h"
+#include "host/Text.h"
+
+#include <cwchar>
+#include <new>
+
+namespace vixa::host {
+
+namespace {
+
+// Ends the graph at the next frame once the user wants it.
+class CancellableReader : public FrameReader
+{
+public:
+    CancellableReader(FrameReader& frames, const std::atomic<bool>& flag) : reader(frames), cancelled(flag) {}
+    FrameFormat Format() const override { return reader.Format(); }
+    bool Read(std::span<std::uint8_t> frame) override
+    {
+        if (cancelled)
+            throw FailedJob("Stopped before the end; nothing was written.");
+        return reader.Read(frame);
+    }
+
+private:
+    FrameReader& reader;
+    const std::atomic<bool>& cancelled;
+};
+
+} // namespace
+
+SaveJob::SaveJob(SaveOrder what, std::function<void()> notify) : order(std::move(what)), onEnd(std::move(notify))
+{
+    const bool clip = !order.source.empty();
+    if (clip && _wcsicmp(order.target.extension().c_str(), L".avi") != 0)
+        throw WrongWords("A clip is saved as an AVI file: give it a name that ends in .avi.");
+    if (!clip && !PictureFormatOf(order.target))
+        throw WrongWords(
+            "A picture is saved as PNG, BMP, JPEG or TIFF: give it a name that ends in .png, .bmp, .jpg or "
+            ".tif.");
+    if (clip && IsSameFile(order.source, order.target))
+        throw WrongWords("This is the clip that is open; choose another name, the original is never changed.");
+    thread = std::thread([this] { Run(); });
+}
+
+SaveJob::~SaveJob()
+{
+    Cancel();
+    Wait();
+}
+
+std::string SaveJob::Wait()
+{
+    if (thread.joinable())
+        thread.join();
+    return failure;
+}
+
+void SaveJob::Run()
+{
+    const HRESULT com = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    try {
+        order.source.empty() ? SavePicture() : SaveClip();
+    } catch (const std::bad_alloc&) {
+        failure = "There is not enough memory for a picture of this size.";
+    } catch (const std::exception& fault) {
+        failure = fault.what();
+    }
+    if (SUCCEEDED(com))
+        CoUninitialize();
+    onEnd();
+}
+
+void SaveJob::SavePicture()
+{
+    total = 1;
+    TargetFile target(order.target);
+    const EffectLibrary library;
+    PictureReader picture(order.still);
+    CancellableReader reader(picture, cancelled);
+    Picture result = order.still;
+    PictureWriter writer(result);
+    EffectGraph(library, order.stack, reader, writer, reader.Format().TimeOf(1)).Run();
+    WritePicture(target.Temporary(), *PictureFormatOf(order.target), result);
+    if (cancelled)
+        throw FailedJob("Stopped before the end; nothing was written.");
+    target.Commit();
+    done = 1;
+}
+
+void SaveJob::SaveClip()
+{
+    ClipReader clip(order.source);
+    total = clip.FrameCount();
+    TargetFile target(order.target);
+    ClipWriter writer(target.Temporary(), clip);
+    const EffectLibrary library;
+    CancellableReader reader(clip, cancelled);
+    EffectGraph(library, order.stack, reader, writer, reader.Format().TimeOf(clip.FrameCount()))
+        .Run([this](std::int64_t frames) { done = frames; });
+    writer.Finish();
+    if (cancelled)
+        throw FailedJob("Stopped before the end; nothing was written.");
+    target.Commit();
+}
+
+} // namespace vixa::host

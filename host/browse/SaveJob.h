@@ -1,0 +1,55 @@
+// Writes the open picture or clip with all its effects, on a thread of its own.
+#pragma once
+
+#include "host/EffectStack.h"
+#include "host/Picture.h"
+
+#include <atomic>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <thread>
+
+namespace vixa::host {
+
+struct SaveOrder
+{
+    std::filesystem::path source; // a clip; empty for `still`
+    Picture still;
+    EffectStack stack;
+    std::filesystem::path target;
+};
+
+// The target appears under its name only when it is whole; an older one stays as it was until then.
+class SaveJob
+{
+public:
+    // Begins at once. Throws WrongWords for a target whose ending fits no format, or that is the source.
+    // `onEnd` is called on the job's thread as its last act.
+    SaveJob(SaveOrder order, std::function<void()> onEnd);
+    // Cancels and waits.
+    ~SaveJob();
+    SaveJob(const SaveJob&) = delete;
+    SaveJob& operator=(const SaveJob&) = delete;
+
+    void Cancel() noexcept { cancelled = true; }
+    std::int64_t Done() const noexcept { return done; }
+    std::int64_t Total() const noexcept { return total; } // 0 while it isn't known
+    // Waits for the end. What went wrong, or "" when the target is written; cancelled jobs wrote nothing.
+    std::string Wait();
+    bool Cancelled() const noexcept { return cancelled; }
+
+private:
+    void Run();
+    void SavePicture();
+    void SaveClip();
+
+    SaveOrder order;
+    std::function<void()> onEnd;
+    std::atomic<bool> cancelled = false;
+    std::atomic<std::int64_t> done = 0, total = 0;
+    std::string failure;
+    std::thread thread;
+};
+
+} // namespace vixa::host

@@ -1,0 +1,100 @@
+#include "host/browse/Session.h"
+
+#include "host/SampleScene.h"
+
+#include <algorithm>
+
+namespace vixa::host {
+
+Session::Session(std::function<void()> notify)
+    : onResult(std::move(notify)), catalogue(ReadCatalogue(library)),
+      medium(std::make_unique<Medium>(DrawSampleScene(), "Sample picture")), frame(medium->Frame(0))
+{
+    if (!catalogue.empty())
+        stack = StackModel({{catalogue.front().classId, catalogue.front().defaults, true}});
+    BuildGraph();
+    Push();
+}
+
+void Session::SetLanguage(LANGID newLanguage)
+{
+    catalogue = ReadCatalogue(library, newLanguage);
+    language = newLanguage;
+}
+
+void Session::OpenFile(const std::filesystem::path& file)
+{
+    auto opened = std::make_unique<Medium>(file);
+    SharedFrame first = opened->Frame(0);
+    medium = std::move(opened);
+    frame = std::move(first);
+    player = {medium->Format(), medium->FrameCount()};
+    BuildGraph();
+    Push();
+}
+
+void Session::Seek(std::int64_t index)
+{
+    player.Seek(index);
+    frame = medium->Frame(player.Position());
+    Push();
+}
+
+bool Session::Advance(std::uint64_t now)
+{
+    if (!player.Playing() || graph->Busy())
+        return false;
+    const std::int64_t before = player.Position();
+    if (player.Advance(now) == before)
+        return !player.Playing();
+    frame = medium->Frame(player.Position());
+    Push();
+    return true;
+}
+
+void Session::Push()
+{
+    graph->Push(frame);
+}
+
+double Session::RestartAndMedian()
+{
+    const double median = graph->EndAndMedian();
+    BuildGraph();
+    Push();
+    return median;
+}
+
+std::vector<StackItem> Session::ItemsToRun() const
+{
+    std::vector<StackItem> items = stack.Items();
+    std::erase_if(items, [](const StackItem& item) { return !item.on; });
+    return items;
+}
+
+void Session::BuildGraph()
+{
+    graph.reset();
+    running = ItemsToRun();
+    graph = std::make_unique<LiveGraph>(library, medium->Format(), StackToRun(running, catalogue), medium->Duration(),
+                                        onResult);
+}
+
+void Session::Show()
+{
+    const std::vector<StackItem> items = ItemsToRun();
+    const bool sameRow =
+        std::equal(items.begin(), items.end(), running.begin(), running.end(),
+                   [](const StackItem& a, const StackItem& b) { return IsEqualGUID(a.classId, b.classId) != FALSE; });
+    if (!sameRow) {
+        BuildGraph();
+    } else {
+        for (std::size_t i = 0; i < items.size(); ++i)
+            if (items[i].block != running[i].block)
+                graph->SetBlock(i, items[i].block);
+        running = items;
+    }
+    Push();
+}
+
+} // namespace vixa::host

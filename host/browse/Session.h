@@ -1,0 +1,76 @@
+// What the browser works on, without a window: the library, the open medium, the stack and the graph that shows it.
+#pragma once
+
+#include "host/EffectCatalogue.h"
+#include "host/browse/LiveGraph.h"
+#include "host/browse/Medium.h"
+#include "host/browse/StackModel.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace vixa::host {
+
+// One thread, in which COM must be running. Everything that changes what is to be seen sends the current frame through
+// the graph again; the graph is only built anew when the row of effects or the medium changes.
+class Session
+{
+public:
+    // Begins with the sample picture and one step, the catalogue's first effect. `onResult` is called on the graph's
+    // thread. Throws HostError.
+    explicit Session(std::function<void()> onResult);
+
+    const std::vector<CatalogueEntry>& Catalogue() const noexcept { return catalogue; }
+    const std::filesystem::path LibraryFile() const { return library.File(); }
+    LANGID Language() const noexcept { return language; }
+    // The catalogue in another language. Every settings panel must be closed.
+    void SetLanguage(LANGID newLanguage);
+
+    const StackModel& Stack() const noexcept { return stack; }
+    // Changes the stack through a function that takes a StackModel&, and shows the result. True when something changed.
+    template <typename Function>
+    bool Change(Function change)
+    {
+        const std::vector<StackItem> before = stack.Items();
+        change(stack);
+        if (stack.Items() == before)
+            return false;
+        Show();
+        return true;
+    }
+
+    const Medium& Open() const noexcept { return *medium; }
+    void OpenFile(const std::filesystem::path& file); // throws HostError; the old medium then stays
+    const class Player& Player() const noexcept { return player; }
+    void Play(std::uint64_t now) { player.Play(now); }
+    void Pause() { player.Pause(); }
+    void Seek(std::int64_t frame);
+    // Sends the frame that is due, when the graph is ready for it. True when the position has changed.
+    bool Advance(std::uint64_t now);
+
+    LiveResult Latest() const { return graph->Latest(); }
+    bool Busy() const { return graph->Busy(); }
+    // Sends the current frame again.
+    void Push();
+    // The time that the effects took for a frame; ends the live graph and begins a new one.
+    double RestartAndMedian();
+
+private:
+    void Show();
+    void BuildGraph();
+    std::vector<StackItem> ItemsToRun() const;
+
+    std::function<void()> onResult;
+    EffectLibrary library; // outlives all that follows
+    LANGID language = englishLanguage;
+    std::vector<CatalogueEntry> catalogue;
+    StackModel stack;
+    std::unique_ptr<Medium> medium;
+    class Player player;
+    SharedFrame frame;              // the current one
+    std::vector<StackItem> running; // what the graph was built from, with its present parameters
+    std::unique_ptr<LiveGraph> graph;
+};
+
+} // namespace vixa::host

@@ -1,0 +1,93 @@
+#include "host/browse/StackList.h"
+
+#include "host/Text.h"
+
+namespace vixa::host {
+
+namespace {
+
+std::string SettingsText(const StackItem& item)
+{
+    std::string text;
+    for (const auto& parameter : vixavideofx::ParametersOf(item.classId))
+        text += (text.empty() ? "" : ", ") + std::string(parameter.name) + "=" +
+                ShowValue(parameter, item.block.at(parameter.offset / sizeof(std::int32_t)));
+    return text;
+}
+
+} // namespace
+
+StackList::StackList(HWND parent, int id, const Style& look) : style(look)
+{
+    list = CreateControl(WC_LISTVIEWW, L"Stack",
+                         WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SINGLESEL | LVS_SHOWSELALWAYS,
+                         parent, id, look, WS_EX_CLIENTEDGE);
+    constexpr DWORD looks = LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER;
+    ListView_SetExtendedListViewStyleEx(list, looks, looks);
+    LVCOLUMNW column = {};
+    column.mask = LVCF_WIDTH;
+    column.cx = style.Scale(150);
+    ListView_InsertColumn(list, 0, &column);
+    ListView_InsertColumn(list, 1, &column);
+}
+
+void StackList::FitColumns()
+{
+    RECT client = {};
+    GetClientRect(list, &client);
+    const int first = client.right / 2;
+    ListView_SetColumnWidth(list, 0, first);
+    ListView_SetColumnWidth(list, 1, client.right - first);
+}
+
+void StackList::SetText(int row, int column, const std::wstring& text)
+{
+    wchar_t old[200] = {};
+    ListView_GetItemText(list, row, column, old, 200);
+    if (text != old)
+        ListView_SetItemText(list, row, column, const_cast<wchar_t*>(text.c_str()));
+}
+
+void StackList::Show(const std::vector<StackItem>& items, std::size_t selected,
+                     const std::vector<CatalogueEntry>& catalogue)
+{
+    showing = true;
+    while (ListView_GetItemCount(list) > static_cast<int>(items.size()))
+        ListView_DeleteItem(list, ListView_GetItemCount(list) - 1);
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const int row = static_cast<int>(i);
+        const CatalogueEntry* const entry = FindEntry(catalogue, items[i].classId);
+        if (row >= ListView_GetItemCount(list)) {
+            LVITEMW item = {};
+            item.mask = LVIF_TEXT;
+            item.iItem = row;
+            item.pszText = const_cast<wchar_t*>(L"");
+            ListView_InsertItem(list, &item);
+        }
+        SetText(row, 0, entry ? entry->name : std::wstring());
+        SetText(row, 1, Wide(SettingsText(items[i])));
+        ListView_SetCheckState(list, row, items[i].on);
+        const UINT state = i == selected ? LVIS_SELECTED | LVIS_FOCUSED : 0;
+        if (ListView_GetItemState(list, row, LVIS_SELECTED | LVIS_FOCUSED) != state)
+            ListView_SetItemState(list, row, state, LVIS_SELECTED | LVIS_FOCUSED);
+    }
+    if (selected < items.size())
+        ListView_EnsureVisible(list, static_cast<int>(selected), FALSE);
+    showing = false;
+}
+
+LRESULT StackList::OnNotify(const NMHDR& header)
+{
+    if (header.code != LVN_ITEMCHANGED || showing)
+        return 0;
+    const auto& change = reinterpret_cast<const NMLISTVIEW&>(header);
+    const UINT turned = change.uNewState ^ change.uOldState;
+    const auto row = static_cast<std::size_t>(change.iItem);
+    if ((turned & LVIS_STATEIMAGEMASK) && (change.uOldState & LVIS_STATEIMAGEMASK) && onSwitched)
+        onSwitched(row, ListView_GetCheckState(list, change.iItem) != 0);
+    else if ((turned & change.uNewState & LVIS_SELECTED) && onSelected)
+        onSelected(row);
+    return 0;
+}
+
+} // namespace vixa::host
