@@ -8,7 +8,8 @@ extern HINSTANCE g_hInst;
 
 // To be called at DLL_PROCESS_ATTACH (switches thread notifications off, then runs every row's init routine with TRUE)
 // and at DLL_PROCESS_DETACH (runs them with FALSE). TRUE for every reason.
-extern "C" BOOL WINAPI DllEntryPoint(HINSTANCE instance, ULONG reason, LPVOID reserved) noexcept;
+// Not extern "C": the C runtime's own start-up calls a routine of that plain name, and would call this one as well.
+BOOL WINAPI DllEntryPoint(HINSTANCE instance, ULONG reason, LPVOID reserved) noexcept;
 
 // Writes (TRUE) or deletes (FALSE) the class keys of every row of the table under HKEY_CLASSES_ROOT, and enters or
 // removes the rows that have a filter setup with the filter mapper. Registration stops at the first key that cannot be

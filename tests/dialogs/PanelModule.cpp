@@ -63,13 +63,6 @@ extern "C" __declspec(dllexport) PanelModulePanels* makePanels()
     return new Panels;
 }
 
-// The compiler's start-up code calls this besides DllMain; without one here the linker takes the framework's, which
-// wants a table of effects.
-extern "C" BOOL WINAPI DllEntryPoint(HINSTANCE, DWORD, void*)
-{
-    return TRUE;
-}
-
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*)
 {
     if (reason == DLL_PROCESS_ATTACH)
