@@ -60,11 +60,12 @@ function(vixa_resource_module file)
     get_filename_component(name "${file}" NAME)
     set(object "${CMAKE_CURRENT_BINARY_DIR}/${name}.o")
     list(TRANSFORM arg_DEFINITIONS PREPEND "-D")
+    # Without a base of its own the linker would make one from the output's path.
     add_custom_command(
         OUTPUT "${file}"
         COMMAND "${CMAKE_RC_COMPILER}" -c 65001 -O coff -I "${CMAKE_SOURCE_DIR}" ${arg_DEFINITIONS} "${arg_SOURCE}" "${object}"
         COMMAND "${CMAKE_C_COMPILER}" -shared -nostdlib -Wl,--entry,0 -Wl,--nxcompat -Wl,--dynamicbase
-                -Wl,--no-insert-timestamp -Wl,--no-seh -s -o "${file}" "${object}"
+                -Wl,--no-insert-timestamp -Wl,--no-seh -Wl,--image-base,0x10000000 -s -o "${file}" "${object}"
         DEPENDS "${arg_SOURCE}" ${arg_DEPENDS}
         COMMENT "Building ${name}"
         VERBATIM)
