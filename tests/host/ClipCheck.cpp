@@ -229,13 +229,12 @@ void CheckMemory(int count)
         }
         if (done == 100 || done == count / 2 || done == count) {
             large = test::LargeAllocations();
-            PROCESS_MEMORY_COUNTERS_EX memory = {};
+            PROCESS_MEMORY_COUNTERS memory = {};
             memory.cb = sizeof memory;
-            GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&memory),
-                                 sizeof memory);
+            GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
             char line[160];
-            std::snprintf(line, sizeof line, "after %6d frames: working set %zu KB, private %zu KB\n", done,
-                          std::size_t{memory.WorkingSetSize} / 1024, std::size_t{memory.PrivateUsage} / 1024);
+            std::snprintf(line, sizeof line, "after %6d frames: working set %zu KB, at most %zu KB\n", done,
+                          std::size_t{memory.WorkingSetSize} / 1024, std::size_t{memory.PeakWorkingSetSize} / 1024);
             Say(line);
         }
     });
