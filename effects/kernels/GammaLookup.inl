@@ -1,5 +1,5 @@
 // Gamma correction without byte permutations over a whole table: one table per channel whose entries stand where they
-// belong in the pixel, so that three look-ups and three "or"s make a pixel. Included like Bodies.inl.
+// belong in the pixel, so that three look-ups and three "or"s make a pixel. Included like PointBodies.inl.
 
 void GammaLookup(std::uint8_t* frame, std::size_t pixels, const std::uint8_t* table) noexcept
 {

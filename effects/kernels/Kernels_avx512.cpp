@@ -104,7 +104,9 @@ struct Backend
     }
 };
 
-#include "effects/kernels/Bodies.inl"
+#include "effects/kernels/PointBodies.inl"
+
+#include "effects/kernels/ConvolutionBodies.inl"
 
 void Gamma(std::uint8_t* frame, std::size_t pixels, const std::uint8_t* table) noexcept
 {

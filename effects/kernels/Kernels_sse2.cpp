@@ -109,7 +109,9 @@ struct Backend
     }
 };
 
-#include "effects/kernels/Bodies.inl"
+#include "effects/kernels/PointBodies.inl"
+
+#include "effects/kernels/ConvolutionBodies.inl"
 #include "effects/kernels/GammaLookup.inl"
 
 } // namespace

@@ -127,10 +127,12 @@ TEST_F(Levels, ConvolveEverySizeAsTheScalarFormDoes)
                << "kind " << kind << ", " << width << " x " << height << ", seed " << seed;
     };
     for (std::int32_t width = 1; width <= 300; ++width) {
-        // Every width with three heights; every height turns up with many widths.
-        for (const std::int32_t height : {1 + width * 7 % 40, 1 + width * 11 % 9, 3 + width % 2}) {
-            for (std::int32_t kind = firstKind; kind <= lastKind; ++kind)
-                ASSERT_TRUE(check(width, height, kind));
+        // Every width with every kind on a low picture, and with every third kind on a tall one.
+        for (std::int32_t kind = firstKind; kind <= lastKind; ++kind) {
+            ASSERT_TRUE(check(width, 3 + (width + kind) % 4, kind));
+            if ((width + kind) % 3 == 0) {
+                ASSERT_TRUE(check(width, 1 + width * 7 % 40, kind));
+            }
         }
     }
     // Rows longer than a stretch, ending around its border.
