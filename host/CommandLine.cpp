@@ -1,6 +1,7 @@
 #include "host/CommandLine.h"
 
 #include "host/HostError.h"
+#include "host/LanguageCodes.h"
 #include "host/NearestNames.h"
 #include "host/Text.h"
 
@@ -16,6 +17,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 
 namespace vixa::host {
 
@@ -63,7 +65,11 @@ constexpr const char* examples = "Examples:\n"
                                  "  vixahost apply \"Gamma correction\" --set gamma=160 clip.avi out.avi\n"
                                  "  vixahost apply \"Soften filter\" --then \"Enhance edges\" in.png out.png\n"
                                  "  vixahost apply --stack looks.txt in.png out.png\n"
-                                 "  vixahost browse in.png\n";
+                                 "  vixahost browse in.png\n"
+                                 "  vixahost list --language de\n"
+                                 "  vixahost icon \"Emboss\" icon.png\n"
+                                 "  vixahost panel \"Add pixel\" panel.png --set red=50\n"
+                                 "  vixahost validate VixaVideoFX.dll\n";
 
 } // namespace
 
@@ -108,9 +114,44 @@ Command ParseCommandLine(const std::vector<std::string>& words)
     browse->add_option("--size", size, "The window's size in pixels")->type_name("WIDTHxHEIGHT");
     browse->add_option("--language", language, "The effects' language, as de or pt-BR")->type_name("CODE");
 
-    if (!words.empty() && !words.front().starts_with('-') && words.front() != "effects" && words.front() != "apply" &&
-        words.front() != "browse") {
-        const std::string commands[] = {"effects", "apply", "browse"};
+    CLI::App* list = app.add_subcommand("list", "Lists the catalogue: groups, names, sort order, kinds and defaults");
+    CLI::App* icon = app.add_subcommand("icon", "Writes an effect's icon as PNG");
+    CLI::App* panel = app.add_subcommand("panel", "Writes a picture of an effect's settings panel as PNG");
+    CLI::App* validate = app.add_subcommand("validate", "Checks a build of the library as a foreign host would");
+    for (CLI::App* command : {list, icon, panel, validate})
+        command->allow_windows_style_options(false);
+    bool json = false;
+    std::string library, shown, folder;
+    for (CLI::App* command : {list, panel})
+        command->add_option("--language", language, "de, de-DE, pt-BR, or a number such as 1031");
+    for (CLI::App* command : {list, validate})
+        command->add_flag("--json", json, "For programs");
+    for (CLI::App* command : {icon, panel}) {
+        command->add_option("EFFECT", effect, "The effect's English name");
+        command->add_option("FILE", shown, "PNG file to write");
+    }
+    icon->add_option("--all", folder, "Writes every effect's icon into this folder")->type_name("DIR");
+    panel->add_option("--set", settings, "A value that the panel shows")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    std::vector<std::string> groups;
+    bool listChecks = false;
+    int seconds = 20;
+    validate->add_option("DLL", library, "The library; without it the one beside this program");
+    validate->add_option("--only", groups, "This group of checks only (may be repeated)")
+        ->type_name("GROUP")
+        ->allow_extra_args(false);
+    validate->add_flag("--list", listChecks, "Names and describes the checks");
+    validate->add_option("--time-limit", seconds, "How long one check may take")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(1, 600));
+
+    if (words.size() == 5 && words.front() == "validate-child")
+        return ChildCommand{Wide(words[1]), words[2], std::atoi(words[3].c_str()),
+                            static_cast<UINT_PTR>(std::strtoul(words[4].c_str(), nullptr, 10))};
+    const std::string commands[] = {"effects", "apply", "browse", "list", "icon", "panel", "validate"};
+    if (!words.empty() && !words.front().starts_with('-') &&
+        std::find(std::begin(commands), std::end(commands), words.front()) == std::end(commands)) {
         throw WrongWords("There is no command \"" + words.front() + "\"; did you mean " +
                          Alternatives(NearestNames(words.front(), commands)) + "? `vixahost --help` shows all.");
     }
@@ -144,6 +185,22 @@ Command ParseCommandLine(const std::vector<std::string>& words)
                              "OUT.");
         // Without EFFECT the two files are the first two words.
         return ApplyCommand{{}, Wide(stackFile), Wide(effect), Wide(input)};
+    }
+    if (app.got_subcommand(list))
+        return ListCommand{ParseLanguage(language.empty() ? "en" : language), json};
+    if (app.got_subcommand(validate))
+        return ValidateCommand{Wide(library), groups, json, listChecks, seconds};
+    if (app.got_subcommand(icon)) {
+        if (!folder.empty() && effect.empty())
+            return IconCommand{"", Wide(folder)};
+        if (!folder.empty() || effect.empty() || shown.empty())
+            throw WrongWords("It goes: vixahost icon EFFECT FILE, or vixahost icon --all DIR.");
+        return IconCommand{effect, Wide(shown)};
+    }
+    if (app.got_subcommand(panel)) {
+        if (effect.empty() || shown.empty())
+            throw WrongWords("It goes: vixahost panel EFFECT FILE [--language LANGUAGE] [--set NAME=VALUE].");
+        return PanelCommand{effect, Wide(shown), ParseLanguage(language.empty() ? "en" : language), settings};
     }
     return ShowCommand{};
 }

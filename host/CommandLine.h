@@ -3,6 +3,8 @@
 
 #include "host/EffectStack.h"
 
+#include <windows.h>
+
 #include <filesystem>
 #include <string>
 #include <variant>
@@ -37,13 +39,51 @@ struct BrowseCommand
     int width = 0, height = 0;        // pixels of the window; 0: as the system likes
 };
 
+struct ListCommand
+{
+    LANGID language;
+    bool json;
+};
+
+struct IconCommand
+{
+    std::string effect; // empty: all, into the folder `target`
+    std::filesystem::path target;
+};
+
+struct PanelCommand
+{
+    std::string effect;
+    std::filesystem::path target;
+    LANGID language;
+    std::vector<std::string> settings; // name=value
+};
+
+struct ValidateCommand
+{
+    std::filesystem::path library;   // empty: the one beside the program
+    std::vector<std::string> groups; // empty: all
+    bool json, list;
+    int secondsPerCheck;
+};
+
+// One group of checks in a process of its own; what `validate` starts, not for people.
+struct ChildCommand
+{
+    std::filesystem::path library;
+    std::string group;
+    int firstCheck;
+    UINT_PTR report; // an inherited pipe handle
+};
+
 // A text that was asked for (--help, --version) and is printed as it stands.
 struct TextCommand
 {
     std::string text;
 };
 
-using Command = std::variant<ShowCommand, EffectsCommand, ApplyCommand, BrowseCommand, TextCommand>;
+using Command = std::variant<ShowCommand, EffectsCommand, ApplyCommand, BrowseCommand, ListCommand, IconCommand,
+                             PanelCommand, ValidateCommand, ChildCommand, TextCommand>;
 
 // `words` are UTF-8, without the program's name. Throws WrongWords.
 Command ParseCommandLine(const std::vector<std::string>& words);

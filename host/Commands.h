@@ -17,4 +17,17 @@ void Browse(const BrowseCommand& command);
 // Applies every effect to the sample picture; fourteen pictures in the folder "out" of the current directory.
 void ShowAllEffects();
 
+// Lists what the library's catalogue says of each effect.
+void ListCatalogue(const ListCommand& command);
+
+// Writes one effect's icon, or all of them, as PNG.
+void WriteIcons(const IconCommand& command);
+
+// Opens an effect's settings panel in a window and writes its picture. Needs a display.
+void PicturePanel(const PanelCommand& command);
+
+// Checks a library. Throws FailedJob when a check fails, after the report was written.
+void ValidateLibrary(const ValidateCommand& command);
+void RunChecksAsChild(const ChildCommand& command);
+
 } // namespace vixa::host

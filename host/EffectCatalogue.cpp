@@ -2,6 +2,7 @@
 
 #include "host/DataPropertySet.h"
 #include "host/HostError.h"
+#include "host/NearestNames.h"
 #include "host/Text.h"
 
 #include <vixavideofx/ClassIds.h>
@@ -125,6 +126,17 @@ const CatalogueEntry* FindEntry(const std::vector<CatalogueEntry>& catalogue, st
         return LowerCase(entry.englishName) == wanted || LowerCase(IdentifierText(entry.classId)) == wanted;
     });
     return found == catalogue.end() ? nullptr : &*found;
+}
+
+const CatalogueEntry& RequireEntry(const std::vector<CatalogueEntry>& catalogue, std::string_view name)
+{
+    if (const CatalogueEntry* const entry = FindEntry(catalogue, name))
+        return *entry;
+    std::vector<std::string> names;
+    for (const CatalogueEntry& entry : catalogue)
+        names.push_back(entry.englishName);
+    throw WrongWords("There is no effect \"" + std::string(name) + "\"; did you mean " +
+                     Alternatives(NearestNames(name, names)) + "? `vixahost list` shows all.");
 }
 
 std::vector<Language> FindLanguages(const std::filesystem::path& libraryFile)

@@ -34,6 +34,9 @@ const CatalogueEntry* FindEntry(const std::vector<CatalogueEntry>& catalogue, co
 // The entry of an English name, whatever the case of its ASCII letters, or of a class identifier in braces; or null.
 const CatalogueEntry* FindEntry(const std::vector<CatalogueEntry>& catalogue, std::string_view nameOrIdentifier);
 
+// The same, but throws WrongWords that offers the nearest names when there is none.
+const CatalogueEntry& RequireEntry(const std::vector<CatalogueEntry>& catalogue, std::string_view name);
+
 // The language file that the library has for a language identifier is beside it; these are the languages found there,
 // and English. Sorted by what their speakers call them.
 struct Language

@@ -20,11 +20,6 @@ std::filesystem::path FileOf(HMODULE module)
     }
 }
 
-std::filesystem::path BesideTheProgram()
-{
-    return FileOf(nullptr).parent_path() / L"VixaVideoFX.dll";
-}
-
 template <typename Function>
 Function Export(HMODULE module, const char* name)
 {
@@ -33,7 +28,25 @@ Function Export(HMODULE module, const char* name)
 
 } // namespace
 
-EffectLibrary::EffectLibrary() : EffectLibrary(BesideTheProgram()) {}
+std::filesystem::path ThisProgram()
+{
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size()) {
+            path.resize(length);
+            return path;
+        }
+        path.resize(path.size() * 2);
+    }
+}
+
+std::filesystem::path LibraryBesideTheProgram()
+{
+    return ThisProgram().parent_path() / L"VixaVideoFX.dll";
+}
+
+EffectLibrary::EffectLibrary() : EffectLibrary(LibraryBesideTheProgram()) {}
 
 EffectLibrary::EffectLibrary(const std::filesystem::path& file) : module(LoadLibraryW(file.c_str()))
 {

@@ -12,6 +12,11 @@
 
 namespace vixa::host {
 
+// This program's own file.
+std::filesystem::path ThisProgram();
+// VixaVideoFX.dll in this program's folder, whether it is there or not.
+std::filesystem::path LibraryBesideTheProgram();
+
 class EffectLibrary
 {
 public:

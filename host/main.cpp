@@ -18,6 +18,11 @@ struct Runner
     void operator()(const EffectsCommand&) const { ListEffects(); }
     void operator()(const ApplyCommand& command) const { Apply(command); }
     void operator()(const BrowseCommand& command) const { Browse(command); }
+    void operator()(const ListCommand& command) const { ListCatalogue(command); }
+    void operator()(const IconCommand& command) const { WriteIcons(command); }
+    void operator()(const PanelCommand& command) const { PicturePanel(command); }
+    void operator()(const ValidateCommand& command) const { ValidateLibrary(command); }
+    void operator()(const ChildCommand& command) const { RunChecksAsChild(command); }
     void operator()(const TextCommand& command) const { Say(command.text); }
 };
 

@@ -1,0 +1,68 @@
+#include "host/Commands.h"
+#include "host/EffectCatalogue.h"
+#include "host/HostError.h"
+#include "host/PictureFile.h"
+#include "host/TargetFile.h"
+#include "host/Text.h"
+
+#include <cstring>
+
+namespace vixa::host {
+
+namespace {
+
+// An icon as the catalogue hands it out: a packed DIB, bottom-up, 24 bits, rows padded to 4 bytes.
+Picture ToPicture(const CatalogueEntry& entry)
+{
+    const auto& dib = entry.icon;
+    BITMAPINFOHEADER header = {};
+    if (dib.size() >= sizeof header)
+        std::memcpy(&header, dib.data(), sizeof header);
+    const bool sane = header.biSize == sizeof header && header.biWidth > 0 && header.biWidth <= 256 &&
+                      header.biHeight > 0 && header.biHeight <= 256 && header.biBitCount == 24 &&
+                      header.biCompression == BI_RGB;
+    const std::size_t rowBytes = sane ? (static_cast<std::size_t>(header.biWidth) * 3 + 3) / 4 * 4 : 0;
+    if (!sane || dib.size() < sizeof header + rowBytes * static_cast<std::size_t>(header.biHeight))
+        throw FailedJob("The icon of \"" + entry.englishName + "\" is no picture that this program reads.");
+    Picture picture(header.biWidth, header.biHeight);
+    for (int y = 0; y < picture.height; ++y) {
+        const std::uint8_t* from =
+            dib.data() + sizeof header + rowBytes * static_cast<std::size_t>(picture.height - 1 - y);
+        std::uint8_t* to = picture.Row(y);
+        for (int x = 0; x < picture.width; ++x, from += 3, to += 4) {
+            std::memcpy(to, from, 3);
+            to[3] = 255;
+        }
+    }
+    return picture;
+}
+
+void Save(const CatalogueEntry& entry, const std::filesystem::path& file)
+{
+    TargetFile target(file);
+    WritePicture(target.Temporary(), PictureFormat::Png, ToPicture(entry));
+    target.Commit();
+}
+
+} // namespace
+
+void WriteIcons(const IconCommand& command)
+{
+    const EffectLibrary library;
+    const auto catalogue = ReadCatalogue(library);
+    if (!command.effect.empty())
+        return Save(RequireEntry(catalogue, command.effect), command.target);
+    if (!CreateDirectoryW(command.target.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)
+        throw FailedJob("The folder " + Show(command.target) + " can't be made (system error " +
+                        std::to_string(GetLastError()) + ").");
+    for (const CatalogueEntry& entry : catalogue) {
+        std::string name = LowerCase(entry.englishName);
+        for (char& letter : name)
+            if (letter == ' ')
+                letter = '-';
+        Save(entry, command.target / (name + ".png"));
+    }
+    Say(std::to_string(catalogue.size()) + " icons are in " + Show(std::filesystem::absolute(command.target)) + ".\n");
+}
+
+} // namespace vixa::host

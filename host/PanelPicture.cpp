@@ -1,0 +1,84 @@
+#include "host/Commands.h"
+#include "host/DataPropertySet.h"
+#include "host/EffectCatalogue.h"
+#include "host/HostError.h"
+#include "host/PanelWindow.h"
+#include "host/PictureFile.h"
+#include "host/TargetFile.h"
+#include "host/Text.h"
+
+#include "framework/Handles.h"
+
+#include <cstring>
+
+namespace vixa::host {
+
+namespace {
+
+// What a window shows, read back from its own surface.
+Picture PictureOf(HWND window)
+{
+    RECT area = {};
+    GetClientRect(window, &area);
+    Picture picture(area.right, area.bottom);
+    BITMAPINFO info = {};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = area.right;
+    info.bmiHeader.biHeight = -area.bottom;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    const HDC screen = GetDC(window);
+    const UniqueMemoryDC memory(CreateCompatibleDC(screen));
+    void* bits = nullptr;
+    const UniqueBitmap bitmap(CreateDIBSection(memory.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+    bool done = false;
+    if (bitmap) {
+        const HGDIOBJ before = SelectObject(memory.get(), bitmap.get());
+        done = BitBlt(memory.get(), 0, 0, area.right, area.bottom, screen, 0, 0, SRCCOPY) != FALSE;
+        GdiFlush();
+        if (done)
+            std::memcpy(picture.pixels.data(), bits, picture.pixels.size());
+        SelectObject(memory.get(), before);
+    }
+    ReleaseDC(window, screen);
+    if (!done)
+        throw FailedJob("The panel's window can't be read back (system error " + std::to_string(GetLastError()) + ").");
+    for (std::size_t i = 3; i < picture.pixels.size(); i += 4)
+        picture.pixels[i] = 255;
+    return picture;
+}
+
+} // namespace
+
+void PicturePanel(const PanelCommand& command)
+{
+    const EffectLibrary library;
+    const auto catalogue = ReadCatalogue(library, command.language);
+    const CatalogueEntry& entry = RequireEntry(catalogue, command.effect);
+    EffectStep step(FindEffect(entry.englishName));
+    for (const std::string& setting : command.settings)
+        step.Set(setting);
+    const auto set = DataPropertySet::Create(step.Block());
+
+    PanelWindow host(640, 480);
+    HWND panel = nullptr;
+    const HRESULT result = entry.info->ShowSettingsDialog(0, host.Handle(), PanelWindow::changed, set.Get(), &panel);
+    if (FAILED(result) || !panel)
+        throw FailedJob("The panel of \"" + entry.englishName + "\" can't be opened (" + Show(result) + ").");
+    // The host's window is as large as the panel, as a host would leave room for it.
+    RECT area = {};
+    GetWindowRect(panel, &area);
+    SetWindowPos(host.Handle(), HWND_TOP, 0, 0, area.right - area.left, area.bottom - area.top, SWP_NOACTIVATE);
+    SetWindowPos(panel, nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_SHOWWINDOW);
+    ShowWindow(host.Handle(), SW_SHOWNOACTIVATE);
+    for (int i = 0; i < 20; ++i) {
+        RedrawWindow(host.Handle(), nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
+        PanelWindow::Pump();
+        Sleep(10);
+    }
+    TargetFile target(command.target);
+    WritePicture(target.Temporary(), PictureFormat::Png, PictureOf(host.Handle()));
+    target.Commit();
+}
+
+} // namespace vixa::host

@@ -1,0 +1,205 @@
+// Groups "loading" and "exports": what the file is, and what it shows to the system.
+#include "host/Text.h"
+#include "host/validate/Subject.h"
+
+#include <vixavideofx/ClassIds.h>
+
+#include <tlhelp32.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <vector>
+
+namespace vixa::host {
+
+namespace {
+
+// The file's bytes, and the headers in it, bounded by its size.
+struct Image
+{
+    std::vector<char> bytes;
+    const IMAGE_NT_HEADERS32* headers = nullptr;
+
+    template <typename Type>
+    const Type* At(std::size_t offset, std::size_t count = 1) const
+    {
+        const bool inside = offset <= bytes.size() && count <= (bytes.size() - offset) / sizeof(Type);
+        return inside ? reinterpret_cast<const Type*>(bytes.data() + offset) : nullptr;
+    }
+    // Where an address of the loaded module lies in the file; beyond it when nowhere.
+    std::size_t OffsetOf(DWORD address) const
+    {
+        const auto first =
+            static_cast<std::size_t>(reinterpret_cast<const char*>(IMAGE_FIRST_SECTION(headers)) - bytes.data());
+        for (std::size_t i = 0; i < headers->FileHeader.NumberOfSections; ++i) {
+            const auto* const section = At<IMAGE_SECTION_HEADER>(first + i * sizeof(IMAGE_SECTION_HEADER));
+            if (section && address >= section->VirtualAddress &&
+                address - section->VirtualAddress < section->SizeOfRawData)
+                return section->PointerToRawData + (address - section->VirtualAddress);
+        }
+        return bytes.size();
+    }
+    std::string Name(DWORD address) const
+    {
+        const std::size_t start = OffsetOf(address);
+        const auto end = std::find(bytes.begin() + static_cast<std::ptrdiff_t>(start), bytes.end(), '\0');
+        return {bytes.begin() + static_cast<std::ptrdiff_t>(start), end};
+    }
+};
+
+Image ReadImage(Subject& library)
+{
+    Image image;
+    std::ifstream file(library.File(), std::ios::binary);
+    image.bytes.assign(std::istreambuf_iterator<char>(file), {});
+    const auto* const dos = image.At<IMAGE_DOS_HEADER>(0);
+    Require(dos && dos->e_magic == IMAGE_DOS_SIGNATURE && dos->e_lfanew > 0, "the file is no program or library");
+    image.headers = image.At<IMAGE_NT_HEADERS32>(static_cast<std::size_t>(dos->e_lfanew));
+    Require(image.headers && image.headers->Signature == IMAGE_NT_SIGNATURE, "the file has no PE header");
+    return image;
+}
+
+void Machine(Subject& library)
+{
+    const Image image = ReadImage(library);
+    RequireNumber(image.headers->FileHeader.Machine, IMAGE_FILE_MACHINE_I386, "the machine type");
+    Require((image.headers->FileHeader.Characteristics & IMAGE_FILE_DLL) != 0, "the file is a program, not a DLL");
+}
+
+void Protections(Subject& library)
+{
+    const WORD flags = ReadImage(library).headers->OptionalHeader.DllCharacteristics;
+    if (!(flags & IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE))
+        Warn("the file can't be loaded at a random address");
+    if (!(flags & IMAGE_DLLCHARACTERISTICS_NX_COMPAT))
+        Warn("the file is not marked as fit for memory that can't be executed");
+}
+
+void Imports(Subject& library)
+{
+    const Image image = ReadImage(library);
+    const DWORD table = image.headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    wchar_t folder[MAX_PATH] = {};
+    GetSystemDirectoryW(folder, MAX_PATH);
+    for (std::size_t at = image.OffsetOf(table);; at += sizeof(IMAGE_IMPORT_DESCRIPTOR)) {
+        const auto* const entry = image.At<IMAGE_IMPORT_DESCRIPTOR>(at);
+        if (!entry || entry->Name == 0)
+            return;
+        const std::string name = image.Name(entry->Name);
+        if (GetFileAttributesW((std::filesystem::path(folder) / Wide(name)).c_str()) == INVALID_FILE_ATTRIBUTES)
+            throw Finding{Status::Failed, "the library needs " + name + ", which is not part of the system"};
+    }
+}
+
+void Version(Subject& library)
+{
+    DWORD ignored = 0;
+    const DWORD size = GetFileVersionInfoSizeW(library.File().c_str(), &ignored);
+    if (size == 0)
+        Warn("the file carries no version");
+}
+
+int Threads()
+{
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    THREADENTRY32 entry = {};
+    entry.dwSize = sizeof entry;
+    int count = 0;
+    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry))
+        count += entry.th32OwnerProcessID == GetCurrentProcessId();
+    CloseHandle(snapshot);
+    return count;
+}
+
+void Loads(Subject& library)
+{
+    const UniqueModule module(LoadLibraryW(library.File().c_str()));
+    const DWORD error = GetLastError();
+    Require(module != nullptr, "LoadLibrary fails with system error " + std::to_string(error));
+}
+
+void StartsNothing(Subject& library)
+{
+    library.Unload();
+    const int before = Threads();
+    library.Module();
+    RequireNumber(Threads(), before, "the number of threads after loading");
+}
+
+void ExportNames(Subject& library)
+{
+    std::string missing;
+    for (const char* name :
+         {"DllMain", "DllGetClassObject", "DllCanUnloadNow", "DllRegisterServer", "DllUnregisterServer"})
+        if (!library.Export(name))
+            missing += missing.empty() ? name : std::string(", ") + name;
+    Require(missing.empty(), "missing: " + missing);
+}
+
+void NothingElse(Subject& library)
+{
+    const Image image = ReadImage(library);
+    const DWORD address = image.headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT].VirtualAddress;
+    const auto* const directory = image.At<IMAGE_EXPORT_DIRECTORY>(image.OffsetOf(address));
+    Require(directory != nullptr, "the file has no table of exports");
+    if (directory->NumberOfNames > 5)
+        Warn("the library exports " + std::to_string(directory->NumberOfNames) + " names where five are meant");
+}
+
+// Both entry points are called with the stack pointer on record: a wrong calling convention leaves it moved.
+__attribute__((noinline)) int StackMoves(void* function, const void* first, const void* second, void* third)
+{
+    int moved = 0;
+    __asm__ volatile("movl %%esp, %%esi\n\t"
+                     "pushl %[third]\n\t"
+                     "pushl %[second]\n\t"
+                     "pushl %[first]\n\t"
+                     "call *%%eax\n\t"
+                     "movl %%esi, %%edx\n\t"
+                     "subl %%esp, %%edx\n\t"
+                     "movl %%esi, %%esp\n\t"
+                     : "=d"(moved), "+a"(function)
+                     : [first] "b"(first), [second] "c"(second), [third] "D"(third)
+                     : "esi", "memory", "cc");
+    return moved;
+}
+
+void CallingConvention(Subject& library)
+{
+    void* const function = library.Export("DllGetClassObject");
+    if (!function)
+        Skip("DllGetClassObject is missing (see exports/names)");
+    void* object = nullptr;
+    RequireNumber(StackMoves(function, &GUID_NULL, &GUID_NULL, &object), 0,
+                  "the bytes that DllGetClassObject leaves on the stack");
+}
+
+constexpr Check loading[] = {
+    {"loading", "machine", "The file is a 32-bit x86 DLL.", Machine},
+    {"loading", "protections", "The file may lie at any address and runs without executable data.", Protections},
+    {"loading", "imports", "The library needs nothing but the system's own libraries.", Imports},
+    {"loading", "version", "The file carries a version resource.", Version},
+    {"loading", "loads", "LoadLibrary takes the file.", Loads},
+    {"loading", "no-threads", "Loading starts no thread.", StartsNothing},
+};
+
+constexpr Check exports[] = {
+    {"exports", "names", "All five entry points are exported under their plain names.", ExportNames},
+    {"exports", "nothing-else", "Nothing but the five entry points is exported.", NothingElse},
+    {"exports", "calling-convention", "DllGetClassObject takes its arguments off the stack.", CallingConvention},
+};
+
+} // namespace
+
+std::span<const Check> LoadingChecks()
+{
+    return loading;
+}
+
+std::span<const Check> ExportChecks()
+{
+    return exports;
+}
+
+} // namespace vixa::host

@@ -1,0 +1,216 @@
+// Group "texts": names and groups in every language that lies beside the library.
+#include "host/LanguageCodes.h"
+#include "host/Text.h"
+#include "host/validate/Contract.h"
+#include "host/validate/Props.h"
+#include "host/validate/Subject.h"
+
+#include <vixavideofx/ClassIds.h>
+
+#include <algorithm>
+#include <set>
+#include <vector>
+
+namespace vixa::host {
+
+namespace {
+
+using namespace vixavideofx;
+
+constexpr ULONG english = 1033;
+
+// The two calls of a text, into a buffer of exactly the answered size that ends at an inaccessible page.
+template <typename Request>
+std::wstring TextOf(const std::string& what, Request request)
+{
+    ULONG length = 0xDEAD;
+    RequireResult(request(nullptr, &length), S_OK, what + "'s size query");
+    Require(length >= 1 && length < 1000, what + ": an absurd length, " + std::to_string(length));
+    const GuardedMemory buffer(length * sizeof(WCHAR), GuardedMemory::Guard::Behind);
+    auto* const text = reinterpret_cast<WCHAR*>(buffer.Bytes().data());
+    std::fill_n(text, length, L'\xFFFF');
+    RequireResult(request(text, &length), S_OK, what);
+    RequireNumber(static_cast<long long>(wcsnlen(text, length)), length - 1LL,
+                  what + ": the characters before the terminator");
+    return {text, length - 1};
+}
+
+std::wstring NameOf(IEffectInfo* info, ULONG language, const std::string& what)
+{
+    return TextOf(what + ": GetEffectName",
+                  [&](WCHAR* text, ULONG* length) { return info->GetEffectName(language, text, length); });
+}
+
+std::wstring GroupOf(IEffectInfo* info, const std::string& what)
+{
+    return TextOf(what + ": GetGroupName",
+                  [&](WCHAR* text, ULONG* length) { return info->GetGroupName(0, text, length); });
+}
+
+void Same(const std::wstring& got, const std::wstring& wanted, const std::string& what)
+{
+    Require(got == wanted, what + " is \"" + Utf8(got) + "\" instead of \"" + Utf8(wanted) + "\"");
+}
+
+std::filesystem::path FileOf(Subject& library, const LanguageCode& language)
+{
+    auto path = library.File();
+    return path.replace_filename(path.stem().wstring() + L"_" + Wide(language.code) + L".nls");
+}
+
+std::vector<LanguageCode> Present(Subject& library)
+{
+    std::vector<LanguageCode> present;
+    for (const LanguageCode& language : LanguageCodes())
+        if (GetFileAttributesW(FileOf(library, language).c_str()) != INVALID_FILE_ATTRIBUTES)
+            present.push_back(language);
+    return present;
+}
+
+std::vector<LanguageCode> RequirePresent(Subject& library)
+{
+    auto present = Present(library);
+    if (present.empty())
+        Skip("no language file lies beside the library");
+    return present;
+}
+
+void English(Subject& library)
+{
+    for (const Promise& effect : Promises()) {
+        const auto info = library.Info(*effect.classId);
+        Same(NameOf(info.Get(), english, effect.name), Wide(effect.name), std::string("the name of ") + effect.name);
+        Same(GroupOf(info.Get(), effect.name), Wide(effect.groupName), std::string("the group of ") + effect.name);
+    }
+}
+
+void AllFiles(Subject& library)
+{
+    const auto present = RequirePresent(library);
+    if (present.size() == LanguageCodes().size())
+        return;
+    std::string missing;
+    for (const LanguageCode& language : LanguageCodes())
+        if (std::none_of(present.begin(), present.end(),
+                         [&](const LanguageCode& one) { return one.id == language.id; }))
+            missing += missing.empty() ? language.code : std::string(", ") + language.code;
+    Warn("language files are missing: " + missing);
+}
+
+// What a language file itself holds, read without the library.
+void FromTheFile(Subject& library)
+{
+    const auto present = RequirePresent(library);
+    for (const LanguageCode& language : present) {
+        const UniqueModule file(LoadLibraryExW(FileOf(library, language).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+        Require(file != nullptr, std::string(language.code) + ": the language file can't be read");
+        const auto held = [&](UINT id) {
+            WCHAR text[256] = {};
+            return std::wstring(text, static_cast<std::size_t>(LoadStringW(file.get(), id, text, 256)));
+        };
+        for (const Promise& effect : Promises()) {
+            const auto info = library.Info(*effect.classId);
+            const std::string what = std::string(language.code) + ": ";
+            Same(NameOf(info.Get(), language.id, what + effect.name), held(effect.nameId),
+                 what + "the name of " + effect.name);
+            Same(GroupOf(info.Get(), what + effect.name), held(effect.groupNameId),
+                 what + "the group of " + effect.name);
+        }
+    }
+}
+
+void Complete(Subject& library)
+{
+    for (const LanguageCode& language : RequirePresent(library)) {
+        std::set<std::wstring> names;
+        bool translated = false;
+        for (const Promise& effect : Promises()) {
+            const auto info = library.Info(*effect.classId);
+            const std::string what = std::string(language.code) + ": " + effect.name;
+            const std::wstring name = NameOf(info.Get(), language.id, what);
+            Require(!name.empty(), what + " has no name");
+            Require(!GroupOf(info.Get(), what).empty(), what + " has no group name");
+            Require(names.insert(name).second, what + " has the name of another effect");
+            translated = translated || name != Wide(effect.name);
+        }
+        if (!translated && language.id != english)
+            Warn(std::string(language.code) + ": all names are English");
+    }
+    NameOf(library.Info(CLSID_Emboss).Get(), english, "English");
+}
+
+void GroupFollows(Subject& library)
+{
+    const auto present = RequirePresent(library);
+    const auto emboss = library.Info(CLSID_Emboss), add = library.Info(CLSID_AddPixel);
+    std::set<std::wstring> groups;
+    for (const LanguageCode& language : present) {
+        NameOf(emboss.Get(), language.id, language.code);
+        groups.insert(GroupOf(add.Get(), language.code));
+    }
+    NameOf(emboss.Get(), english, "English");
+    Same(GroupOf(add.Get(), "English"), L"Color filter", "the group's name back in English");
+    if (present.size() > 3)
+        Require(groups.size() > 3, "a switch of one effect's language does not reach the others");
+}
+
+void MissingLanguage(Subject& library)
+{
+    const auto info = library.Info(CLSID_Emboss);
+    // Hebrew: there is no file for it. The low 16 bits count.
+    Same(NameOf(info.Get(), 0x040D, "Hebrew"), L"Emboss", "the name in a language without a file");
+    Same(NameOf(info.Get(), 0, "language 0"), L"Emboss", "the name in language 0");
+    Same(NameOf(info.Get(), 0xFFFF, "language 0xFFFF"), L"Emboss", "the name in language 0xFFFF");
+}
+
+void OneCall(Subject& library)
+{
+    const auto info = library.Info(CLSID_Emboss);
+    WCHAR text[64] = {};
+    RequireResult(info->GetEffectName(english, text, nullptr), S_OK, "GetEffectName with a buffer and no length");
+    Same(text, L"Emboss", "the name");
+    ULONG length = 0;
+    RequireResult(info->GetEffectName(english, text, &length), S_OK, "GetEffectName with a length of 0 on entry");
+    RequireNumber(length, 7, "the length, which is not read on entry");
+}
+
+void Arguments(Subject& library)
+{
+    const auto info = library.Info(CLSID_Emboss);
+    NameOf(info.Get(), english, "English");
+    RequireResult(info->GetEffectName(0x0407, nullptr, nullptr), E_INVALIDARG, "GetEffectName(null, null)");
+    RequireResult(info->GetGroupName(0, nullptr, nullptr), E_INVALIDARG, "GetGroupName(null, null)");
+    Same(GroupOf(info.Get(), "English"), L"Edges", "the group's name after a refused request in German");
+}
+
+void BackAndForth(Subject& library)
+{
+    const auto present = RequirePresent(library);
+    const auto info = library.Info(CLSID_SoftenFilter);
+    for (int i = 0; i < 100; ++i) {
+        const LanguageCode& language = present[static_cast<std::size_t>(i) % present.size()];
+        Require(!NameOf(info.Get(), language.id, language.code).empty(), "a name vanished after many switches");
+    }
+    Same(NameOf(info.Get(), english, "English"), L"Soften filter", "the English name after a hundred switches");
+}
+
+constexpr Check checks[] = {
+    {"texts", "english", "Names and groups in English are the agreed ones.", English},
+    {"texts", "files", "A file for each of the 27 languages lies beside the library.", AllFiles},
+    {"texts", "from-the-file", "Each language's texts are those of that language's file.", FromTheFile},
+    {"texts", "complete", "Each language names every effect and group, and no two effects alike.", Complete},
+    {"texts", "one-switch", "GetEffectName switches the language of all effects.", GroupFollows},
+    {"texts", "missing-language", "A language without a file gets English texts.", MissingLanguage},
+    {"texts", "one-call", "A caller that knows the size needs one call, with or without a length.", OneCall},
+    {"texts", "arguments", "Requests without buffer and length give E_INVALIDARG and switch nothing.", Arguments},
+    {"texts", "back-and-forth", "A hundred switches leave the texts whole.", BackAndForth},
+};
+
+} // namespace
+
+std::span<const Check> TextChecks()
+{
+    return checks;
+}
+
+} // namespace vixa::host
