@@ -1,0 +1,266 @@
+// Linked into a copy of the library, this breaks one thing in it: the fault that VIXA_FAULT_... names. It takes effect
+// when the module's static objects are made, by exchanging entries of virtual tables; the library's sources stay as
+// they are. Never part of a product.
+#include <vixavideofx/IEffectInfo.h>
+#include <vixavideofx/PropertySets.h>
+
+#include <windows.h>
+
+#include <strmif.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+// The functions below stand in for member functions and are called as these are.
+#pragma GCC diagnostic ignored "-Wattributes"
+
+// Tables and operations of the library by their symbols. A table's first two entries aren't operations.
+extern "C" {
+extern void* infoTable[] __asm__("__ZTVN23VixaVideoFXClassFactory10EffectInfoE");
+extern void* factoryTable[] __asm__("__ZTV23VixaVideoFXClassFactory");
+extern void* convolutionTable[] __asm__("__ZTV15CConvCorrection");
+extern void* addTable[] __asm__("__ZTV9CAddPixel");
+HRESULT __thiscall ConvolutionTransform(void* self, IMediaSample* sample) __asm__(
+    "__ZN15CConvCorrection9TransformEP12IMediaSample");
+HRESULT __thiscall AddTransform(void* self, IMediaSample* sample) __asm__("__ZN9CAddPixel9TransformEP12IMediaSample");
+HRESULT STDMETHODCALLTYPE AddSetPropertySet(void* self,
+                                            IUnknown* set) __asm__("__ZThn448_N9CAddPixel14SetPropertySetEP8IUnknown");
+}
+
+namespace {
+
+void Put(void** entry, void* function)
+{
+    DWORD before = 0;
+    VirtualProtect(entry, sizeof *entry, PAGE_READWRITE, &before);
+    *entry = function;
+    VirtualProtect(entry, sizeof *entry, before, &before);
+}
+
+// Exchanges the first entry that is `from`; the tables lie in a row, so a bounded search is enough.
+[[maybe_unused]] void Exchange(void** table, void* from, void* to)
+{
+    for (int i = 0; i < 200; ++i)
+        if (table[i] == from)
+            return Put(&table[i], to);
+    std::abort(); // the library has changed, and this fault with it
+}
+
+// An operation of the catalogue object by its place in the interface.
+[[maybe_unused]] void** Slot(int slot)
+{
+    return &infoTable[2 + slot];
+}
+
+template <typename Function>
+[[maybe_unused]] Function* Old(void* entry)
+{
+    return reinterpret_cast<Function*>(entry);
+}
+
+enum : int
+{
+    GetTypeCode = 3,
+    GetGroupId = 4,
+    GetEffectName = 7,
+    GetIcon = 8,
+    SetDefaults = 12,
+    ShowSettingsDialog = 13,
+};
+
+[[maybe_unused]] void* old = nullptr;
+
+#if defined(VIXA_FAULT_SLOTS)
+
+void Break()
+{
+    void* const first = *Slot(GetTypeCode);
+    Put(Slot(GetTypeCode), *Slot(GetGroupId));
+    Put(Slot(GetGroupId), first);
+}
+
+#elif defined(VIXA_FAULT_LEAK)
+
+using Query = HRESULT STDMETHODCALLTYPE(IUnknown*, REFIID, void**);
+HRESULT STDMETHODCALLTYPE LeakingQuery(IUnknown* self, REFIID riid, void** object)
+{
+    const HRESULT result = Old<Query>(old)(self, riid, object);
+    if (SUCCEEDED(result) && riid == IID_IEffectInfo)
+        static_cast<IUnknown*>(*object)->AddRef();
+    return result;
+}
+void Break()
+{
+    old = factoryTable[2];
+    Put(&factoryTable[2], reinterpret_cast<void*>(LeakingQuery));
+}
+
+#elif defined(VIXA_FAULT_ICON)
+
+using Icon = HRESULT STDMETHODCALLTYPE(IUnknown*, BYTE*, ULONG*);
+HRESULT STDMETHODCALLTYPE LongIcon(IUnknown* self, BYTE* buffer, ULONG* size)
+{
+    const HRESULT result = Old<Icon>(old)(self, buffer, size);
+    if (!buffer && size)
+        *size += 2; // a bitmap file's header would be added so
+    return result;
+}
+void Break()
+{
+    old = *Slot(GetIcon);
+    Put(Slot(GetIcon), reinterpret_cast<void*>(LongIcon));
+}
+
+#elif defined(VIXA_FAULT_BORDER)
+
+HRESULT __thiscall Bordered(void* self, IMediaSample* sample)
+{
+    const HRESULT result = ConvolutionTransform(self, sample);
+    BYTE* bytes = nullptr;
+    if (SUCCEEDED(sample->GetPointer(&bytes)) && bytes && sample->GetActualDataLength() >= 8)
+        bytes[4] = 1;
+    return result;
+}
+void Break()
+{
+    Exchange(convolutionTable, reinterpret_cast<void*>(ConvolutionTransform), reinterpret_cast<void*>(Bordered));
+}
+
+#elif defined(VIXA_FAULT_OVERRUN)
+
+HRESULT __thiscall Overrun(void* self, IMediaSample* sample)
+{
+    const HRESULT result = AddTransform(self, sample);
+    BYTE* bytes = nullptr;
+    if (SUCCEEDED(sample->GetPointer(&bytes)) && bytes)
+        bytes[sample->GetSize()] = 0;
+    return result;
+}
+void Break()
+{
+    Exchange(addTable, reinterpret_cast<void*>(AddTransform), reinterpret_cast<void*>(Overrun));
+}
+
+#elif defined(VIXA_FAULT_TIMES)
+
+HRESULT __thiscall Retimed(void* self, IMediaSample* sample)
+{
+    REFERENCE_TIME start = 0, end = 1;
+    sample->SetTime(&start, &end);
+    return AddTransform(self, sample);
+}
+void Break()
+{
+    Exchange(addTable, reinterpret_cast<void*>(AddTransform), reinterpret_cast<void*>(Retimed));
+}
+
+#elif defined(VIXA_FAULT_NULL)
+
+HRESULT STDMETHODCALLTYPE Trusting(void* self, IUnknown* set)
+{
+    set->AddRef();
+    set->Release();
+    return AddSetPropertySet(self, set);
+}
+void Break()
+{
+    Exchange(addTable, reinterpret_cast<void*>(AddSetPropertySet), reinterpret_cast<void*>(Trusting));
+}
+
+#elif defined(VIXA_FAULT_HANG)
+
+HRESULT STDMETHODCALLTYPE Patient(void* self, IUnknown* set)
+{
+    alignas(8) char block[1 << 17];
+    int size = 0;
+    while (set && FAILED(static_cast<IDataPropertySet*>(set)->GetData(block, &size)))
+        Sleep(1);
+    return AddSetPropertySet(self, set);
+}
+void Break()
+{
+    Exchange(addTable, reinterpret_cast<void*>(AddSetPropertySet), reinterpret_cast<void*>(Patient));
+}
+
+#elif defined(VIXA_FAULT_DEFAULT)
+
+using Defaults = HRESULT STDMETHODCALLTYPE(IUnknown*, IUnknown*);
+HRESULT STDMETHODCALLTYPE ShiftedDefaults(IUnknown* self, IUnknown* set)
+{
+    const HRESULT result = Old<Defaults>(old)(self, set);
+    std::int32_t block[4] = {};
+    int size = 0;
+    auto* const data = static_cast<IDataPropertySet*>(set);
+    if (SUCCEEDED(result) && SUCCEEDED(data->GetData(block, &size)) && size == 4 && block[0] == 2) {
+        block[0] = 3; // "Emboss" gets the kind of "Enhance details"
+        data->SetData(block, size);
+    }
+    return result;
+}
+void Break()
+{
+    old = *Slot(SetDefaults);
+    Put(Slot(SetDefaults), reinterpret_cast<void*>(ShiftedDefaults));
+}
+
+#elif defined(VIXA_FAULT_SILENT)
+
+using Dialog = HRESULT STDMETHODCALLTYPE(IUnknown*, ULONG, HWND, UINT, IUnknown*, HWND*);
+HRESULT STDMETHODCALLTYPE SilentDialog(IUnknown* self, ULONG ignored, HWND parent, UINT, IUnknown* set, HWND* window)
+{
+    return Old<Dialog>(old)(self, ignored, parent, 0, set, window);
+}
+void Break()
+{
+    old = *Slot(ShowSettingsDialog);
+    Put(Slot(ShowSettingsDialog), reinterpret_cast<void*>(SilentDialog));
+}
+
+#elif defined(VIXA_FAULT_LANGUAGE)
+
+using Name = HRESULT STDMETHODCALLTYPE(IUnknown*, ULONG, WCHAR*, ULONG*);
+HRESULT STDMETHODCALLTYPE SwappedName(IUnknown* self, ULONG language, WCHAR* text, ULONG* length)
+{
+    return Old<Name>(old)(self, language == 0x0407 ? 0x040C : language, text, length); // French for German
+}
+void Break()
+{
+    old = *Slot(GetEffectName);
+    Put(Slot(GetEffectName), reinterpret_cast<void*>(SwappedName));
+}
+
+#elif defined(VIXA_FAULT_TEXT_END)
+
+using Name = HRESULT STDMETHODCALLTYPE(IUnknown*, ULONG, WCHAR*, ULONG*);
+HRESULT STDMETHODCALLTYPE Unterminated(IUnknown* self, ULONG language, WCHAR* text, ULONG* length)
+{
+    const HRESULT result = Old<Name>(old)(self, language, text, length);
+    if (length && *length > 0 && language == 0x040D)
+        --*length; // in a language without a file, the terminator is written and not counted
+    return result;
+}
+void Break()
+{
+    old = *Slot(GetEffectName);
+    Put(Slot(GetEffectName), reinterpret_cast<void*>(Unterminated));
+}
+
+#else // the fault is in the table of exports
+
+void Break() {}
+
+#endif
+
+const struct Breaker
+{
+    Breaker() { Break(); }
+} breaker;
+
+} // namespace
+
+// For a table of exports that names it instead of the library's own.
+extern "C" HRESULT WINAPI AlwaysUnload()
+{
+    return S_OK;
+}

@@ -1,0 +1,121 @@
+// The validator on the product, which it must pass, and on broken builds of it, each of which it must catch by name.
+#include "host/validate/Validation.h"
+
+#include "host/EffectLibrary.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <set>
+
+using namespace vixa::host;
+
+namespace {
+
+std::vector<Result> Examine(const std::filesystem::path& library, std::vector<std::string> groups, int seconds = 20)
+{
+    ValidationRequest request;
+    request.library = library;
+    request.program = ThisProgram().parent_path() / L"vixahost.exe";
+    request.groups = std::move(groups);
+    request.secondsPerCheck = seconds;
+    return Validate(request, {});
+}
+
+TEST(Validator, PassesTheProduct)
+{
+    const auto results = Examine(LibraryBesideTheProgram(), {});
+    EXPECT_EQ(results.size(), AllChecks().size());
+    for (const Result& result : results)
+        EXPECT_EQ(result.status, Status::Success) << result.check->Id() << ": " << result.reason;
+}
+
+struct Fault
+{
+    const char* name;
+    const char* check; // the one that is meant for it
+    Status status;
+    const char* words; // that its reason has
+};
+
+constexpr Fault faults[] = {
+    {"EXPORT", "exports/names", Status::Failed, "DllUnregisterServer"},
+    {"LEAK", "identity/catalogue-counts", Status::Failed, "is 2 instead of 1"},
+    {"SLOTS", "catalogue/groups", Status::Failed, "GetGroupId is 0"},
+    {"LANGUAGE", "texts/from-the-file", Status::Failed, "de-DE"},
+    {"TEXT_END", "texts/missing-language", Status::Crashed, "access violation"},
+    {"ICON", "icons/size", Status::Failed, "3714 instead of 3712"},
+    {"DEFAULT", "defaults/blocks", Status::Failed, "Emboss"},
+    {"SILENT", "panels/notifies", Status::Failed, "notifications is 0"},
+    {"BORDER", "streaming/borders", Status::Failed, "border pixel (1, 0)"},
+    {"TIMES", "streaming/sample-untouched", Status::Failed, "Add pixel"},
+    {"NULL", "bad-input/null-set", Status::Crashed, "access violation"},
+    {"OVERRUN", "bad-input/guard-behind", Status::Crashed, "access violation"},
+    {"HANG", "bad-input/failing-set", Status::Crashed, "no end after 2 s"},
+    {"UNLOAD", "unloading/objects", Status::Failed, "DllCanUnloadNow"},
+};
+
+class BrokenLibrary : public testing::TestWithParam<Fault>
+{
+};
+
+TEST_P(BrokenLibrary, IsCaughtByTheCheckMeantForIt)
+{
+    const Fault& fault = GetParam();
+    const std::string check = fault.check, group = check.substr(0, check.find('/'));
+    const auto library =
+        LibraryBesideTheProgram().parent_path().parent_path() / L"broken" / fault.name / L"VixaVideoFX.dll";
+    const auto results = Examine(library, {group}, 2);
+    // A crash doesn't end the others' run: every check of the group has a result.
+    EXPECT_EQ(results.size(), ChecksOf(group).size());
+    const auto caught =
+        std::find_if(results.begin(), results.end(), [&](const Result& result) { return result.check->Id() == check; });
+    ASSERT_NE(caught, results.end());
+    EXPECT_EQ(caught->status, fault.status) << caught->reason;
+    EXPECT_NE(caught->reason.find(fault.words), std::string::npos) << caught->reason;
+    // One fault is not everybody's.
+    EXPECT_TRUE(std::any_of(results.begin(), results.end(),
+                            [](const Result& result) { return result.status == Status::Success; }));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, BrokenLibrary, testing::ValuesIn(faults),
+                         [](const auto& fault) { return std::string(fault.param.name); });
+
+TEST(Validator, AFileThatIsNoLibrary)
+{
+    const auto results = Examine(VIXA_PAGE, {"loading", "factories"});
+    for (const Result& result : results) {
+        const std::string id = result.check->Id();
+        if (id == "loading/machine" || id == "loading/loads") {
+            EXPECT_EQ(result.status, Status::Failed) << id;
+        }
+        if (id.starts_with("factories/")) {
+            EXPECT_EQ(result.status, Status::Skipped) << id << ": " << result.reason;
+        }
+    }
+}
+
+// The page names every check with its sentence, and no other.
+TEST(Validator, ThePageAndTheProgramAgree)
+{
+    std::ifstream file(VIXA_PAGE);
+    ASSERT_TRUE(file) << VIXA_PAGE;
+    std::set<std::string> rows, wanted;
+    for (std::string line; std::getline(file, line);) {
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        if (line.starts_with("| `"))
+            rows.insert(line);
+    }
+    for (const Check& check : AllChecks())
+        wanted.insert("| `" + check.Id() + "` | " + check.sentence + " |");
+    for (const std::string& row : wanted)
+        EXPECT_TRUE(rows.contains(row)) << "missing on the page: " << row;
+    for (const std::string& row : rows)
+        EXPECT_TRUE(wanted.contains(row)) << "only on the page: " << row;
+    EXPECT_EQ(wanted.size(), AllChecks().size()) << "two checks have one name";
+}
+
+} // namespace
