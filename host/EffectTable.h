@@ -1,4 +1,4 @@
-// What the host knows of the thirteen effects by itself: their names and the data blocks they start with.
+// The effects by name, with the data blocks they start with, as the library beside the program tells them.
 #pragma once
 
 #include <guiddef.h>
@@ -17,7 +17,8 @@ struct EffectEntry
     std::span<const std::int32_t> defaults; // the effect's data block before the user has set anything
 };
 
-// In the library's order.
+// By group, sort key and name. The first call reads the catalogue, which leaves the library speaking English. Throws
+// FailedJob when the library can't be loaded.
 std::span<const EffectEntry> Effects();
 
 // The effect of that name, whatever the case of its ASCII letters; throws WrongWords that offers the nearest names.

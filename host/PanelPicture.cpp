@@ -52,12 +52,13 @@ Picture PictureOf(HWND window)
 
 void PicturePanel(const PanelCommand& command)
 {
+    EffectStep step(FindEffect(command.effect));
+    for (const std::string& setting : command.settings)
+        step.Set(setting);
+    // The language that the catalogue was last read in is the panel's.
     const EffectLibrary library;
     const auto catalogue = ReadCatalogue(library, command.language);
     const CatalogueEntry& entry = RequireEntry(catalogue, command.effect);
-    EffectStep step(FindEffect(entry.englishName));
-    for (const std::string& setting : command.settings)
-        step.Set(setting);
     const auto set = DataPropertySet::Create(step.Block());
 
     PanelWindow host(640, 480);

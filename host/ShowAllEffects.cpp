@@ -14,27 +14,21 @@ namespace vixa::host {
 
 namespace {
 
-struct Showing
+// Values that show what an effect does: of named values the last, else one beyond the middle of the range and one
+// before it, in turn.
+EffectStep Showing(const EffectEntry& effect)
 {
-    const char* effect;
-    std::vector<const char*> settings; // that show what the effect does
-};
-
-const std::vector<Showing> showings = {
-    {"Add pixel", {"red=60", "green=0", "blue=-60"}},
-    {"Filter color", {"intensity=-200", "colour=red"}},
-    {"Invert color", {"mask=all"}},
-    {"Multiply pixel", {"factor=150"}},
-    {"Gamma correction", {"gamma=180"}},
-    {"Detect edges", {}},
-    {"Emboss", {}},
-    {"Enhance details", {}},
-    {"Enhance edges", {}},
-    {"Enhance focus", {}},
-    {"Light edges", {}},
-    {"Shift edges", {"direction=both"}},
-    {"Soften filter", {}},
-};
+    EffectStep step(effect);
+    int ranges = 0;
+    for (const auto& parameter : vixavideofx::ParametersOf(*effect.classId)) {
+        const std::int32_t range = parameter.maximum - parameter.minimum;
+        const std::int32_t value = !parameter.choices.empty() ? parameter.choices.back().value
+                                   : ranges++ % 2 == 0        ? parameter.minimum + range * 5 / 8
+                                                              : parameter.minimum + range * 3 / 8;
+        step.Set(std::string(parameter.name) + "=" + std::to_string(value));
+    }
+    return step;
+}
 
 constexpr int framesMeasured = 15;
 
@@ -64,10 +58,8 @@ void ShowAllEffects()
     std::vector<SheetTile> tiles = {{"The sample picture", "", scene}};
 
     Say(Cell("effect", 18) + Cell("settings", 32) + Cell("size", 12) + "ms per frame\n");
-    for (const Showing& showing : showings) {
-        EffectStep step(FindEffect(showing.effect));
-        for (const char* setting : showing.settings)
-            step.Set(setting);
+    for (const EffectEntry& effect : Effects()) {
+        const EffectStep step = Showing(effect);
         Picture result = scene;
         PictureReader reader(scene, framesMeasured);
         PictureWriter writer(result);
@@ -80,9 +72,9 @@ void ShowAllEffects()
         char time[32];
         std::snprintf(time, sizeof time, "%12.3f", graph.MedianMilliseconds());
         const std::string settings = step.Settings();
-        Say(Cell(showing.effect, 18) + Cell(settings.empty() ? "-" : settings, 32) +
+        Say(Cell(effect.name, 18) + Cell(settings.empty() ? "-" : settings, 32) +
             Cell(std::to_string(result.width) + " x " + std::to_string(result.height), 12) + time + "\n");
-        tiles.push_back({showing.effect, settings, std::move(result)});
+        tiles.push_back({effect.name, settings, std::move(result)});
     }
     Save(folder / L"contact-sheet.png", DrawContactSheet("VixaVideoFX: thirteen effects", tiles));
     Say("14 pictures are in the folder out; contact-sheet.png shows all of them.\n");

@@ -17,7 +17,11 @@ struct Runner
     void operator()(const ShowCommand&) const { ShowAllEffects(); }
     void operator()(const EffectsCommand&) const { ListEffects(); }
     void operator()(const ApplyCommand& command) const { Apply(command); }
-    void operator()(const BrowseCommand& command) const { Browse(command); }
+    void operator()(const BrowseCommand& command) const
+    {
+        Effects(); // read in English now, so that it doesn't happen under a window in another language
+        Browse(command);
+    }
     void operator()(const ListCommand& command) const { ListCatalogue(command); }
     void operator()(const IconCommand& command) const { WriteIcons(command); }
     void operator()(const PanelCommand& command) const { PicturePanel(command); }
