@@ -1,14 +1,11 @@
 #include "effects/CAddPixel.h"
 
 #include "effects/Creation.h"
-#include "effects/kernels/Kernels.h"
 #include "filter/SampleBytes.h"
 
 #include <vixavideofx/ClassIds.h>
 
-CAddPixel::CAddPixel(IUnknown* outer, HRESULT* result) : InPlaceVideoEffect(outer, vixavideofx::CLSID_AddPixel, result)
-{
-}
+CAddPixel::CAddPixel(IUnknown* outer, HRESULT* result) : KernelEffect(outer, vixavideofx::CLSID_AddPixel, result) {}
 
 CUnknown* CALLBACK CAddPixel::CreateInstance(IUnknown* outer, HRESULT* result) noexcept
 {
@@ -18,7 +15,7 @@ CUnknown* CALLBACK CAddPixel::CreateInstance(IUnknown* outer, HRESULT* result) n
 HRESULT CAddPixel::Transform(IMediaSample* sample)
 {
     const auto delta = parameters.Get();
-    vixa::kernels::BestKernels().add(vixa::ValidBytesOf(sample), {delta.redDelta, delta.greenDelta, delta.blueDelta});
+    Kernels().add(vixa::ValidBytesOf(sample), {delta.redDelta, delta.greenDelta, delta.blueDelta});
     return S_OK;
 }
 

@@ -1,12 +1,12 @@
 // "Add pixel": adds a signed offset to each of red, green and blue.
 #pragma once
 
-#include "filter/InPlaceVideoEffect.h"
+#include "effects/KernelEffect.h"
 #include "filter/ParameterBlock.h"
 
 #include <vixavideofx/DataBlocks.h>
 
-class CAddPixel final : public InPlaceVideoEffect
+class CAddPixel final : public KernelEffect
 {
 public:
     // The create routine of the factory table: null and E_OUTOFMEMORY in `*result` when memory is short.

@@ -25,7 +25,7 @@ bool Holds(std::span<const std::uint8_t> buffer, LONG width, LONG height) noexce
 } // namespace
 
 CConvCorrection::CConvCorrection(IUnknown* outer, HRESULT* result)
-    : InPlaceVideoEffect(outer, vixavideofx::CLSID_AddPixel, result)
+    : KernelEffect(outer, vixavideofx::CLSID_AddPixel, result)
 {
 }
 
@@ -44,7 +44,7 @@ HRESULT CConvCorrection::SetMediaType(PIN_DIRECTION direction, const CMediaType*
             });
         }
     }
-    return InPlaceVideoEffect::SetMediaType(direction, type);
+    return KernelEffect::SetMediaType(direction, type);
 }
 
 HRESULT CConvCorrection::Transform(IMediaSample* sample)
@@ -59,7 +59,7 @@ HRESULT CConvCorrection::Transform(IMediaSample* sample)
     } catch (const std::bad_alloc&) {
         return S_OK;
     }
-    kernels::BestKernels().convolve(buffer, now.frameWidth, now.frameHeight, now.convolution, scratch);
+    Kernels().convolve(buffer, now.frameWidth, now.frameHeight, now.convolution, scratch);
     return S_OK;
 }
 

@@ -1,8 +1,7 @@
 // The eight convolution effects: a 3x3 integer kernel over every frame.
 #pragma once
 
-#include "effects/kernels/Kernels.h"
-#include "filter/InPlaceVideoEffect.h"
+#include "effects/KernelEffect.h"
 #include "filter/ParameterBlock.h"
 
 #include <cstdint>
@@ -10,7 +9,7 @@
 
 // Which of the eight effects an object is, its data block alone decides; all of them report the class identifier of
 // "Add pixel". Until the first valid kind arrives frames pass unchanged.
-class CConvCorrection final : public InPlaceVideoEffect
+class CConvCorrection final : public KernelEffect
 {
 public:
     // The create routine of the factory table: null when memory is short.

@@ -1,6 +1,5 @@
 #include "effects/CFilterColor.h"
 
-#include "effects/kernels/Kernels.h"
 #include "filter/SampleBytes.h"
 
 #include <vixavideofx/ClassIds.h>
@@ -9,7 +8,7 @@
 #include <new>
 
 CFilterColor::CFilterColor(IUnknown* outer, HRESULT* result)
-    : InPlaceVideoEffect(outer, vixavideofx::CLSID_FilterColor, result)
+    : KernelEffect(outer, vixavideofx::CLSID_FilterColor, result)
 {
 }
 
@@ -21,8 +20,8 @@ CUnknown* CALLBACK CFilterColor::CreateInstance(IUnknown* outer, HRESULT* result
 HRESULT CFilterColor::Transform(IMediaSample* sample)
 {
     const auto fields = parameters.Get();
-    vixa::kernels::BestKernels().filterColor(vixa::ValidBytesOf(sample),
-                                             {fields.block.intensity, fields.block.colour, fields.brighten != 0});
+    Kernels().filterColor(vixa::ValidBytesOf(sample),
+                          {fields.block.intensity, fields.block.colour, fields.brighten != 0});
     return S_OK;
 }
 

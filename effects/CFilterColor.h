@@ -1,12 +1,12 @@
 // "Filter color": raises or lowers one channel in pixels whose hue lies in that colour's range.
 #pragma once
 
-#include "filter/InPlaceVideoEffect.h"
+#include "effects/KernelEffect.h"
 #include "filter/ParameterBlock.h"
 
 #include <vixavideofx/DataBlocks.h>
 
-class CFilterColor final : public InPlaceVideoEffect
+class CFilterColor final : public KernelEffect
 {
 public:
     // The create routine of the factory table: null when memory is short.

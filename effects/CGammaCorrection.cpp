@@ -6,7 +6,7 @@
 #include <vixavideofx/ClassIds.h>
 
 CGammaCorrection::CGammaCorrection(IUnknown* outer, HRESULT* result)
-    : InPlaceVideoEffect(outer, vixavideofx::CLSID_GammaCorrection, result)
+    : KernelEffect(outer, vixavideofx::CLSID_GammaCorrection, result)
 {
 }
 
@@ -27,7 +27,7 @@ HRESULT CGammaCorrection::Transform(IMediaSample* sample)
         table = vixa::kernels::MakeGammaTable(gamma);
         tableGamma = gamma;
     }
-    vixa::kernels::BestKernels().gamma(vixa::ValidBytesOf(sample), table);
+    Kernels().gamma(vixa::ValidBytesOf(sample), table);
     return S_OK;
 }
 

@@ -1,13 +1,12 @@
 // "Gamma correction": maps red, green and blue through a power curve.
 #pragma once
 
-#include "effects/kernels/Kernels.h"
-#include "filter/InPlaceVideoEffect.h"
+#include "effects/KernelEffect.h"
 #include "filter/ParameterBlock.h"
 
 #include <vixavideofx/DataBlocks.h>
 
-class CGammaCorrection final : public InPlaceVideoEffect
+class CGammaCorrection final : public KernelEffect
 {
 public:
     // The create routine of the factory table: null and E_OUTOFMEMORY in `*result` when memory is short.

@@ -1,6 +1,5 @@
 #include "effects/CMultiplyPixel.h"
 
-#include "effects/kernels/Kernels.h"
 #include "filter/SampleBytes.h"
 
 #include <vixavideofx/ClassIds.h>
@@ -8,7 +7,7 @@
 #include <new>
 
 CMultiplyPixel::CMultiplyPixel(IUnknown* outer, HRESULT* result)
-    : InPlaceVideoEffect(outer, vixavideofx::CLSID_MultiplyPixel, result)
+    : KernelEffect(outer, vixavideofx::CLSID_MultiplyPixel, result)
 {
 }
 
@@ -19,7 +18,7 @@ CUnknown* CALLBACK CMultiplyPixel::CreateInstance(IUnknown* outer, HRESULT* resu
 
 HRESULT CMultiplyPixel::Transform(IMediaSample* sample)
 {
-    vixa::kernels::BestKernels().multiply(vixa::ValidBytesOf(sample), parameters.Get().factor);
+    Kernels().multiply(vixa::ValidBytesOf(sample), parameters.Get().factor);
     return S_OK;
 }
 

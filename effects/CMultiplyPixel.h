@@ -1,12 +1,12 @@
 // "Multiply pixel": scales red, green and blue by a percentage.
 #pragma once
 
-#include "filter/InPlaceVideoEffect.h"
+#include "effects/KernelEffect.h"
 #include "filter/ParameterBlock.h"
 
 #include <vixavideofx/DataBlocks.h>
 
-class CMultiplyPixel final : public InPlaceVideoEffect
+class CMultiplyPixel final : public KernelEffect
 {
 public:
     // The create routine of the factory table: null when memory is short.

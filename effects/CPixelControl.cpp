@@ -1,13 +1,12 @@
 #include "effects/CPixelControl.h"
 
 #include "effects/Creation.h"
-#include "effects/kernels/Kernels.h"
 #include "filter/SampleBytes.h"
 
 #include <vixavideofx/ClassIds.h>
 
 CPixelControl::CPixelControl(IUnknown* outer, HRESULT* result)
-    : InPlaceVideoEffect(outer, vixavideofx::CLSID_InvertColor, result)
+    : KernelEffect(outer, vixavideofx::CLSID_InvertColor, result)
 {
 }
 
@@ -20,7 +19,7 @@ HRESULT CPixelControl::Transform(IMediaSample* sample)
 {
     const auto mask = parameters.Get().mask;
     if (mask != 0)
-        vixa::kernels::BestKernels().invert(vixa::ValidBytesOf(sample), mask);
+        Kernels().invert(vixa::ValidBytesOf(sample), mask);
     return S_OK;
 }
 

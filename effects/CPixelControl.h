@@ -1,12 +1,12 @@
 // "Invert color": inverts the chosen channels and clears the others.
 #pragma once
 
-#include "filter/InPlaceVideoEffect.h"
+#include "effects/KernelEffect.h"
 #include "filter/ParameterBlock.h"
 
 #include <vixavideofx/DataBlocks.h>
 
-class CPixelControl final : public InPlaceVideoEffect
+class CPixelControl final : public KernelEffect
 {
 public:
     // The create routine of the factory table: null and E_OUTOFMEMORY in `*result` when memory is short.

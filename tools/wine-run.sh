@@ -23,6 +23,8 @@ if [ ! -f "$WINEPREFIX/.ready" ]; then
         env DISPLAY= wineboot --init >"$WINEPREFIX/wineboot.log" 2>&1 9>&- ||
             { echo "Wine could not make its prefix; see $WINEPREFIX/wineboot.log" >&2; exit 1; }
         wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d "$graphics" /f >>"$WINEPREFIX/wineboot.log" 2>&1 9>&-
+        # The desktop that was started on the way knows no display; the next program starts its own.
+        wineserver -k 9>&- || true
         touch "$WINEPREFIX/.ready"
     fi
     exec 9>&-

@@ -5,6 +5,9 @@
 
 #include "effects/kernels/Kernels.h"
 
+#include <vixavideofx/IEffectInfo.h>
+#include <vixavideofx/IInstructionCeiling.h>
+
 #include <psapi.h>
 
 #include <algorithm>
@@ -188,6 +191,46 @@ TEST_F(Streaming, EqualsTheKernels)
             EffectGraph graph(filter.Get(), VideoType(width, height));
             graph.Send(frame);
             EXPECT_TRUE(frame == expected) << "kind " << kind << ", " << width << " x " << height;
+        }
+    }
+}
+
+// A host may lower the instruction set of a running effect, for comparison; the picture stays.
+TEST_F(Streaming, EveryInstructionSetGivesTheSamePicture)
+{
+    for (const auto& effect : effects) {
+        const auto filter = library.Create(effect.clsid);
+        ComPtr<IInstructionCeiling> ceiling;
+        ASSERT_EQ(filter.As(&ceiling), S_OK);
+        ComPtr<IEffectInfo> info;
+        ASSERT_EQ(library.Factory(effect.clsid).As(&info), S_OK);
+        TestPropertySet set;
+        info->SetDefaults(&set);
+        info.Reset();
+        ComPtr<IEffectFilter> parameters;
+        filter.As(&parameters);
+        parameters->SetPropertySet(&set);
+
+        ULONG best = 99, now = 99;
+        ASSERT_EQ(ceiling->GetLevel(&best), S_OK);
+        EXPECT_GE(best, IInstructionCeiling::Sse2);
+        EXPECT_EQ(ceiling->GetLevel(nullptr), E_POINTER);
+        EXPECT_EQ(ceiling->SetCeiling(4), E_INVALIDARG);
+
+        EffectGraph graph(filter.Get(), VideoType(67, 21));
+        std::vector<std::uint8_t> original(67 * 21 * 4);
+        unsigned seed = 7;
+        for (auto& byte : original)
+            byte = static_cast<std::uint8_t>((seed = seed * 1664525 + 1013904223) >> 24);
+        auto expected = original;
+        graph.Send(expected);
+        for (ULONG level = 0; level <= IInstructionCeiling::Avx512; ++level) {
+            ASSERT_EQ(ceiling->SetCeiling(level), S_OK);
+            ceiling->GetLevel(&now);
+            EXPECT_EQ(now, std::min(level, best));
+            auto frame = original;
+            graph.Send(frame);
+            EXPECT_TRUE(frame == expected) << effect.name << " at level " << level;
         }
     }
 }
