@@ -12,6 +12,8 @@
 #include "host/TargetFile.h"
 #include "host/Text.h"
 
+#include <vixavideofx/IInstructionCeiling.h>
+
 #include <cstdio>
 
 namespace vixa::host {
@@ -54,6 +56,17 @@ void ReportDone(const ApplyCommand& command, const FrameFormat& format, std::int
     Say(StackText(command.stack) + ": " + Show(command.output) + ", " + figures + "\n");
 }
 
+void LowerLevel(const EffectGraph& graph, const ApplyCommand& command)
+{
+    for (std::size_t step = 0; step < command.stack.size(); ++step) {
+        ComPtr<IInstructionCeiling> ceiling;
+        // A library that knows no levels runs at the one it has.
+        if (SUCCEEDED(graph.Filter(step)->QueryInterface(IID_IInstructionCeiling,
+                                                         reinterpret_cast<void**>(ceiling.GetAddressOf()))))
+            ceiling->SetCeiling(command.level);
+    }
+}
+
 void ApplyToPicture(const ApplyCommand& command, PictureFormat format)
 {
     Picture picture = ReadPicture(command.input);
@@ -65,6 +78,7 @@ void ApplyToPicture(const ApplyCommand& command, PictureFormat format)
         // Reader and writer share the picture: the one frame is read before it is written.
         PictureWriter writer(picture);
         EffectGraph graph(library, command.stack, reader, writer, reader.Format().TimeOf(1));
+        LowerLevel(graph, command);
         graph.Run();
         if (writer.FramesWritten() != 1)
             throw FailedJob("The filter graph gave no picture.");
@@ -87,6 +101,7 @@ void ApplyToClip(const ApplyCommand& command)
     double milliseconds = 0;
     try {
         EffectGraph graph(library, command.stack, reader, writer, reader.Format().TimeOf(reader.FrameCount()));
+        LowerLevel(graph, command);
         graph.Run([&](std::int64_t done) { progress.Show(done); });
         milliseconds = graph.MedianMilliseconds();
     } catch (...) {

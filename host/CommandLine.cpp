@@ -15,9 +15,12 @@
 #pragma GCC diagnostic pop
 #endif
 
+#include <vixavideofx/IInstructionCeiling.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 
 namespace vixa::host {
 
@@ -103,6 +106,16 @@ Command ParseCommandLine(const std::vector<std::string>& words)
                                  ->allow_extra_args(false);
     const CLI::Option* then =
         apply->add_option("--then", more, "A further effect")->type_name("EFFECT")->allow_extra_args(false);
+    const std::map<std::string, unsigned long> levels = {
+        {"plain", IInstructionCeiling::Plain},
+        {"sse2", IInstructionCeiling::Sse2},
+        {"avx2", IInstructionCeiling::Avx2},
+        {"avx512", IInstructionCeiling::Avx512},
+    };
+    unsigned long level = IInstructionCeiling::Avx512;
+    apply->add_option("--level", level, "The best instruction set to use, to compare times: plain, sse2, avx2, avx512")
+        ->type_name("LEVEL")
+        ->transform(CLI::CheckedTransformer(levels, CLI::ignore_case));
     apply->footer(examples);
 
     CLI::App* browse = app.add_subcommand("browse", "Opens a window in which effects are tried on a picture or a clip");
@@ -179,12 +192,13 @@ Command ParseCommandLine(const std::vector<std::string>& words)
         if (stackFile.empty() && out->count() == 0)
             throw WrongWords("OUT is required: vixahost apply EFFECT IN OUT (`vixahost --help` shows how it goes)");
         if (stackFile.empty())
-            return ApplyCommand{BuildStack(apply->parse_order(), first, then, set), {}, Wide(input), Wide(output)};
+            return ApplyCommand{
+                BuildStack(apply->parse_order(), first, then, set), {}, Wide(input), Wide(output), level};
         if (out->count() > 0 || then->count() > 0 || set->count() > 0)
             throw WrongWords("--stack FILE takes the place of EFFECT, --then and --set: vixahost apply --stack FILE IN "
                              "OUT.");
         // Without EFFECT the two files are the first two words.
-        return ApplyCommand{{}, Wide(stackFile), Wide(effect), Wide(input)};
+        return ApplyCommand{{}, Wide(stackFile), Wide(effect), Wide(input), level};
     }
     if (app.got_subcommand(list))
         return ListCommand{ParseLanguage(language.empty() ? "en" : language), json};

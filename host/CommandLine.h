@@ -27,6 +27,7 @@ struct ApplyCommand
     std::filesystem::path stackFile; // empty, or where the stack is
     std::filesystem::path input;
     std::filesystem::path output;
+    unsigned long level = 3; // the best instruction set to use, as IInstructionCeiling counts them
 };
 
 // A window with everything to try: `file` (a picture or a clip) may be empty.
