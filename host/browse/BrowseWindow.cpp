@@ -259,11 +259,14 @@ LRESULT BrowseWindow::OnNotify(const NMHDR& header)
 
 void BrowseWindow::OnPanelChanged(const std::vector<std::int32_t>& block)
 {
-    QueryPerformanceCounter(&changedAt);
+    LARGE_INTEGER now = {};
+    QueryPerformanceCounter(&now);
     const std::size_t selected = session->Stack().Selected();
     const bool changed = session->Change([&](StackModel& stack) { stack.SetBlock(selected, block, GetTickCount64()); });
+    // A panel tells of the end of a move as well, when all is said already.
     if (!changed)
-        changedAt = {};
+        return;
+    changedAt = now;
     list->Show(session->Stack().Items(), selected, session->Catalogue());
 }
 

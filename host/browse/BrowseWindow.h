@@ -30,6 +30,9 @@ public:
     void Save(const std::filesystem::path& file);
     void SetLanguage(LANGID language);
 
+    // Brings everything that shows the stack up to date; after a change that was made through Work.
+    void ShowStack();
+
     // Hands a message to the window's keys and controls before it is dispatched; true when that was all.
     bool Translate(MSG& message);
 
@@ -52,8 +55,6 @@ private:
     void ShowResult();
     void FillLanguages();
 
-    // Brings everything that shows the stack up to date.
-    void ShowStack();
     void ShowPanel();
     void ShowMedium();
     void ShowPosition();

@@ -1,0 +1,94 @@
+// The stack's text file, written and read by the library's own catalogue.
+#include "host/StackFile.h"
+#include "host/HostError.h"
+
+#include <vixavideofx/DataBlocks.h>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+using namespace vixa::host;
+using namespace vixavideofx;
+
+namespace {
+
+class StackFile : public testing::Test
+{
+protected:
+    EffectLibrary library;
+    std::vector<CatalogueEntry> catalogue = ReadCatalogue(library);
+
+    std::string FaultOf(std::string_view text)
+    {
+        try {
+            ParseStack(text, catalogue);
+        } catch (const FailedJob& fault) {
+            return fault.what();
+        }
+        return "nothing was refused";
+    }
+};
+
+TEST_F(StackFile, EveryEffectComesBackAsItWas)
+{
+    std::vector<StackItem> stack;
+    for (const CatalogueEntry& entry : catalogue)
+        stack.push_back({entry.classId, entry.defaults, stack.size() % 3 != 1});
+    for (StackItem& item : stack)
+        if (item.classId == CLSID_FilterColor)
+            item.block = {-120, FilterColorBlock::Red};
+        else if (item.classId == CLSID_ShiftEdges)
+            item.block = {static_cast<std::int32_t>(ConvolutionKind::ShiftEdgesHorizontal)};
+    ASSERT_EQ(stack.size(), 13u);
+    EXPECT_EQ(ParseStack(WriteStack(stack, catalogue), catalogue), stack);
+
+    const std::filesystem::path file = L"st\u00E4ck \u65E5\u672C.txt";
+    SaveStackFile(file, stack, catalogue);
+    EXPECT_EQ(LoadStackFile(file, catalogue), stack);
+    std::filesystem::remove(file);
+}
+
+TEST_F(StackFile, MeansTheSameInEveryLanguage)
+{
+    const std::vector<StackItem> stack = {{CLSID_Emboss, FindEntry(catalogue, CLSID_Emboss)->defaults, true}};
+    const std::string english = WriteStack(stack, catalogue);
+    const auto german = ReadCatalogue(library, MAKELANGID(LANG_GERMAN, SUBLANG_GERMAN));
+    EXPECT_NE(FindEntry(german, CLSID_Emboss)->name, FindEntry(catalogue, CLSID_Emboss)->name);
+    EXPECT_EQ(WriteStack(stack, german), english);
+    EXPECT_EQ(ParseStack(english, german), stack);
+}
+
+TEST_F(StackFile, TakesWhatAPersonWrites)
+{
+    const auto stack = ParseStack("\xEF\xBB\xBF# mine\r\n\r\n  EFFECT=gamma CORRECTION\r\n\tGamma =  +160 \r\n"
+                                  "effect = {488284b2-d3ce-48d1-b7ad-a23541d20453}\r\non = NO\r\n"
+                                  "effect = Filter color\r\ncolour = red",
+                                  catalogue);
+    ASSERT_EQ(stack.size(), 3u);
+    EXPECT_EQ(stack[0].block, std::vector<std::int32_t>{160});
+    EXPECT_TRUE(stack[1].classId == CLSID_SoftenFilter);
+    EXPECT_FALSE(stack[1].on);
+    EXPECT_EQ(stack[2].block, (std::vector<std::int32_t>{0, FilterColorBlock::Red}));
+    EXPECT_TRUE(ParseStack("", catalogue).empty());
+    EXPECT_EQ(StackToRun(stack, catalogue).size(), 2u) << "what is switched off doesn't run";
+}
+
+TEST_F(StackFile, SaysWhereAndWhyALineIsRefused)
+{
+    using testing::internal::RE;
+    const std::pair<const char*, const char*> wrong[] = {
+        {"gamma = 100", "Line 1: .*before the first effect"},
+        {"# x\n\neffect = Embos", "Line 3: .*\"Emboss\""},
+        {"effect = Emboss\nloud", "Line 2: \"loud\" is no line"},
+        {"effect = Gamma correction\ngamma = 300", "Line 2: .*45 to 220"},
+        {"effect = Gamma correction\nfactor = 3", "Line 2: .*no parameter \"factor\""},
+        {"effect = Gamma correction\non = maybe", "Line 2: on is yes or no"},
+        {"effect = {488284B2-D3CE-48D1-B7AD-A23541D20454}", "Line 1: there is no effect"},
+    };
+    for (const auto& [text, expected] : wrong)
+        EXPECT_TRUE(RE::PartialMatch(FaultOf(text), RE(expected))) << text << " -> " << FaultOf(text);
+    EXPECT_THROW(LoadStackFile(L"no such stack.txt", catalogue), FailedJob);
+}
+
+} // namespace

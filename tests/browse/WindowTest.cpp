@@ -1,0 +1,351 @@
+// The browser's window, driven as its users do: by the mouse and the keys, and judged by what is on the screen.
+#include "host/PictureFile.h"
+#include "host/SampleScene.h"
+#include "host/browse/BrowseWindow.h"
+#include "host/browse/Ids.h"
+#include "host/browse/WindowPicture.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <string>
+#include <thread>
+
+using namespace vixa::host;
+
+namespace {
+
+bool WaitFor(const std::function<bool()>& done, DWORD milliseconds = 5000)
+{
+    for (const ULONGLONG end = GetTickCount64() + milliseconds; GetTickCount64() < end; Sleep(10))
+        if (done())
+            return true;
+    return done();
+}
+
+std::wstring TextOf(HWND window)
+{
+    wchar_t text[300] = {};
+    GetWindowTextW(window, text, 300);
+    return text;
+}
+
+std::wstring ClassOf(HWND window)
+{
+    wchar_t name[100] = {};
+    GetClassNameW(window, name, 100);
+    return name;
+}
+
+void Press(WORD key, bool down)
+{
+    INPUT input = {};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = key;
+    input.ki.dwFlags = down ? 0 : KEYEVENTF_KEYUP;
+    SendInput(1, &input, sizeof input);
+}
+
+void Key(WORD key, bool control = false)
+{
+    if (control)
+        Press(VK_CONTROL, true);
+    Press(key, true);
+    Press(key, false);
+    if (control)
+        Press(VK_CONTROL, false);
+    Sleep(20);
+}
+
+void Type(const std::wstring& text)
+{
+    for (const wchar_t letter : text) {
+        INPUT input[2] = {};
+        for (INPUT& one : input) {
+            one.type = INPUT_KEYBOARD;
+            one.ki.wScan = letter;
+            one.ki.dwFlags = KEYEVENTF_UNICODE;
+        }
+        input[1].ki.dwFlags |= KEYEVENTF_KEYUP;
+        SendInput(2, input, sizeof(INPUT));
+    }
+}
+
+void Click(POINT at)
+{
+    SetCursorPos(at.x, at.y);
+    Sleep(10);
+    for (const DWORD flag : {MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP}) {
+        INPUT input = {};
+        input.type = INPUT_MOUSE;
+        input.mi.dwFlags = flag;
+        SendInput(1, &input, sizeof input);
+        Sleep(10);
+    }
+}
+
+// A point of a window by its share of the width and of the height.
+POINT PointIn(HWND window, double x, double y)
+{
+    RECT area = {};
+    GetWindowRect(window, &area);
+    return {area.left + static_cast<LONG>((area.right - area.left) * x),
+            area.top + static_cast<LONG>((area.bottom - area.top) * y)};
+}
+
+class BrowserWindow : public testing::Test
+{
+protected:
+    BrowserWindow()
+    {
+        thread = std::thread([this] {
+            CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+            {
+                BrowseWindow window({1000, 700});
+                ShowWindow(window.Handle(), SW_SHOW);
+                SetForegroundWindow(window.Handle());
+                frame = window.Handle();
+                MSG message = {};
+                while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+                    if (window.Translate(message))
+                        continue;
+                    TranslateMessage(&message);
+                    DispatchMessageW(&message);
+                }
+            }
+            CoUninitialize();
+        });
+        WaitFor([&] { return frame.load() && GetForegroundWindow() == frame; });
+        tree = GetDlgItem(frame, IDC_TREE);
+        preview = GetDlgItem(frame, IDC_PREVIEW);
+        panelHost = FindWindowExW(frame, nullptr, L"VixaPanelHost", nullptr);
+    }
+
+    ~BrowserWindow() override
+    {
+        Press(VK_MENU, true);
+        Key(VK_F4);
+        Press(VK_MENU, false);
+        if (!WaitFor([&] { return !IsWindow(frame); }))
+            PostMessageW(frame, WM_CLOSE, 0, 0);
+        thread.join();
+    }
+
+    HWND Panel() const { return FindWindowExW(panelHost, nullptr, L"#32770", nullptr); }
+
+    // What the preview shows.
+    std::vector<std::uint8_t> Seen() const
+    {
+        const Picture window = PictureOf(frame);
+        RECT client = {}, pane = {};
+        GetClientRect(frame, &client);
+        MapWindowPoints(frame, nullptr, reinterpret_cast<POINT*>(&client), 2);
+        GetWindowRect(preview, &pane);
+        const int left = pane.left - client.left, top = window.height - (client.bottom - pane.top);
+        std::vector<std::uint8_t> pixels;
+        for (int y = top; y < top + pane.bottom - pane.top; ++y)
+            pixels.insert(pixels.end(), window.Row(y) + left * 4, window.Row(y) + (left + pane.right - pane.left) * 4);
+        return pixels;
+    }
+
+    // What the preview shows once it has come to rest.
+    std::vector<std::uint8_t> SeenAtRest() const
+    {
+        std::vector<std::uint8_t> last = Seen();
+        for (int calm = 0; calm < 4;) {
+            Sleep(25);
+            std::vector<std::uint8_t> now = Seen();
+            calm = now == last ? calm + 1 : 0;
+            last = std::move(now);
+        }
+        return last;
+    }
+
+    bool ChangesFrom(const std::vector<std::uint8_t>& before) const
+    {
+        return WaitFor([&] { return Seen() != before; }, 3000);
+    }
+
+    // Types a file name into the system's dialog that a key has opened.
+    void AnswerFileDialog(const std::filesystem::path& file)
+    {
+        HWND dialog = nullptr;
+        ASSERT_TRUE(WaitFor([&] {
+            dialog = GetForegroundWindow();
+            return dialog && dialog != frame && ClassOf(dialog) == L"#32770";
+        })) << "no file dialog came";
+        Sleep(300);
+        Type(std::filesystem::absolute(file).native());
+        Key(VK_RETURN);
+        ASSERT_TRUE(WaitFor([&] { return !IsWindow(dialog); })) << "the file dialog stayed";
+        WaitFor([&] { return GetForegroundWindow() == frame; });
+    }
+
+    std::vector<HTREEITEM> Effects() const
+    {
+        std::vector<HTREEITEM> effects;
+        for (HTREEITEM group = TreeView_GetRoot(tree); group; group = TreeView_GetNextSibling(tree, group))
+            for (HTREEITEM item = TreeView_GetChild(tree, group); item; item = TreeView_GetNextSibling(tree, item))
+                effects.push_back(item);
+        return effects;
+    }
+
+    std::wstring Name(HTREEITEM effect) const
+    {
+        wchar_t text[100] = {};
+        TVITEMW item = {};
+        item.mask = TVIF_TEXT;
+        item.hItem = effect;
+        item.pszText = text;
+        item.cchTextMax = 100;
+        TreeView_GetItem(tree, &item);
+        return text;
+    }
+
+    void Choose(HTREEITEM effect) const
+    {
+        TreeView_EnsureVisible(tree, effect);
+        RECT row = {};
+        TreeView_GetItemRect(tree, effect, &row, TRUE);
+        MapWindowPoints(tree, nullptr, reinterpret_cast<POINT*>(&row), 2);
+        Click({(row.left + row.right) / 2, (row.top + row.bottom) / 2});
+        WaitFor([&] { return TreeView_GetSelection(tree) == effect; });
+        Sleep(50);
+    }
+
+    // Moves a slider by one page towards a share of its channel.
+    static void ClickSlider(HWND slider, double share)
+    {
+        RECT channel = {};
+        SendMessageW(slider, TBM_GETCHANNELRECT, 0, reinterpret_cast<LPARAM>(&channel));
+        POINT at = {channel.left + static_cast<LONG>((channel.right - channel.left) * share),
+                    (channel.top + channel.bottom) / 2};
+        ClientToScreen(slider, &at);
+        Click(at);
+    }
+
+    // Does to a control what a user does; false for one that isn't there to change the picture.
+    static bool Operate(HWND control)
+    {
+        const std::wstring kind = ClassOf(control);
+        const auto style = static_cast<DWORD>(GetWindowLongPtrW(control, GWL_STYLE));
+        if (!(style & WS_VISIBLE))
+            return false;
+        if (kind == L"msctls_trackbar32") {
+            ClickSlider(control, 0.97);
+            return true;
+        }
+        if (kind == L"ComboBox") {
+            SetFocusByClick(control);
+            return true;
+        }
+        const DWORD button = style & BS_TYPEMASK;
+        if (kind == L"Button" && (button == BS_AUTOCHECKBOX || button == BS_CHECKBOX)) {
+            Click(PointIn(control, 0.1, 0.5));
+            return true;
+        }
+        return false;
+    }
+
+    // Opens the list and takes the entry below.
+    static void SetFocusByClick(HWND combo)
+    {
+        Click(PointIn(combo, 0.95, 0.5));
+        Sleep(100);
+        Key(VK_DOWN);
+        Key(VK_RETURN);
+    }
+
+    std::thread thread;
+    std::atomic<HWND> frame = nullptr;
+    HWND tree = nullptr, preview = nullptr, panelHost = nullptr;
+};
+
+TEST_F(BrowserWindow, EveryEffectAndEveryControlChangesThePicture)
+{
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    const std::filesystem::path in = L"browse-in.png", out = L"browse-out.png";
+    const Picture scene = DrawSampleScene();
+    WritePicture(in, PictureFormat::Png, scene);
+    DeleteFileW(out.c_str());
+
+    Key('O', true);
+    AnswerFileDialog(in);
+    EXPECT_TRUE(WaitFor([&] { return TextOf(frame).starts_with(L"browse-in.png"); })) << "the picture wasn't opened";
+    Key('3', true); // nothing but the result
+    const auto plain = SeenAtRest();
+
+    const std::vector<HTREEITEM> effects = Effects();
+    ASSERT_EQ(effects.size(), 13u);
+    std::size_t operated = 0;
+    for (const HTREEITEM effect : effects) {
+        SCOPED_TRACE(testing::Message() << "effect " << std::filesystem::path(Name(effect)).string());
+        Choose(effect);
+        ASSERT_EQ(TreeView_GetSelection(tree), effect);
+        bool any = false;
+        auto before = SeenAtRest();
+        // Sliders first: with an intensity of 0 the choice of a colour has nothing to show.
+        std::vector<HWND> controls;
+        for (HWND control = GetWindow(Panel(), GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT))
+            controls.insert(ClassOf(control) == L"msctls_trackbar32" ? controls.begin() : controls.end(), control);
+        for (const HWND control : controls) {
+            // A box that only joins the sliders shows its work at the next slider.
+            const bool joins = ClassOf(control) == L"Button" &&
+                               FindWindowExW(Panel(), nullptr, L"msctls_trackbar32", nullptr) != nullptr;
+            if (!Operate(control))
+                continue;
+            any = true;
+            ++operated;
+            if (joins)
+                ClickSlider(FindWindowExW(Panel(), nullptr, L"msctls_trackbar32", nullptr), 0.03);
+            EXPECT_TRUE(ChangesFrom(before)) << "control " << GetDlgCtrlID(control) << " changed nothing";
+            before = SeenAtRest();
+        }
+        if (!any) {
+            EXPECT_NE(before, plain) << "an effect without settings shows at once";
+        }
+    }
+    EXPECT_GE(operated, 12u) << "the panels' controls were found";
+
+    // Undo and redo what the last panel with controls has not seen: the choice of the last effect.
+    const auto last = SeenAtRest();
+    Key('Z', true);
+    EXPECT_TRUE(ChangesFrom(last));
+    Key('Y', true);
+    EXPECT_TRUE(WaitFor([&] { return Seen() == last; }));
+
+    Key('S', true);
+    AnswerFileDialog(out);
+    ASSERT_TRUE(WaitFor([&] { return std::filesystem::exists(out); })) << "nothing was saved";
+    const Picture saved = ReadPicture(out);
+    EXPECT_EQ(saved.width, scene.width);
+    EXPECT_NE(saved.pixels, scene.pixels);
+    DeleteFileW(in.c_str());
+    DeleteFileW(out.c_str());
+    CoUninitialize();
+}
+
+TEST_F(BrowserWindow, TheDividerAndTheStackFollowTheMouse)
+{
+    const auto both = SeenAtRest();
+    Click(PointIn(preview, 0.25, 0.5));
+    EXPECT_TRUE(ChangesFrom(both)) << "the divider stayed";
+    const HWND list = GetDlgItem(frame, IDC_STACK);
+    ASSERT_EQ(ListView_GetItemCount(list), 1);
+    Click(PointIn(GetDlgItem(frame, IDM_ADD), 0.5, 0.5));
+    EXPECT_TRUE(WaitFor([&] { return ListView_GetItemCount(list) == 2; }));
+    Choose(Effects()[9]);
+    auto seen = SeenAtRest();
+    RECT box = {};
+    ListView_GetItemRect(list, 1, &box, LVIR_BOUNDS);
+    POINT at = {box.left + 10, (box.top + box.bottom) / 2};
+    ClientToScreen(list, &at);
+    Click(at);
+    EXPECT_TRUE(ChangesFrom(seen)) << "switching the step off shows";
+    EXPECT_FALSE(ListView_GetCheckState(list, 1));
+    Click(PointIn(GetDlgItem(frame, IDM_REMOVE), 0.5, 0.5));
+    EXPECT_TRUE(WaitFor([&] { return ListView_GetItemCount(list) == 1; }));
+}
+
+} // namespace

@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# wine-display.sh PROGRAM [ARGUMENT...]: runs a Windows program on Wine on a virtual display of its own, one program at a time.
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+export VIXA_WINEPREFIX="${VIXA_WINEPREFIX:-$root/build/wine-screen}"
+mkdir -p "$root/build"
+exec 8>"$VIXA_WINEPREFIX.lock"
+flock 8
+[ -f "$VIXA_WINEPREFIX/.ready" ] || "$root/tools/wine-run.sh" --display cmd /c exit >/dev/null 2>&1 8>&- || true
+# What still lives of an earlier run belongs to a display that is gone.
+WINEPREFIX="$VIXA_WINEPREFIX" wineserver -w 8>&- || true
+status=0
+xvfb-run -a -s "-screen 0 ${VIXA_SCREEN:-2560x1600}x24" "$root/tools/wine-run.sh" --display "$@" 8>&- || status=$?
+exit $status
