@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstring>
 #include <functional>
 #include <string>
 #include <thread>
@@ -58,18 +59,18 @@ void Key(WORD key, bool control = false)
     Sleep(20);
 }
 
-void Type(const std::wstring& text)
+// Through the clipboard: suggestions that a field makes while letters come in one by one would get between them.
+void Paste(const std::wstring& text)
 {
-    for (const wchar_t letter : text) {
-        INPUT input[2] = {};
-        for (INPUT& one : input) {
-            one.type = INPUT_KEYBOARD;
-            one.ki.wScan = letter;
-            one.ki.dwFlags = KEYEVENTF_UNICODE;
-        }
-        input[1].ki.dwFlags |= KEYEVENTF_KEYUP;
-        SendInput(2, input, sizeof(INPUT));
-    }
+    const std::size_t bytes = (text.size() + 1) * sizeof(wchar_t);
+    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes);
+    std::memcpy(GlobalLock(memory), text.c_str(), bytes);
+    GlobalUnlock(memory);
+    ASSERT_TRUE(WaitFor([] { return OpenClipboard(nullptr) != FALSE; }));
+    EmptyClipboard();
+    SetClipboardData(CF_UNICODETEXT, memory);
+    CloseClipboard();
+    Key('V', true);
 }
 
 void Click(POINT at)
@@ -167,7 +168,7 @@ protected:
         return WaitFor([&] { return Seen() != before; }, 3000);
     }
 
-    // Types a file name into the system's dialog that a key has opened.
+    // Puts a file name into the system's dialog that a key has opened.
     void AnswerFileDialog(const std::filesystem::path& file)
     {
         HWND dialog = nullptr;
@@ -176,7 +177,8 @@ protected:
             return dialog && dialog != frame && ClassOf(dialog) == L"#32770";
         })) << "no file dialog came";
         Sleep(300);
-        Type(std::filesystem::absolute(file).native());
+        Paste(file.native());
+        Sleep(200);
         Key(VK_RETURN);
         ASSERT_TRUE(WaitFor([&] { return !IsWindow(dialog); })) << "the file dialog stayed";
         WaitFor([&] { return GetForegroundWindow() == frame; });
@@ -265,7 +267,9 @@ protected:
 TEST_F(BrowserWindow, EveryEffectAndEveryControlChangesThePicture)
 {
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    const std::filesystem::path in = L"browse-in.png", out = L"browse-out.png";
+    // Whole paths: while the system's file dialog is open, the current folder is its own.
+    const std::filesystem::path here = std::filesystem::current_path();
+    const std::filesystem::path in = here / L"browse-in.png", out = here / L"browse-out.png";
     const Picture scene = DrawSampleScene();
     WritePicture(in, PictureFormat::Png, scene);
     DeleteFileW(out.c_str());
