@@ -104,6 +104,7 @@ void CDialogSelectAddPixel::ResetControls()
     for (const auto& link : links) {
         link->slider.SetRangeMax(highest);
         link->slider.SetRangeMin(lowest);
+        link->slider.SetPos(lowest); // some trackbars draw the thumb anew only when the position changes
         link->moveTo(0);
     }
 }

@@ -48,6 +48,7 @@ void CDialogSelectColor::OnInitDialog(WPARAM focusControl)
 
     slider.SetRangeMax(255);
     slider.SetRangeMin(-255);
+    slider.SetPos(-255); // some trackbars draw the thumb anew only when the position changes
     slider.SetPos(0);
     const struct
     {
