@@ -36,7 +36,7 @@ function(vixa_test name)
     cmake_parse_arguments(arg "" "LABEL" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE vixa_flags ${arg_LIBRARIES} gtest_main gtest)
-    add_test(NAME ${name} COMMAND ${name} "--gtest_output=xml:${CMAKE_BINARY_DIR}/results/${name}.xml"
+    add_test(NAME ${name} COMMAND ${name} "--gtest_output=xml:results/${name}.xml"
         WORKING_DIRECTORY "${CMAKE_BINARY_DIR}")
     set_tests_properties(${name} PROPERTIES TIMEOUT 300)
     if(arg_LABEL)
