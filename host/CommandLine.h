@@ -62,7 +62,7 @@ struct PanelCommand
 
 struct ValidateCommand
 {
-    std::filesystem::path library;   // empty: the one beside the program
+    std::filesystem::path dll;       // empty: the one beside the program
     std::vector<std::string> groups; // empty: all
     bool json, list;
     int secondsPerCheck;
@@ -71,7 +71,7 @@ struct ValidateCommand
 // One group of checks in a process of its own; what `validate` starts, not for people.
 struct ChildCommand
 {
-    std::filesystem::path library;
+    std::filesystem::path dll;
     std::string group;
     int firstCheck;
     UINT_PTR report; // an inherited pipe handle

@@ -79,28 +79,28 @@ void ValidateLibrary(const ValidateCommand& command)
             throw WrongWords("There is no group \"" + group + "\" of checks; did you mean " +
                              Alternatives(NearestNames(group, groups)) + "? `vixahost validate --list` shows all.");
     ValidationRequest request;
-    request.library = std::filesystem::absolute(command.library.empty() ? LibraryBesideTheProgram() : command.library)
-                          .make_preferred();
+    request.dll =
+        std::filesystem::absolute(command.dll.empty() ? LibraryBesideTheProgram() : command.dll).make_preferred();
     request.program = ThisProgram();
     request.groups = command.groups;
     request.secondsPerCheck = command.secondsPerCheck;
-    if (GetFileAttributesW(request.library.c_str()) == INVALID_FILE_ATTRIBUTES)
-        throw FailedJob("There is no library to check: " + Show(request.library));
+    if (GetFileAttributesW(request.dll.c_str()) == INVALID_FILE_ATTRIBUTES)
+        throw FailedJob("There is no library to check: " + Show(request.dll));
 
     const auto results = Validate(request, [&](const Result& result) {
         if (!command.json)
             Say(Line(result));
     });
-    Say(command.json ? ToJson(request.library, results) : Tally(results));
+    Say(command.json ? ToJson(request.dll, results) : Tally(results));
     const auto bad = Count(results, Status::Failed) + Count(results, Status::Crashed);
     if (bad > 0)
-        throw FailedJob(std::to_string(bad) + (bad == 1 ? " check" : " checks") + " failed on " +
-                        Show(request.library) + "; docs/validator.md says what each one asks for.");
+        throw FailedJob(std::to_string(bad) + (bad == 1 ? " check" : " checks") + " failed on " + Show(request.dll) +
+                        "; docs/validator.md says what each one asks for.");
 }
 
 void RunChecksAsChild(const ChildCommand& command)
 {
-    RunAsChild(command.library, command.group, command.firstCheck, reinterpret_cast<HANDLE>(command.report));
+    RunAsChild(command.dll, command.group, command.firstCheck, reinterpret_cast<HANDLE>(command.report));
 }
 
 } // namespace vixa::host

@@ -24,7 +24,7 @@ public:
         reports.reset(read);
         const UniqueEvent writingEnd(write);
         SetHandleInformation(read, HANDLE_FLAG_INHERIT, 0);
-        std::wstring words = L"\"" + request.program.wstring() + L"\" validate-child \"" + request.library.wstring() +
+        std::wstring words = L"\"" + request.program.wstring() + L"\" validate-child \"" + request.dll.wstring() +
                              L"\" " + Wide(group) + L" " + std::to_wstring(firstCheck) + L" " +
                              std::to_wstring(reinterpret_cast<UINT_PTR>(write));
         STARTUPINFOW start = {};

@@ -20,7 +20,7 @@ struct Result
 
 struct ValidationRequest
 {
-    std::filesystem::path library;
+    std::filesystem::path dll;
     std::filesystem::path program;   // a vixahost, which is started for the children
     std::vector<std::string> groups; // empty: all
     int secondsPerCheck = 20;        // a check that takes longer counts as crashed, and its process is ended

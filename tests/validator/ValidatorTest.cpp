@@ -17,7 +17,7 @@ namespace {
 std::vector<Result> Examine(const std::filesystem::path& library, std::vector<std::string> groups, int seconds = 20)
 {
     ValidationRequest request;
-    request.library = library;
+    request.dll = library;
     request.program = ThisProgram().parent_path() / L"vixahost.exe";
     request.groups = std::move(groups);
     request.secondsPerCheck = seconds;
