@@ -3,22 +3,21 @@
 
 #include <unknwn.h>
 
-inline constexpr IID IID_IEffectInfo = {
-    0x194ADE67, 0xAFBF, 0x4A1F, {0x99, 0x78, 0x48, 0xB0, 0x5C, 0xEF, 0xB0, 0x83}};
+inline constexpr IID IID_IEffectInfo = {0x194ADE67, 0xAFBF, 0x4A1F, {0x99, 0x78, 0x48, 0xB0, 0x5C, 0xEF, 0xB0, 0x83}};
 
-// Reached with QueryInterface on an effect's class factory; answers QueryInterface(IID_IClassFactory) with that factory, or
-// with a new one of the same effect when that is gone. Several requests lead to one object while it lives.
+// Reached with QueryInterface on an effect's class factory; answers QueryInterface(IID_IClassFactory) with that
+// factory, or with a new one of the same effect when that is gone. Several requests lead to one object while it lives.
 //
-// Texts and pictures go by two calls: the first with a null buffer for the size, the second with a buffer of at least that
-// size. Text lengths count characters with the terminator and are never read, so a text's buffer must be as long as the
-// first call said; picture sizes count bytes, and are read as the buffer's capacity.
+// Texts and pictures go by two calls: the first with a null buffer for the size, the second with a buffer of at least
+// that size. Text lengths count characters with the terminator and are never read, so a text's buffer must be as long
+// as the first call said; picture sizes count bytes, and are read as the buffer's capacity.
 //
-// Threads: any, but texts and languages from one thread at a time (the language is the whole library's), and panels from
-// the thread that shows them. The numbers that are called the host's own are passed on as listed; the library gives
-// them no meaning.
+// Threads: any, but texts and languages from one thread at a time (the language is the whole library's), and panels
+// from the thread that shows them. The numbers that are called the host's own are passed on as listed; the library
+// gives them no meaning.
 //
-// Every operation answers S_OK, or E_INVALIDARG for a null pointer that it needs (ShowSettingsDialog: E_FAIL), or E_FAIL for
-// what the effect does not have. E_OUTOFMEMORY is possible where texts and windows are made.
+// Every operation answers S_OK, or E_INVALIDARG for a null pointer that it needs (ShowSettingsDialog: E_FAIL), or
+// E_FAIL for what the effect does not have. E_OUTOFMEMORY is possible where texts and windows are made.
 struct IEffectInfo : IUnknown
 {
     // A number of the host's own; 0 for every effect.
@@ -44,26 +43,27 @@ struct IEffectInfo : IUnknown
     // E_INVALIDARG without `size`.
     virtual HRESULT STDMETHODCALLTYPE GetIcon(BYTE* buffer, ULONG* size) = 0;
 
-    // A second picture, by the same rules, with a number of the host's own; a buffer needs `value` as well. No effect has
-    // one: E_FAIL.
+    // A second picture, by the same rules, with a number of the host's own; a buffer needs `value` as well. No effect
+    // has one: E_FAIL.
     virtual HRESULT STDMETHODCALLTYPE GetSecondBitmap(BYTE* buffer, ULONG* size, ULONG* value) = 0;
 
     // Which property set the effect takes (vixavideofx::PropertySetKind): 1, a data block, for every effect.
     virtual HRESULT STDMETHODCALLTYPE GetPropertySetKind(ULONG* kind) = 0;
 
-    // The description object of a parameter that is one number or one choice, with a reference that is the caller's. Data
-    // blocks have none: S_OK and null.
+    // The description object of a parameter that is one number or one choice, with a reference that is the caller's.
+    // Data blocks have none: S_OK and null.
     virtual HRESULT STDMETHODCALLTYPE GetPropertySetInfo(IUnknown** info) = 0;
 
     // Writes the effect's defaults into the host's property set (an IDataPropertySet) with one SetData, and puts the
     // controls of an open panel back. The set's own answer is not passed on.
     virtual HRESULT STDMETHODCALLTYPE SetDefaults(IUnknown* propertySet) = 0;
 
-    // Opens the effect's settings panel as a hidden child window of `parent`, or takes the one that is open already, and
-    // shows the property set's block in it; `*window` receives the panel. Every change is written to the set at once, and
-    // `parent` is sent `notifyMessage` with both parameters 0 (a reused panel keeps its first message and parent). Neither
-    // the set nor the parent is owned: the set must outlive the panel or be replaced by another call. The panel goes with
-    // its parent and may be destroyed before; released before its panel, this object leaves it behind without function.
+    // Opens the effect's settings panel as a hidden child window of `parent`, or takes the one that is open already,
+    // and shows the property set's block in it; `*window` receives the panel. Every change is written to the set at
+    // once, and `parent` is sent `notifyMessage` with both parameters 0 (a reused panel keeps its first message and
+    // parent). Neither the set nor the parent is owned: the set must outlive the panel or be replaced by another call.
+    // The panel goes with its parent and may be destroyed before; released before its panel, this object leaves it
+    // behind without function.
     virtual HRESULT STDMETHODCALLTYPE ShowSettingsDialog(ULONG ignored, HWND parent, UINT notifyMessage,
                                                          IUnknown* propertySet, HWND* window) = 0;
 
