@@ -9,6 +9,11 @@ flock 8
 [ -f "$VIXA_WINEPREFIX/.ready" ] || "$root/tools/wine-run.sh" --display cmd /c exit >/dev/null 2>&1 8>&- || true
 # What still lives of an earlier run belongs to a display that is gone.
 WINEPREFIX="$VIXA_WINEPREFIX" wineserver -w 8>&- || true
+# Ended before their display goes, the desktop's own processes don't complain about it.
 status=0
-xvfb-run -a -s "-screen 0 ${VIXA_SCREEN:-2560x1600}x24" "$root/tools/wine-run.sh" --display "$@" 8>&- || status=$?
+xvfb-run -a -s "-screen 0 ${VIXA_SCREEN:-2560x1600}x24" bash -c '
+    "$0" --display "$@"
+    status=$?
+    WINEPREFIX="$VIXA_WINEPREFIX" wineserver -k
+    exit $status' "$root/tools/wine-run.sh" "$@" 8>&- || status=$?
 exit $status
