@@ -30,7 +30,7 @@ state() {
         awk -v hive="$hive" '
             /^#time=/ { next }
             /^\[/ { sub(/\] [0-9]+$/, "]"); key = $0 }
-            /^"DriverDateData"=/ || /^@="(Display adapters|Monitors)"$/ { next }
+            /^"DriverDate(Data)?"=/ || /^@="(Display adapters|Monitors)"$/ { next }
             /^$/ { next }
             { print hive ".reg", ($0 == key ? key : key " " $0) }' "$prefix/$hive.reg"
     done | sort >"$check/$1.registry"
@@ -82,7 +82,7 @@ for round in first repeated; do
 done
 state installed
 expect "effects registered" 13 "$(grep -c 'Editor\\\\Effects\] "{' "$check/installed.registry")"
-expect "exit code, listing effects from the installed folder" 0 "$(cd "$installed" && code wine vixahost.exe effects)"
+expect "exit code, checking the library in the installed folder" 0 "$(cd "$installed" && code wine vixahost.exe validate)"
 
 # While somebody reads the library nothing is touched.
 printf '@ping -n 9 127.0.0.1 <"C:\\Program Files\\VixaVideoFX\\VixaVideoFX.dll" >nul\r\n' >"$prefix/drive_c/read.cmd"
