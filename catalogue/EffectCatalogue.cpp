@@ -175,7 +175,7 @@ STDMETHODIMP EffectCatalogue::SetDefaults(IUnknown* propertySet) noexcept
     if (block.empty())
         return E_FAIL;
     static_cast<IDataPropertySet*>(propertySet)->SetData(block.data(), static_cast<int>(block.size_bytes()));
-    panels.Reset(effect);
+    panel.Reset();
     return S_OK;
 }
 
@@ -185,9 +185,12 @@ STDMETHODIMP EffectCatalogue::ShowSettingsDialog(ULONG, HWND parent, UINT notify
     if (!propertySet || !window || !factoryTemplate)
         return E_FAIL;
     *window = nullptr;
+    const EffectRecord* const record = Record();
+    if (!record)
+        return E_FAIL;
     try {
-        *window = panels.Show(*factoryTemplate->m_ClsID, g_hInst, parent, notifyMessage,
-                              static_cast<IDataPropertySet*>(propertySet));
+        panel.Show(record->makePanel, g_hInst, parent, notifyMessage, static_cast<IDataPropertySet*>(propertySet),
+                   window);
     } catch (const std::exception&) {
         return E_OUTOFMEMORY;
     }

@@ -2,7 +2,7 @@
 // the object to a class factory.
 #pragma once
 
-#include "catalogue/EffectPanels.h"
+#include "dialogs/EffectPanel.h"
 #include "framework/DirectShow.h"
 
 #include <vixavideofx/IEffectInfo.h>
@@ -44,5 +44,5 @@ private:
     template <typename Field>
     HRESULT Answer(ULONG* out, Field field) const noexcept;
 
-    vixa::EffectPanels panels;
+    vixa::PanelOwner panel;
 };

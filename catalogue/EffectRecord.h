@@ -1,6 +1,8 @@
 // The catalogue's records: what a host is told of each effect, in one table.
 #pragma once
 
+#include "dialogs/EffectPanel.h"
+
 #include <windows.h>
 
 #include <vixavideofx/DataBlocks.h>
@@ -23,6 +25,7 @@ struct EffectRecord
     std::uint32_t secondBitmapId;
     std::uint32_t secondBitmapValue;
     vixavideofx::PropertySetKind parameterKind;
+    PanelMaker makePanel; // several effects share a panel class
 };
 
 // In the catalogue's order, which is not that of the factory templates.

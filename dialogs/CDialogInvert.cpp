@@ -51,16 +51,6 @@ void CDialogInvert::OnInitDialog(WPARAM focusControl)
     vixa::widenToTexts(dialog);
 }
 
-void CDialogInvert::OnDestroy()
-{
-    CBaseWnd::OnDestroy();
-}
-
-void CDialogInvert::OnNotify(LPARAM notifyHeader, WPARAM wParam)
-{
-    CBaseWnd::OnNotify(notifyHeader, wParam);
-}
-
 void CDialogInvert::OnCommand(LPARAM lParam, WPARAM)
 {
     if (!vixa::isFrom(lParam, red.GetHwnd()) && !vixa::isFrom(lParam, green.GetHwnd()) &&
@@ -81,6 +71,11 @@ void CDialogInvert::LoadValues()
     red.SetCheck(check(InvertBlock::Red));
     green.SetCheck(check(InvertBlock::Green));
     blue.SetCheck(check(InvertBlock::Blue));
+}
+
+void CDialogInvert::ResetControls()
+{
+    ClearChecks();
 }
 
 void CDialogInvert::ClearChecks()

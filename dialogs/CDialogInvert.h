@@ -1,24 +1,22 @@
 // The panel of "Invert color": which colours are inverted.
 #pragma once
 
+#include "dialogs/EffectPanel.h"
 #include "ui/CBaseCheckBox.h"
 #include "ui/CBaseText.h"
-#include "ui/CBaseWnd.h"
 
-class CDialogInvert : public CBaseWnd
+class CDialogInvert : public EffectPanel
 {
 public:
-    using CBaseWnd::CBaseWnd;
-    ~CDialogInvert() override = default;
+    CDialogInvert() : EffectPanel(802) {}
     const MessageMapEntry* GetMessageMap() override;
     void OnInitDialog(WPARAM focusControl) override;
-    void OnDestroy() override;
-    void OnNotify(LPARAM notifyHeader, WPARAM wParam) override;
 
     // `lParam` is the control that sends.
     virtual void OnCommand(LPARAM lParam, WPARAM wParam);
     // Shows the block; without one the controls stay as they are.
-    virtual void LoadValues();
+    void LoadValues() override;
+    void ResetControls() override;
     virtual void ClearChecks();
 
 private:

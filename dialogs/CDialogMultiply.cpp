@@ -46,11 +46,6 @@ void CDialogMultiply::OnInitDialog(WPARAM focusControl)
     vixa::widenToTexts(dialog);
 }
 
-void CDialogMultiply::OnDestroy()
-{
-    CBaseWnd::OnDestroy();
-}
-
 void CDialogMultiply::OnHScroll(LPARAM lParam, WPARAM wParam)
 {
     if (vixa::isFrom(lParam, slider.GetHwnd()))

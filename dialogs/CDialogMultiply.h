@@ -1,24 +1,22 @@
 // The panel of "Multiply pixel": the factor, shown with two decimal places.
 #pragma once
 
+#include "dialogs/EffectPanel.h"
 #include "ui/CBaseSlider.h"
 #include "ui/CBaseText.h"
-#include "ui/CBaseWnd.h"
 
-class CDialogMultiply : public CBaseWnd
+class CDialogMultiply : public EffectPanel
 {
 public:
-    using CBaseWnd::CBaseWnd;
-    ~CDialogMultiply() override = default;
+    CDialogMultiply() : EffectPanel(803) {}
     const MessageMapEntry* GetMessageMap() override;
     void OnInitDialog(WPARAM focusControl) override;
-    void OnDestroy() override;
 
     // `lParam` is the trackbar, the low word of `wParam` its request.
     virtual void OnHScroll(LPARAM lParam, WPARAM wParam);
-    virtual void ResetControls();
+    void ResetControls() override;
     // Shows the block; without one the controls stay as they are.
-    virtual void LoadValues();
+    void LoadValues() override;
 
 private:
     void showFactor();

@@ -12,8 +12,3 @@ const MessageMapEntry* CDialogNoPropreties::GetMessageMap()
 }
 
 void CDialogNoPropreties::OnInitDialog(WPARAM) {}
-
-void CDialogNoPropreties::OnDestroy()
-{
-    CBaseWnd::OnDestroy();
-}

@@ -1,14 +1,12 @@
 // The empty panel of the effects that have no settings.
 #pragma once
 
-#include "ui/CBaseWnd.h"
+#include "dialogs/EffectPanel.h"
 
-class CDialogNoPropreties : public CBaseWnd
+class CDialogNoPropreties : public EffectPanel
 {
 public:
-    using CBaseWnd::CBaseWnd;
-    ~CDialogNoPropreties() override = default;
+    CDialogNoPropreties() : EffectPanel(806) {}
     const MessageMapEntry* GetMessageMap() override;
     void OnInitDialog(WPARAM focusControl) override;
-    void OnDestroy() override;
 };

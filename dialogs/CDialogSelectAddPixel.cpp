@@ -74,11 +74,6 @@ void CDialogSelectAddPixel::OnInitDialog(WPARAM focusControl)
     vixa::widenToTexts(dialog);
 }
 
-void CDialogSelectAddPixel::OnDestroy()
-{
-    CBaseWnd::OnDestroy();
-}
-
 void CDialogSelectAddPixel::OnHScroll(LPARAM lParam, WPARAM wParam)
 {
     for (const auto& moved : links) {

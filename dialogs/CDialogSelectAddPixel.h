@@ -1,29 +1,27 @@
 // The panel of "Add pixel": a number for each colour, moved one by one or all together.
 #pragma once
 
+#include "dialogs/EffectPanel.h"
 #include "ui/CBaseCheckBox.h"
 #include "ui/CBaseSlider.h"
 #include "ui/CBaseText.h"
-#include "ui/CBaseWnd.h"
 
 #include <cstdint>
 #include <memory>
 #include <vector>
 
-class CDialogSelectAddPixel : public CBaseWnd
+class CDialogSelectAddPixel : public EffectPanel
 {
 public:
-    using CBaseWnd::CBaseWnd;
-    ~CDialogSelectAddPixel() override = default;
+    CDialogSelectAddPixel() : EffectPanel(801) {}
     const MessageMapEntry* GetMessageMap() override;
     void OnInitDialog(WPARAM focusControl) override;
-    void OnDestroy() override;
 
     // `lParam` is the trackbar, the low word of `wParam` its request.
     virtual void OnHScroll(LPARAM lParam, WPARAM wParam);
-    virtual void ResetControls();
+    void ResetControls() override;
     // Shows the block; without one the controls stay as they are.
-    virtual void LoadValues();
+    void LoadValues() override;
 
 private:
     // A colour's slider with its value text, and where the panel last saw the slider: what a move is measured from.

@@ -71,11 +71,6 @@ void CDialogSelectColor::OnInitDialog(WPARAM focusControl)
     vixa::widenToTexts(dialog);
 }
 
-void CDialogSelectColor::OnDestroy()
-{
-    CBaseWnd::OnDestroy();
-}
-
 void CDialogSelectColor::OnHScroll(LPARAM lParam, WPARAM wParam)
 {
     if (vixa::isFrom(lParam, slider.GetHwnd()))

@@ -1,30 +1,28 @@
 // The panel of "Filter color": an intensity and the colour that it goes to.
 #pragma once
 
+#include "dialogs/EffectPanel.h"
 #include "ui/CBaseListBox.h"
 #include "ui/CBaseSlider.h"
 #include "ui/CBaseText.h"
-#include "ui/CBaseWnd.h"
 
 #include <cstdint>
 
-class CDialogSelectColor : public CBaseWnd
+class CDialogSelectColor : public EffectPanel
 {
 public:
-    using CBaseWnd::CBaseWnd;
-    ~CDialogSelectColor() override = default;
+    CDialogSelectColor() : EffectPanel(800) {}
     const MessageMapEntry* GetMessageMap() override;
     void OnInitDialog(WPARAM focusControl) override;
-    void OnDestroy() override;
 
     // `lParam` is the trackbar, the low word of `wParam` its request.
     virtual void OnHScroll(LPARAM lParam, WPARAM wParam);
     virtual void OnColourChosen();
     // Writes the block and tells the host.
     virtual void StoreValues();
-    virtual void ResetControls();
+    void ResetControls() override;
     // Shows the block; without one the controls stay as they are.
-    virtual void LoadValues();
+    void LoadValues() override;
 
 private:
     void selectColour(std::int32_t colour);

@@ -53,11 +53,6 @@ void CDialogSelectGamma::OnInitDialog(WPARAM focusControl)
     vixa::widenToTexts(dialog);
 }
 
-void CDialogSelectGamma::OnDestroy()
-{
-    CBaseWnd::OnDestroy();
-}
-
 void CDialogSelectGamma::OnHScroll(LPARAM, WPARAM wParam)
 {
     if (!vixa::settlesValue(wParam))

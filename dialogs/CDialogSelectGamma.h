@@ -1,24 +1,22 @@
 // The panel of "Gamma correction": darker to the left, brighter to the right.
 #pragma once
 
+#include "dialogs/EffectPanel.h"
 #include "ui/CBaseSlider.h"
 #include "ui/CBaseText.h"
-#include "ui/CBaseWnd.h"
 
-class CDialogSelectGamma : public CBaseWnd
+class CDialogSelectGamma : public EffectPanel
 {
 public:
-    using CBaseWnd::CBaseWnd;
-    ~CDialogSelectGamma() override = default;
+    CDialogSelectGamma() : EffectPanel(804) {}
     const MessageMapEntry* GetMessageMap() override;
     void OnInitDialog(WPARAM focusControl) override;
-    void OnDestroy() override;
 
     // The low word of `wParam` is the trackbar's request.
     virtual void OnHScroll(LPARAM lParam, WPARAM wParam);
     // Shows the block; without one the controls stay as they are.
-    virtual void LoadValues();
-    virtual void ResetControls();
+    void LoadValues() override;
+    void ResetControls() override;
 
 private:
     CBaseSlider slider; // gamma in hundredths

@@ -47,11 +47,6 @@ void CDialogShiftEdges::OnInitDialog(WPARAM focusControl)
     vixa::widenToTexts(dialog);
 }
 
-void CDialogShiftEdges::OnDestroy()
-{
-    CBaseWnd::OnDestroy();
-}
-
 void CDialogShiftEdges::OnCommand(LPARAM lParam, WPARAM)
 {
     if (!vixa::isFrom(lParam, horizontal.GetHwnd()) && !vixa::isFrom(lParam, vertical.GetHwnd()))

@@ -1,22 +1,20 @@
 // The panel of "Shift edges": in which directions. At least one stays chosen.
 #pragma once
 
+#include "dialogs/EffectPanel.h"
 #include "ui/CBaseCheckBox.h"
-#include "ui/CBaseWnd.h"
 
-class CDialogShiftEdges : public CBaseWnd
+class CDialogShiftEdges : public EffectPanel
 {
 public:
-    using CBaseWnd::CBaseWnd;
-    ~CDialogShiftEdges() override = default;
+    CDialogShiftEdges() : EffectPanel(805) {}
     const MessageMapEntry* GetMessageMap() override;
     void OnInitDialog(WPARAM focusControl) override;
-    void OnDestroy() override;
 
     // `lParam` is the control that sends.
     virtual void OnCommand(LPARAM lParam, WPARAM wParam);
     // Shows the block; without one both boxes are clear.
-    virtual void LoadValues();
+    void LoadValues() override;
     virtual void ClearChecks();
 
 private:

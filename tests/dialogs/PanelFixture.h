@@ -2,7 +2,6 @@
 // notifications on record.
 #pragma once
 
-#include "dialogs/CColourEffects.h"
 #include "dialogs/CDialogInvert.h"
 #include "dialogs/CDialogMultiply.h"
 #include "dialogs/CDialogNoPropreties.h"
@@ -79,45 +78,26 @@ public:
     int reportedSize = -1; // -1: the block's
 };
 
-// Opens `dialog` as a host's request does: the first time makes the window, a later one hands it out again.
 template <typename Dialog>
-HWND openPanel(Dialog& dialog, CColourEffects& context, HWND host, std::uint32_t templateId, IDataPropertySet* set)
-{
-    constexpr bool hasValues = requires
-    {
-        dialog.LoadValues();
-    };
-    if (!dialog.GetHwnd()) {
-        context.SetInstance(GetModuleHandleW(nullptr));
-        dialog.SetContext(&context);
-        dialog.Create(host, templateId);
-        if constexpr (hasValues) {
-            dialog.SetParams(set);
-            dialog.LoadValues();
-            dialog.SetNotifyMessage(HostWindow::changed);
-        }
-    } else {
-        if constexpr (hasValues)
-            dialog.SetParams(set);
-        dialog.OnReuse();
-        if constexpr (hasValues)
-            dialog.LoadValues();
-    }
-    return dialog.GetHwnd();
-}
-
-template <typename Dialog, std::uint32_t templateId>
 class Panel
 {
 public:
     explicit Panel(HostWindow& inHost, RecordingSet::Block initial) : host(inHost), set(std::move(initial))
     {
-        window = openPanel(dialog, context, host.hwnd, templateId, &set);
-        dialog.Show(1);
+        window = show(&set);
+        ShowWindow(window, SW_SHOW);
         HostWindow::pump(window);
     }
 
-    void reuse(IDataPropertySet* other) { openPanel(dialog, context, host.hwnd, templateId, other); }
+    // Asks for the panel, as a host does whenever it wants to see it.
+    HWND show(IDataPropertySet* values)
+    {
+        HWND shown = nullptr;
+        owner.Show(vixa::MakePanel<Dialog>, GetModuleHandleW(nullptr), host.hwnd, HostWindow::changed, values, &shown);
+        return shown;
+    }
+    // Shows what the set holds now.
+    void reload() { show(&set); }
 
     HWND control(int id) const { return GetDlgItem(window, id); }
     std::wstring text(int id) const
@@ -175,8 +155,7 @@ public:
 
     HostWindow& host;
     RecordingSet set;
-    CColourEffects context;
-    Dialog dialog;
+    vixa::PanelOwner owner;
     HWND window = nullptr;
 
 private:
@@ -203,10 +182,10 @@ private:
     }
 };
 
-using ColourPanel = Panel<CDialogSelectColor, 800>;
-using AddPanel = Panel<CDialogSelectAddPixel, 801>;
-using InvertPanel = Panel<CDialogInvert, 802>;
-using MultiplyPanel = Panel<CDialogMultiply, 803>;
-using GammaPanel = Panel<CDialogSelectGamma, 804>;
-using ShiftPanel = Panel<CDialogShiftEdges, 805>;
-using EmptyPanel = Panel<CDialogNoPropreties, 806>;
+using ColourPanel = Panel<CDialogSelectColor>;
+using AddPanel = Panel<CDialogSelectAddPixel>;
+using InvertPanel = Panel<CDialogInvert>;
+using MultiplyPanel = Panel<CDialogMultiply>;
+using GammaPanel = Panel<CDialogSelectGamma>;
+using ShiftPanel = Panel<CDialogShiftEdges>;
+using EmptyPanel = Panel<CDialogNoPropreties>;

@@ -214,7 +214,7 @@ TEST_F(Panels, EveryScrollRequestButTheThumbsSettles)
 
     // Without a property set there is nothing to write; the host still hears of it.
     host.notifications = 0;
-    colour.dialog.SetParams(nullptr);
+    colour.show(nullptr);
     colour.scroll(1005, TB_ENDTRACK);
     EXPECT_EQ(host.notifications, 1);
     EXPECT_EQ(colour.set.writes.size(), 0u);
@@ -233,10 +233,10 @@ TEST_F(Panels, FactorsReadAsTwoPlaceDecimals)
                                 {150, L"1.50"},
                                 {200, L"2.00"}}) {
         panel.set.block = {factor};
-        panel.dialog.LoadValues();
+        panel.reload();
         EXPECT_EQ(panel.text(1030), text);
     }
-    panel.dialog.ResetControls();
+    panel.owner.Reset();
     EXPECT_EQ(panel.text(1030), L"0");
     EXPECT_EQ(panel.position(1029), 0);
 }
@@ -279,20 +279,20 @@ TEST_F(Panels, TheColourStaysWithItsEntryInAnyOrder)
         const LRESULT index = SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name));
         SendMessageW(combo, CB_SETITEMDATA, static_cast<WPARAM>(index), colour);
     }
-    panel.dialog.LoadValues();
+    panel.reload();
     EXPECT_EQ(panel.text(1003), L"Amarelo");
     panel.key(1003, VK_DOWN);
     EXPECT_EQ(written(panel.set), (Blocks{{0, 0}}));
     panel.key(1003, VK_DOWN);
     EXPECT_EQ(written(panel.set), (Blocks{{0, 1}}));
-    panel.dialog.ResetControls();
+    panel.owner.Reset();
     EXPECT_EQ(panel.text(1003), L"Azul");
     EXPECT_EQ(panel.text(1014), L"0");
 
     panel.set.block = {0, 7}; // no such colour
-    panel.dialog.LoadValues();
+    panel.reload();
     EXPECT_EQ(SendMessageW(combo, CB_GETCURSEL, 0, 0), CB_ERR);
-    panel.dialog.StoreValues();
+    panel.scroll(1005, TB_ENDTRACK);
     EXPECT_EQ(written(panel.set), (Blocks{{0, -1}}));
 }
 
@@ -310,9 +310,9 @@ TEST_F(Panels, InversionFollowsItsBoxes)
     SendMessageW(panel.window, WM_COMMAND, 1020, 0); // from no box of it
     EXPECT_EQ(written(panel.set), Blocks{});
     panel.set.block = {-4}; // only the bits count
-    panel.dialog.LoadValues();
+    panel.reload();
     EXPECT_TRUE(panel.checked(1020) && !panel.checked(1021) && !panel.checked(1022));
-    panel.dialog.ClearChecks();
+    panel.owner.Reset();
     EXPECT_FALSE(panel.checked(1020) || panel.checked(1021) || panel.checked(1022));
     EXPECT_EQ(written(panel.set), Blocks{});
 }
@@ -337,12 +337,12 @@ TEST_F(Panels, ShiftingKeepsADirection)
                                               {-1, true, true},
                                               {8, true, true}}) {
         panel.set.block = {kind};
-        panel.dialog.LoadValues();
+        panel.reload();
         EXPECT_EQ(panel.checked(1038), horizontal) << kind;
         EXPECT_EQ(panel.checked(1039), vertical) << kind;
     }
-    panel.dialog.ClearChecks();
-    EXPECT_FALSE(panel.checked(1038) || panel.checked(1039));
+    panel.owner.Reset();
+    EXPECT_TRUE(panel.checked(1038) && panel.checked(1039)) << "defaults leave it until it is shown again";
 }
 
 TEST_F(Panels, AllSlidersMoveTogetherAsFarAsEachCan)
@@ -380,11 +380,11 @@ TEST_F(Panels, AllSlidersMoveTogetherAsFarAsEachCan)
 
     // Moves are measured from what was loaded, not from what another instance had.
     RecordingSet other({50, 60, 70, 1});
-    panel.reuse(&other);
+    panel.show(&other);
     panel.put(1007, 51);
     panel.scroll(1007, TB_ENDTRACK);
     EXPECT_EQ(written(other), (Blocks{{51, 61, 71, 1}}));
-    panel.dialog.ResetControls();
+    panel.owner.Reset();
     EXPECT_EQ(panel.text(1014), L"0");
     panel.put(1009, 3);
     panel.scroll(1009, TB_ENDTRACK);
@@ -418,14 +418,13 @@ TEST_F(Panels, AReadThatGivesNothingLeavesTheControls)
     const auto failings = [](auto& panel) {
         panel.set.block.assign(panel.set.block.size(), 0);
         panel.set.readResult = E_FAIL;
-        panel.dialog.LoadValues();
+        panel.reload();
         panel.set.readResult = S_OK;
         for (int size : {0}) {
             panel.set.reportedSize = size;
-            panel.dialog.LoadValues();
+            panel.reload();
         }
-        panel.dialog.SetParams(nullptr);
-        panel.dialog.LoadValues();
+        panel.show(nullptr);
     };
     failings(colour);
     failings(add);
@@ -443,15 +442,13 @@ TEST_F(Panels, AReadThatGivesNothingLeavesTheControls)
     EXPECT_FALSE(shift.checked(1038) || shift.checked(1039)) << "unknown directions show as none";
 
     // A block that is longer than the panel's harms nothing, a shorter one reads as 0 at its end.
-    multiply.dialog.SetParams(&multiply.set);
     multiply.set.reportedSize = -1;
     multiply.set.block.assign(50000, 7);
-    multiply.dialog.LoadValues();
+    multiply.reload();
     EXPECT_EQ(multiply.text(1030), L"0.07");
-    colour.dialog.SetParams(&colour.set);
     colour.set.reportedSize = -1;
     colour.set.block = {9};
-    colour.dialog.LoadValues();
+    colour.reload();
     EXPECT_EQ(colour.text(1014) + colour.text(1003), L"9Blue");
 }
 
@@ -460,8 +457,7 @@ TEST_F(Panels, AReusedPanelBelongsToItsNewPropertySet)
     GammaPanel panel(host, {70});
     const HWND window = panel.window;
     RecordingSet other({180});
-    panel.reuse(&other);
-    EXPECT_EQ(panel.dialog.GetHwnd(), window);
+    EXPECT_EQ(panel.show(&other), window);
     EXPECT_EQ(panel.position(1034), 180);
     panel.key(1034, VK_RIGHT);
     EXPECT_EQ(written(other), (Blocks{{181}, {181}}));

@@ -1,6 +1,8 @@
 // A library that held panels is unloaded while messages still arrive at the host's thread.
 #include "tests/dialogs/PanelFixture.h"
-#include "tests/dialogs/PanelModule.h"
+#include "tests/support/Library.h"
+
+#include <vixavideofx/IEffectInfo.h>
 
 #include <gtest/gtest.h>
 
@@ -39,34 +41,38 @@ TEST(Unload, IsSafeWhileMessagesArrive)
     for (int i = 0; i < loads; ++i) {
         HostWindow host;
         RecordingSet set({1, 2, 3, 0});
-        const HMODULE module = LoadLibraryW(L"panel_module.dll");
-        ASSERT_NE(module, nullptr);
-        const auto makePanels =
-            reinterpret_cast<MakePanels>(reinterpret_cast<void*>(GetProcAddress(module, "makePanels")));
-        PanelModulePanels* const panels = makePanels();
-        ASSERT_EQ(panels->Open(host.hwnd, HostWindow::changed, &set), 7);
-        disturb(host.hwnd);
-        HostWindow::pump();
-        ASSERT_GT(host.notifications, 10);
-        disturb(host.hwnd);
-        switch (i % Ways) {
-        case ObjectsFirst:
-            panels->Release();
-            break;
-        case WindowsFirst:
-            while (const HWND child = GetWindow(host.hwnd, GW_CHILD))
-                DestroyWindow(child);
-            panels->Release();
-            break;
-        case HostFirst:
-            host.destroy();
-            panels->Release();
-            break;
-        default:
-            break;
+        std::vector<test::ComPtr<IEffectInfo>> panels;
+        {
+            const test::Library library;
+            for (const test::Effect& effect : test::effects) {
+                ASSERT_EQ(library.Factory(effect.clsid).As(&panels.emplace_back()), S_OK);
+                HWND panel = nullptr;
+                ASSERT_EQ(panels.back()->ShowSettingsDialog(0, host.hwnd, HostWindow::changed, &set, &panel), S_OK);
+                ShowWindow(panel, SW_SHOW);
+            }
+            disturb(host.hwnd);
+            HostWindow::pump();
+            ASSERT_GT(host.notifications, 10);
+            disturb(host.hwnd);
+            switch (i % Ways) {
+            case ObjectsFirst:
+                panels.clear();
+                break;
+            case WindowsFirst:
+                while (const HWND child = GetWindow(host.hwnd, GW_CHILD))
+                    DestroyWindow(child);
+                panels.clear();
+                break;
+            case HostFirst:
+                host.destroy();
+                panels.clear();
+                break;
+            default:
+                for (auto& panel : panels)
+                    static_cast<void>(panel.Detach());
+            }
         }
-        FreeLibrary(module);
-        ASSERT_EQ(GetModuleHandleW(L"panel_module.dll"), nullptr);
+        ASSERT_EQ(GetModuleHandleW(L"VixaVideoFX.dll"), nullptr);
         set.writes.clear();
         host.notifications = 0;
         HostWindow::pump();

@@ -1,0 +1,59 @@
+// The base of the settings panels: what the catalogue asks of a panel, whichever effect it belongs to.
+#pragma once
+
+#include "dialogs/CColourEffects.h"
+#include "ui/CBaseWnd.h"
+
+#include <cstdint>
+#include <memory>
+
+class EffectPanel : public CBaseWnd
+{
+public:
+    // `templateId` is the panel's dialog template in the library.
+    explicit EffectPanel(std::uint32_t templateId) : dialogTemplate(templateId) {}
+
+    // Shows the property set's values in the controls; a panel without controls shows nothing.
+    virtual void LoadValues() {}
+
+    // Puts the controls back after the effect's defaults were written. Not every panel does: some stay as they are
+    // until they are shown again.
+    virtual void ResetControls() {}
+
+    // Makes the window as a child of `parent` and loads the values, or, when the window exists, hands it out again for
+    // another property set (not owned; it must live as long as the panel is used). A new window sends `notifyMessage`
+    // to `parent` on each change; one that exists keeps its own. `*window` is null when no window can be made.
+    void Show(HINSTANCE library, HWND parent, UINT notifyMessage, IDataPropertySet* propertySet, HWND* window);
+
+private:
+    const std::uint32_t dialogTemplate;
+    CColourEffects resources;
+};
+
+namespace vixa {
+
+// Makes an effect's panel: what an effect's row names.
+using PanelMaker = std::shared_ptr<EffectPanel> (*)();
+
+template <typename Panel>
+std::shared_ptr<EffectPanel> MakePanel()
+{
+    return std::make_shared<Panel>();
+}
+
+// The settings panel of one catalogue object: made when it is first shown. Belongs to the thread that shows it.
+class PanelOwner
+{
+public:
+    // As EffectPanel::Show, after the panel has been made when there is none yet.
+    void Show(PanelMaker make, HINSTANCE library, HWND parent, UINT notifyMessage, IDataPropertySet* propertySet,
+              HWND* window);
+
+    // Puts the controls of an open panel back.
+    void Reset();
+
+private:
+    std::shared_ptr<EffectPanel> panel;
+};
+
+} // namespace vixa
