@@ -30,7 +30,7 @@ TintTables CachedTintTables(COLORREF color, BYTE amount) noexcept
     static BYTE lastAmount = 0; // no tint has amount 0
     const std::lock_guard lock(guard);
     if (lastAmount != amount || lastColor != color) {
-        tables = tintTables(color, amount);
+        tables = MakeTintTables(color, amount);
         lastColor = color;
         lastAmount = amount;
     }
@@ -78,7 +78,7 @@ int STDMETHODCALLTYPE BitmapBase::GetBitCount() const noexcept
 
 int STDMETHODCALLTYPE BitmapBase::GetStride() const noexcept
 {
-    return strideOf(GetWidth(), GetBitCount());
+    return StrideOf(GetWidth(), GetBitCount());
 }
 
 Size BitmapBase::PictureSize() const noexcept
@@ -93,7 +93,7 @@ bool STDMETHODCALLTYPE BitmapBase::LoadDib(const void* data, int size) noexcept
     if (!data || size < 1)
         return false;
     const auto* const bytes = static_cast<const std::byte*>(data);
-    const auto layout = parsePackedDib({bytes, static_cast<std::size_t>(size)});
+    const auto layout = ParsePackedDib({bytes, static_cast<std::size_t>(size)});
     Reset();
     if (!layout || !Create({layout->width, layout->height}, layout->bitCount))
         return false;
@@ -102,7 +102,7 @@ bool STDMETHODCALLTYPE BitmapBase::LoadDib(const void* data, int size) noexcept
         Reset();
         return false;
     }
-    std::memcpy(bits, bytes + layout->pixelOffset(), static_cast<std::size_t>(layout->pixelBytes));
+    std::memcpy(bits, bytes + layout->PixelOffset(), static_cast<std::size_t>(layout->pixelBytes));
     ReleaseBits();
     if (layout->bitCount < 16) {
         RGBQUAD* const palette = GetPaletteForWrite();
@@ -145,7 +145,7 @@ bool STDMETHODCALLTYPE BitmapBase::ReplaceKeyColor(const IBitmap* other, COLORRE
     const WritablePixels pixels = WritablePixelsOf(*this);
     if (pixels.bytes.empty() || replacement.bytes.empty())
         return false;
-    replaceKeyColor(pixels, replacement, keyColor);
+    vixa::bitmap::ReplaceKeyColor(pixels, replacement, keyColor);
     ReleaseBits();
     return true;
 }
@@ -166,7 +166,7 @@ bool STDMETHODCALLTYPE BitmapBase::Tint(const RECT& rect, COLORREF color, BYTE a
     const WritablePixels pixels = WritablePixelsOf(*this);
     if (pixels.bytes.empty())
         return false;
-    tint(pixels, FromRECT(rect), CachedTintTables(color, amount), mask ? &maskPixels : nullptr);
+    vixa::bitmap::Tint(pixels, FromRECT(rect), CachedTintTables(color, amount), mask ? &maskPixels : nullptr);
     ReleaseBits();
     return true;
 }
@@ -174,7 +174,7 @@ bool STDMETHODCALLTYPE BitmapBase::Tint(const RECT& rect, COLORREF color, BYTE a
 COLORREF STDMETHODCALLTYPE BitmapBase::GetPixel(int x, int y) const noexcept
 {
     const Pixels pixels = PixelsOf(*this);
-    const COLORREF color = pixels.bytes.empty() ? CLR_INVALID : pixelColor(pixels, x, y);
+    const COLORREF color = pixels.bytes.empty() ? CLR_INVALID : PixelColor(pixels, x, y);
     ReleaseBits();
     return color;
 }
@@ -182,7 +182,7 @@ COLORREF STDMETHODCALLTYPE BitmapBase::GetPixel(int x, int y) const noexcept
 bool STDMETHODCALLTYPE BitmapBase::ContainsColor(COLORREF color) const noexcept
 {
     const Pixels pixels = PixelsOf(*this);
-    const bool found = !pixels.bytes.empty() && containsColor(pixels, color);
+    const bool found = !pixels.bytes.empty() && vixa::bitmap::ContainsColor(pixels, color);
     ReleaseBits();
     return found;
 }
@@ -192,7 +192,7 @@ bool STDMETHODCALLTYPE BitmapBase::HasMinColorVariation(double limit, double) co
     const Pixels pixels = PixelsOf(*this);
     if (pixels.bytes.empty() || pixels.bitCount != 32)
         return false;
-    const ColorVariation found = colorVariation(pixels, limit);
+    const ColorVariation found = ColorVariationOf(pixels, limit);
     ReleaseBits();
     char text[512];
     if (found.reached)
@@ -209,20 +209,20 @@ bool STDMETHODCALLTYPE BitmapBase::HasMinColorVariation(double limit, double) co
 bool BitmapBase::DrawLayout(HDC dc, const RECT& destRect, int layoutNumber, double scaleX, double scaleY,
                             const IBltSrc& source) const noexcept
 {
-    const Layout layout = layoutFrom(layoutNumber);
+    const Layout layout = LayoutFrom(layoutNumber);
     const Rect destination = FromRECT(destRect);
     const Size picture = PictureSize();
     const Scale scale = {scaleX, scaleY};
     if (layout != Layout::Tile) {
-        const auto copy = layoutCopy(picture, destination, layout, scale);
+        const auto copy = LayoutCopy(picture, destination, layout, scale);
         return !copy || source.Blt(dc, ToRECT(copy->source), ToRECT(copy->destination));
     }
     RECT clip = {};
     GetClipBox(dc, &clip);
     const TileGrid tiles(picture, destination, FromRECT(clip), scale);
-    for (std::int64_t row = 0; row < tiles.rows(); ++row) {
-        for (std::int64_t column = 0; column < tiles.columns(); ++column) {
-            const Copy tile = tiles.tile(column, row);
+    for (std::int64_t row = 0; row < tiles.Rows(); ++row) {
+        for (std::int64_t column = 0; column < tiles.Columns(); ++column) {
+            const Copy tile = tiles.Tile(column, row);
             if (!source.Blt(dc, ToRECT(tile.source), ToRECT(tile.destination)))
                 return false;
         }

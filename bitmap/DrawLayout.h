@@ -16,7 +16,7 @@ enum class Layout
 };
 
 // The layout of a caller's number; whatever is not 1 to 4 stretches.
-constexpr Layout layoutFrom(int number) noexcept
+constexpr Layout LayoutFrom(int number) noexcept
 {
     return number >= 1 && number <= 4 ? static_cast<Layout>(number) : Layout::Stretch;
 }
@@ -37,20 +37,20 @@ struct Rect
     std::int32_t bottom = 0;
     bool operator==(const Rect&) const = default;
 
-    std::int64_t width() const noexcept { return std::int64_t{right} - left; }
-    std::int64_t height() const noexcept { return std::int64_t{bottom} - top; }
-    bool isEmpty() const noexcept { return width() < 1 || height() < 1; }
+    std::int64_t Width() const noexcept { return std::int64_t{right} - left; }
+    std::int64_t Height() const noexcept { return std::int64_t{bottom} - top; }
+    bool IsEmpty() const noexcept { return Width() < 1 || Height() < 1; }
 };
 
 // The part that two rectangles share; empty when they share none.
-Rect intersect(const Rect& a, const Rect& b) noexcept;
+Rect Intersect(const Rect& a, const Rect& b) noexcept;
 
 // Factors on the picture's pixels; only finite ones above 0 draw anything.
 struct Scale
 {
     double x = 1.0;
     double y = 1.0;
-    bool drawsAnything() const noexcept;
+    bool DrawsAnything() const noexcept;
 };
 
 // One stretched copy: a part of the picture and where it goes.
@@ -62,7 +62,7 @@ struct Copy
 
 // The copy that draws a picture of `picture` pixels into `destination` with any layout but Tile. Nothing when there is
 // nothing to draw: an empty picture or destination, a scale that draws nothing, a result below one pixel.
-std::optional<Copy> layoutCopy(Size picture, const Rect& destination, Layout layout, Scale scale) noexcept;
+std::optional<Copy> LayoutCopy(Size picture, const Rect& destination, Layout layout, Scale scale) noexcept;
 
 // The tiles of Layout::Tile that meet the visible part of a destination, row by row.
 class TileGrid
@@ -71,12 +71,12 @@ public:
     // `clip` limits which tiles are drawn, not where they lie; an empty clip stands for all of `destination`.
     TileGrid(Size picture, const Rect& destination, const Rect& clip, Scale scale) noexcept;
 
-    std::int64_t columns() const noexcept { return lastColumn - firstColumn; }
-    std::int64_t rows() const noexcept { return lastRow - firstRow; }
+    std::int64_t Columns() const noexcept { return lastColumn - firstColumn; }
+    std::int64_t Rows() const noexcept { return lastRow - firstRow; }
 
     // The tile in a column and row counted from the first visible one. The destination's right and bottom edges cut it
     // off; its source holds at least one pixel and none beyond the picture.
-    Copy tile(std::int64_t column, std::int64_t row) const noexcept;
+    Copy Tile(std::int64_t column, std::int64_t row) const noexcept;
 
 private:
     Size picture;
@@ -88,6 +88,6 @@ private:
 
 // The size that a whole picture has once drawn into `destination`: the destination's for Stretch and Fill, the fitted
 // size for Fit, the scaled size limited to the destination for Centre and Tile. (0, 0) when nothing is drawn.
-Size drawnSize(Size picture, const Rect& destination, Layout layout, Scale scale) noexcept;
+Size DrawnSize(Size picture, const Rect& destination, Layout layout, Scale scale) noexcept;
 
 } // namespace vixa::bitmap

@@ -135,7 +135,7 @@ DibLayout GDIBitmap::ExportLayout() const noexcept
 {
     // A device-compatible bitmap has no depth of its own; its picture leaves as 32 bits.
     const int bitCount = data->compatible ? 32 : GetBitCount();
-    return vixa::bitmap::layoutOf(GetWidth(), GetHeight(), bitCount).value_or(DibLayout());
+    return vixa::bitmap::LayoutOf(GetWidth(), GetHeight(), bitCount).value_or(DibLayout());
 }
 
 bool GDIBitmap::FetchRows(const DibLayout& layout, BYTE* rows) const noexcept
@@ -166,17 +166,17 @@ bool STDMETHODCALLTYPE GDIBitmap::ExportDib(void* buffer, int* size) const noexc
         return false;
     const DibLayout layout = ExportLayout();
     if (!buffer) {
-        *size = layout.totalBytes();
+        *size = layout.TotalBytes();
         return true;
     }
-    if (*size < layout.totalBytes())
+    if (*size < layout.TotalBytes())
         return false;
     auto* const bytes = static_cast<BYTE*>(buffer);
     BITMAPINFOHEADER header = data->Info()->bmiHeader;
     header.biBitCount = static_cast<WORD>(layout.bitCount);
     std::memcpy(bytes, &header, sizeof header);
     std::memcpy(bytes + layout.headerBytes, data->Info()->bmiColors, static_cast<std::size_t>(layout.tableBytes));
-    return FetchRows(layout, bytes + layout.pixelOffset());
+    return FetchRows(layout, bytes + layout.PixelOffset());
 }
 
 HGLOBAL STDMETHODCALLTYPE GDIBitmap::ExportGlobal() const noexcept
@@ -285,9 +285,9 @@ bool STDMETHODCALLTYPE GDIBitmap::PrepareForDrawing(const RECT& destRect, int la
 {
     if (IsEmpty())
         return false;
-    const auto layout = vixa::bitmap::layoutFrom(layoutNumber);
+    const auto layout = vixa::bitmap::LayoutFrom(layoutNumber);
     const auto picture = PictureSize();
-    const auto drawn = vixa::bitmap::drawnSize(picture, FromRECT(destRect), layout, {scaleX, scaleY});
+    const auto drawn = vixa::bitmap::DrawnSize(picture, FromRECT(destRect), layout, {scaleX, scaleY});
     const double ratio = double(drawn.width) * drawn.height / (double(picture.width) * picture.height);
     if (drawn == vixa::bitmap::Size() || !(ratio < maxAreaRatio))
         return true;
@@ -349,7 +349,7 @@ bool STDMETHODCALLTYPE GDIBitmap::MakeUnique() noexcept
     if (!copy)
         return false;
     GdiFlush();
-    const auto layout = vixa::bitmap::layoutOf(header.biWidth, header.biHeight, header.biBitCount);
+    const auto layout = vixa::bitmap::LayoutOf(header.biWidth, header.biHeight, header.biBitCount);
     CopyPicture(*copy.Get(), shared->bits, static_cast<std::size_t>(layout ? layout->pixelBytes : 0),
                 shared->Info()->bmiColors, shared->PaletteSize());
     data = std::move(copy);

@@ -46,7 +46,7 @@ struct IBitmap : virtual IBitmapData
     // The packed DIB in a new movable block, the caller's to free with GlobalFree; null when that cannot be.
     virtual HGLOBAL STDMETHODCALLTYPE ExportGlobal() const noexcept = 0;
     // Replaces the picture by a copy of a packed DIB of `size` bytes. False and empty when it is none: see
-    // vixa::bitmap::parsePackedDib for what is refused. Without data or with a size below 1 nothing changes.
+    // vixa::bitmap::ParsePackedDib for what is refused. Without data or with a size below 1 nothing changes.
     virtual bool STDMETHODCALLTYPE LoadDib(const void* data, int size) noexcept = 0;
     // LoadDib of a global memory block, which stays the caller's.
     virtual bool STDMETHODCALLTYPE LoadGlobal(HGLOBAL block) noexcept = 0;

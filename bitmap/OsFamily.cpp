@@ -4,13 +4,13 @@
 
 namespace vixa::bitmap {
 
-OsFamily osFamily() noexcept
+OsFamily SystemFamily() noexcept
 {
     static const OsFamily family = [] {
         OSVERSIONINFOW version = {};
         version.dwOSVersionInfoSize = sizeof version;
         return GetVersionExW(&version)
-                   ? osFamilyOf(version.dwPlatformId, version.dwMajorVersion, version.dwMinorVersion)
+                   ? OsFamilyOf(version.dwPlatformId, version.dwMajorVersion, version.dwMinorVersion)
                    : OsUnknown;
     }();
     return family;

@@ -16,7 +16,7 @@ enum OsFamily : unsigned
 inline constexpr unsigned os9xFamily = Os95 | Os98 | OsMe;
 
 // The family that a version belongs to. `platform` is 1 for the 9x line and 2 for NT, as the system reports it.
-constexpr OsFamily osFamilyOf(unsigned long platform, unsigned long major, unsigned long minor) noexcept
+constexpr OsFamily OsFamilyOf(unsigned long platform, unsigned long major, unsigned long minor) noexcept
 {
     if (platform == 1)
         return minor == 90 ? OsMe : minor > 0 ? Os98 : Os95;
@@ -28,6 +28,6 @@ constexpr OsFamily osFamilyOf(unsigned long platform, unsigned long major, unsig
 }
 
 // The family of this process's system, asked once. Windows only.
-OsFamily osFamily() noexcept;
+OsFamily SystemFamily() noexcept;
 
 } // namespace vixa::bitmap

@@ -8,35 +8,35 @@ namespace vixa::bitmap {
 
 namespace {
 
-constexpr std::size_t index(std::int32_t value) noexcept
+constexpr std::size_t Index(std::int32_t value) noexcept
 {
     return static_cast<std::size_t>(value);
 }
 
 // Colour values and pixels in memory hold their channels in opposite order.
-constexpr std::uint32_t swapped(Color color) noexcept
+constexpr std::uint32_t Swapped(Color color) noexcept
 {
     return (color & 0xFF) << 16 | (color & 0xFF00) | (color >> 16 & 0xFF);
 }
 
 // The three colour bytes of a 24- or 32-bit pixel as they stand in memory: blue lowest.
-std::uint32_t storedColor(const std::uint8_t* pixel) noexcept
+std::uint32_t StoredColor(const std::uint8_t* pixel) noexcept
 {
     return std::uint32_t{pixel[0]} | std::uint32_t{pixel[1]} << 8 | std::uint32_t{pixel[2]} << 16;
 }
 
-bool bitAt(std::span<const std::uint8_t> row, std::int32_t x) noexcept
+bool BitAt(std::span<const std::uint8_t> row, std::int32_t x) noexcept
 {
-    return (row[index(x / 8)] >> (7 - x % 8) & 1) != 0;
+    return (row[Index(x / 8)] >> (7 - x % 8) & 1) != 0;
 }
 
 // 3 or 4 for the depths whose pixels are whole colours, else 0.
-std::size_t bytesOfColorPixel(std::int32_t bitCount) noexcept
+std::size_t BytesOfColorPixel(std::int32_t bitCount) noexcept
 {
     return bitCount == 24 || bitCount == 32 ? static_cast<std::size_t>(bitCount / 8) : 0;
 }
 
-std::uint8_t lowByteOfIntegerPart(double value) noexcept
+std::uint8_t LowByteOfIntegerPart(double value) noexcept
 {
     if (!(std::abs(value) < 2147483648.0))
         return 0;
@@ -44,12 +44,12 @@ std::uint8_t lowByteOfIntegerPart(double value) noexcept
 }
 
 // Σ count × |level − mean| × 4 of one row, over its three colour channels.
-std::uint64_t rowDeviation(std::span<const std::uint8_t> row, std::int32_t width) noexcept
+std::uint64_t RowDeviation(std::span<const std::uint8_t> row, std::int32_t width) noexcept
 {
     constexpr std::size_t levels = 64;
     std::array<std::array<std::uint32_t, levels>, 3> counts = {};
     std::array<std::uint64_t, 3> sums = {};
-    for (std::size_t x = 0; x < index(width); ++x) {
+    for (std::size_t x = 0; x < Index(width); ++x) {
         for (std::size_t channel = 0; channel < 3; ++channel) {
             const std::uint32_t level = row[x * 4 + channel] >> 2;
             ++counts[channel][level];
@@ -68,48 +68,48 @@ std::uint64_t rowDeviation(std::span<const std::uint8_t> row, std::int32_t width
 
 } // namespace
 
-Color pixelColor(const Pixels& pixels, std::int32_t x, std::int32_t y) noexcept
+Color PixelColor(const Pixels& pixels, std::int32_t x, std::int32_t y) noexcept
 {
     if (x < 0 || y < 0 || x >= pixels.width || y >= pixels.height)
         return noColor;
-    const auto row = pixels.rowFromTop(y);
+    const auto row = pixels.RowFromTop(y);
     if (pixels.bitCount == 1)
-        return bitAt(row, x) ? 1 : 0;
-    const std::size_t step = bytesOfColorPixel(pixels.bitCount);
-    return step == 0 ? noColor : swapped(storedColor(&row[index(x) * step]));
+        return BitAt(row, x) ? 1 : 0;
+    const std::size_t step = BytesOfColorPixel(pixels.bitCount);
+    return step == 0 ? noColor : Swapped(StoredColor(&row[Index(x) * step]));
 }
 
-bool containsColor(const Pixels& pixels, Color color) noexcept
+bool ContainsColor(const Pixels& pixels, Color color) noexcept
 {
-    const std::size_t step = bytesOfColorPixel(pixels.bitCount);
+    const std::size_t step = BytesOfColorPixel(pixels.bitCount);
     if (step == 0)
         return false;
-    const std::uint32_t wanted = swapped(color);
+    const std::uint32_t wanted = Swapped(color);
     for (std::int32_t y = 0; y < pixels.height; ++y) {
-        const auto row = pixels.storedRow(y);
-        for (std::size_t x = 0; x < index(pixels.width); ++x)
-            if (storedColor(&row[x * step]) == wanted)
+        const auto row = pixels.StoredRow(y);
+        for (std::size_t x = 0; x < Index(pixels.width); ++x)
+            if (StoredColor(&row[x * step]) == wanted)
                 return true;
     }
     return false;
 }
 
-void replaceKeyColor(const WritablePixels& pixels, const Pixels& other, Color key) noexcept
+void ReplaceKeyColor(const WritablePixels& pixels, const Pixels& other, Color key) noexcept
 {
-    const std::size_t step = bytesOfColorPixel(pixels.bitCount);
+    const std::size_t step = BytesOfColorPixel(pixels.bitCount);
     if (step == 0 || other.bitCount != pixels.bitCount || other.width != pixels.width || other.height != pixels.height)
         return;
-    const std::uint32_t wanted = swapped(key);
+    const std::uint32_t wanted = Swapped(key);
     for (std::int32_t y = 0; y < pixels.height; ++y) {
-        const auto row = pixels.storedRow(y);
-        const auto from = other.storedRow(y);
-        for (std::size_t at = 0; at < index(pixels.width) * step; at += step)
-            if (storedColor(&row[at]) == wanted)
+        const auto row = pixels.StoredRow(y);
+        const auto from = other.StoredRow(y);
+        for (std::size_t at = 0; at < Index(pixels.width) * step; at += step)
+            if (StoredColor(&row[at]) == wanted)
                 std::memmove(&row[at], &from[at], step);
     }
 }
 
-TintTables tintTables(Color color, std::uint8_t amount) noexcept
+TintTables MakeTintTables(Color color, std::uint8_t amount) noexcept
 {
     const std::uint32_t towards = amount * 256u / 255u;
     const std::uint32_t stays = 256u - amount;
@@ -124,16 +124,16 @@ TintTables tintTables(Color color, std::uint8_t amount) noexcept
     return tables;
 }
 
-void tint(const WritablePixels& pixels, const Rect& rect, const TintTables& tables, const Pixels* mask) noexcept
+void Tint(const WritablePixels& pixels, const Rect& rect, const TintTables& tables, const Pixels* mask) noexcept
 {
-    const Rect part = intersect(rect, {0, 0, pixels.width, pixels.height});
+    const Rect part = Intersect(rect, {0, 0, pixels.width, pixels.height});
     for (std::int32_t y = part.top; y < part.bottom; ++y) {
-        const auto row = pixels.rowFromTop(y);
-        const auto maskRow = mask ? mask->rowFromTop(y) : std::span<const std::uint8_t>();
+        const auto row = pixels.RowFromTop(y);
+        const auto maskRow = mask ? mask->RowFromTop(y) : std::span<const std::uint8_t>();
         for (std::int32_t x = part.left; x < part.right; ++x) {
-            if (mask && !bitAt(maskRow, x))
+            if (mask && !BitAt(maskRow, x))
                 continue;
-            std::uint8_t* const pixel = &row[index(x) * 4];
+            std::uint8_t* const pixel = &row[Index(x) * 4];
             pixel[0] = tables.blue[pixel[0]];
             pixel[1] = tables.green[pixel[1]];
             pixel[2] = tables.red[pixel[2]];
@@ -141,13 +141,13 @@ void tint(const WritablePixels& pixels, const Rect& rect, const TintTables& tabl
     }
 }
 
-ColorVariation colorVariation(const Pixels& pixels, double limit) noexcept
+ColorVariation ColorVariationOf(const Pixels& pixels, double limit) noexcept
 {
-    const int threshold = lowByteOfIntegerPart(limit);
+    const int threshold = LowByteOfIntegerPart(limit);
     const float total = static_cast<float>(std::int64_t{pixels.width} * pixels.height);
     ColorVariation result;
     for (std::int32_t y = 0; y < pixels.height; ++y) {
-        const auto deviation = static_cast<float>(rowDeviation(pixels.storedRow(y), pixels.width));
+        const auto deviation = static_cast<float>(RowDeviation(pixels.StoredRow(y), pixels.width));
         result.variation = static_cast<float>(result.variation + deviation / total / 3.0);
         result.row = y;
         if (static_cast<int>(result.variation) >= threshold) {

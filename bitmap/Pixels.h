@@ -22,13 +22,13 @@ struct BasicPixels
     std::int32_t bitCount = 0;
 
     // The row that is number `row` in memory.
-    std::span<Byte> storedRow(std::int32_t row) const noexcept
+    std::span<Byte> StoredRow(std::int32_t row) const noexcept
     {
         return bytes.subspan(static_cast<std::size_t>(row) * static_cast<std::size_t>(stride),
                              static_cast<std::size_t>(stride));
     }
     // The row that is number `row` counted from the picture's top.
-    std::span<Byte> rowFromTop(std::int32_t row) const noexcept { return storedRow(height - 1 - row); }
+    std::span<Byte> RowFromTop(std::int32_t row) const noexcept { return StoredRow(height - 1 - row); }
 
     operator BasicPixels<const Byte>() const noexcept { return {bytes, width, height, stride, bitCount}; }
 };
@@ -41,14 +41,14 @@ inline constexpr Color noColor = 0xFFFFFFFF;
 
 // The colour at a column and a row counted from the top: of 24 and 32 bits its three bytes as a colour value, of 1 bit
 // that bit (the highest bit of a byte comes first). noColor outside of the picture and at other depths.
-Color pixelColor(const Pixels& pixels, std::int32_t x, std::int32_t y) noexcept;
+Color PixelColor(const Pixels& pixels, std::int32_t x, std::int32_t y) noexcept;
 
 // Whether a pixel of a 24- or 32-bit picture has the colour (the low 24 bits of `color`); false at other depths.
-bool containsColor(const Pixels& pixels, Color color) noexcept;
+bool ContainsColor(const Pixels& pixels, Color color) noexcept;
 
 // Gives every pixel of the key colour other's pixel at the same place, at 32 bits with its fourth byte. Both must have
 // the same size and 24 or 32 bits.
-void replaceKeyColor(const WritablePixels& pixels, const Pixels& other, Color key) noexcept;
+void ReplaceKeyColor(const WritablePixels& pixels, const Pixels& other, Color key) noexcept;
 
 // For each channel of a colour and each value v of a pixel: the value moved toward the colour by amount ÷ 255,
 // (c × ⌊amount × 256 ÷ 255⌋ + v × (256 − amount)) >> 8.
@@ -56,11 +56,11 @@ struct TintTables
 {
     std::array<std::uint8_t, 256> blue, green, red;
 };
-TintTables tintTables(Color color, std::uint8_t amount) noexcept;
+TintTables MakeTintTables(Color color, std::uint8_t amount) noexcept;
 
 // Sends the colour bytes of a 32-bit picture's pixels within `rect` (rows from the top; what lies outside of the
 // picture is left out) through the tables. With a mask, a 1-bit picture of the same size, only where its bit is set.
-void tint(const WritablePixels& pixels, const Rect& rect, const TintTables& tables, const Pixels* mask) noexcept;
+void Tint(const WritablePixels& pixels, const Rect& rect, const TintTables& tables, const Pixels* mask) noexcept;
 
 // What the colour variation test found out.
 struct ColorVariation
@@ -71,6 +71,6 @@ struct ColorVariation
 };
 // Adds up, row after row in memory, how far the channel values of a 32-bit picture (in steps of 4) lie from their row's
 // mean, until the sum divided by pixels and channels reaches `limit` (its integer part, modulo 256).
-ColorVariation colorVariation(const Pixels& pixels, double limit) noexcept;
+ColorVariation ColorVariationOf(const Pixels& pixels, double limit) noexcept;
 
 } // namespace vixa::bitmap

@@ -38,7 +38,7 @@ ComPtr<SharedBitmapData> SharedBitmapData::MakeEmpty() noexcept
 
 bool SharedBitmapData::AllocateInfo(SIZE size, int bitCount) noexcept
 {
-    const auto tableBytes = std::max<std::int64_t>(4, vixa::bitmap::colorTableBytes(0, bitCount));
+    const auto tableBytes = std::max<std::int64_t>(4, vixa::bitmap::ColorTableBytes(0, bitCount));
     const auto bytes = static_cast<std::size_t>(vixa::bitmap::dibHeaderBytes + tableBytes);
     info.reset(new (std::nothrow) BYTE[bytes]());
     if (!info)
@@ -56,7 +56,7 @@ ComPtr<SharedBitmapData> SharedBitmapData::Make(SIZE size, int bitCount) noexcep
 {
     const bool compatible = bitCount <= 0;
     // A compatible bitmap takes up to 32 bits per pixel: the same bound keeps its figures in range.
-    if (!vixa::bitmap::layoutOf(size.cx, size.cy, compatible ? 32 : bitCount))
+    if (!vixa::bitmap::LayoutOf(size.cx, size.cy, compatible ? 32 : bitCount))
         return nullptr;
     auto made = Owned(new (std::nothrow) SharedBitmapData);
     if (!made || !made->AllocateInfo(size, compatible ? 0 : bitCount))
@@ -91,7 +91,7 @@ ComPtr<SharedBitmapData> SharedBitmapData::MakeFrom(HBITMAP source) noexcept
         return made;
     }
     auto made = Owned(new (std::nothrow) SharedBitmapData);
-    if (!vixa::bitmap::layoutOf(size.cx, size.cy, picture.bmBitsPixel) || !made ||
+    if (!vixa::bitmap::LayoutOf(size.cx, size.cy, picture.bmBitsPixel) || !made ||
         !made->AllocateInfo(size, picture.bmBitsPixel))
         return nullptr;
     made->bitmap.reset(static_cast<HBITMAP>(CopyImage(source, IMAGE_BITMAP, 0, 0, 0)));
@@ -103,7 +103,7 @@ int SharedBitmapData::PaletteSize() const noexcept
     if (!info)
         return 0;
     const BITMAPINFOHEADER& header = Info()->bmiHeader;
-    return static_cast<int>(vixa::bitmap::colorTableBytes(header.biClrUsed, header.biBitCount) / 4);
+    return static_cast<int>(vixa::bitmap::ColorTableBytes(header.biClrUsed, header.biBitCount) / 4);
 }
 
 void SharedBitmapData::GiveColorTable(HDC selected) const noexcept

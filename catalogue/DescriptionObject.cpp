@@ -18,7 +18,7 @@ HRESULT checkTextRequest(LANGID language, const WCHAR* text, const ULONG* length
 HRESULT answerText(UINT stringId, WCHAR* text, ULONG* length) noexcept
 {
     try {
-        handOutText(LoadResString(stringId), text, length);
+        HandOutText(LoadResString(stringId), text, length);
         return S_OK;
     } catch (const std::exception&) {
         return E_OUTOFMEMORY;

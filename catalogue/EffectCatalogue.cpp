@@ -81,7 +81,7 @@ STDMETHODIMP EffectCatalogue::GetGroupName(ULONG, WCHAR* buffer, ULONG* length) 
         const std::wstring text = vixa::LoadResString(record->groupNameId);
         if (text.empty())
             return E_FAIL;
-        vixa::handOutText(text, buffer, length);
+        vixa::HandOutText(text, buffer, length);
         return S_OK;
     } catch (const std::exception&) {
         return E_OUTOFMEMORY;
@@ -99,7 +99,7 @@ STDMETHODIMP EffectCatalogue::GetEffectName(ULONG language, WCHAR* buffer, ULONG
         return E_FAIL;
     try {
         ModuleBase::SetLanguage(static_cast<LANGID>(language));
-        vixa::handOutText(vixa::LoadResString(record->nameId), buffer, length);
+        vixa::HandOutText(vixa::LoadResString(record->nameId), buffer, length);
         return S_OK;
     } catch (const std::exception&) {
         return E_OUTOFMEMORY;

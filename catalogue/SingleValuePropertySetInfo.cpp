@@ -36,9 +36,9 @@ HRESULT SingleValuePropertySetInfo::FormatValue(LANGID language, double value, W
     if (FAILED(check))
         return check;
     try {
-        const std::wstring result = vixa::formatValue(vixa::LoadResString(formatId_), value);
+        const std::wstring result = vixa::FormatValue(vixa::LoadResString(formatId_), value);
         if (!result.empty())
-            vixa::handOutText(result, text, length);
+            vixa::HandOutText(result, text, length);
         else if (length)
             *length = 0;
         return S_OK;

@@ -9,7 +9,7 @@ struct ValueDescription
 {
     double minimum, maximum;
     double step;   // 0.0 allowed
-    UINT formatId; // string: printf-style format of one double, trusted no further than vixa::formatValue; 0: no text
+    UINT formatId; // string: printf-style format of one double, trusted no further than vixa::FormatValue; 0: no text
     UINT imageId;  // bitmap
     UINT nameId;   // string
 };

@@ -9,7 +9,7 @@
 
 namespace {
 
-std::pair<std::wstring, std::int32_t> resolve(SxsConfiguration& configuration, const std::uint8_t* request)
+std::pair<std::wstring, std::int32_t> Resolve(SxsConfiguration& configuration, const std::uint8_t* request)
 {
     static constexpr long ids[] = {130, 0, 1025, 708, 12, 7, -1, 1026};
     static const std::wstring names[] = {L"", L"", L"Editor", L"APPLICATIONSROOT"};
@@ -36,9 +36,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     const std::string text(reinterpret_cast<const char*>(data) + 6, size - 6);
     SxsConfiguration configuration(text.c_str());
-    const auto first = resolve(configuration, data);
-    resolve(configuration, data + 3);
-    if (resolve(configuration, data) != first)
+    const auto first = Resolve(configuration, data);
+    Resolve(configuration, data + 3);
+    if (Resolve(configuration, data) != first)
         std::abort();
     return 0;
 }

@@ -12,14 +12,14 @@ using namespace vixa::bitmap;
 
 namespace {
 
-void require(bool holds)
+void Require(bool holds)
 {
     if (!holds)
         std::abort();
 }
 
 // Mostly values that a program would use, sometimes any bits at all.
-double takeScale(FuzzedDataProvider& input)
+double TakeScale(FuzzedDataProvider& input)
 {
     if (input.ConsumeBool())
         return input.ConsumeFloatingPointInRange(0.0, 8.0);
@@ -29,18 +29,18 @@ double takeScale(FuzzedDataProvider& input)
     return value;
 }
 
-std::int32_t takeCoordinate(FuzzedDataProvider& input)
+std::int32_t TakeCoordinate(FuzzedDataProvider& input)
 {
     return input.ConsumeBool() ? input.ConsumeIntegralInRange(-300, 300) : input.ConsumeIntegral<std::int32_t>();
 }
 
-Rect takeRect(FuzzedDataProvider& input)
+Rect TakeRect(FuzzedDataProvider& input)
 {
-    const std::int32_t left = takeCoordinate(input), top = takeCoordinate(input);
-    return {left, top, takeCoordinate(input), takeCoordinate(input)};
+    const std::int32_t left = TakeCoordinate(input), top = TakeCoordinate(input);
+    return {left, top, TakeCoordinate(input), TakeCoordinate(input)};
 }
 
-bool within(const Rect& inner, const Rect& outer)
+bool Within(const Rect& inner, const Rect& outer)
 {
     return inner.left >= outer.left && inner.top >= outer.top && inner.right <= outer.right &&
            inner.bottom <= outer.bottom;
@@ -51,27 +51,27 @@ bool within(const Rect& inner, const Rect& outer)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     FuzzedDataProvider input(data, size);
-    const Size picture = {takeCoordinate(input), takeCoordinate(input)};
-    const Rect destination = takeRect(input), clip = takeRect(input);
-    const Scale scale = {takeScale(input), takeScale(input)};
-    const Layout layout = layoutFrom(input.ConsumeIntegralInRange(-1, 6));
+    const Size picture = {TakeCoordinate(input), TakeCoordinate(input)};
+    const Rect destination = TakeRect(input), clip = TakeRect(input);
+    const Scale scale = {TakeScale(input), TakeScale(input)};
+    const Layout layout = LayoutFrom(input.ConsumeIntegralInRange(-1, 6));
 
-    const auto copy = layoutCopy(picture, destination, layout, scale);
-    require(!copy || (!copy->destination.isEmpty() && within(copy->destination, destination)));
-    const Size drawn = drawnSize(picture, destination, layout, scale);
-    require(drawn == Size() || (drawn.width > 0 && drawn.height > 0 && drawn.width <= destination.width() &&
-                                drawn.height <= destination.height()));
+    const auto copy = LayoutCopy(picture, destination, layout, scale);
+    Require(!copy || (!copy->destination.IsEmpty() && Within(copy->destination, destination)));
+    const Size drawn = DrawnSize(picture, destination, layout, scale);
+    Require(drawn == Size() || (drawn.width > 0 && drawn.height > 0 && drawn.width <= destination.Width() &&
+                                drawn.height <= destination.Height()));
 
     const TileGrid tiles(picture, destination, clip, scale);
-    require(tiles.columns() >= 0 && tiles.rows() >= 0);
-    if (tiles.columns() > 0 && tiles.rows() > 0)
-        for (const std::int64_t row : {std::int64_t{0}, tiles.rows() / 2, tiles.rows() - 1})
-            for (const std::int64_t column : {std::int64_t{0}, tiles.columns() / 2, tiles.columns() - 1}) {
-                const Copy tile = tiles.tile(column, row);
-                require(!tile.destination.isEmpty() && within(tile.destination, destination));
-                require(!tile.source.isEmpty() && within(tile.source, {0, 0, picture.width, picture.height}));
-                if (!clip.isEmpty())
-                    require(!intersect(tile.destination, clip).isEmpty());
+    Require(tiles.Columns() >= 0 && tiles.Rows() >= 0);
+    if (tiles.Columns() > 0 && tiles.Rows() > 0)
+        for (const std::int64_t row : {std::int64_t{0}, tiles.Rows() / 2, tiles.Rows() - 1})
+            for (const std::int64_t column : {std::int64_t{0}, tiles.Columns() / 2, tiles.Columns() - 1}) {
+                const Copy tile = tiles.Tile(column, row);
+                Require(!tile.destination.IsEmpty() && Within(tile.destination, destination));
+                Require(!tile.source.IsEmpty() && Within(tile.source, {0, 0, picture.width, picture.height}));
+                if (!clip.IsEmpty())
+                    Require(!Intersect(tile.destination, clip).IsEmpty());
             }
     return 0;
 }

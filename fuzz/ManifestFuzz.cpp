@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     TiXmlDocument document;
     vixa::sxs::ParseXml(text, document);
     // Text counts as one level below its element.
-    if (depthOf(document) > vixa::sxs::maxXmlDepth + 1)
+    if (DepthOf(document) > vixa::sxs::maxXmlDepth + 1)
         std::abort();
     try {
         vixa::sxs::ManifestName(text);

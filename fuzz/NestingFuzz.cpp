@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     TiXmlDocument document;
     vixa::sxs::ParseXml(text, document);
-    if (depthOf(document) > vixa::sxs::maxXmlDepth + 1)
+    if (DepthOf(document) > vixa::sxs::maxXmlDepth + 1)
         std::abort();
     return 0;
 }

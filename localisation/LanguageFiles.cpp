@@ -66,12 +66,12 @@ constexpr std::size_t extensionLength = 4;
 
 } // namespace
 
-std::span<const std::wstring_view> languageCodes() noexcept
+std::span<const std::wstring_view> LanguageCodes() noexcept
 {
     return codes;
 }
 
-std::wstring_view languageCode(LanguageId language) noexcept
+std::wstring_view LanguageCode(LanguageId language) noexcept
 {
     const int primary = language & 0x3FF;
     const int sublanguage = language >> 10;
@@ -82,14 +82,14 @@ std::wstring_view languageCode(LanguageId language) noexcept
     return row == std::end(languageRows) ? fallbackCode : row->code;
 }
 
-void makeLanguageFileName(LanguageId language, std::wstring& path)
+void MakeLanguageFileName(LanguageId language, std::wstring& path)
 {
     if (path.size() < extensionLength)
         path = L"VixaVideoFX";
     else
         path.resize(path.size() - extensionLength);
     path += L'_';
-    path += languageCode(language);
+    path += LanguageCode(language);
     path += L".nls";
 }
 

@@ -33,7 +33,7 @@ private:
 
 // The bytes of the file that `module` maps. The mapping is known in whole pages, zero after the file's end; where the
 // path says which file it is, its exact size tells a truncated file from a whole one.
-std::span<const std::byte> mappedFile(HMODULE module, const std::wstring& path) noexcept
+std::span<const std::byte> MappedFile(HMODULE module, const std::wstring& path) noexcept
 {
     // The system marks a module that is mapped as data in the low bits of its handle.
     const auto base = reinterpret_cast<const std::byte*>(reinterpret_cast<ULONG_PTR>(module) & ~ULONG_PTR{3});
@@ -48,16 +48,16 @@ std::span<const std::byte> mappedFile(HMODULE module, const std::wstring& path) 
     return {base, size};
 }
 
-UniqueModule mapAsData(const std::wstring& path)
+UniqueModule MapAsData(const std::wstring& path)
 {
     UniqueModule module(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
-    if (module && !isWholeResourceModule(mappedFile(module.get(), path)))
+    if (module && !IsWholeResourceModule(MappedFile(module.get(), path)))
         module.reset();
     return module;
 }
 
 // The path in 8.3 names; empty where the volume has none.
-std::wstring shortPath(const std::wstring& path)
+std::wstring ShortPath(const std::wstring& path)
 {
     std::wstring shorter(path.size() + 1, L'\0');
     const DWORD length = GetShortPathNameW(path.c_str(), shorter.data(), static_cast<DWORD>(shorter.size()));
@@ -67,14 +67,14 @@ std::wstring shortPath(const std::wstring& path)
 
 } // namespace
 
-UniqueModule loadLanguageModule(const std::wstring& path)
+UniqueModule LoadLanguageModule(const std::wstring& path)
 {
     const QuietErrors quiet;
-    UniqueModule module = mapAsData(path);
+    UniqueModule module = MapAsData(path);
     // Not every system takes a long path for a module that is mapped as data.
     if (!module && path.size() >= MAX_PATH) {
-        if (const std::wstring shorter = shortPath(path); !shorter.empty())
-            module = mapAsData(shorter);
+        if (const std::wstring shorter = ShortPath(path); !shorter.empty())
+            module = MapAsData(shorter);
     }
     return module;
 }

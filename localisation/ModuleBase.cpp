@@ -46,7 +46,7 @@ void ModuleBase::LoadLanguage(LANGID language)
     std::wstring path = LibraryPath();
     vixa::UniqueModule file;
     if (GetLanguageFileName(language, path))
-        file = vixa::loadLanguageModule(path);
+        file = vixa::LoadLanguageModule(path);
     ReleaseLanguage();
     currentLanguage = file ? language : vixa::englishLanguage;
     resourceHandle = file ? file.release() : moduleHandle;
@@ -67,11 +67,11 @@ std::wstring ModuleBase::LoadResString(UINT id) const
     if (id == 0)
         return {};
     DWORD size = 0;
-    const HGLOBAL resource = FindModuleResource(vixa::stringBlockId(id), RT_STRING, &size);
+    const HGLOBAL resource = FindModuleResource(vixa::StringBlockId(id), RT_STRING, &size);
     const void* block = resource ? LockResource(resource) : nullptr;
     if (!block)
         return {};
-    return vixa::stringOfBlock({static_cast<const std::byte*>(block), size}, vixa::indexInStringBlock(id));
+    return vixa::StringOfBlock({static_cast<const std::byte*>(block), size}, vixa::IndexInStringBlock(id));
 }
 
 HGLOBAL ModuleBase::FindModuleResource(UINT id, LPCWSTR type, DWORD* size) const noexcept

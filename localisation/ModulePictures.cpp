@@ -6,7 +6,7 @@ namespace vixa {
 
 std::span<const std::byte> ModulePictures::FindBitmapResource(UINT id) noexcept
 {
-    const ModuleBase* const module = textModule();
+    const ModuleBase* const module = TextModule();
     DWORD size = 0;
     const HGLOBAL resource = module ? module->FindModuleResource(id, RT_BITMAP, &size) : nullptr;
     const void* const bytes = resource ? LockResource(resource) : nullptr;

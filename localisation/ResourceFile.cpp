@@ -34,7 +34,7 @@ constexpr int treeDepth = 3;
 // Tables may share subtables, so a small file can describe a huge tree; no honest language file comes near this.
 constexpr int mostEntries = 65536;
 
-bool fits(std::span<const std::byte> bytes, std::size_t offset, std::size_t size) noexcept
+bool Fits(std::span<const std::byte> bytes, std::size_t offset, std::size_t size) noexcept
 {
     return offset <= bytes.size() && size <= bytes.size() - offset;
 }
@@ -44,39 +44,39 @@ class ResourceModule
 public:
     explicit ResourceModule(std::span<const std::byte> bytes) noexcept : file(bytes) {}
 
-    bool isWhole() noexcept
+    bool IsWhole() noexcept
     {
-        if (!readHeaders() || !sectionsAreInside())
+        if (!ReadHeaders() || !SectionsAreInside())
             return false;
         if (resourceRva == 0)
             return true;
-        const auto found = inSection(resourceRva, tableHeaderSize);
+        const auto found = InSection(resourceRva, tableHeaderSize);
         if (!found)
             return false;
         tree = *found;
-        return tableIsInside(0, 1);
+        return TableIsInside(0, 1);
     }
 
 private:
-    bool readHeaders() noexcept
+    bool ReadHeaders() noexcept
     {
-        if (!fits(file, 0, dosHeaderSize) || readU16(file, 0) != dosMagic)
+        if (!Fits(file, 0, dosHeaderSize) || ReadU16(file, 0) != dosMagic)
             return false;
-        const std::size_t header = readU32(file, newHeaderOffsetField);
-        if (!fits(file, header, signatureSize + fileHeaderSize) || readU32(file, header) != peSignature)
+        const std::size_t header = ReadU32(file, newHeaderOffsetField);
+        if (!Fits(file, header, signatureSize + fileHeaderSize) || ReadU32(file, header) != peSignature)
             return false;
         const auto fileHeader = file.subspan(header + signatureSize);
-        const std::size_t optionalSize = readU16(fileHeader, optionalHeaderSizeField);
-        const std::size_t sectionsSize = readU16(fileHeader, sectionCountField) * sectionHeaderSize;
-        if (optionalSize < directories || !fits(fileHeader, fileHeaderSize, optionalSize + sectionsSize))
+        const std::size_t optionalSize = ReadU16(fileHeader, optionalHeaderSizeField);
+        const std::size_t sectionsSize = ReadU16(fileHeader, sectionCountField) * sectionHeaderSize;
+        if (optionalSize < directories || !Fits(fileHeader, fileHeaderSize, optionalSize + sectionsSize))
             return false;
         const auto optional = fileHeader.subspan(fileHeaderSize, optionalSize);
         sections = fileHeader.subspan(fileHeaderSize + optionalSize, sectionsSize);
-        if (readU16(optional, 0) != pe32Magic)
+        if (ReadU16(optional, 0) != pe32Magic)
             return false;
         constexpr std::size_t field = directories + resourceDirectory * directorySize;
-        if (readU32(optional, directoryCountField) > resourceDirectory && fits(optional, field, directorySize))
-            resourceRva = readU32(optional, field);
+        if (ReadU32(optional, directoryCountField) > resourceDirectory && Fits(optional, field, directorySize))
+            resourceRva = ReadU32(optional, field);
         return true;
     }
 
@@ -85,26 +85,26 @@ private:
         std::uint32_t address, rawSize, rawOffset;
     };
 
-    Section section(std::size_t offset) const noexcept
+    Section SectionAt(std::size_t offset) const noexcept
     {
-        return {readU32(sections, offset + 12), readU32(sections, offset + 16), readU32(sections, offset + 20)};
+        return {ReadU32(sections, offset + 12), ReadU32(sections, offset + 16), ReadU32(sections, offset + 20)};
     }
 
-    bool sectionsAreInside() const noexcept
+    bool SectionsAreInside() const noexcept
     {
         for (std::size_t offset = 0; offset < sections.size(); offset += sectionHeaderSize) {
-            const Section s = section(offset);
-            if (s.rawSize != 0 && !fits(file, s.rawOffset, s.rawSize))
+            const Section s = SectionAt(offset);
+            if (s.rawSize != 0 && !Fits(file, s.rawOffset, s.rawSize))
                 return false;
         }
         return true;
     }
 
     // The stored bytes from address `rva` to the end of its section, when at least `size` of them are stored.
-    std::optional<std::span<const std::byte>> inSection(std::uint32_t rva, std::size_t size) const noexcept
+    std::optional<std::span<const std::byte>> InSection(std::uint32_t rva, std::size_t size) const noexcept
     {
         for (std::size_t offset = 0; offset < sections.size(); offset += sectionHeaderSize) {
-            const Section s = section(offset);
+            const Section s = SectionAt(offset);
             if (rva < s.address || rva - s.address >= s.rawSize)
                 continue;
             const auto stored = file.subspan(s.rawOffset, s.rawSize).subspan(rva - s.address);
@@ -115,43 +115,43 @@ private:
         return std::nullopt;
     }
 
-    bool tableIsInside(std::size_t offset, int level) noexcept
+    bool TableIsInside(std::size_t offset, int level) noexcept
     {
-        if (level > treeDepth || !fits(tree, offset, tableHeaderSize))
+        if (level > treeDepth || !Fits(tree, offset, tableHeaderSize))
             return false;
-        const std::size_t count = std::size_t{readU16(tree, offset + 12)} + readU16(tree, offset + 14);
-        if (!fits(tree, offset + tableHeaderSize, count * tableEntrySize))
+        const std::size_t count = std::size_t{ReadU16(tree, offset + 12)} + ReadU16(tree, offset + 14);
+        if (!Fits(tree, offset + tableHeaderSize, count * tableEntrySize))
             return false;
         for (std::size_t i = 0; i < count; ++i) {
-            if (++entries > mostEntries || !entryIsInside(offset + tableHeaderSize + i * tableEntrySize, level))
+            if (++entries > mostEntries || !EntryIsInside(offset + tableHeaderSize + i * tableEntrySize, level))
                 return false;
         }
         return true;
     }
 
-    bool entryIsInside(std::size_t entry, int level) noexcept
+    bool EntryIsInside(std::size_t entry, int level) noexcept
     {
-        const std::uint32_t name = readU32(tree, entry);
-        if ((name & highBit) != 0 && !nameIsInside(name & ~highBit))
+        const std::uint32_t name = ReadU32(tree, entry);
+        if ((name & highBit) != 0 && !NameIsInside(name & ~highBit))
             return false;
-        const std::uint32_t target = readU32(tree, entry + 4);
+        const std::uint32_t target = ReadU32(tree, entry + 4);
         if ((target & highBit) != 0)
-            return tableIsInside(target & ~highBit, level + 1);
+            return TableIsInside(target & ~highBit, level + 1);
         // The system takes what it finds at the third level for data, and above it for a table.
-        return level == treeDepth && dataIsInside(target);
+        return level == treeDepth && DataIsInside(target);
     }
 
-    bool nameIsInside(std::size_t offset) const noexcept
+    bool NameIsInside(std::size_t offset) const noexcept
     {
-        return fits(tree, offset, 2) && fits(tree, offset + 2, std::size_t{2} * readU16(tree, offset));
+        return Fits(tree, offset, 2) && Fits(tree, offset + 2, std::size_t{2} * ReadU16(tree, offset));
     }
 
-    bool dataIsInside(std::size_t offset) const noexcept
+    bool DataIsInside(std::size_t offset) const noexcept
     {
-        if (!fits(tree, offset, dataEntrySize))
+        if (!Fits(tree, offset, dataEntrySize))
             return false;
-        const std::size_t size = readU32(tree, offset + 4);
-        return size == 0 || inSection(readU32(tree, offset), size).has_value();
+        const std::size_t size = ReadU32(tree, offset + 4);
+        return size == 0 || InSection(ReadU32(tree, offset), size).has_value();
     }
 
     std::span<const std::byte> file, sections, tree;
@@ -161,9 +161,9 @@ private:
 
 } // namespace
 
-bool isWholeResourceModule(std::span<const std::byte> file) noexcept
+bool IsWholeResourceModule(std::span<const std::byte> file) noexcept
 {
-    return ResourceModule(file).isWhole();
+    return ResourceModule(file).IsWhole();
 }
 
 } // namespace vixa

@@ -9,18 +9,18 @@
 namespace vixa {
 
 // A string table is stored in blocks of sixteen strings, one resource each.
-constexpr std::uint32_t stringBlockId(std::uint32_t stringId) noexcept
+constexpr std::uint32_t StringBlockId(std::uint32_t stringId) noexcept
 {
     return (stringId >> 4) + 1;
 }
 
-constexpr std::uint32_t indexInStringBlock(std::uint32_t stringId) noexcept
+constexpr std::uint32_t IndexInStringBlock(std::uint32_t stringId) noexcept
 {
     return stringId & 15;
 }
 
 // String `index` (0 to 15) of a block. Each string is a little-endian 16-bit count and that many UTF-16 code units, one
 // per element of the result. A string that starts or ends past the block is empty; nothing past the block is read.
-std::wstring stringOfBlock(std::span<const std::byte> block, std::uint32_t index);
+std::wstring StringOfBlock(std::span<const std::byte> block, std::uint32_t index);
 
 } // namespace vixa

@@ -2,18 +2,18 @@
 
 namespace vixa {
 
-ModuleBase* textModule() noexcept
+ModuleBase* TextModule() noexcept
 {
     return ModuleBase::Modules().empty() ? nullptr : ModuleBase::Modules().front();
 }
 
 std::wstring LoadResString(UINT id)
 {
-    const ModuleBase* module = textModule();
+    const ModuleBase* module = TextModule();
     return module ? module->LoadResString(id) : std::wstring();
 }
 
-void handOutText(std::wstring_view text, WCHAR* buffer, ULONG* length) noexcept
+void HandOutText(std::wstring_view text, WCHAR* buffer, ULONG* length) noexcept
 {
     if (buffer) {
         text.copy(buffer, text.size());

@@ -9,13 +9,13 @@
 namespace vixa {
 
 // The attached module whose texts and pictures the library serves; null outside Attach and Detach.
-ModuleBase* textModule() noexcept;
+ModuleBase* TextModule() noexcept;
 
 // String `id` in the current language; empty when it is missing. Throws std::bad_alloc.
 std::wstring LoadResString(UINT id);
 
 // The two-call text protocol: with `buffer`, copies the text and a terminator into it (it must hold text.size() + 1
 // characters; `*length` is never read); with `length`, stores text.size() + 1 there.
-void handOutText(std::wstring_view text, WCHAR* buffer, ULONG* length) noexcept;
+void HandOutText(std::wstring_view text, WCHAR* buffer, ULONG* length) noexcept;
 
 } // namespace vixa

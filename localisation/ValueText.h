@@ -9,6 +9,6 @@ namespace vixa {
 // `format` is literal text around exactly one conversion of a double: %, flags, a width and a precision of at most two
 // digits each, an optional l, and one of a A e E f F g G; %% is a percent sign. Any other format gives an empty text,
 // so that no other argument is ever read. A terminator inside `format` ends it, as in printf.
-std::wstring formatValue(std::wstring_view format, double value);
+std::wstring FormatValue(std::wstring_view format, double value);
 
 } // namespace vixa

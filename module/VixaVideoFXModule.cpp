@@ -49,7 +49,7 @@ void VixaVideoFXModule::Term()
 
 bool VixaVideoFXModule::GetLanguageFileName(LANGID language, std::wstring& path)
 {
-    vixa::makeLanguageFileName(language, path);
+    vixa::MakeLanguageFileName(language, path);
     return true;
 }
 

@@ -14,7 +14,7 @@ constexpr REGSAM writeRights = KEY_SET_VALUE | KEY_CREATE_SUB_KEY;
 
 // Runs a step; its exception becomes a result code. What isn't a standard exception is nothing of this subsystem's.
 template <typename Step>
-HRESULT resultOf(Step step)
+HRESULT ResultOf(Step step)
 {
     try {
         return step();
@@ -29,7 +29,7 @@ HRESULT resultOf(Step step)
 
 CRegistrySxs::CRegistrySxs(long rootKind, const char* documentText) : configuration_(documentText)
 {
-    const HRESULT result = resultOf([&] {
+    const HRESULT result = ResultOf([&] {
         const std::wstring path =
             configuration_.ResolveRegistryPath(rootKind, APPLICATIONS, ownApplication, std::wstring(), ownProductLine);
         const bool mayWrite = configuration_.GenerationId() == currentGeneration || configuration_.WriteAnyGeneration();
@@ -45,7 +45,7 @@ bool CRegistrySxs::CreateSubKey(const wchar_t* name)
 {
     if (!resolved_ || !name)
         return false;
-    return resultOf([&] {
+    return ResultOf([&] {
                key_.SubKey(name).Create();
                return S_OK;
            }) == S_OK;
@@ -55,7 +55,7 @@ bool CRegistrySxs::SetStringValue(const wchar_t* subkey, const wchar_t* name, co
 {
     if (!resolved_ || !subkey || !name || !value)
         return false;
-    return resultOf([&] {
+    return ResultOf([&] {
                RegistryKey child = key_.SubKey(subkey);
                const HRESULT opened = child.TryOpen();
                if (opened == S_OK)
@@ -68,7 +68,7 @@ bool CRegistrySxs::DeleteValue(const wchar_t* subkey, const wchar_t* name)
 {
     if (!resolved_ || !subkey || !name)
         return false;
-    return resultOf([&] {
+    return ResultOf([&] {
                RegistryKey child = key_.SubKey(subkey);
                const HRESULT opened = child.TryOpen();
                if (opened == S_OK)

@@ -7,7 +7,7 @@ using namespace vixa::sxs;
 
 namespace {
 
-void check(LSTATUS status)
+void Check(LSTATUS status)
 {
     if (status != ERROR_SUCCESS)
         throw CVixaSXSError(static_cast<std::int32_t>(status), AREA_REGISTRY);
@@ -25,7 +25,7 @@ RegistryKey RegistryKey::SubKey(const std::wstring& name) const
     return RegistryKey(rootKind_, SxsConfiguration::JoinPath(path_, name), access_);
 }
 
-HKEY RegistryKey::root()
+HKEY RegistryKey::Root()
 {
     if (rootHandle_)
         return rootHandle_.get();
@@ -35,7 +35,7 @@ HKEY RegistryKey::root()
         found = HKEY_LOCAL_MACHINE;
         break;
     case CURRENT_USER:
-        check(RegOpenCurrentUser(KEY_ALL_ACCESS, &found));
+        Check(RegOpenCurrentUser(KEY_ALL_ACCESS, &found));
         break;
     case CLASSES_ROOT:
         found = HKEY_CLASSES_ROOT;
@@ -52,7 +52,7 @@ void RegistryKey::Create()
     if (handle_)
         return;
     HKEY created = nullptr;
-    check(RegCreateKeyExW(root(), path_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, access_, nullptr, &created,
+    Check(RegCreateKeyExW(Root(), path_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, access_, nullptr, &created,
                           nullptr));
     handle_.reset(created);
 }
@@ -62,7 +62,7 @@ void RegistryKey::Open()
     if (handle_)
         return;
     HKEY opened = nullptr;
-    check(RegOpenKeyExW(root(), path_.c_str(), 0, access_, &opened));
+    Check(RegOpenKeyExW(Root(), path_.c_str(), 0, access_, &opened));
     handle_.reset(opened);
 }
 
@@ -80,12 +80,12 @@ void RegistryKey::SetString(const std::wstring& name, const std::wstring& value)
 {
     Open();
     const std::size_t bytes = (value.size() + 1) * sizeof(wchar_t);
-    check(RegSetValueExW(handle_.get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
+    Check(RegSetValueExW(handle_.get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
                          static_cast<DWORD>(bytes)));
 }
 
 void RegistryKey::DeleteValue(const std::wstring& name)
 {
     Open();
-    check(RegDeleteValueW(handle_.get(), name.c_str()));
+    Check(RegDeleteValueW(handle_.get(), name.c_str()));
 }

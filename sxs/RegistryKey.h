@@ -40,7 +40,7 @@ public:
     void DeleteValue(const std::wstring& name);
 
 private:
-    HKEY root();
+    HKEY Root();
 
     std::wstring path_;
     vixa::UniqueKey handle_;

@@ -21,14 +21,14 @@ constexpr const char* elementNames[] = {"REGISTRY-SHARED-FOR-ALL", "REGISTRY-SHA
                                         "REGISTRY-SHARED-FOR-APPLICATIONS", "REGISTRY-INSTALLATION",
                                         "REGISTRY-APPLICATIONS"};
 
-bool hasId(const TiXmlElement& element, long id)
+bool HasId(const TiXmlElement& element, long id)
 {
     int value = 0;
     return element.QueryIntAttribute("id", &value) == TIXML_SUCCESS && value == id;
 }
 
 // An attribute in wide characters; empty when absent.
-std::wstring text(const TiXmlElement& element, const char* attribute)
+std::wstring TextOf(const TiXmlElement& element, const char* attribute)
 {
     const char* value = element.Attribute(attribute);
     return value ? WideFromUtf8(value) : std::wstring();
@@ -61,9 +61,9 @@ void SxsConfiguration::SelectProductLine(long id)
          generation; generation = generation->NextSiblingElement()) {
         for (const TiXmlElement* line = generation->FirstChildElement("PRODUCT-LINE"); line;
              line = line->NextSiblingElement()) {
-            if (!hasId(*line, id))
+            if (!HasId(*line, id))
                 continue;
-            std::wstring name = text(*line, "name"); // may throw: the old selection stands until then
+            std::wstring name = TextOf(*line, "name"); // may throw: the old selection stands until then
             int generationId = -1;
             if (generation->QueryIntAttribute("id", &generationId) != TIXML_SUCCESS)
                 generationId = -1;
@@ -97,9 +97,9 @@ void SxsConfiguration::FindApplication(long id, const std::wstring& name, std::w
         throw CVixaSXSError(CODE_INVALID_DATA, AREA_LOOKUP);
     for (const TiXmlElement* application = productLine_->FirstChildElement("APPLICATION"); application;
          application = application->NextSiblingElement()) {
-        if (name.empty() ? hasId(*application, id) : text(*application, "name") == name) {
-            std::wstring foundSubkey = text(*application, "subkey");
-            folder = text(*application, "folder");
+        if (name.empty() ? HasId(*application, id) : TextOf(*application, "name") == name) {
+            std::wstring foundSubkey = TextOf(*application, "subkey");
+            folder = TextOf(*application, "folder");
             subkey = std::move(foundSubkey);
             return;
         }

@@ -13,14 +13,14 @@ namespace {
 
 constexpr std::string_view blanks = " \t\r\n";
 
-bool isNameStart(char c)
+bool IsNameStart(char c)
 {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || static_cast<unsigned char>(c) >= 0x7F;
 }
 
-bool isNameChar(char c)
+bool IsNameChar(char c)
 {
-    return isNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.' || c == ':';
+    return IsNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.' || c == ':';
 }
 
 // Walks well-formed XML and keeps count of its nesting. What it doesn't understand it refuses: the parser is more
@@ -30,24 +30,24 @@ class NestingWalk
 public:
     explicit NestingWalk(std::string_view text) : rest_(text) {}
 
-    bool staysInBounds()
+    bool StaysInBounds()
     {
-        take("\xEF\xBB\xBF");
-        if (rest_.starts_with("<?xml") && !declaration())
+        Take("\xEF\xBB\xBF");
+        if (rest_.starts_with("<?xml") && !Declaration())
             return false;
         while (!rest_.empty()) {
             const std::size_t open = rest_.find('<');
             if (open == std::string_view::npos)
                 break;
             rest_.remove_prefix(open);
-            if (!markup())
+            if (!Markup())
                 return false;
         }
         return true;
     }
 
 private:
-    bool take(std::string_view token)
+    bool Take(std::string_view token)
     {
         if (!rest_.starts_with(token))
             return false;
@@ -55,14 +55,14 @@ private:
         return true;
     }
 
-    bool skipBlanks()
+    bool SkipBlanks()
     {
         const std::size_t count = std::min(rest_.find_first_not_of(blanks), rest_.size());
         rest_.remove_prefix(count);
         return count > 0;
     }
 
-    bool skipPast(std::string_view end)
+    bool SkipPast(std::string_view end)
     {
         const std::size_t at = rest_.find(end);
         if (at == std::string_view::npos)
@@ -71,71 +71,71 @@ private:
         return true;
     }
 
-    std::string_view name()
+    std::string_view Name()
     {
-        if (rest_.empty() || !isNameStart(rest_.front()))
+        if (rest_.empty() || !IsNameStart(rest_.front()))
             return {};
-        const auto end = std::find_if_not(rest_.begin(), rest_.end(), isNameChar);
+        const auto end = std::find_if_not(rest_.begin(), rest_.end(), IsNameChar);
         const std::string_view found = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
         rest_.remove_prefix(found.size());
         return found;
     }
 
     // name="value" or name='value'; gives the name, empty when it is anything else.
-    std::string_view attribute()
+    std::string_view Attribute()
     {
-        const std::string_view found = name();
-        skipBlanks();
-        if (!take("="))
+        const std::string_view found = Name();
+        SkipBlanks();
+        if (!Take("="))
             return {};
-        skipBlanks();
-        const bool closed = take("\"") ? skipPast("\"") : take("'") && skipPast("'");
+        SkipBlanks();
+        const bool closed = Take("\"") ? SkipPast("\"") : Take("'") && SkipPast("'");
         return closed ? found : std::string_view();
     }
 
     // The parser looks for these three names only, and skips others by a rule of its own.
-    bool declaration()
+    bool Declaration()
     {
-        take("<?xml");
-        while (skipBlanks() && !rest_.starts_with("?>")) {
-            const std::string_view found = attribute();
+        Take("<?xml");
+        while (SkipBlanks() && !rest_.starts_with("?>")) {
+            const std::string_view found = Attribute();
             if (found != "version" && found != "encoding" && found != "standalone")
                 return false;
         }
-        return take("?>");
+        return Take("?>");
     }
 
-    bool markup()
+    bool Markup()
     {
-        if (take("<!--"))
-            return skipPast("-->");
-        if (take("<![CDATA["))
-            return skipPast("]]>");
-        if (take("<!")) {
+        if (Take("<!--"))
+            return SkipPast("-->");
+        if (Take("<![CDATA["))
+            return SkipPast("]]>");
+        if (Take("<!")) {
             const std::size_t end = rest_.find_first_of("<>");
-            return end != std::string_view::npos && rest_[end] == '>' && skipPast(">");
+            return end != std::string_view::npos && rest_[end] == '>' && SkipPast(">");
         }
-        if (take("</")) {
-            if (depth_ == 0 || name().empty())
+        if (Take("</")) {
+            if (depth_ == 0 || Name().empty())
                 return false;
-            skipBlanks();
+            SkipBlanks();
             --depth_;
-            return take(">");
+            return Take(">");
         }
-        return take("<") && startTag();
+        return Take("<") && StartTag();
     }
 
-    bool startTag()
+    bool StartTag()
     {
-        if (name().empty())
+        if (Name().empty())
             return false;
         for (std::size_t attributes = 0;; ++attributes) {
-            const bool separated = skipBlanks();
-            if (take("/>"))
+            const bool separated = SkipBlanks();
+            if (Take("/>"))
                 return true;
-            if (take(">"))
+            if (Take(">"))
                 return ++depth_ <= maxXmlDepth;
-            if (!separated || attributes == maxXmlAttributes || attribute().empty())
+            if (!separated || attributes == maxXmlAttributes || Attribute().empty())
                 return false;
         }
     }
@@ -144,7 +144,7 @@ private:
     std::size_t depth_ = 0;
 };
 
-bool isUtf8(std::string_view text)
+bool IsUtf8(std::string_view text)
 {
     try {
         WideFromUtf8(std::string(text));
@@ -163,12 +163,12 @@ bool IsSafeToParse(const std::string& text)
         return false;
     std::size_t starts = 0;
     for (std::size_t at = seen.find('<'); at != std::string_view::npos; at = seen.find('<', at + 1))
-        starts += at + 1 < seen.size() && isNameStart(seen[at + 1]);
+        starts += at + 1 < seen.size() && IsNameStart(seen[at + 1]);
     const auto attributes = static_cast<std::size_t>(std::count(seen.begin(), seen.end(), '='));
     if (starts <= maxXmlDepth && attributes <= maxXmlAttributes)
         return true;
     // The parser steps over as many bytes as a lead byte announces, so that a damaged sequence hides what follows it.
-    return isUtf8(seen) && NestingWalk(seen).staysInBounds();
+    return IsUtf8(seen) && NestingWalk(seen).StaysInBounds();
 }
 
 bool ParseXml(const std::string& text, TiXmlDocument& document)

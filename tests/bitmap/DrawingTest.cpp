@@ -16,7 +16,7 @@ constexpr COLORREF red = RGB(255, 0, 0), green = RGB(0, 255, 0), blue = RGB(0, 0
                    grey = RGB(90, 90, 90), black = 0;
 
 // A letter for each colour, so that a picture can be read.
-char letter(COLORREF color)
+char Letter(COLORREF color)
 {
     switch (color) {
     case red:
@@ -53,20 +53,20 @@ public:
     ~Canvas() { SelectObject(dc.get(), previous); }
 
     operator HDC() const { return dc.get(); }
-    HBITMAP handle() const { return section.get(); }
-    COLORREF at(LONG x, LONG y) const
+    HBITMAP Handle() const { return section.get(); }
+    COLORREF At(LONG x, LONG y) const
     {
         GdiFlush();
         const DWORD pixel = pixels[y * width + x];
         return RGB(pixel >> 16 & 0xFF, pixel >> 8 & 0xFF, pixel & 0xFF);
     }
     // One letter for each pixel, rows parted by '/'.
-    std::string text() const
+    std::string Text() const
     {
         std::string all;
         for (LONG y = 0; y < height; ++y) {
             for (LONG x = 0; x < width; ++x)
-                all += letter(at(x, y));
+                all += Letter(At(x, y));
             all += y + 1 < height ? "/" : "";
         }
         return all;
@@ -81,7 +81,7 @@ private:
 };
 
 // The colours of `rows` (as letters) in a bitmap of 24 or 32 bits.
-GDIBitmap picture(const std::vector<std::string>& rows, int bitCount = 24)
+GDIBitmap Picture(const std::vector<std::string>& rows, int bitCount = 24)
 {
     GDIBitmap bitmap;
     const auto height = static_cast<LONG>(rows.size()), width = static_cast<LONG>(rows[0].size());
@@ -90,8 +90,8 @@ GDIBitmap picture(const std::vector<std::string>& rows, int bitCount = 24)
     for (LONG y = 0; y < height; ++y)
         for (LONG x = 0; x < width; ++x)
             for (const COLORREF color : {red, green, blue, white, grey, black})
-                if (letter(color) == rows[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)]) {
-                    auto* const pixel = &pixels.rowFromTop(y)[static_cast<std::size_t>(x * bitCount / 8)];
+                if (Letter(color) == rows[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)]) {
+                    auto* const pixel = &pixels.RowFromTop(y)[static_cast<std::size_t>(x * bitCount / 8)];
                     pixel[0] = GetBValue(color);
                     pixel[1] = GetGValue(color);
                     pixel[2] = GetRValue(color);
@@ -100,7 +100,7 @@ GDIBitmap picture(const std::vector<std::string>& rows, int bitCount = 24)
 }
 
 // An 8-bit picture of one colour, whose only use of the colour table is entry 1.
-GDIBitmap indexed(LONG width, LONG height, COLORREF color)
+GDIBitmap Indexed(LONG width, LONG height, COLORREF color)
 {
     GDIBitmap bitmap;
     EXPECT_TRUE(bitmap.Create({width, height}, 8));
@@ -109,19 +109,19 @@ GDIBitmap indexed(LONG width, LONG height, COLORREF color)
     return bitmap;
 }
 
-std::string text(const IBitmap& bitmap)
+std::string Text(const IBitmap& bitmap)
 {
     std::string all;
     for (int y = 0; y < bitmap.GetHeight(); ++y) {
         for (int x = 0; x < bitmap.GetWidth(); ++x)
-            all += letter(bitmap.GetPixel(x, y));
+            all += Letter(bitmap.GetPixel(x, y));
         all += y + 1 < bitmap.GetHeight() ? "/" : "";
     }
     return all;
 }
 
 // The same picture as a device-compatible bitmap, which draws through its handle.
-GDIBitmap compatible(const GDIBitmap& source)
+GDIBitmap Compatible(const GDIBitmap& source)
 {
     GDIBitmap bitmap;
     EXPECT_TRUE(bitmap.CreateDrawn(source, {source.GetWidth(), source.GetHeight()}, 0, 0, {}));
@@ -131,12 +131,12 @@ GDIBitmap compatible(const GDIBitmap& source)
 
 TEST(Drawing, LayoutsPlaceThePicture)
 {
-    const GDIBitmap dib = picture({"RG", "BW"});
-    for (const GDIBitmap& bitmap : {dib, compatible(dib)}) {
+    const GDIBitmap dib = Picture({"RG", "BW"});
+    for (const GDIBitmap& bitmap : {dib, Compatible(dib)}) {
         const auto drawn = [&bitmap](int layout, double scaleX, double scaleY, RECT rect) {
             const Canvas canvas(6, 4);
             EXPECT_TRUE(bitmap.Draw(canvas, rect, layout, scaleX, scaleY));
-            return canvas.text();
+            return canvas.Text();
         };
         EXPECT_EQ(drawn(0, 1.0, 1.0, {1, 0, 5, 4}), ".RRGG./.RRGG./.BBWW./.BBWW.");
         EXPECT_EQ(drawn(9, 1.0, 1.0, {0, 0, 2, 2}), "RG..../BW..../....../......");
@@ -181,47 +181,47 @@ TEST(Drawing, TilesOutsideTheClippingBoxAreLeftOut)
 
 TEST(Drawing, BltTakesAPartCountedFromTheTop)
 {
-    const GDIBitmap dib = picture({"RGB", "WkR"});
-    for (const GDIBitmap& bitmap : {dib, compatible(dib)}) {
+    const GDIBitmap dib = Picture({"RGB", "WkR"});
+    for (const GDIBitmap& bitmap : {dib, Compatible(dib)}) {
         const Canvas canvas(4, 2);
         EXPECT_TRUE(bitmap.Blt(canvas, {1, 0, 3, 1}, {1, 0, 3, 1}, SRCCOPY));
         EXPECT_TRUE(bitmap.Blt(canvas, {0, 1, 1, 2}, {0, 1, 1, 2}, SRCCOPY));
-        EXPECT_EQ(canvas.text(), ".GB./W...");
+        EXPECT_EQ(canvas.Text(), ".GB./W...");
         EXPECT_TRUE(bitmap.Blt(canvas, {0, 1, 1, 2}, {0, 0, 1, 1}, SRCAND));
-        EXPECT_EQ(canvas.text(), ".GB./R...");
+        EXPECT_EQ(canvas.Text(), ".GB./R...");
     }
     EXPECT_FALSE(GDIBitmap().Blt(Canvas(1, 1), {0, 0, 1, 1}, {0, 0, 1, 1}, SRCCOPY));
     // Rows from the top in memory: the source row is the rectangle's own.
-    MemoryBitmap topDown(packedDib(2, 3, 32));
-    topDown.bytes = forged(topDown.bytes, [](vixa::bitmap::DibHeader& h) { h.height = -3; });
+    MemoryBitmap topDown(PackedDib(2, 3, 32));
+    topDown.bytes = Forged(topDown.bytes, [](vixa::bitmap::DibHeader& h) { h.height = -3; });
     const Canvas canvas(2, 1);
     EXPECT_TRUE(
         BitmapBase::DibSrc(topDown.GetInfo(), topDown.GetBits(), SRCCOPY).Blt(canvas, {0, 1, 2, 2}, {0, 0, 2, 1}));
     const auto* const row = static_cast<const BYTE*>(topDown.GetBits()) + 8;
-    EXPECT_EQ(canvas.at(0, 0), RGB(row[2], row[1], row[0]));
+    EXPECT_EQ(canvas.At(0, 0), RGB(row[2], row[1], row[0]));
 }
 
 TEST(Drawing, TransparentLeavesTheKeyColourOut)
 {
-    const GDIBitmap bitmap = picture({"RG", "BR"});
+    const GDIBitmap bitmap = Picture({"RG", "BR"});
     const Canvas canvas(6, 2);
     EXPECT_TRUE(bitmap.DrawTransparent(canvas, {0, 0, 4, 2}, red, 4, 1.0, 1.0));
     EXPECT_TRUE(bitmap.BltTransparent(canvas, {4, 0, 6, 1}, {0, 1, 2, 2}, blue));
-    EXPECT_EQ(canvas.text(), ".G.G.R/B.B...");
+    EXPECT_EQ(canvas.Text(), ".G.G.R/B.B...");
     const Canvas one(1, 1);
-    EXPECT_TRUE(indexed(1, 1, green).BltTransparent(one, {0, 0, 1, 1}, {0, 0, 1, 1}, red));
-    EXPECT_EQ(one.text(), "G") << "the colour table counts";
+    EXPECT_TRUE(Indexed(1, 1, green).BltTransparent(one, {0, 0, 1, 1}, {0, 0, 1, 1}, red));
+    EXPECT_EQ(one.Text(), "G") << "the colour table counts";
     EXPECT_TRUE(GDIBitmap().DrawTransparent(one, {0, 0, 1, 1}, red, 0, 1.0, 1.0));
     EXPECT_FALSE(GDIBitmap().BltTransparent(one, {0, 0, 1, 1}, {0, 0, 1, 1}, red));
 }
 
 TEST(Drawing, AlphaBlends)
 {
-    const GDIBitmap bitmap = picture({"W"}, 32);
+    const GDIBitmap bitmap = Picture({"W"}, 32);
     const auto blended = [&bitmap](double opacity) {
         const Canvas canvas(1, 1);
         EXPECT_TRUE(bitmap.BltAlpha(canvas, {0, 0, 1, 1}, {0, 0, 1, 1}, opacity, false));
-        return int{GetRValue(canvas.at(0, 0))};
+        return int{GetRValue(canvas.At(0, 0))};
     };
     EXPECT_EQ(blended(0.0), 90);
     EXPECT_EQ(blended(-3.0), 90);
@@ -230,40 +230,40 @@ TEST(Drawing, AlphaBlends)
     EXPECT_EQ(blended(1e9), 255);
     EXPECT_NEAR(blended(0.5), 90 + (255 - 90) * 127 / 255, 1) << "0.5 is 127 of 255";
 
-    GDIBitmap alpha = picture({"kW"}, 32);
+    GDIBitmap alpha = Picture({"kW"}, 32);
     static_cast<BYTE*>(alpha.GetBitsForWrite())[7] = 255;
     const Canvas canvas(4, 1);
     EXPECT_TRUE(alpha.DrawAlpha(canvas, {0, 0, 2, 1}, 1.0, true, 0, 1.0, 1.0));
     EXPECT_TRUE(alpha.DrawAlpha(canvas, {2, 0, 4, 1}, 1.0, false, 0, 1.0, 1.0));
-    EXPECT_EQ(canvas.text(), ".WkW");
+    EXPECT_EQ(canvas.Text(), ".WkW");
 }
 
 TEST(Drawing, ResizeKeepsColoursAtEveryDepth)
 {
-    GDIBitmap bitmap = picture({"RG", "BW"});
+    GDIBitmap bitmap = Picture({"RG", "BW"});
     ASSERT_TRUE(bitmap.Resize({4, 2}));
-    EXPECT_EQ(text(bitmap), "RRGG/BBWW");
+    EXPECT_EQ(Text(bitmap), "RRGG/BBWW");
     EXPECT_FALSE(bitmap.Resize({0, 2}));
-    EXPECT_EQ(text(bitmap), "RRGG/BBWW");
+    EXPECT_EQ(Text(bitmap), "RRGG/BBWW");
 
-    GDIBitmap palette = indexed(2, 2, green);
+    GDIBitmap palette = Indexed(2, 2, green);
     ASSERT_TRUE(palette.Resize({3, 3}));
     EXPECT_EQ(palette.GetBitCount(), 8);
     const Canvas canvas(3, 3);
     EXPECT_TRUE(palette.Draw(canvas, {0, 0, 3, 3}, 0, 1.0, 1.0));
-    EXPECT_EQ(canvas.text(), "GGG/GGG/GGG");
+    EXPECT_EQ(canvas.Text(), "GGG/GGG/GGG");
 
-    GDIBitmap device = compatible(picture({"RG"}));
+    GDIBitmap device = Compatible(Picture({"RG"}));
     ASSERT_TRUE(device.Resize({4, 1}));
     EXPECT_EQ(device.GetBits(), nullptr);
     const Canvas line(4, 1);
     EXPECT_TRUE(device.Draw(line, {0, 0, 4, 1}, 0, 1.0, 1.0));
-    EXPECT_EQ(line.text(), "RRGG");
+    EXPECT_EQ(line.Text(), "RRGG");
 }
 
 TEST(Drawing, PreparedCopiesLookTheSame)
 {
-    const GDIBitmap original = picture({"RRGGBBWW", "RRGGBBWW", "WWBBGGRR", "WWBBGGRR", "RRRRRRRR", "GGGGGGGG"});
+    const GDIBitmap original = Picture({"RRGGBBWW", "RRGGBBWW", "WWBBGGRR", "WWBBGGRR", "RRRRRRRR", "GGGGGGGG"});
     for (const RECT rect : {RECT{0, 0, 4, 3}, {1, 2, 9, 5}, {0, 0, 3, 7}})
         for (const int layout : {0, 1, 2, 3, 4})
             for (const double scale : {0.5, 1.0}) {
@@ -273,7 +273,7 @@ TEST(Drawing, PreparedCopiesLookTheSame)
                 const Canvas expected(10, 10), got(10, 10);
                 EXPECT_TRUE(original.Draw(expected, rect, layout, scale, scale));
                 EXPECT_TRUE(prepared.Draw(got, rect, layout, 1.0, 1.0));
-                EXPECT_EQ(got.text(), expected.text())
+                EXPECT_EQ(got.Text(), expected.Text())
                     << "layout " << layout << " at " << scale << " in " << rect.right;
             }
     GDIBitmap unchanged(original);
@@ -285,7 +285,7 @@ TEST(Drawing, PreparedCopiesLookTheSame)
 
 TEST(Drawing, CompatibleBitmapsExportTheirPicture)
 {
-    GDIBitmap bitmap = compatible(picture({"RG", "BW"}));
+    GDIBitmap bitmap = Compatible(Picture({"RG", "BW"}));
     EXPECT_EQ(bitmap.GetBitCount(), 0);
     int size = 0;
     ASSERT_TRUE(bitmap.ExportDib(nullptr, &size));
@@ -294,14 +294,14 @@ TEST(Drawing, CompatibleBitmapsExportTheirPicture)
     ASSERT_TRUE(bitmap.ExportDib(bytes.data(), &size));
     GDIBitmap loaded;
     ASSERT_TRUE(loaded.LoadDib(bytes.data(), size));
-    EXPECT_EQ(text(loaded), "RG/BW");
+    EXPECT_EQ(Text(loaded), "RG/BW");
 
     GDIBitmap copy(bitmap);
     EXPECT_TRUE(copy.MakeUnique());
     EXPECT_FALSE(copy.SharesStorageWith(&bitmap));
     const Canvas canvas(2, 2);
     EXPECT_TRUE(copy.Draw(canvas, {0, 0, 2, 2}, 0, 1.0, 1.0));
-    EXPECT_EQ(canvas.text(), "RG/BW");
+    EXPECT_EQ(canvas.Text(), "RG/BW");
     EXPECT_FALSE(bitmap.Fill(0)) << "no pixel memory";
     EXPECT_EQ(bitmap.GetPixel(0, 0), CLR_INVALID);
 }
@@ -309,10 +309,10 @@ TEST(Drawing, CompatibleBitmapsExportTheirPicture)
 TEST(Drawing, HandlesAreCopied)
 {
     const Canvas canvas(3, 2);
-    ASSERT_TRUE(picture({"RGB", "WkR"}).Draw(canvas, {0, 0, 3, 2}, 0, 1.0, 1.0));
+    ASSERT_TRUE(Picture({"RGB", "WkR"}).Draw(canvas, {0, 0, 3, 2}, 0, 1.0, 1.0));
     GdiFlush();
-    const GDIBitmap fromSection(canvas.handle());
-    EXPECT_EQ(text(fromSection), "RGB/WkR");
+    const GDIBitmap fromSection(canvas.Handle());
+    EXPECT_EQ(Text(fromSection), "RGB/WkR");
 
     const vixa::UniqueBitmap device(CreateBitmap(2, 1, 1, 32, nullptr));
     {
@@ -328,55 +328,55 @@ TEST(Drawing, HandlesAreCopied)
     EXPECT_FALSE(copy.SharesStorageWith(&fromDevice));
     const Canvas line(2, 1);
     EXPECT_TRUE(copy.Draw(line, {0, 0, 2, 1}, 0, 1.0, 1.0));
-    EXPECT_EQ(line.text(), "GB");
+    EXPECT_EQ(line.Text(), "GB");
     EXPECT_TRUE(GDIBitmap(static_cast<HBITMAP>(nullptr)).IsEmpty());
 }
 
 TEST(Changing, KeyColourTakesAnyOtherBitmap)
 {
-    GDIBitmap bitmap = picture({"RGR", "RGR"});
+    GDIBitmap bitmap = Picture({"RGR", "RGR"});
     const GDIBitmap before(bitmap);
     EXPECT_TRUE(bitmap.ReplaceKeyColor(&before, red)) << "its own picture, shared";
-    EXPECT_EQ(text(bitmap), "RGR/RGR");
-    const GDIBitmap other = picture({"B"}, 32);
+    EXPECT_EQ(Text(bitmap), "RGR/RGR");
+    const GDIBitmap other = Picture({"B"}, 32);
     EXPECT_TRUE(bitmap.ReplaceKeyColor(&other, red)) << "stretched and converted";
-    EXPECT_EQ(text(bitmap), "BGB/BGB");
-    EXPECT_EQ(text(before), "RGR/RGR");
-    const GDIBitmap device = compatible(picture({"WWW", "kkk"}));
+    EXPECT_EQ(Text(bitmap), "BGB/BGB");
+    EXPECT_EQ(Text(before), "RGR/RGR");
+    const GDIBitmap device = Compatible(Picture({"WWW", "kkk"}));
     EXPECT_TRUE(bitmap.ReplaceKeyColor(&device, green));
-    EXPECT_EQ(text(bitmap), "BWB/BkB");
+    EXPECT_EQ(Text(bitmap), "BWB/BkB");
     EXPECT_FALSE(bitmap.ReplaceKeyColor(nullptr, green));
     const GDIBitmap empty;
     EXPECT_FALSE(bitmap.ReplaceKeyColor(&empty, green));
-    EXPECT_FALSE(indexed(2, 2, green).ReplaceKeyColor(&bitmap, green));
+    EXPECT_FALSE(Indexed(2, 2, green).ReplaceKeyColor(&bitmap, green));
 }
 
 TEST(Changing, TintWantsARealMask)
 {
-    GDIBitmap bitmap = picture({"kk", "kk"}, 32);
+    GDIBitmap bitmap = Picture({"kk", "kk"}, 32);
     const GDIBitmap before(bitmap);
     GDIBitmap mask;
     ASSERT_TRUE(mask.Create({2, 2}, 1));
     static_cast<BYTE*>(mask.GetBitsForWrite())[0] = 0x40; // right column of the bottom row
     EXPECT_TRUE(bitmap.Tint({0, 0, 2, 2}, white, 255, &mask));
-    EXPECT_EQ(text(bitmap), "kk/kW");
-    EXPECT_EQ(text(before), "kk/kk");
+    EXPECT_EQ(Text(bitmap), "kk/kW");
+    EXPECT_EQ(Text(before), "kk/kk");
     EXPECT_TRUE(bitmap.Tint({0, 0, 1, 1}, green, 255, nullptr));
     EXPECT_TRUE(bitmap.Tint({1, 0, 2, 1}, red, 255, nullptr)) << "other tables than the last";
     EXPECT_TRUE(bitmap.Tint({0, 0, 2, 2}, blue, 0, nullptr));
-    EXPECT_EQ(text(bitmap), "GR/kW");
+    EXPECT_EQ(Text(bitmap), "GR/kW");
     GDIBitmap wrongSize, empty;
     ASSERT_TRUE(wrongSize.Create({3, 2}, 1));
     EXPECT_FALSE(bitmap.Tint({0, 0, 2, 2}, blue, 255, &wrongSize));
     EXPECT_FALSE(bitmap.Tint({0, 0, 2, 2}, blue, 255, &empty));
     EXPECT_FALSE(bitmap.Tint({0, 0, 2, 2}, blue, 255, &before)) << "32 bits are no mask";
-    EXPECT_EQ(text(bitmap), "GR/kW");
-    EXPECT_FALSE(picture({"R"}).Tint({0, 0, 1, 1}, blue, 255, nullptr)) << "24 bits";
+    EXPECT_EQ(Text(bitmap), "GR/kW");
+    EXPECT_FALSE(Picture({"R"}).Tint({0, 0, 1, 1}, blue, 255, nullptr)) << "24 bits";
 }
 
 std::string lastDiagnostic;
 
-LONG CALLBACK catchDiagnostic(EXCEPTION_POINTERS* exception)
+LONG CALLBACK CatchDiagnostic(EXCEPTION_POINTERS* exception)
 {
     constexpr DWORD printed = 0x40010006; // what OutputDebugString raises: length, address
     const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
@@ -388,15 +388,15 @@ LONG CALLBACK catchDiagnostic(EXCEPTION_POINTERS* exception)
 
 TEST(Changing, ColourVariationSaysItsFinding)
 {
-    void* const handler = AddVectoredExceptionHandler(1, catchDiagnostic);
-    const GDIBitmap bitmap = picture({"kkWW", "kkWW"}, 32);
+    void* const handler = AddVectoredExceptionHandler(1, CatchDiagnostic);
+    const GDIBitmap bitmap = Picture({"kkWW", "kkWW"}, 32);
     EXPECT_TRUE(bitmap.HasMinColorVariation(126.0, 0.0));
     EXPECT_EQ(lastDiagnostic, "BitmapBase::HasMinColorVariation succeeded (line=1, var=126)");
     EXPECT_FALSE(bitmap.HasMinColorVariation(127.5, 0.0));
     EXPECT_EQ(lastDiagnostic, "BitmapBase::HasMinColorVariation returned false (var=126.00, limit was 127.50)");
     EXPECT_FALSE(bitmap.HasMinColorVariation(-1e-300, 0.0) && bitmap.HasMinColorVariation(-1.0, 0.0));
     lastDiagnostic.clear();
-    EXPECT_FALSE(picture({"kW"}).HasMinColorVariation(0.0, 0.0)) << "24 bits";
+    EXPECT_FALSE(Picture({"kW"}).HasMinColorVariation(0.0, 0.0)) << "24 bits";
     EXPECT_EQ(lastDiagnostic, "");
     RemoveVectoredExceptionHandler(handler);
     EXPECT_TRUE(bitmap.ContainsColor(white));

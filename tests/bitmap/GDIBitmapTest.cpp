@@ -16,12 +16,12 @@ using Microsoft::WRL::ComPtr;
 
 namespace {
 
-bool load(IBitmap& bitmap, const Bytes& bytes)
+bool Load(IBitmap& bitmap, const Bytes& bytes)
 {
     return bitmap.LoadDib(bytes.data(), static_cast<int>(bytes.size()));
 }
 
-Bytes exported(const IBitmap& bitmap)
+Bytes Exported(const IBitmap& bitmap)
 {
     int size = 0;
     EXPECT_TRUE(bitmap.ExportDib(nullptr, &size));
@@ -32,7 +32,7 @@ Bytes exported(const IBitmap& bitmap)
 
 // The number of a virtual operation in its table: a member pointer holds one more than the table's offset.
 template <typename Operation>
-std::intptr_t slotOf(Operation operation)
+std::intptr_t SlotOf(Operation operation)
 {
     static_assert(sizeof operation == 2 * sizeof(std::intptr_t));
     return std::bit_cast<std::array<std::intptr_t, 2>>(operation)[0] / static_cast<std::intptr_t>(sizeof(void*));
@@ -41,43 +41,43 @@ std::intptr_t slotOf(Operation operation)
 TEST(GDIBitmap, OperationsKeepTheirOrder)
 {
     constexpr std::intptr_t unknown = 3, data = unknown + 6;
-    EXPECT_EQ(slotOf(&IBitmapData::GetWidth), unknown + 0);
-    EXPECT_EQ(slotOf(&IBitmapData::GetStride), unknown + 3);
-    EXPECT_EQ(slotOf(&IBitmapData::GetBits), unknown + 5);
-    const std::intptr_t slots[] = {slotOf(&IBitmap::Clone),
-                                   slotOf(&IBitmap::Draw),
-                                   slotOf(&IBitmap::Blt),
-                                   slotOf(&IBitmap::Reset),
-                                   slotOf(&IBitmap::IsEmpty),
-                                   slotOf(&IBitmap::ExportDib),
-                                   slotOf(&IBitmap::ExportGlobal),
-                                   slotOf(&IBitmap::LoadDib),
-                                   slotOf(&IBitmap::LoadGlobal),
-                                   slotOf(&IBitmap::Create),
-                                   slotOf(&IBitmap::SharesStorageWith),
-                                   slotOf(&IBitmap::CopyFrom),
-                                   slotOf(&IBitmap::ReplaceKeyColor),
-                                   slotOf(&IBitmap::Tint),
-                                   slotOf(&IBitmap::Fill),
-                                   slotOf(&IBitmap::GetSize),
-                                   slotOf(&IBitmap::GetPixel),
-                                   slotOf(&IBitmap::ContainsColor),
-                                   slotOf(&IBitmap::HasMinColorVariation),
-                                   slotOf(&IBitmap::Resize),
-                                   slotOf(&IBitmap::PrepareForDrawing),
-                                   slotOf(&IBitmap::GetBitsForRead),
-                                   slotOf(&IBitmap::GetBitsForWrite),
-                                   slotOf(&IBitmap::ReleaseBits),
-                                   slotOf(&IBitmap::HasPalette),
-                                   slotOf(&IBitmap::GetPaletteSize),
-                                   slotOf(&IBitmap::GetPaletteForRead),
-                                   slotOf(&IBitmap::GetPaletteForWrite),
-                                   slotOf(&IBitmap::ReleasePalette),
-                                   slotOf(&BitmapBase::MakeUnique),
-                                   slotOf(&GDIBitmap::DrawTransparent),
-                                   slotOf(&GDIBitmap::BltTransparent),
-                                   slotOf(&GDIBitmap::DrawAlpha),
-                                   slotOf(&GDIBitmap::BltAlpha)};
+    EXPECT_EQ(SlotOf(&IBitmapData::GetWidth), unknown + 0);
+    EXPECT_EQ(SlotOf(&IBitmapData::GetStride), unknown + 3);
+    EXPECT_EQ(SlotOf(&IBitmapData::GetBits), unknown + 5);
+    const std::intptr_t slots[] = {SlotOf(&IBitmap::Clone),
+                                   SlotOf(&IBitmap::Draw),
+                                   SlotOf(&IBitmap::Blt),
+                                   SlotOf(&IBitmap::Reset),
+                                   SlotOf(&IBitmap::IsEmpty),
+                                   SlotOf(&IBitmap::ExportDib),
+                                   SlotOf(&IBitmap::ExportGlobal),
+                                   SlotOf(&IBitmap::LoadDib),
+                                   SlotOf(&IBitmap::LoadGlobal),
+                                   SlotOf(&IBitmap::Create),
+                                   SlotOf(&IBitmap::SharesStorageWith),
+                                   SlotOf(&IBitmap::CopyFrom),
+                                   SlotOf(&IBitmap::ReplaceKeyColor),
+                                   SlotOf(&IBitmap::Tint),
+                                   SlotOf(&IBitmap::Fill),
+                                   SlotOf(&IBitmap::GetSize),
+                                   SlotOf(&IBitmap::GetPixel),
+                                   SlotOf(&IBitmap::ContainsColor),
+                                   SlotOf(&IBitmap::HasMinColorVariation),
+                                   SlotOf(&IBitmap::Resize),
+                                   SlotOf(&IBitmap::PrepareForDrawing),
+                                   SlotOf(&IBitmap::GetBitsForRead),
+                                   SlotOf(&IBitmap::GetBitsForWrite),
+                                   SlotOf(&IBitmap::ReleaseBits),
+                                   SlotOf(&IBitmap::HasPalette),
+                                   SlotOf(&IBitmap::GetPaletteSize),
+                                   SlotOf(&IBitmap::GetPaletteForRead),
+                                   SlotOf(&IBitmap::GetPaletteForWrite),
+                                   SlotOf(&IBitmap::ReleasePalette),
+                                   SlotOf(&BitmapBase::MakeUnique),
+                                   SlotOf(&GDIBitmap::DrawTransparent),
+                                   SlotOf(&GDIBitmap::BltTransparent),
+                                   SlotOf(&GDIBitmap::DrawAlpha),
+                                   SlotOf(&GDIBitmap::BltAlpha)};
     std::intptr_t expected = data;
     for (const std::intptr_t slot : slots)
         EXPECT_EQ(slot, expected++);
@@ -108,14 +108,14 @@ TEST(GDIBitmap, ExportsWhatWasLoaded)
 {
     for (const auto& [width, height, bitCount] :
          {std::tuple{24, 24, 24}, {48, 48, 24}, {36, 34, 24}, {5, 3, 32}, {9, 4, 16}, {9, 4, 8}, {33, 4, 1}}) {
-        const Bytes bytes = packedDib(width, height, bitCount);
+        const Bytes bytes = PackedDib(width, height, bitCount);
         GDIBitmap bitmap;
-        ASSERT_TRUE(load(bitmap, bytes)) << bitCount;
-        EXPECT_EQ(exported(bitmap), bytes) << bitCount;
+        ASSERT_TRUE(Load(bitmap, bytes)) << bitCount;
+        EXPECT_EQ(Exported(bitmap), bytes) << bitCount;
         HGLOBAL block = bitmap.ExportGlobal();
         GDIBitmap again;
         EXPECT_TRUE(again.LoadGlobal(block));
-        EXPECT_EQ(exported(again), bytes) << bitCount;
+        EXPECT_EQ(Exported(again), bytes) << bitCount;
         EXPECT_EQ(GlobalFree(block), nullptr);
     }
 }
@@ -123,7 +123,7 @@ TEST(GDIBitmap, ExportsWhatWasLoaded)
 TEST(GDIBitmap, ABufferThatIsTooSmallStaysAsItIs)
 {
     GDIBitmap bitmap;
-    ASSERT_TRUE(load(bitmap, packedDib(48, 48, 24)));
+    ASSERT_TRUE(Load(bitmap, PackedDib(48, 48, 24)));
     int size = 0;
     EXPECT_TRUE(bitmap.ExportDib(nullptr, &size));
     EXPECT_EQ(size, 6952);
@@ -142,24 +142,24 @@ TEST(GDIBitmap, ABufferThatIsTooSmallStaysAsItIs)
 
 TEST(GDIBitmap, ColourTablesGrowToTheirDepth)
 {
-    const Bytes bytes = packedDib(5, 4, 8, 16);
+    const Bytes bytes = PackedDib(5, 4, 8, 16);
     GDIBitmap bitmap;
-    ASSERT_TRUE(load(bitmap, bytes));
+    ASSERT_TRUE(Load(bitmap, bytes));
     EXPECT_EQ(bitmap.GetPaletteSize(), 256);
     const RGBQUAD* const palette = bitmap.GetPaletteForRead();
     EXPECT_EQ(std::memcmp(palette, bytes.data() + 40, 64), 0);
     EXPECT_EQ(std::memcmp(&palette[16], "\0\0\0\0", 4), 0);
     EXPECT_EQ(std::memcmp(bitmap.GetBits(), bytes.data() + 104, 32), 0);
     // A table beside colour pixels is skipped.
-    const Bytes counted = packedDib(5, 4, 24, 9);
-    ASSERT_TRUE(load(bitmap, counted));
+    const Bytes counted = PackedDib(5, 4, 24, 9);
+    ASSERT_TRUE(Load(bitmap, counted));
     EXPECT_EQ(std::memcmp(bitmap.GetBits(), counted.data() + 76, 64), 0);
     EXPECT_FALSE(bitmap.HasPalette());
 }
 
 TEST(GDIBitmap, HostileDataLeavesItEmpty)
 {
-    for (const HostileDib& hostile : hostileDibs()) {
+    for (const HostileDib& hostile : HostileDibs()) {
         GDIBitmap bitmap;
         ASSERT_TRUE(bitmap.Create({2, 2}, 24));
         const GuardedBlock block(hostile.bytes);
@@ -170,7 +170,7 @@ TEST(GDIBitmap, HostileDataLeavesItEmpty)
     }
     GDIBitmap bitmap;
     EXPECT_FALSE(bitmap.LoadDib(nullptr, 4000));
-    EXPECT_FALSE(bitmap.LoadDib(packedDib(5, 4, 24).data(), -1));
+    EXPECT_FALSE(bitmap.LoadDib(PackedDib(5, 4, 24).data(), -1));
     EXPECT_FALSE(bitmap.LoadGlobal(nullptr));
 }
 
@@ -197,9 +197,9 @@ TEST(GDIBitmap, CreateRefusesImpossiblePictures)
 TEST(GDIBitmap, CopiesShareUntilOneChanges)
 {
     for (const int bitCount : {8, 24}) {
-        const Bytes bytes = packedDib(6, 5, bitCount);
+        const Bytes bytes = PackedDib(6, 5, bitCount);
         GDIBitmap first;
-        ASSERT_TRUE(load(first, bytes));
+        ASSERT_TRUE(Load(first, bytes));
         GDIBitmap second(first);
         ComPtr<IBitmap> third;
         *third.GetAddressOf() = first.Clone();
@@ -210,17 +210,17 @@ TEST(GDIBitmap, CopiesShareUntilOneChanges)
         EXPECT_TRUE(second.Fill(0x5A));
         EXPECT_FALSE(first.SharesStorageWith(&second));
         EXPECT_TRUE(first.SharesStorageWith(third.Get()));
-        EXPECT_EQ(exported(first), bytes);
+        EXPECT_EQ(Exported(first), bytes);
         Bytes filled = bytes;
         std::fill(filled.end() - first.GetStride() * 5, filled.end(), std::byte{0x5A});
-        EXPECT_EQ(exported(second), filled) << "the colour table comes along";
+        EXPECT_EQ(Exported(second), filled) << "the colour table comes along";
 
         first.Reset();
-        EXPECT_EQ(exported(*third.Get()), bytes);
+        EXPECT_EQ(Exported(*third.Get()), bytes);
         second = second;
-        EXPECT_EQ(exported(second), filled);
+        EXPECT_EQ(Exported(second), filled);
         second = static_cast<GDIBitmap&>(*third.Get());
-        EXPECT_EQ(exported(second), bytes);
+        EXPECT_EQ(Exported(second), bytes);
         EXPECT_EQ(third.Reset(), 0u);
         const void* const before = second.GetBits();
         EXPECT_EQ(second.GetBitsForWrite(), before) << "alone, nothing is copied";
@@ -249,10 +249,10 @@ TEST(GDIBitmap, ReferencesAreCounted)
 
 TEST(GDIBitmap, CopiesFromOtherKindsOfBitmap)
 {
-    MemoryBitmap other(packedDib(6, 5, 8));
+    MemoryBitmap other(PackedDib(6, 5, 8));
     GDIBitmap bitmap;
     EXPECT_TRUE(bitmap.CopyFrom(&other));
-    EXPECT_EQ(exported(bitmap), other.bytes);
+    EXPECT_EQ(Exported(bitmap), other.bytes);
     EXPECT_FALSE(bitmap.SharesStorageWith(&other));
     EXPECT_EQ(other.released, 2);
     other.hidesBits = true;
@@ -279,7 +279,7 @@ struct Resources final : IBitmapResources
 TEST(ExportPicture, AsksForTheSizeFirst)
 {
     Resources resources;
-    resources.pictures[332] = packedDib(36, 34, 24);
+    resources.pictures[332] = PackedDib(36, 34, 24);
     resources.pictures[333] = Bytes(100);
     ULONG size = 0xFFFFFFFF;
     EXPECT_EQ(ExportPicture(resources, 332, nullptr, &size), S_OK);
@@ -308,7 +308,7 @@ TEST(ExportPicture, AsksForTheSizeFirst)
 TEST(ExportPicture, LeavesNoGdiObjectBehind)
 {
     Resources resources;
-    resources.pictures[332] = packedDib(36, 34, 24);
+    resources.pictures[332] = PackedDib(36, 34, 24);
     Bytes buffer(3712);
     const auto round = [&] {
         ULONG size = 3712;
@@ -339,8 +339,8 @@ TEST(ExportPicture, LeavesNoGdiObjectBehind)
 
 TEST(OsFamily, ThisSystemIsNt)
 {
-    EXPECT_NE(vixa::bitmap::osFamily(), vixa::bitmap::OsUnknown);
-    EXPECT_EQ(vixa::bitmap::osFamily() & vixa::bitmap::os9xFamily, 0u);
+    EXPECT_NE(vixa::bitmap::SystemFamily(), vixa::bitmap::OsUnknown);
+    EXPECT_EQ(vixa::bitmap::SystemFamily() & vixa::bitmap::os9xFamily, 0u);
 }
 
 } // namespace

@@ -53,7 +53,7 @@ public:
     {
         return base + page + room - size;
     }
-    std::span<std::byte> bytes() const
+    std::span<std::byte> Bytes() const
     {
         return {data(), size};
     }

@@ -10,7 +10,7 @@ namespace vixa::bitmap::test {
 class MemoryBitmap final : public BitmapBase, public virtual GCUnknown
 {
 public:
-    explicit MemoryBitmap(Bytes packed) : bytes(std::move(packed)), layout(*parsePackedDib(bytes)) {}
+    explicit MemoryBitmap(Bytes packed) : bytes(std::move(packed)), layout(*ParsePackedDib(bytes)) {}
     ~MemoryBitmap() override = default;
 
     Bytes bytes;
@@ -23,7 +23,7 @@ public:
     }
     const void* STDMETHODCALLTYPE GetBits() const noexcept override
     {
-        return hidesBits ? nullptr : bytes.data() + layout.pixelOffset();
+        return hidesBits ? nullptr : bytes.data() + layout.PixelOffset();
     }
     IBitmap* STDMETHODCALLTYPE Clone() const noexcept override { return nullptr; }
     bool STDMETHODCALLTYPE Draw(HDC dc, const RECT& destRect, int number, double x, double y) const noexcept override

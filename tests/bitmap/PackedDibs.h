@@ -14,10 +14,10 @@ using Bytes = std::vector<std::byte>;
 
 // A packed DIB with a 40-byte header that claims `colorsUsed`, its full colour table or as many colours, and pixels and
 // table that count up so that a misplaced byte shows.
-inline Bytes packedDib(std::int32_t width, std::int32_t height, int bitCount, std::uint32_t colorsUsed = 0)
+inline Bytes PackedDib(std::int32_t width, std::int32_t height, int bitCount, std::uint32_t colorsUsed = 0)
 {
-    const std::size_t table = static_cast<std::size_t>(colorTableBytes(colorsUsed, bitCount));
-    const std::size_t pixels = static_cast<std::size_t>(strideOf(width, bitCount)) * static_cast<std::size_t>(height);
+    const std::size_t table = static_cast<std::size_t>(ColorTableBytes(colorsUsed, bitCount));
+    const std::size_t pixels = static_cast<std::size_t>(StrideOf(width, bitCount)) * static_cast<std::size_t>(height);
     Bytes bytes(40 + table + pixels);
     DibHeader header = {};
     header.size = 40;
@@ -33,7 +33,7 @@ inline Bytes packedDib(std::int32_t width, std::int32_t height, int bitCount, st
 }
 
 // A packed DIB with its header changed after it was made.
-inline Bytes forged(Bytes bytes, const std::function<void(DibHeader&)>& change)
+inline Bytes Forged(Bytes bytes, const std::function<void(DibHeader&)>& change)
 {
     DibHeader header;
     std::memcpy(&header, bytes.data(), sizeof header);
@@ -49,13 +49,13 @@ struct HostileDib
 };
 
 // Data that claims to be a packed DIB and must be refused, without a read behind its end.
-inline std::vector<HostileDib> hostileDibs()
+inline std::vector<HostileDib> HostileDibs()
 {
     std::vector<HostileDib> all;
-    const Bytes good24 = packedDib(5, 4, 24);
-    const Bytes good8 = packedDib(5, 4, 8);
+    const Bytes good24 = PackedDib(5, 4, 24);
+    const Bytes good8 = PackedDib(5, 4, 8);
     const auto forge = [&all](const std::string& what, const Bytes& from, const std::function<void(DibHeader&)>& how) {
-        all.push_back({what, forged(from, how)});
+        all.push_back({what, Forged(from, how)});
     };
     for (const std::uint32_t size :
          {0u, 12u, 39u, 41u, 44u, 64u, 123u, 124u, 4096u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFD8u})
@@ -67,7 +67,7 @@ inline std::vector<HostileDib> hostileDibs()
     }
     // 65536 × 65536 at 8 bits and 2^30 at 32 bits come to 0 in 32-bit arithmetic.
     forge("area of 2^32", good8, [](DibHeader& h) { h.width = h.height = 65536; });
-    forge("stride of 2^32", packedDib(5, 4, 32), [](DibHeader& h) { h.width = 0x40000000; });
+    forge("stride of 2^32", PackedDib(5, 4, 32), [](DibHeader& h) { h.width = 0x40000000; });
     for (const std::uint32_t colors : {257u, 0x40000000u, 0x3FFFFFFEu, 0xFFFFFFFFu})
         forge("colours " + std::to_string(colors), good8, [=](DibHeader& h) { h.colorsUsed = colors; });
     for (const std::uint32_t colors : {1u, 0x40000000u, 0xFFFFFFFFu})
@@ -80,7 +80,7 @@ inline std::vector<HostileDib> hostileDibs()
     for (const int planes : {0, 2, 0xFFFF})
         forge("planes " + std::to_string(planes), good24,
               [=](DibHeader& h) { h.planes = static_cast<std::uint16_t>(planes); });
-    for (const Bytes& good : {good24, good8, packedDib(5, 4, 1, 2), packedDib(36, 34, 24)})
+    for (const Bytes& good : {good24, good8, PackedDib(5, 4, 1, 2), PackedDib(36, 34, 24)})
         for (const std::size_t length : {std::size_t{0}, std::size_t{1}, std::size_t{4}, std::size_t{14},
                                          std::size_t{39}, std::size_t{40}, good.size() / 2, good.size() - 1})
             all.push_back({"length " + std::to_string(length) + " of " + std::to_string(good.size()),

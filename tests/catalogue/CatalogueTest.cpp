@@ -138,7 +138,7 @@ TEST_F(Catalogue, Icons)
         EXPECT_EQ(header.biWidth, 36);
         EXPECT_EQ(header.biHeight, 34);
         EXPECT_EQ(header.biBitCount, 24);
-        icons.emplace_back(icon.bytes().begin(), icon.bytes().end());
+        icons.emplace_back(icon.Bytes().begin(), icon.Bytes().end());
 
         std::vector<std::uint8_t> room(bytes, 0x5A);
         ULONG small = bytes - 1;

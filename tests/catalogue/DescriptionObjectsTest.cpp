@@ -19,7 +19,7 @@ struct Descriptions : testing::Test
 {
     void SetUp() override
     {
-        library.reset(LoadLibraryW((vixa::test::programFolder() / L"catalogue_library.dll").c_str()));
+        library.reset(LoadLibraryW((vixa::test::ProgramFolder() / L"catalogue_library.dll").c_str()));
         ASSERT_TRUE(library);
         module.Attach(library.get());
     }

@@ -87,7 +87,7 @@ void expectAllTextsFit(int atLeast)
     // One identifier for each language file.
     const LANGID languages[] = {1028, 2052, 1029, 1030, 1031, 1032, 1034, 13322, 1035, 1036, 1038, 1040, 1041, 1042,
                                 1043, 1044, 1045, 1046, 2070, 1049, 1051, 1053,  1054, 1055, 1058, 1060, 1033};
-    ASSERT_EQ(std::size(languages), vixa::languageCodes().size());
+    ASSERT_EQ(std::size(languages), vixa::LanguageCodes().size());
     for (const LANGID language : languages) {
         ModuleBase::SetLanguage(language);
         ASSERT_EQ(ModuleBase::GetLanguage(), language);

@@ -33,7 +33,7 @@ public:
     bool GetLanguageFileName(LANGID language, std::wstring& path) override
     {
         path = path.substr(0, path.find_last_of(L'\\') + 1) + L"VixaVideoFX.dll";
-        vixa::makeLanguageFileName(language, path);
+        vixa::MakeLanguageFileName(language, path);
         return true;
     }
 };

@@ -56,8 +56,8 @@ TEST_F(Hostile, NothingOutsideTheFrameIsTouched)
             ASSERT_EQ(graph.connected, S_OK);
             for (const auto guard : {GuardedBytes::Guard::Before, GuardedBytes::Guard::Behind}) {
                 GuardedBytes frame(static_cast<std::size_t>(width * std::abs(height)) * 4, guard);
-                std::ranges::fill(frame.bytes(), std::uint8_t{100});
-                EXPECT_EQ(graph.Send(frame.bytes()), S_OK) << effects[effect].name;
+                std::ranges::fill(frame.Bytes(), std::uint8_t{100});
+                EXPECT_EQ(graph.Send(frame.Bytes()), S_OK) << effects[effect].name;
             }
         }
     }
@@ -74,20 +74,20 @@ TEST_F(Hostile, LyingLengths)
         GuardedBytes frame(16 * 16 * 4, GuardedBytes::Guard::Behind);
         for (const long length :
              {0L, -1L, -8L, static_cast<long>(INT_MIN), 1L, 7L, 1025L, static_cast<long>(INT_MAX)}) {
-            std::ranges::fill(frame.bytes(), std::uint8_t{100});
-            TestSample sample(frame.bytes());
+            std::ranges::fill(frame.Bytes(), std::uint8_t{100});
+            TestSample sample(frame.Bytes());
             sample.length = length;
             EXPECT_EQ(graph.Send(&sample), S_OK) << effects[effect].name << ", length " << length;
             if (length <= 1 && effect < 5) {
-                EXPECT_TRUE(std::ranges::all_of(frame.bytes(), [](auto byte) { return byte == 100; })) << length;
+                EXPECT_TRUE(std::ranges::all_of(frame.Bytes(), [](auto byte) { return byte == 100; })) << length;
             }
         }
         // A buffer shorter than the frame that the type promised.
         GuardedBytes part(16 * 16 * 4 - 1, GuardedBytes::Guard::Behind);
-        std::ranges::fill(part.bytes(), std::uint8_t{100});
-        EXPECT_EQ(graph.Send(part.bytes()), S_OK);
+        std::ranges::fill(part.Bytes(), std::uint8_t{100});
+        EXPECT_EQ(graph.Send(part.Bytes()), S_OK);
         if (effect >= 5) {
-            EXPECT_TRUE(std::ranges::all_of(part.bytes(), [](auto byte) { return byte == 100; }))
+            EXPECT_TRUE(std::ranges::all_of(part.Bytes(), [](auto byte) { return byte == 100; }))
                 << effects[effect].name;
         }
     }
@@ -105,9 +105,9 @@ TEST_F(Hostile, ImpossibleFrameSizes)
             EffectGraph graph(filter.Get(), VideoType(width, height));
             ASSERT_EQ(graph.connected, S_OK) << width << " x " << height;
             GuardedBytes frame(256, GuardedBytes::Guard::Behind);
-            std::ranges::fill(frame.bytes(), std::uint8_t{100});
-            EXPECT_EQ(graph.Send(frame.bytes()), S_OK);
-            EXPECT_TRUE(std::ranges::all_of(frame.bytes(), [](auto byte) { return byte == 100; }))
+            std::ranges::fill(frame.Bytes(), std::uint8_t{100});
+            EXPECT_EQ(graph.Send(frame.Bytes()), S_OK);
+            EXPECT_TRUE(std::ranges::all_of(frame.Bytes(), [](auto byte) { return byte == 100; }))
                 << width << " x " << height;
         }
     }

@@ -49,13 +49,13 @@ TEST(Icons, FilesArePlainPicturesOf3712Bytes)
         const auto file = contentOf(root / "resources/bitmaps" / fileName(icon));
         ASSERT_EQ(file.size(), fileHeader + 3712) << icon.name;
         EXPECT_EQ(file[10], fileHeader + 40);
-        const auto layout = bitmap::parsePackedDib(std::as_bytes(std::span(file).subspan(fileHeader)));
+        const auto layout = bitmap::ParsePackedDib(std::as_bytes(std::span(file).subspan(fileHeader)));
         ASSERT_TRUE(layout) << icon.name;
         EXPECT_EQ(layout->width, iconWidth);
         EXPECT_EQ(layout->height, iconHeight);
         EXPECT_EQ(layout->bitCount, 24);
         EXPECT_EQ(layout->headerBytes, 40);
-        EXPECT_EQ(layout->totalBytes(), 3712);
+        EXPECT_EQ(layout->TotalBytes(), 3712);
     }
 }
 

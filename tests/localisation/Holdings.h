@@ -27,7 +27,7 @@ struct Holdings
 {
     std::size_t handles = 0, mappedViews = 0, committedBytes = 0, modules = 0;
 
-    static Holdings now()
+    static Holdings Now()
     {
         Holdings holdings;
         // Asked one by one: not every system counts them.
@@ -63,14 +63,14 @@ inline std::ostream& operator<<(std::ostream& out, const Holdings& h)
 // Runs `step` with 0, 1, 2, ... and expects the process to hold afterwards what it held before: 270 times, or as often
 // as VIXA_SWITCHES says for a long measurement, which is then printed.
 template <typename Step>
-void expectNothingIsLeft(const Step& step)
+void ExpectNothingIsLeft(const Step& step)
 {
     const char* const wanted = std::getenv("VIXA_SWITCHES");
     const std::size_t times = wanted ? std::strtoul(wanted, nullptr, 10) : 270;
-    const Holdings before = Holdings::now();
+    const Holdings before = Holdings::Now();
     for (std::size_t i = 0; i < times; ++i)
         step(i);
-    const Holdings after = Holdings::now();
+    const Holdings after = Holdings::Now();
     if (wanted)
         std::cout << times << " switches: before " << before << "; after " << after << '\n';
     ASSERT_GT(before.handles, 0u);

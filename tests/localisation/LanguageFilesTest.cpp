@@ -6,23 +6,23 @@
 
 namespace {
 
-std::wstring fileName(unsigned language, std::wstring path)
+std::wstring FileName(unsigned language, std::wstring path)
 {
-    vixa::makeLanguageFileName(static_cast<vixa::LanguageId>(language), path);
+    vixa::MakeLanguageFileName(static_cast<vixa::LanguageId>(language), path);
     return path;
 }
 
 TEST(LanguageFiles, NameIsTheLibraryPathWithTheLanguagesSuffix)
 {
-    EXPECT_EQ(fileName(1031, L"C:\\fx\\VixaVideoFX.dll"), L"C:\\fx\\VixaVideoFX_de-DE.nls");
-    EXPECT_EQ(fileName(0x0422, L"C:\\fx\\VixaVideoFX.dll"), L"C:\\fx\\VixaVideoFX_uk-UK.nls");
+    EXPECT_EQ(FileName(1031, L"C:\\fx\\VixaVideoFX.dll"), L"C:\\fx\\VixaVideoFX_de-DE.nls");
+    EXPECT_EQ(FileName(0x0422, L"C:\\fx\\VixaVideoFX.dll"), L"C:\\fx\\VixaVideoFX_uk-UK.nls");
     // The extension is four characters, whatever they say; long paths are no matter.
-    EXPECT_EQ(fileName(0x0405, L"C:\\effects"), L"C:\\eff_cs-CZ.nls");
-    EXPECT_EQ(fileName(0x0405, L".dll"), L"_cs-CZ.nls");
+    EXPECT_EQ(FileName(0x0405, L"C:\\effects"), L"C:\\eff_cs-CZ.nls");
+    EXPECT_EQ(FileName(0x0405, L".dll"), L"_cs-CZ.nls");
     const std::wstring deep = L"\\\\?\\C:\\" + std::wstring(600, L'd');
-    EXPECT_EQ(fileName(0x041D, deep + L".dll"), deep + L"_sv-SE.nls");
+    EXPECT_EQ(FileName(0x041D, deep + L".dll"), deep + L"_sv-SE.nls");
     for (const auto* path : {L"", L"a", L"dll"})
-        EXPECT_EQ(fileName(0x0411, path), L"VixaVideoFX_ja-JP.nls");
+        EXPECT_EQ(FileName(0x0411, path), L"VixaVideoFX_ja-JP.nls");
 }
 
 TEST(LanguageFiles, SublanguagesChooseWhereUsageDiffers)
@@ -33,15 +33,15 @@ TEST(LanguageFiles, SublanguagesChooseWhereUsageDiffers)
         {0x0409, L"en-US"}, {0x040D, L"en-US"}, {0x0000, L"en-US"}, {0x0407, L"de-DE"}, {0x0C07, L"de-DE"},
         {0x0414, L"nb-NO"}, {0x0814, L"nb-NO"}, {0x0424, L"sl-SI"}, {0x041B, L"sk-SK"}, {0x03FF, L"en-US"}};
     for (const auto& [language, code] : cases)
-        EXPECT_EQ(vixa::languageCode(static_cast<vixa::LanguageId>(language)), code) << std::hex << language;
+        EXPECT_EQ(vixa::LanguageCode(static_cast<vixa::LanguageId>(language)), code) << std::hex << language;
 }
 
 TEST(LanguageFiles, EveryIdentifierIsServedByOneOfTheListedFiles)
 {
     std::set<std::wstring_view> reached;
     for (unsigned language = 0; language <= 0xFFFF; ++language)
-        reached.insert(vixa::languageCode(static_cast<vixa::LanguageId>(language)));
-    const auto codes = vixa::languageCodes();
+        reached.insert(vixa::LanguageCode(static_cast<vixa::LanguageId>(language)));
+    const auto codes = vixa::LanguageCodes();
     EXPECT_EQ(reached, std::set<std::wstring_view>(codes.begin(), codes.end()));
     EXPECT_EQ(codes.size(), 27u);
     EXPECT_EQ(reached.size(), codes.size());

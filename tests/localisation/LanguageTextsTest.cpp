@@ -15,31 +15,31 @@ namespace {
 namespace fs = std::filesystem;
 using Texts = std::map<UINT, std::wstring>;
 
-fs::path fileOf(std::wstring_view code)
+fs::path FileOf(std::wstring_view code)
 {
-    return vixa::test::programFolder() / (L"VixaVideoFX_" + std::wstring(code) + L".nls");
+    return vixa::test::ProgramFolder() / (L"VixaVideoFX_" + std::wstring(code) + L".nls");
 }
 
-BOOL CALLBACK collectName(HMODULE, LPCWSTR, LPWSTR name, LONG_PTR names)
+BOOL CALLBACK CollectName(HMODULE, LPCWSTR, LPWSTR name, LONG_PTR names)
 {
     reinterpret_cast<std::set<UINT>*>(names)->insert(static_cast<UINT>(reinterpret_cast<ULONG_PTR>(name)));
     return TRUE;
 }
 
 // Every string of the file, whatever identifiers it uses.
-Texts textsOf(std::wstring_view code)
+Texts TextsOf(std::wstring_view code)
 {
-    const vixa::UniqueModule module = vixa::loadLanguageModule(fileOf(code).wstring());
+    const vixa::UniqueModule module = vixa::LoadLanguageModule(FileOf(code).wstring());
     if (!module)
         return {};
     std::set<UINT> blocks;
-    EnumResourceNamesW(module.get(), RT_STRING, collectName, reinterpret_cast<LONG_PTR>(&blocks));
+    EnumResourceNamesW(module.get(), RT_STRING, CollectName, reinterpret_cast<LONG_PTR>(&blocks));
     Texts texts;
     for (const UINT block : blocks) {
         const HRSRC found = FindResourceW(module.get(), MAKEINTRESOURCEW(block), RT_STRING);
         const auto* bytes = static_cast<const std::byte*>(LockResource(LoadResource(module.get(), found)));
         for (UINT index = 0; index < 16; ++index) {
-            const std::wstring text = vixa::stringOfBlock({bytes, SizeofResource(module.get(), found)}, index);
+            const std::wstring text = vixa::StringOfBlock({bytes, SizeofResource(module.get(), found)}, index);
             if (!text.empty())
                 texts[(block - 1) * 16 + index] = text;
         }
@@ -47,24 +47,24 @@ Texts textsOf(std::wstring_view code)
     return texts;
 }
 
-std::string name(std::wstring_view code, UINT id)
+std::string Name(std::wstring_view code, UINT id)
 {
     return std::string(code.begin(), code.end()) + " " + std::to_string(id);
 }
 
-bool isSpace(wchar_t c)
+bool IsSpace(wchar_t c)
 {
     return c == L' ' || c == 0xA0 || c == 0x3000 || (c >= 0x2000 && c <= 0x200B) || c == 0xFEFF;
 }
 
-bool isControl(wchar_t c)
+bool IsControl(wchar_t c)
 {
     // With the marks that steer the direction of writing, which none of these languages needs.
     return c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0xFFFD || c == 0xFFFE || c == 0xFFFF ||
            (c >= 0x202A && c <= 0x202E);
 }
 
-bool isUtf16(std::wstring_view text)
+bool IsUtf16(std::wstring_view text)
 {
     for (std::size_t i = 0; i < text.size(); ++i) {
         const bool isHigh = text[i] >= 0xD800 && text[i] < 0xDC00, isLow = text[i] >= 0xDC00 && text[i] < 0xE000;
@@ -75,7 +75,7 @@ bool isUtf16(std::wstring_view text)
     return true;
 }
 
-std::set<std::wstring> wordsOf(std::wstring text)
+std::set<std::wstring> WordsOf(std::wstring text)
 {
     for (wchar_t& c : text)
         c = c < 0x80 && !IsCharAlphaW(c) ? L' ' : static_cast<wchar_t>(towlower(c));
@@ -88,7 +88,7 @@ std::set<std::wstring> wordsOf(std::wstring text)
 
 TEST(LanguageTexts, TheEnglishTextsAreTheAgreedOnes)
 {
-    const Texts texts = textsOf(L"en-US");
+    const Texts texts = TextsOf(L"en-US");
     EXPECT_EQ(texts.size(), 37u);
     const std::pair<UINT, std::wstring_view> agreed[] = {
         {529, L"Multiply pixel"},
@@ -136,54 +136,54 @@ TEST(LanguageTexts, TheEnglishTextsAreTheAgreedOnes)
 TEST(LanguageTexts, EveryListedFileIsThereAndNoOther)
 {
     std::set<fs::path> built, listed;
-    for (const auto& entry : fs::directory_iterator(vixa::test::programFolder())) {
+    for (const auto& entry : fs::directory_iterator(vixa::test::ProgramFolder())) {
         if (entry.path().filename().wstring().starts_with(L"VixaVideoFX_") && entry.path().extension() == L".nls")
             built.insert(entry.path().filename());
     }
-    for (const std::wstring_view code : vixa::languageCodes())
-        listed.insert(fileOf(code).filename());
+    for (const std::wstring_view code : vixa::LanguageCodes())
+        listed.insert(FileOf(code).filename());
     EXPECT_EQ(built, listed);
 }
 
 TEST(LanguageTexts, FilesHoldTheSameTextsAndNothingBroken)
 {
-    const Texts english = textsOf(L"en-US");
-    for (const std::wstring_view code : vixa::languageCodes()) {
-        const Texts texts = textsOf(code);
+    const Texts english = TextsOf(L"en-US");
+    for (const std::wstring_view code : vixa::LanguageCodes()) {
+        const Texts texts = TextsOf(code);
         for (const auto& [id, text] : english)
-            EXPECT_TRUE(texts.contains(id)) << name(code, id) << " is missing or empty";
+            EXPECT_TRUE(texts.contains(id)) << Name(code, id) << " is missing or empty";
         for (const auto& [id, text] : texts) {
-            EXPECT_TRUE(english.contains(id)) << name(code, id) << " is not an identifier";
-            EXPECT_TRUE(isUtf16(text)) << name(code, id);
-            EXPECT_TRUE(std::ranges::none_of(text, isControl)) << name(code, id) << " has a control character";
+            EXPECT_TRUE(english.contains(id)) << Name(code, id) << " is not an identifier";
+            EXPECT_TRUE(IsUtf16(text)) << Name(code, id);
+            EXPECT_TRUE(std::ranges::none_of(text, IsControl)) << Name(code, id) << " has a control character";
             // The agreed English text of the slider tooltip ends with a space; translations don't copy that.
             const bool mayEndInSpace = code == L"en-US" && id == IDS_TIP_SLIDER;
-            EXPECT_FALSE(isSpace(text.front()) || (isSpace(text.back()) && !mayEndInSpace)) << name(code, id);
-            EXPECT_EQ(std::ranges::adjacent_find(text, [](wchar_t a, wchar_t b) { return isSpace(a) && isSpace(b); }),
+            EXPECT_FALSE(IsSpace(text.front()) || (IsSpace(text.back()) && !mayEndInSpace)) << Name(code, id);
+            EXPECT_EQ(std::ranges::adjacent_find(text, [](wchar_t a, wchar_t b) { return IsSpace(a) && IsSpace(b); }),
                       text.end())
-                << name(code, id) << " has two spaces in a row";
-            EXPECT_LT(text.size(), 255u) << name(code, id) << " does not fit the tooltip's buffer";
+                << Name(code, id) << " has two spaces in a row";
+            EXPECT_LT(text.size(), 255u) << Name(code, id) << " does not fit the tooltip's buffer";
         }
     }
 }
 
 TEST(LanguageTexts, NamesThatStandTogetherDiffer)
 {
-    for (const std::wstring_view code : vixa::languageCodes()) {
-        Texts texts = textsOf(code);
+    for (const std::wstring_view code : vixa::LanguageCodes()) {
+        Texts texts = TextsOf(code);
         std::set<std::wstring> effects, colours;
         for (UINT id = IDS_MULTIPLY_PIXEL; id <= IDS_ADD_PIXEL; ++id) {
             if (id != IDS_GROUP_COLOR_FILTER)
                 effects.insert(texts[id]);
         }
-        EXPECT_EQ(effects.size(), 13u) << name(code, 0) << ": two effects have one name";
+        EXPECT_EQ(effects.size(), 13u) << Name(code, 0) << ": two effects have one name";
         const std::set<std::wstring> groups = {texts[IDS_GROUP_COLOR_FILTER], texts[IDS_GROUP_EDGES],
                                                texts[IDS_GROUP_SHARPNESS]};
-        EXPECT_EQ(groups.size(), 3u) << name(code, 0);
+        EXPECT_EQ(groups.size(), 3u) << Name(code, 0);
         for (const UINT id :
              {IDS_RED, IDS_GREEN, IDS_BLUE, IDS_DARKER, IDS_BRIGHTER, IDS_HORIZONTAL, IDS_VERTICAL, IDS_TIP_INVERT_RED,
               IDS_TIP_INVERT_GREEN, IDS_TIP_INVERT_BLUE, IDS_TIP_SHIFT_HORIZONTAL, IDS_TIP_SHIFT_VERTICAL})
-            EXPECT_TRUE(colours.insert(texts[id]).second) << name(code, id) << " stands for something else, too";
+            EXPECT_TRUE(colours.insert(texts[id]).second) << Name(code, id) << " stands for something else, too";
     }
 }
 
@@ -207,18 +207,18 @@ TEST(LanguageTexts, NoEnglishIsLeftOver)
         {L"zh-TW", {L"gamma"}},
     };
     std::set<std::wstring> english;
-    for (const auto& [id, text] : textsOf(L"en-US"))
-        english.merge(wordsOf(text));
+    for (const auto& [id, text] : TextsOf(L"en-US"))
+        english.merge(WordsOf(text));
     ASSERT_GT(english.size(), 40u);
-    for (const std::wstring_view code : vixa::languageCodes()) {
+    for (const std::wstring_view code : vixa::LanguageCodes()) {
         if (code == L"en-US")
             continue;
         const auto found = shared.find(std::wstring(code));
-        for (const auto& [id, text] : textsOf(code)) {
-            for (const std::wstring& word : wordsOf(text)) {
+        for (const auto& [id, text] : TextsOf(code)) {
+            for (const std::wstring& word : WordsOf(text)) {
                 const bool isShared = found != shared.end() && found->second.contains(word);
                 EXPECT_TRUE(isShared || word.size() < 3 || !english.contains(word))
-                    << name(code, id) << ": " << std::string(word.begin(), word.end());
+                    << Name(code, id) << ": " << std::string(word.begin(), word.end());
             }
         }
     }
@@ -234,13 +234,13 @@ public:
                            DEFAULT_CHARSET, 0, 0, 0, 0, L"MS Shell Dlg"))
     {
         SelectObject(dc.get(), font.get());
-        baseUnit = (widthOf(L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz") / 26 + 1) / 2;
+        baseUnit = (WidthOf(L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz") / 26 + 1) / 2;
     }
 
-    int widthOfControl(int dialogUnits) const { return MulDiv(dialogUnits, baseUnit, 4); }
+    int WidthOfControl(int dialogUnits) const { return MulDiv(dialogUnits, baseUnit, 4); }
 
     // A character that this machine has no glyph for is taken to be as wide as high, as those of East Asia are.
-    int widthOf(std::wstring_view text) const
+    int WidthOf(std::wstring_view text) const
     {
         TEXTMETRICW metrics;
         GetTextMetricsW(dc.get(), &metrics);
@@ -292,11 +292,11 @@ TEST(LanguageTexts, LabelsFitTheirControls)
         {IDS_CHOOSE_DIRECTION, 75, corners},
     };
     const PanelFont font;
-    for (const std::wstring_view code : vixa::languageCodes()) {
-        Texts texts = textsOf(code);
+    for (const std::wstring_view code : vixa::LanguageCodes()) {
+        Texts texts = TextsOf(code);
         for (const Room& room : rooms)
-            EXPECT_LE(font.widthOf(texts[room.id]), font.widthOfControl(room.dialogUnits) - room.taken)
-                << name(code, room.id);
+            EXPECT_LE(font.WidthOf(texts[room.id]), font.WidthOfControl(room.dialogUnits) - room.taken)
+                << Name(code, room.id);
     }
 }
 

@@ -29,7 +29,7 @@ const EffectTexts effects[] = {{CLSID_AddPixel, IDS_ADD_PIXEL, IDS_GROUP_COLOR_F
                                {CLSID_ShiftEdges, IDS_SHIFT_EDGES, IDS_GROUP_EDGES},
                                {CLSID_SoftenFilter, IDS_SOFTEN_FILTER, IDS_GROUP_SHARPNESS}};
 
-std::wstring stringOf(HMODULE module, UINT id)
+std::wstring StringOf(HMODULE module, UINT id)
 {
     WCHAR text[256] = {};
     LoadStringW(module, id, text, 256);
@@ -44,7 +44,7 @@ struct Library : testing::Test
         folder = fs::temp_directory_path() / (L"vixa-library-" + std::to_wstring(GetCurrentProcessId()));
         fs::remove_all(folder);
         fs::create_directories(folder);
-        fs::copy_file(vixa::test::programFolder() / L"VixaVideoFX.dll", folder / L"VixaVideoFX.dll");
+        fs::copy_file(vixa::test::ProgramFolder() / L"VixaVideoFX.dll", folder / L"VixaVideoFX.dll");
     }
     void TearDown() override
     {
@@ -53,15 +53,15 @@ struct Library : testing::Test
         fs::remove_all(folder, ignored);
     }
 
-    static fs::path fileName(std::wstring_view code) { return L"VixaVideoFX_" + std::wstring(code) + L".nls"; }
+    static fs::path FileName(std::wstring_view code) { return L"VixaVideoFX_" + std::wstring(code) + L".nls"; }
 
-    void load()
+    void Load()
     {
         library.reset(LoadLibraryW((folder / L"VixaVideoFX.dll").c_str()));
         ASSERT_TRUE(library) << GetLastError();
     }
 
-    ComPtr<IEffectInfo> infoOf(const CLSID& clsid) const
+    ComPtr<IEffectInfo> InfoOf(const CLSID& clsid) const
     {
         using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
         const auto get = reinterpret_cast<GetClassObject>(
@@ -74,7 +74,7 @@ struct Library : testing::Test
     }
 
     template <typename Request>
-    static std::wstring textOf(const Request& request)
+    static std::wstring TextOf(const Request& request)
     {
         WCHAR text[256] = {};
         ULONG length = 0;
@@ -85,13 +85,13 @@ struct Library : testing::Test
         return text;
     }
 
-    static std::wstring nameOf(const ComPtr<IEffectInfo>& info, LANGID language)
+    static std::wstring NameOf(const ComPtr<IEffectInfo>& info, LANGID language)
     {
-        return textOf([&](WCHAR* text, ULONG* length) { return info->GetEffectName(language, text, length); });
+        return TextOf([&](WCHAR* text, ULONG* length) { return info->GetEffectName(language, text, length); });
     }
-    static std::wstring groupOf(const ComPtr<IEffectInfo>& info)
+    static std::wstring GroupOf(const ComPtr<IEffectInfo>& info)
     {
-        return textOf([&](WCHAR* text, ULONG* length) { return info->GetGroupName(0, text, length); });
+        return TextOf([&](WCHAR* text, ULONG* length) { return info->GetGroupName(0, text, length); });
     }
 
     fs::path folder;
@@ -100,14 +100,14 @@ struct Library : testing::Test
 
 TEST_F(Library, AloneItAnswersInEnglish)
 {
-    load();
+    Load();
     const vixa::UniqueModule english =
-        vixa::loadLanguageModule((vixa::test::programFolder() / fileName(L"en-US")).wstring());
+        vixa::LoadLanguageModule((vixa::test::ProgramFolder() / FileName(L"en-US")).wstring());
     for (const EffectTexts& effect : effects) {
-        const auto info = infoOf(effect.clsid);
+        const auto info = InfoOf(effect.clsid);
         for (const auto& [language, code] : identifiers) {
-            EXPECT_EQ(nameOf(info, language), stringOf(english.get(), effect.nameId));
-            EXPECT_EQ(groupOf(info), stringOf(english.get(), effect.groupId));
+            EXPECT_EQ(NameOf(info, language), StringOf(english.get(), effect.nameId));
+            EXPECT_EQ(GroupOf(info), StringOf(english.get(), effect.groupId));
         }
     }
 }
@@ -115,26 +115,26 @@ TEST_F(Library, AloneItAnswersInEnglish)
 TEST_F(Library, WithItsFilesItAnswersInEveryLanguage)
 {
     for (const auto& [language, code] : identifiers)
-        fs::copy_file(vixa::test::programFolder() / fileName(code), folder / fileName(code));
-    load();
+        fs::copy_file(vixa::test::ProgramFolder() / FileName(code), folder / FileName(code));
+    Load();
     {
-        const auto first = infoOf(CLSID_Emboss);
+        const auto first = InfoOf(CLSID_Emboss);
         for (const EffectTexts& effect : effects) {
-            const auto info = infoOf(effect.clsid);
+            const auto info = InfoOf(effect.clsid);
             for (const auto& [language, code] : identifiers) {
                 const vixa::UniqueModule file =
-                    vixa::loadLanguageModule((vixa::test::programFolder() / fileName(code)).wstring());
-                EXPECT_EQ(nameOf(info, language), stringOf(file.get(), effect.nameId));
-                EXPECT_EQ(groupOf(info), stringOf(file.get(), effect.groupId));
-                EXPECT_EQ(groupOf(first), stringOf(file.get(), IDS_GROUP_EDGES)) << "one language for all objects";
+                    vixa::LoadLanguageModule((vixa::test::ProgramFolder() / FileName(code)).wstring());
+                EXPECT_EQ(NameOf(info, language), StringOf(file.get(), effect.nameId));
+                EXPECT_EQ(GroupOf(info), StringOf(file.get(), effect.groupId));
+                EXPECT_EQ(GroupOf(first), StringOf(file.get(), IDS_GROUP_EDGES)) << "one language for all objects";
             }
         }
-        vixa::test::expectNothingIsLeft(
-            [&](std::size_t i) { EXPECT_FALSE(nameOf(first, identifiers[i % std::size(identifiers)].first).empty()); });
+        vixa::test::ExpectNothingIsLeft(
+            [&](std::size_t i) { EXPECT_FALSE(NameOf(first, identifiers[i % std::size(identifiers)].first).empty()); });
     }
     library.reset();
     for (const auto& [language, code] : identifiers)
-        EXPECT_TRUE(DeleteFileW((folder / fileName(code)).c_str())) << "unloading leaves a file open";
+        EXPECT_TRUE(DeleteFileW((folder / FileName(code)).c_str())) << "unloading leaves a file open";
 }
 
 } // namespace

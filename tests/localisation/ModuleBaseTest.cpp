@@ -20,12 +20,12 @@ const std::wstring germanText = L"F\u00FCge Pixel hinzu";
 
 struct Modules : vixa::test::ModuleFixture
 {
-    void writeFile(std::wstring_view code, std::string_view contents)
+    void WriteFile(std::wstring_view code, std::string_view contents)
     {
-        std::ofstream(languagePath(code), std::ios::binary) << contents;
+        std::ofstream(LanguagePath(code), std::ios::binary) << contents;
     }
 
-    static std::string contentsOf(const ModuleBase& module, UINT id, LPCWSTR type)
+    static std::string ContentsOf(const ModuleBase& module, UINT id, LPCWSTR type)
     {
         DWORD size = 0;
         const HGLOBAL found = module.FindModuleResource(id, type, &size);
@@ -37,11 +37,11 @@ TEST_F(Modules, AttachSpeaksEnglishAndJoinsTheList)
 {
     TestModule module;
     module.initAnswer = false;
-    EXPECT_EQ(vixa::textModule(), nullptr);
+    EXPECT_EQ(vixa::TextModule(), nullptr);
     EXPECT_EQ(vixa::LoadResString(542), L"");
     EXPECT_FALSE(module.Attach(library.get()));
     EXPECT_TRUE(module.initialised);
-    EXPECT_EQ(vixa::textModule(), &module);
+    EXPECT_EQ(vixa::TextModule(), &module);
     EXPECT_EQ(ModuleBase::GetLanguage(), 1033);
     EXPECT_EQ(module.ResourceHandle(), library.get());
     EXPECT_EQ(vixa::LoadResString(542), L"Add pixel");
@@ -49,12 +49,12 @@ TEST_F(Modules, AttachSpeaksEnglishAndJoinsTheList)
     for (const UINT missing : {0u, 1u, 541u, 544u, 706u, 0x10000u, 0xFFFFFFFFu})
         EXPECT_EQ(vixa::LoadResString(missing), L"") << missing;
 
-    addLanguage(L"en-US");
+    AddLanguage(L"en-US");
     ModuleBase::SetLanguage(1033);
     EXPECT_EQ(module.ResourceHandle(), library.get()) << "English is current already";
     module.Detach();
     EXPECT_FALSE(module.initialised);
-    EXPECT_EQ(vixa::textModule(), nullptr);
+    EXPECT_EQ(vixa::TextModule(), nullptr);
 
     TestModule next;
     EXPECT_TRUE(next.Attach(library.get()));
@@ -67,22 +67,22 @@ TEST_F(Modules, ALanguageFileServesTextsAndTheLibraryPictures)
 {
     TestModule module;
     module.Attach(library.get());
-    addLanguage(L"de-DE");
+    AddLanguage(L"de-DE");
     ModuleBase::SetLanguage(german);
     EXPECT_EQ(ModuleBase::GetLanguage(), german);
     const HMODULE loaded = module.ResourceHandle();
-    EXPECT_EQ(GetModuleHandleW(languagePath(L"de-DE").c_str()), nullptr) << "data, not code that could run";
+    EXPECT_EQ(GetModuleHandleW(LanguagePath(L"de-DE").c_str()), nullptr) << "data, not code that could run";
     EXPECT_EQ(module.LoadResString(542), germanText);
     EXPECT_EQ(module.LoadResString(543), L"") << "a text that the file lacks is empty";
     EXPECT_EQ(module.LoadResString(160), L"a");
     EXPECT_EQ(module.LoadResString(161), L"") << "claims more than the block holds";
     EXPECT_EQ(module.LoadResString(162), L"");
 
-    EXPECT_EQ(contentsOf(module, 339, RT_BITMAP), "own bitmap");
-    EXPECT_EQ(contentsOf(module, 7, L"PICTURE"), "own picture");
-    EXPECT_EQ(contentsOf(module, 7, L"Picture"), "own picture");
-    EXPECT_EQ(contentsOf(module, 7, RT_RCDATA), "other data");
-    EXPECT_EQ(contentsOf(module, 0x10007, RT_RCDATA), "other data") << "the low 16 bits count";
+    EXPECT_EQ(ContentsOf(module, 339, RT_BITMAP), "own bitmap");
+    EXPECT_EQ(ContentsOf(module, 7, L"PICTURE"), "own picture");
+    EXPECT_EQ(ContentsOf(module, 7, L"Picture"), "own picture");
+    EXPECT_EQ(ContentsOf(module, 7, RT_RCDATA), "other data");
+    EXPECT_EQ(ContentsOf(module, 0x10007, RT_RCDATA), "other data") << "the low 16 bits count";
     EXPECT_EQ(module.FindModuleResource(0, RT_RCDATA), nullptr);
     EXPECT_EQ(module.FindModuleResource(8, RT_RCDATA), nullptr);
 
@@ -101,13 +101,13 @@ TEST_F(Modules, AMissingFileMeansEnglishAndIsTriedAgain)
 {
     TestModule module;
     module.Attach(library.get());
-    addLanguage(L"de-DE");
+    AddLanguage(L"de-DE");
     ModuleBase::SetLanguage(german);
     ModuleBase::SetLanguage(french);
     EXPECT_EQ(ModuleBase::GetLanguage(), 1033);
     EXPECT_EQ(module.ResourceHandle(), library.get());
     EXPECT_EQ(module.LoadResString(542), L"Add pixel");
-    addLanguage(L"fr-FR");
+    AddLanguage(L"fr-FR");
     ModuleBase::SetLanguage(french);
     EXPECT_EQ(ModuleBase::GetLanguage(), french);
     EXPECT_EQ(module.LoadResString(542), germanText);
@@ -118,8 +118,8 @@ TEST_F(Modules, DamagedFilesMeanEnglishAndStayClosed)
 {
     TestModule module;
     module.Attach(library.get());
-    addLanguage(L"de-DE");
-    std::ifstream stream(languagePath(L"de-DE"), std::ios::binary);
+    AddLanguage(L"de-DE");
+    std::ifstream stream(LanguagePath(L"de-DE"), std::ios::binary);
     const std::string whole(std::istreambuf_iterator<char>(stream), {});
     stream.close();
     ASSERT_GT(whole.size(), 1024u);
@@ -130,19 +130,19 @@ TEST_F(Modules, DamagedFilesMeanEnglishAndStayClosed)
         contents.push_back(whole.substr(0, size));
     contents.push_back(whole.substr(0, whole.size() - 1));
     for (const std::string& damaged : contents) {
-        writeFile(L"de-DE", damaged);
+        WriteFile(L"de-DE", damaged);
         const DWORD mode = GetThreadErrorMode();
         ModuleBase::SetLanguage(german);
         EXPECT_EQ(GetThreadErrorMode(), mode);
         EXPECT_EQ(ModuleBase::GetLanguage(), 1033) << damaged.size();
         EXPECT_EQ(module.LoadResString(542), L"Add pixel");
-        EXPECT_TRUE(DeleteFileW(languagePath(L"de-DE").c_str())) << damaged.size() << ": somebody holds it open";
+        EXPECT_TRUE(DeleteFileW(LanguagePath(L"de-DE").c_str())) << damaged.size() << ": somebody holds it open";
     }
-    fs::create_directory(languagePath(L"de-DE"));
+    fs::create_directory(LanguagePath(L"de-DE"));
     ModuleBase::SetLanguage(german);
     EXPECT_EQ(ModuleBase::GetLanguage(), 1033) << "a folder";
-    fs::remove(languagePath(L"de-DE"));
-    writeFile(L"de-DE", whole);
+    fs::remove(LanguagePath(L"de-DE"));
+    WriteFile(L"de-DE", whole);
     ModuleBase::SetLanguage(german);
     EXPECT_EQ(module.LoadResString(542), germanText);
     module.Detach();
@@ -154,7 +154,7 @@ TEST_F(Modules, EveryAttachedModuleIsSwitched)
     {
         using ModuleBase::Attach;
     };
-    addLanguage(L"de-DE");
+    AddLanguage(L"de-DE");
     TestModule first, second;
     Silent silent;
     for (ModuleBase* module :
@@ -165,20 +165,20 @@ TEST_F(Modules, EveryAttachedModuleIsSwitched)
     EXPECT_EQ(second.LoadResString(700), L"Rot");
     EXPECT_EQ(silent.LoadResString(700), L"Red") << "a module without language files";
     first.Detach();
-    EXPECT_EQ(vixa::textModule(), &silent);
+    EXPECT_EQ(vixa::TextModule(), &silent);
     silent.Detach();
     second.Detach();
 }
 
 TEST(LanguageModule, BareNamesAreSearchedInTheUsualOrder)
 {
-    const vixa::UniqueModule found = vixa::loadLanguageModule(L"VixaVideoFX_de-DE.nls");
+    const vixa::UniqueModule found = vixa::LoadLanguageModule(L"VixaVideoFX_de-DE.nls");
     ASSERT_TRUE(found) << "it stands beside the program";
     WCHAR text[40];
     EXPECT_EQ(LoadStringW(found.get(), 700, text, 40), 3);
     EXPECT_STREQ(text, L"Rot");
-    EXPECT_FALSE(vixa::loadLanguageModule(L"VixaVideoFX_xx-XX.nls"));
-    EXPECT_FALSE(vixa::loadLanguageModule(L""));
+    EXPECT_FALSE(vixa::LoadLanguageModule(L"VixaVideoFX_xx-XX.nls"));
+    EXPECT_FALSE(vixa::LoadLanguageModule(L""));
 }
 
 TEST_F(Modules, LibraryPathsMayBeLong)
@@ -189,9 +189,9 @@ TEST_F(Modules, LibraryPathsMayBeLong)
         ASSERT_TRUE(CreateDirectoryW(deep.c_str(), nullptr)) << GetLastError();
     }
     const fs::path longLibrary = deep / L"VixaVideoFX.dll", longLanguage = deep / L"VixaVideoFX_de-DE.nls";
-    ASSERT_TRUE(CopyFileW(libraryPath().c_str(), longLibrary.c_str(), TRUE));
+    ASSERT_TRUE(CopyFileW(LibraryPath().c_str(), longLibrary.c_str(), TRUE));
     ASSERT_TRUE(
-        CopyFileW((vixa::test::programFolder() / L"localisation_language.nls").c_str(), longLanguage.c_str(), TRUE));
+        CopyFileW((vixa::test::ProgramFolder() / L"localisation_language.nls").c_str(), longLanguage.c_str(), TRUE));
     const HMODULE loaded = LoadLibraryW(longLibrary.c_str());
     ASSERT_NE(loaded, nullptr) << GetLastError();
     {
@@ -210,10 +210,10 @@ TEST_F(Modules, LibraryPathsMayBeLong)
 
 TEST_F(Modules, EveryFileServesItsTextsAndSwitchingLeavesNothingBehind)
 {
-    ASSERT_EQ(std::size(identifiers), vixa::languageCodes().size());
-    for (const std::wstring_view code : vixa::languageCodes()) {
+    ASSERT_EQ(std::size(identifiers), vixa::LanguageCodes().size());
+    for (const std::wstring_view code : vixa::LanguageCodes()) {
         const std::wstring file = L"VixaVideoFX_" + std::wstring(code) + L".nls";
-        fs::copy_file(vixa::test::programFolder() / file, folder / file);
+        fs::copy_file(vixa::test::ProgramFolder() / file, folder / file);
     }
     TestModule module;
     module.Attach(library.get());
@@ -233,14 +233,14 @@ TEST_F(Modules, EveryFileServesItsTextsAndSwitchingLeavesNothingBehind)
         different.insert(text);
     EXPECT_EQ(different.size(), std::size(identifiers)) << "two files answer the same texts";
 
-    vixa::test::expectNothingIsLeft([&](std::size_t i) { switchTo(identifiers[i % std::size(identifiers)].first); });
+    vixa::test::ExpectNothingIsLeft([&](std::size_t i) { switchTo(identifiers[i % std::size(identifiers)].first); });
     module.Detach();
 }
 
 // A file that is damaged inside may answer what it likes or count as missing, but nothing reads outside it.
 TEST_F(Modules, FilesDamagedInsideAreReadWithinTheirBounds)
 {
-    std::ifstream stream(vixa::test::programFolder() / L"localisation_language.nls", std::ios::binary);
+    std::ifstream stream(vixa::test::ProgramFolder() / L"localisation_language.nls", std::ios::binary);
     const std::string whole(std::istreambuf_iterator<char>(stream), {});
     stream.close();
     std::mt19937 random(7);
@@ -252,13 +252,13 @@ TEST_F(Modules, FilesDamagedInsideAreReadWithinTheirBounds)
         for (unsigned changes = 1 + random() % 3; changes > 0; --changes)
             damaged[random() % damaged.size()] = static_cast<char>(random() % 2 ? random() : 0xFF);
         ModuleBase::SetLanguage(1033);
-        writeFile(L"de-DE", damaged);
+        WriteFile(L"de-DE", damaged);
         ModuleBase::SetLanguage(german);
         served += ModuleBase::GetLanguage() == german ? 1 : 0;
         for (UINT id = 0; id < 1024; id += 3)
             module.LoadResString(id);
         for (const UINT id : {7u, 339u})
-            contentsOf(module, id, RT_RCDATA);
+            ContentsOf(module, id, RT_RCDATA);
     }
     EXPECT_GT(served, 10);
     EXPECT_LT(served, 300);
@@ -269,17 +269,17 @@ TEST(HandOutText, GoesByTwoCalls)
 {
     WCHAR buffer[6] = {L'?', L'?', L'?', L'?', L'?', L'?'};
     ULONG length = 77;
-    vixa::handOutText(L"Rot", nullptr, &length);
+    vixa::HandOutText(L"Rot", nullptr, &length);
     EXPECT_EQ(length, 4u);
     length = 0; // never read on entry
-    vixa::handOutText(L"Rot", buffer, &length);
+    vixa::HandOutText(L"Rot", buffer, &length);
     EXPECT_EQ(std::wstring(buffer, 6), std::wstring(L"Rot\0??", 6));
     EXPECT_EQ(length, 4u);
-    vixa::handOutText(L"", buffer, nullptr);
+    vixa::HandOutText(L"", buffer, nullptr);
     EXPECT_EQ(std::wstring(buffer, 6), std::wstring(L"\0ot\0??", 6));
-    vixa::handOutText(L"", nullptr, &length);
+    vixa::HandOutText(L"", nullptr, &length);
     EXPECT_EQ(length, 1u);
-    vixa::handOutText(L"Rot", nullptr, nullptr);
+    vixa::HandOutText(L"Rot", nullptr, nullptr);
 }
 
 } // namespace

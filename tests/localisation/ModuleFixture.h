@@ -25,7 +25,7 @@ public:
     void Term() override { initialised = false; }
     bool GetLanguageFileName(LANGID language, std::wstring& path) override
     {
-        makeLanguageFileName(language, path);
+        MakeLanguageFileName(language, path);
         return true;
     }
 
@@ -34,7 +34,7 @@ public:
 };
 
 // The folder of the test program, where the built files are.
-inline fs::path programFolder()
+inline fs::path ProgramFolder()
 {
     std::wstring path(MAX_PATH, L'\0');
     path.resize(GetModuleFileNameW(nullptr, path.data(), MAX_PATH));
@@ -49,8 +49,8 @@ protected:
         folder = fs::temp_directory_path() / (L"vixa-texts-" + std::to_wstring(GetCurrentProcessId()));
         fs::remove_all(folder);
         fs::create_directories(folder);
-        fs::copy_file(programFolder() / L"localisation_library.dll", libraryPath());
-        library.reset(LoadLibraryW(libraryPath().c_str()));
+        fs::copy_file(ProgramFolder() / L"localisation_library.dll", LibraryPath());
+        library.reset(LoadLibraryW(LibraryPath().c_str()));
         ASSERT_TRUE(library);
     }
 
@@ -61,14 +61,14 @@ protected:
         fs::remove_all(folder, ignored);
     }
 
-    fs::path libraryPath() const { return folder / L"VixaVideoFX.dll"; }
-    fs::path languagePath(std::wstring_view code) const
+    fs::path LibraryPath() const { return folder / L"VixaVideoFX.dll"; }
+    fs::path LanguagePath(std::wstring_view code) const
     {
         return folder / (L"VixaVideoFX_" + std::wstring(code) + L".nls");
     }
-    void addLanguage(std::wstring_view code) const
+    void AddLanguage(std::wstring_view code) const
     {
-        fs::copy_file(programFolder() / L"localisation_language.nls", languagePath(code),
+        fs::copy_file(ProgramFolder() / L"localisation_language.nls", LanguagePath(code),
                       fs::copy_options::overwrite_existing);
     }
 

@@ -6,19 +6,19 @@
 
 namespace {
 
-using vixa::formatValue;
+using vixa::FormatValue;
 
 TEST(ValueText, FormatsOneDouble)
 {
-    EXPECT_EQ(formatValue(L"%.0lf", 79.6), L"80");
-    EXPECT_EQ(formatValue(L"%lf", 0.5), L"0.500000");
-    EXPECT_EQ(formatValue(L"%+08.2f", 3.14159), L"+0003.14");
-    EXPECT_EQ(formatValue(L"%-6.1f|", 2.0), L"2.0   |");
-    EXPECT_EQ(formatValue(L"%.f", 2.4), L"2");
-    EXPECT_EQ(formatValue(L"%.2e", 12345.0), L"1.23e+04");
-    EXPECT_EQ(formatValue(L"%g %%", 50.0), L"50 %");
-    EXPECT_EQ(formatValue(L"ca. %.1f\u00B0", -1.25), L"ca. -1.2\u00B0");
-    EXPECT_EQ(formatValue(std::wstring_view(L"%.0f\0%n", 7), 1.0), L"1") << "a terminator ends the format";
+    EXPECT_EQ(FormatValue(L"%.0lf", 79.6), L"80");
+    EXPECT_EQ(FormatValue(L"%lf", 0.5), L"0.500000");
+    EXPECT_EQ(FormatValue(L"%+08.2f", 3.14159), L"+0003.14");
+    EXPECT_EQ(FormatValue(L"%-6.1f|", 2.0), L"2.0   |");
+    EXPECT_EQ(FormatValue(L"%.f", 2.4), L"2");
+    EXPECT_EQ(FormatValue(L"%.2e", 12345.0), L"1.23e+04");
+    EXPECT_EQ(FormatValue(L"%g %%", 50.0), L"50 %");
+    EXPECT_EQ(FormatValue(L"ca. %.1f\u00B0", -1.25), L"ca. -1.2\u00B0");
+    EXPECT_EQ(FormatValue(std::wstring_view(L"%.0f\0%n", 7), 1.0), L"1") << "a terminator ends the format";
 }
 
 TEST(ValueText, AnyOtherFormatGivesNoText)
@@ -30,17 +30,17 @@ TEST(ValueText, AnyOtherFormatGivesNoText)
         L"%5",   L"%.",    L"%.3",   L"%l",    L"%100f", L"%.100f", L"%2147483647f", L"%.2147483647f",
         L"%-",   L"%I64f", L"%'f",   L"% f %", L"%wf",   L"%F %%%", L"%.-3f"};
     for (const wchar_t* format : refused)
-        EXPECT_EQ(formatValue(format, 1.0), L"") << testing::PrintToString(std::wstring(format));
+        EXPECT_EQ(FormatValue(format, 1.0), L"") << testing::PrintToString(std::wstring(format));
 }
 
 TEST(ValueText, TheLongestNumbersFit)
 {
     const double largest = std::numeric_limits<double>::max();
-    EXPECT_EQ(formatValue(L"%.99f", -largest).size(), 1u + 309u + 1u + 99u);
-    EXPECT_EQ(formatValue(L"%+099.99f", largest).size(), 1u + 309u + 1u + 99u);
-    EXPECT_EQ(formatValue(L"%99.0f", 1.0).size(), 99u);
-    EXPECT_FALSE(formatValue(L"%f", std::numeric_limits<double>::quiet_NaN()).empty());
-    EXPECT_FALSE(formatValue(L"%.99a", std::numeric_limits<double>::denorm_min()).empty());
+    EXPECT_EQ(FormatValue(L"%.99f", -largest).size(), 1u + 309u + 1u + 99u);
+    EXPECT_EQ(FormatValue(L"%+099.99f", largest).size(), 1u + 309u + 1u + 99u);
+    EXPECT_EQ(FormatValue(L"%99.0f", 1.0).size(), 99u);
+    EXPECT_FALSE(FormatValue(L"%f", std::numeric_limits<double>::quiet_NaN()).empty());
+    EXPECT_FALSE(FormatValue(L"%.99a", std::numeric_limits<double>::denorm_min()).empty());
 }
 
 } // namespace

@@ -15,9 +15,9 @@
 namespace {
 
 using Microsoft::WRL::ComPtr;
-using registry_view::read;
-using registry_view::text;
-using registry_view::values;
+using registry_view::ReadValue;
+using registry_view::TextValue;
+using registry_view::ValuesOf;
 
 const std::wstring effects = L"Software\\Vixa\\Vixa 12\\Editor\\Effects";
 
@@ -65,10 +65,10 @@ TEST_F(RegisteredLibrary, HostFindsAndCreatesEveryEffect)
     type.cbFormat = sizeof format;
     type.pbFormat = reinterpret_cast<BYTE*>(&format);
 
-    const auto listed = values(HKEY_LOCAL_MACHINE, effects);
+    const auto listed = ValuesOf(HKEY_LOCAL_MACHINE, effects);
     ASSERT_TRUE(listed);
     EXPECT_EQ(listed->size(), 13u);
-    EXPECT_EQ(listed->at(L"{DDBE68A3-F53E-4E2D-B5AF-578F4302C032}"), text(L"Add pixel"));
+    EXPECT_EQ(listed->at(L"{DDBE68A3-F53E-4E2D-B5AF-578F4302C032}"), TextValue(L"Add pixel"));
     for (const auto& [id, name] : *listed) {
         CLSID classId;
         ASSERT_EQ(CLSIDFromString(id.c_str(), &classId), S_OK);
@@ -92,7 +92,7 @@ TEST_F(RegisteredLibrary, HostFindsAndCreatesEveryEffect)
         ComPtr<IBaseFilter> filter;
         EXPECT_EQ(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&filter)), REGDB_E_CLASSNOTREG);
     }
-    EXPECT_TRUE(values(HKEY_LOCAL_MACHINE, effects)->empty());
+    EXPECT_TRUE(ValuesOf(HKEY_LOCAL_MACHINE, effects)->empty());
     EXPECT_EQ(run(L"regsvr32 /u /s \"" + library() + L"\""), 0u);
 }
 
@@ -113,7 +113,7 @@ std::wstring registeredPathOf(const std::wstring& path)
         };
         EXPECT_EQ(entry("DllRegisterServer")(), S_OK);
         const auto value =
-            read(HKEY_CLASSES_ROOT, L"CLSID\\{E2CE4A0B-1E6A-426E-A90F-172F42528C90}\\InprocServer32", L"");
+            ReadValue(HKEY_CLASSES_ROOT, L"CLSID\\{E2CE4A0B-1E6A-426E-A90F-172F42528C90}\\InprocServer32", L"");
         registered = value ? value->data.c_str() : L"";
         EXPECT_EQ(entry("DllUnregisterServer")(), S_OK);
     }

@@ -41,11 +41,11 @@ int g_cTemplates = static_cast<int>(std::size(g_Templates));
 
 namespace {
 
-using registry_view::exists;
-using registry_view::read;
-using registry_view::text;
+using registry_view::KeyExists;
+using registry_view::ReadValue;
+using registry_view::TextValue;
 using registry_view::Value;
-using registry_view::values;
+using registry_view::ValuesOf;
 using Values = std::map<std::wstring, Value>;
 
 const std::wstring location = L"Software\\Vixa\\Vixa 12\\Editor";
@@ -92,19 +92,19 @@ void write(HKEY root, const std::wstring& path, const std::wstring& name, const 
 
 Values wantedEffects(bool registered)
 {
-    Values wanted = {{stranger, text(L"another's")}};
+    Values wanted = {{stranger, TextValue(L"another's")}};
     for (const CFactoryTemplate& row : g_Templates)
         if (registered)
-            wanted[idText(*row.m_ClsID)] = text(row.m_Name);
+            wanted[idText(*row.m_ClsID)] = TextValue(row.m_Name);
     return wanted;
 }
 
 Values wantedAliases(bool registered)
 {
-    Values wanted = {{stranger, text(L"another's")}};
+    Values wanted = {{stranger, TextValue(L"another's")}};
     for (const CFactoryTemplate& row : g_Templates)
         if (registered)
-            wanted[aliasOf.at(row.m_Name)] = text(idText(*row.m_ClsID));
+            wanted[aliasOf.at(row.m_Name)] = TextValue(idText(*row.m_ClsID));
     return wanted;
 }
 
@@ -112,7 +112,7 @@ int classKeys()
 {
     int count = 0;
     for (const CFactoryTemplate& row : g_Templates)
-        count += exists(HKEY_CLASSES_ROOT, classKey(row));
+        count += KeyExists(HKEY_CLASSES_ROOT, classKey(row));
     return count;
 }
 
@@ -120,20 +120,20 @@ void expectRegistered()
 {
     wchar_t path[MAX_PATH];
     GetModuleFileNameW(nullptr, path, MAX_PATH);
-    EXPECT_EQ(values(HKEY_LOCAL_MACHINE, effects), wantedEffects(true));
-    EXPECT_EQ(values(HKEY_LOCAL_MACHINE, aliases), wantedAliases(true));
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), wantedEffects(true));
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, aliases), wantedAliases(true));
     for (const CFactoryTemplate& row : g_Templates) {
-        EXPECT_EQ(values(HKEY_CLASSES_ROOT, classKey(row)), (Values{{L"", text(row.m_Name)}}));
-        EXPECT_EQ(values(HKEY_CLASSES_ROOT, classKey(row) + L"\\InprocServer32"),
-                  (Values{{L"", text(path)}, {L"ThreadingModel", text(L"Both")}}));
+        EXPECT_EQ(ValuesOf(HKEY_CLASSES_ROOT, classKey(row)), (Values{{L"", TextValue(row.m_Name)}}));
+        EXPECT_EQ(ValuesOf(HKEY_CLASSES_ROOT, classKey(row) + L"\\InprocServer32"),
+                  (Values{{L"", TextValue(path)}, {L"ThreadingModel", TextValue(L"Both")}}));
         EXPECT_EQ(row.m_pAMovieSetup_Filter, nullptr);
     }
 }
 
 void expectNothingOfOurs()
 {
-    EXPECT_EQ(values(HKEY_LOCAL_MACHINE, effects), wantedEffects(false));
-    EXPECT_EQ(values(HKEY_LOCAL_MACHINE, aliases), wantedAliases(false));
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), wantedEffects(false));
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, aliases), wantedAliases(false));
     EXPECT_EQ(classKeys(), 0);
 }
 
@@ -143,7 +143,7 @@ protected:
     void SetUp() override { wipe(); }
     void TearDown() override
     {
-        EXPECT_EQ(registry_faults::openKeys(), 0u);
+        EXPECT_EQ(registry_faults::OpenKeys(), 0u);
         g_hInst = GetModuleHandleW(nullptr);
         wipe();
     }
@@ -151,7 +151,7 @@ protected:
     // The state before a first registration, with values of others in both categories.
     static void wipe()
     {
-        registry_faults::reset();
+        registry_faults::Reset();
         {
             const registry_faults::Bypass own;
             RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Vixa");
@@ -180,7 +180,7 @@ TEST_F(Registration, WritesAndRemovesItsOwnAndNothingElse)
         EXPECT_EQ(vixa::UnregisterLibrary(), S_OK);
         expectNothingOfOurs();
     }
-    EXPECT_TRUE(exists(HKEY_CLASSES_ROOT, L"CLSID"));
+    EXPECT_TRUE(KeyExists(HKEY_CLASSES_ROOT, L"CLSID"));
 }
 
 TEST_F(Registration, CreatesTheCategoriesAndLeavesThemEmpty)
@@ -190,25 +190,25 @@ TEST_F(Registration, CreatesTheCategoriesAndLeavesThemEmpty)
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Vixa");
     }
     EXPECT_EQ(vixa::RegisterLibrary(), S_OK);
-    EXPECT_EQ(values(HKEY_LOCAL_MACHINE, effects)->size(), 13u);
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects)->size(), 13u);
     EXPECT_EQ(vixa::UnregisterLibrary(), S_OK);
-    EXPECT_EQ(values(HKEY_LOCAL_MACHINE, effects), Values{});
-    EXPECT_EQ(values(HKEY_LOCAL_MACHINE, aliases), Values{});
-    EXPECT_EQ(read(HKEY_LOCAL_MACHINE, location, L""), std::nullopt);
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), Values{});
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, aliases), Values{});
+    EXPECT_EQ(ReadValue(HKEY_LOCAL_MACHINE, location, L""), std::nullopt);
 }
 
 // Every call of a registration refused in turn: the stated code, as much done as stated, and a repeat completes it.
 TEST_F(Registration, RefusedAtEachStepCanBeRepeated)
 {
     ASSERT_EQ(vixa::RegisterLibrary(), S_OK);
-    const std::vector<registry_faults::Call> steps = registry_faults::calls();
+    const std::vector<registry_faults::Call> steps = registry_faults::Calls();
     ASSERT_GT(steps.size(), 100u);
     for (std::size_t i = 0; i < steps.size(); ++i) {
         SCOPED_TRACE(steps[i].function + " as call " + std::to_string(i));
         wipe();
-        registry_faults::failCall(i);
+        registry_faults::FailCall(i);
         const HRESULT result = vixa::RegisterLibrary();
-        EXPECT_EQ(registry_faults::openKeys(), 0u);
+        EXPECT_EQ(registry_faults::OpenKeys(), 0u);
         const bool inEffects = i == 0 || i <= 2 * std::size(g_Templates);
         const bool inAliases = !inEffects && i <= 1 + 4 * std::size(g_Templates);
         if (i == 0) {
@@ -219,24 +219,24 @@ TEST_F(Registration, RefusedAtEachStepCanBeRepeated)
             Values rest = wantedEffects(true);
             const CFactoryTemplate& row = g_Templates[(i - 1) / 2];
             rest.erase(idText(*row.m_ClsID));
-            EXPECT_EQ(values(HKEY_LOCAL_MACHINE, effects), rest);
-            EXPECT_EQ(values(HKEY_LOCAL_MACHINE, aliases), wantedAliases(true));
+            EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), rest);
+            EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, aliases), wantedAliases(true));
             for (const CFactoryTemplate& each : g_Templates)
                 EXPECT_EQ(each.m_pAMovieSetup_Filter != nullptr, &each == &row);
             EXPECT_EQ(classKeys(), 0);
         } else if (inAliases) {
             EXPECT_EQ(result, S_OK);
-            EXPECT_EQ(values(HKEY_LOCAL_MACHINE, effects), wantedEffects(true));
-            EXPECT_LT(values(HKEY_LOCAL_MACHINE, aliases)->size(), wantedAliases(true).size());
+            EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), wantedEffects(true));
+            EXPECT_LT(ValuesOf(HKEY_LOCAL_MACHINE, aliases)->size(), wantedAliases(true).size());
             EXPECT_EQ(classKeys(), 13);
         } else {
             EXPECT_EQ(result, refused);
-            EXPECT_EQ(values(HKEY_LOCAL_MACHINE, effects), wantedEffects(true));
+            EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), wantedEffects(true));
             const std::size_t first = 2 + 4 * std::size(g_Templates), ofOneRow = 5;
             const std::size_t row = (i - first) / ofOneRow;
             EXPECT_EQ(classKeys(), static_cast<int>(row) + ((i - first) % ofOneRow > 0));
         }
-        registry_faults::reset();
+        registry_faults::Reset();
         EXPECT_EQ(vixa::RegisterLibrary(), S_OK);
         expectRegistered();
     }
@@ -245,19 +245,19 @@ TEST_F(Registration, RefusedAtEachStepCanBeRepeated)
 TEST_F(Registration, RemovalRefusedAtEachStepCanBeRepeated)
 {
     ASSERT_EQ(vixa::RegisterLibrary(), S_OK);
-    registry_faults::reset();
+    registry_faults::Reset();
     ASSERT_EQ(vixa::UnregisterLibrary(), S_OK);
-    const std::size_t steps = registry_faults::calls().size();
+    const std::size_t steps = registry_faults::Calls().size();
     ASSERT_GT(steps, 100u);
     for (std::size_t i = 0; i < steps; ++i) {
         SCOPED_TRACE("call " + std::to_string(i));
-        registry_faults::reset();
+        registry_faults::Reset();
         ASSERT_EQ(vixa::RegisterLibrary(), S_OK);
-        registry_faults::reset();
-        registry_faults::failCall(i);
+        registry_faults::Reset();
+        registry_faults::FailCall(i);
         EXPECT_EQ(vixa::UnregisterLibrary(), i == 0 ? SELFREG_E_CLASS : S_OK);
-        EXPECT_EQ(registry_faults::openKeys(), 0u);
-        registry_faults::reset();
+        EXPECT_EQ(registry_faults::OpenKeys(), 0u);
+        registry_faults::Reset();
         if (i == 0)
             expectRegistered();
         EXPECT_EQ(vixa::UnregisterLibrary(), S_OK);
@@ -269,7 +269,7 @@ TEST_F(Registration, UnresolvableLocationTouchesNoKey)
 {
     EXPECT_EQ(vixa::RegisterLibrary("<VIXA/>"), SELFREG_E_CLASS);
     EXPECT_EQ(vixa::UnregisterLibrary("no document"), SELFREG_E_CLASS);
-    EXPECT_TRUE(registry_faults::calls().empty());
+    EXPECT_TRUE(registry_faults::Calls().empty());
     expectNothingOfOurs();
 }
 
@@ -279,7 +279,7 @@ TEST_F(Registration, UnknownModulePathIsTheSystemsError)
     const HRESULT result = vixa::RegisterLibrary();
     EXPECT_EQ(HRESULT_FACILITY(result), FACILITY_WIN32);
     EXPECT_TRUE(FAILED(result));
-    EXPECT_EQ(values(HKEY_LOCAL_MACHINE, effects), wantedEffects(true));
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), wantedEffects(true));
     EXPECT_EQ(classKeys(), 0);
 }
 
@@ -291,7 +291,7 @@ TEST_F(Registration, MissingFilterMapperLeavesTheClassKeys)
         {L"CLSID\\{E436EBB2-524F-11CE-9F53-0020AF0BA770}\\InprocServer32", L""}};
     std::vector<std::wstring> servers;
     for (const auto& [path, name] : mappers) {
-        const auto server = read(HKEY_CLASSES_ROOT, path, name);
+        const auto server = ReadValue(HKEY_CLASSES_ROOT, path, name);
         ASSERT_TRUE(server);
         servers.push_back(server->data.c_str());
     }
@@ -306,7 +306,7 @@ TEST_F(Registration, MissingFilterMapperLeavesTheClassKeys)
     EXPECT_TRUE(FAILED(result));
     EXPECT_NE(result, SELFREG_E_CLASS);
     EXPECT_EQ(classKeys(), 13);
-    EXPECT_EQ(values(HKEY_LOCAL_MACHINE, effects), wantedEffects(false));
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), wantedEffects(false));
     point(false);
     EXPECT_EQ(vixa::UnregisterLibrary(), S_OK);
     expectNothingOfOurs();
@@ -317,8 +317,8 @@ TEST_F(Registration, LongNamesAreCutInTheClassKeyOnly)
     const std::wstring name(300, L'n');
     g_Templates[0].m_Name = name.c_str();
     EXPECT_EQ(vixa::RegisterLibrary(), S_OK);
-    EXPECT_EQ(read(HKEY_LOCAL_MACHINE, effects, idText(CLSID_AddPixel)), text(name));
-    EXPECT_EQ(read(HKEY_CLASSES_ROOT, classKey(g_Templates[0]), L""), text(name.substr(0, 259)));
+    EXPECT_EQ(ReadValue(HKEY_LOCAL_MACHINE, effects, idText(CLSID_AddPixel)), TextValue(name));
+    EXPECT_EQ(ReadValue(HKEY_CLASSES_ROOT, classKey(g_Templates[0]), L""), TextValue(name.substr(0, 259)));
     g_Templates[0].m_Name = L"Add pixel";
 }
 

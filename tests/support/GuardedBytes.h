@@ -31,7 +31,7 @@ public:
 
     std::uint8_t* data() const { return start; }
     std::size_t size() const { return length; }
-    std::span<std::uint8_t> bytes() const { return {start, length}; }
+    std::span<std::uint8_t> Bytes() const { return {start, length}; }
 
 private:
     static constexpr std::size_t page = 4096;

@@ -57,48 +57,48 @@ TEST(Configuration, ResolvesEachElementBelowEachRoot)
     // The line with one shared area gives it for both of the finer ones, and for nothing else.
     EXPECT_EQ(configuration.ResolveRegistryPath(1, 1, 0, L"", 708), L"m708");
     EXPECT_EQ(configuration.ResolveRegistryPath(2, 2, 0, L"", 708), L"u708");
-    EXPECT_EQ(thrownBy([&] { configuration.ResolveRegistryPath(1, 3, 0, L"", 708); }), error(13, AREA_DOCUMENT));
+    EXPECT_EQ(ThrownBy([&] { configuration.ResolveRegistryPath(1, 3, 0, L"", 708); }), ErrorIn(13, AREA_DOCUMENT));
 }
 
 TEST(Configuration, EachFailureHasItsCodeAndArea)
 {
     SxsConfiguration configuration(sample);
     const auto resolve = [&](long root, long element, long application, const wchar_t* name, long line) {
-        return thrownBy([&] { configuration.ResolveRegistryPath(root, element, application, name, line); });
+        return ThrownBy([&] { configuration.ResolveRegistryPath(root, element, application, name, line); });
     };
-    EXPECT_EQ(resolve(1, 0, 0, L"", 1), error(1630, AREA_DOCUMENT)); // stands before the first generation
-    EXPECT_EQ(resolve(1, 0, 0, L"", 9999), error(1630, AREA_DOCUMENT));
-    EXPECT_EQ(resolve(3, 0, 0, L"", 1025), error(13, AREA_DOCUMENT));
-    EXPECT_EQ(resolve(1, 3, 0, L"", 1025), error(13, AREA_DOCUMENT));
-    EXPECT_EQ(resolve(2, 2, 0, L"", 1025), error(9, AREA_DOCUMENT));
-    EXPECT_EQ(resolve(1, 4, 77, L"", 1025), error(1630, AREA_DOCUMENT));
-    EXPECT_EQ(resolve(1, 4, 130, L"editor", 1025), error(1630, AREA_DOCUMENT)); // case matters
-    EXPECT_EQ(resolve(1, 4, 132, L"", 1025), error(3, AREA_APPLICATION));
-    EXPECT_EQ(resolve(1, 5, 0, L"", 1025), error(1, AREA_REQUEST));
-    EXPECT_EQ(resolve(1, -1, 0, L"", 1025), error(1, AREA_REQUEST));
-    EXPECT_EQ(resolve(1, 4, 130, L"", 708), error(13, AREA_DOCUMENT)); // no REGISTRY-APPLICATIONS
+    EXPECT_EQ(resolve(1, 0, 0, L"", 1), ErrorIn(1630, AREA_DOCUMENT)); // stands before the first generation
+    EXPECT_EQ(resolve(1, 0, 0, L"", 9999), ErrorIn(1630, AREA_DOCUMENT));
+    EXPECT_EQ(resolve(3, 0, 0, L"", 1025), ErrorIn(13, AREA_DOCUMENT));
+    EXPECT_EQ(resolve(1, 3, 0, L"", 1025), ErrorIn(13, AREA_DOCUMENT));
+    EXPECT_EQ(resolve(2, 2, 0, L"", 1025), ErrorIn(9, AREA_DOCUMENT));
+    EXPECT_EQ(resolve(1, 4, 77, L"", 1025), ErrorIn(1630, AREA_DOCUMENT));
+    EXPECT_EQ(resolve(1, 4, 130, L"editor", 1025), ErrorIn(1630, AREA_DOCUMENT)); // case matters
+    EXPECT_EQ(resolve(1, 4, 132, L"", 1025), ErrorIn(3, AREA_APPLICATION));
+    EXPECT_EQ(resolve(1, 5, 0, L"", 1025), ErrorIn(1, AREA_REQUEST));
+    EXPECT_EQ(resolve(1, -1, 0, L"", 1025), ErrorIn(1, AREA_REQUEST));
+    EXPECT_EQ(resolve(1, 4, 130, L"", 708), ErrorIn(13, AREA_DOCUMENT)); // no REGISTRY-APPLICATIONS
 
     const auto load = [](const char* text) {
-        return thrownBy([&] { SxsConfiguration(text).ResolveRegistryPath(1, 0, 0, L"", 1025); });
+        return ThrownBy([&] { SxsConfiguration(text).ResolveRegistryPath(1, 0, 0, L"", 1025); });
     };
-    EXPECT_EQ(load(""), error(13, AREA_DOCUMENT));
-    EXPECT_EQ(load("<VIXA><GENERATION></VIXA>"), error(13, AREA_DOCUMENT));
-    EXPECT_EQ(load("<VIXA/>"), error(1630, AREA_DOCUMENT));
-    EXPECT_EQ(load("<OTHER><GENERATION><PRODUCT-LINE id='1025'/></GENERATION></OTHER>"), error(1630, AREA_DOCUMENT));
+    EXPECT_EQ(load(""), ErrorIn(13, AREA_DOCUMENT));
+    EXPECT_EQ(load("<VIXA><GENERATION></VIXA>"), ErrorIn(13, AREA_DOCUMENT));
+    EXPECT_EQ(load("<VIXA/>"), ErrorIn(1630, AREA_DOCUMENT));
+    EXPECT_EQ(load("<OTHER><GENERATION><PRODUCT-LINE id='1025'/></GENERATION></OTHER>"), ErrorIn(1630, AREA_DOCUMENT));
     EXPECT_EQ(load("<?xml version='1.0' encoding='utf-8'?><VIXA><GENERATION><PRODUCT-LINE id='1025'>"
                    "<REGISTRY-SHARED-FOR-ALL HKLM='\xC3('/></PRODUCT-LINE></GENERATION></VIXA>"),
-              error(1113, AREA_TEXT));
+              ErrorIn(1113, AREA_TEXT));
 }
 
 TEST(Configuration, OperationsOutOfTurnAreRefused)
 {
     SxsConfiguration configuration(sample);
     std::wstring subkey = L"s", folder = L"f";
-    EXPECT_EQ(thrownBy([&] { configuration.SelectProductLine(1025); }), error(13, AREA_LOOKUP));
-    EXPECT_EQ(thrownBy([&] { configuration.GetRegistryPath("REGISTRY-SHARED-FOR-ALL", 1); }), error(13, AREA_LOOKUP));
-    EXPECT_EQ(thrownBy([&] { configuration.FindApplication(130, L"", subkey, folder); }), error(13, AREA_LOOKUP));
+    EXPECT_EQ(ThrownBy([&] { configuration.SelectProductLine(1025); }), ErrorIn(13, AREA_LOOKUP));
+    EXPECT_EQ(ThrownBy([&] { configuration.GetRegistryPath("REGISTRY-SHARED-FOR-ALL", 1); }), ErrorIn(13, AREA_LOOKUP));
+    EXPECT_EQ(ThrownBy([&] { configuration.FindApplication(130, L"", subkey, folder); }), ErrorIn(13, AREA_LOOKUP));
     configuration.LoadDocument();
-    EXPECT_EQ(thrownBy([&] { configuration.GetRegistryPath("REGISTRY-SHARED-FOR-ALL", 1); }), error(13, AREA_LOOKUP));
+    EXPECT_EQ(ThrownBy([&] { configuration.GetRegistryPath("REGISTRY-SHARED-FOR-ALL", 1); }), ErrorIn(13, AREA_LOOKUP));
     EXPECT_EQ(configuration.GenerationId(), -1);
     EXPECT_EQ(configuration.ProductLineId(), -1);
     EXPECT_FALSE(configuration.WriteAnyGeneration());
@@ -121,7 +121,7 @@ TEST(Configuration, SelectionStandsUntilAnotherIsFound)
 
     // A later step fails: what was selected stays selected, and the results of a search stay as they were.
     std::wstring subkey = L"s", folder = L"f";
-    EXPECT_EQ(thrownBy([&] { configuration.FindApplication(130, L"", subkey, folder); }), error(1630, AREA_DOCUMENT));
+    EXPECT_EQ(ThrownBy([&] { configuration.FindApplication(130, L"", subkey, folder); }), ErrorIn(1630, AREA_DOCUMENT));
     EXPECT_EQ(subkey + folder, L"sf");
     EXPECT_EQ(configuration.ProductLineId(), 708);
     configuration.SelectProductLine(1025);

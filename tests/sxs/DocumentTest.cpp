@@ -15,7 +15,7 @@ namespace {
 
 using Attributes = std::map<std::string, std::string>;
 
-Attributes attributesOf(const TiXmlElement& element)
+Attributes AttributesOf(const TiXmlElement& element)
 {
     Attributes found;
     for (const TiXmlAttribute* a = element.FirstAttribute(); a; a = a->Next()) {
@@ -25,7 +25,7 @@ Attributes attributesOf(const TiXmlElement& element)
     return found;
 }
 
-std::vector<const TiXmlElement*> childrenOf(const TiXmlElement& element)
+std::vector<const TiXmlElement*> ChildrenOf(const TiXmlElement& element)
 {
     std::vector<const TiXmlElement*> found;
     for (const TiXmlElement* child = element.FirstChildElement(); child; child = child->NextSiblingElement())
@@ -33,42 +33,42 @@ std::vector<const TiXmlElement*> childrenOf(const TiXmlElement& element)
     return found;
 }
 
-void expectNames(const TiXmlElement& element, const std::set<std::string>& required,
+void ExpectNames(const TiXmlElement& element, const std::set<std::string>& required,
                  const std::set<std::string>& optional = {})
 {
-    const Attributes found = attributesOf(element);
+    const Attributes found = AttributesOf(element);
     for (const std::string& name : required)
         EXPECT_TRUE(found.contains(name)) << "line " << element.Row() << ": no " << name;
     for (const auto& [name, value] : found)
         EXPECT_TRUE(required.contains(name) || optional.contains(name)) << "line " << element.Row() << ": " << name;
 }
 
-int idOf(const TiXmlElement& element)
+int IdOf(const TiXmlElement& element)
 {
     int id = -1;
     EXPECT_EQ(element.QueryIntAttribute("id", &id), TIXML_SUCCESS) << "line " << element.Row();
     return id;
 }
 
-void expectPath(const TiXmlElement& element, const char* attribute)
+void ExpectPath(const TiXmlElement& element, const char* attribute)
 {
     const std::string path = element.Attribute(attribute);
     EXPECT_FALSE(path.empty() || path.front() == '\\' || path.back() == '\\') << "line " << element.Row();
     EXPECT_EQ(path.find("\\\\"), std::string::npos) << "line " << element.Row();
 }
 
-void expectLine(const TiXmlElement& line)
+void ExpectLine(const TiXmlElement& line)
 {
-    expectNames(line, {"id", "name"});
+    ExpectNames(line, {"id", "name"});
     std::vector<std::string> wanted = {"FOLDERS",
                                        "REGISTRY-SHARED-FOR-ALL",
                                        "REGISTRY-SHARED-FOR-LINES",
                                        "REGISTRY-SHARED-FOR-APPLICATIONS",
                                        "REGISTRY-INSTALLATION",
                                        "REGISTRY-APPLICATIONS"};
-    if (idOf(line) == 708)
+    if (IdOf(line) == 708)
         wanted.erase(wanted.begin() + 2, wanted.begin() + 4);
-    const auto children = childrenOf(line);
+    const auto children = ChildrenOf(line);
     ASSERT_GT(children.size(), wanted.size()) << "line " << line.Row();
     std::set<std::string> ids;
     for (std::size_t i = 0; i < children.size(); ++i) {
@@ -77,17 +77,17 @@ void expectLine(const TiXmlElement& line)
         EXPECT_EQ(name, i < wanted.size() ? wanted[i] : "APPLICATION") << "line " << child.Row();
         EXPECT_EQ(child.FirstChildElement(), nullptr);
         if (name == "FOLDERS") {
-            expectNames(child, {"ALLUSERS", "CURRENTUSER", "SHARED-FOR-ALL", "SHARED-FOR-GENERATION"});
+            ExpectNames(child, {"ALLUSERS", "CURRENTUSER", "SHARED-FOR-ALL", "SHARED-FOR-GENERATION"});
         } else if (name == "APPLICATION") {
-            expectNames(child, {"name"}, {"id", "subkey", "folder"});
+            ExpectNames(child, {"name"}, {"id", "subkey", "folder"});
             const bool repeated = child.Attribute("id") && !ids.insert(child.Attribute("id")).second;
             EXPECT_FALSE(repeated) << "line " << child.Row();
             if (child.Attribute("subkey"))
-                expectPath(child, "subkey");
+                ExpectPath(child, "subkey");
         } else {
-            expectNames(child, {"HKLM", "HKCU"});
-            expectPath(child, "HKLM");
-            expectPath(child, "HKCU");
+            ExpectNames(child, {"HKLM", "HKCU"});
+            ExpectPath(child, "HKLM");
+            ExpectPath(child, "HKCU");
         }
     }
 }
@@ -100,20 +100,20 @@ TEST(Document, KeepsToItsStructure)
     ASSERT_TRUE(vixa::sxs::ParseXml(text, document));
     const TiXmlElement* root = document.RootElement();
     ASSERT_STREQ(root->Value(), "VIXA");
-    EXPECT_TRUE(attributesOf(*root).empty());
+    EXPECT_TRUE(AttributesOf(*root).empty());
     EXPECT_EQ(root->NextSiblingElement(), nullptr);
 
     std::vector<int> generations;
     int firstGenerationWith1025 = 0;
-    for (const TiXmlElement* generation : childrenOf(*root)) {
+    for (const TiXmlElement* generation : ChildrenOf(*root)) {
         ASSERT_STREQ(generation->Value(), "GENERATION");
-        expectNames(*generation, {"id"}, {"name"});
-        generations.push_back(idOf(*generation));
+        ExpectNames(*generation, {"id"}, {"name"});
+        generations.push_back(IdOf(*generation));
         std::set<int> lines;
-        for (const TiXmlElement* line : childrenOf(*generation)) {
+        for (const TiXmlElement* line : ChildrenOf(*generation)) {
             ASSERT_STREQ(line->Value(), "PRODUCT-LINE");
-            EXPECT_TRUE(lines.insert(idOf(*line)).second) << "line " << line->Row();
-            expectLine(*line);
+            EXPECT_TRUE(lines.insert(IdOf(*line)).second) << "line " << line->Row();
+            ExpectLine(*line);
         }
         EXPECT_FALSE(lines.empty()) << "line " << generation->Row();
         EXPECT_EQ(lines.contains(708), generations.back() == 7);

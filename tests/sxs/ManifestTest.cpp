@@ -18,7 +18,7 @@ namespace {
 using namespace vixa::sxs;
 using namespace std::string_literals;
 
-std::string repeat(std::size_t count, const std::string& piece)
+std::string Repeat(std::size_t count, const std::string& piece)
 {
     std::string text;
     text.reserve(count * piece.size());
@@ -75,48 +75,48 @@ TEST(Manifest, NameThatIsNotUtf8IsAnError)
 {
     for (const std::string& name :
          {"\x80x"s, "\xC3(x"s, "\xC0\xAF."s, "\xED\xA0\x80."s, "\xF5\x80\x80\x80."s, "ab\xE2\x82"s})
-        EXPECT_EQ(thrownBy([&] {
+        EXPECT_EQ(ThrownBy([&] {
                       ManifestName("<?xml version='1.0' encoding='iso-8859-1'?><assembly><assemblyIdentity name='" +
                                    name + "'/></assembly>");
                   }),
-                  error(1113, AREA_TEXT))
+                  ErrorIn(1113, AREA_TEXT))
             << name;
 }
 
 TEST(Manifest, NestingAndAttributesAreBoundedBeforeParsing)
 {
-    const std::string deep = repeat(maxXmlDepth, "<a>") + repeat(maxXmlDepth, "</a>");
+    const std::string deep = Repeat(maxXmlDepth, "<a>") + Repeat(maxXmlDepth, "</a>");
     TiXmlDocument document;
     EXPECT_TRUE(ParseXml(deep, document));
-    EXPECT_EQ(depthOf(document), maxXmlDepth);
+    EXPECT_EQ(DepthOf(document), maxXmlDepth);
     const std::string many =
-        "<r>" + repeat(5000, "<a x='1'><b/>text<!-- </a> <c> --><![CDATA[</a><c>]]></a>\n") + "</r>";
+        "<r>" + Repeat(5000, "<a x='1'><b/>text<!-- </a> <c> --><![CDATA[</a><c>]]></a>\n") + "</r>";
     EXPECT_TRUE(IsSafeToParse(many));
     EXPECT_TRUE(IsSafeToParse(declaration + "<!DOCTYPE r>" + many));
 
     for (const std::string& text : {
              "<a>" + deep + "</a>",
-             repeat(100000, "<a>"),
-             repeat(100000, "<a b='"),
+             Repeat(100000, "<a>"),
+             Repeat(100000, "<a b='"),
              // Each hides an end tag where only a careless reader would see one.
-             repeat(200, "<a><!--</a>-->"),
-             repeat(200, "<a b='</a>'>"),
-             repeat(200, "<a><![CDATA[</a>]]>"),
-             repeat(200, "<a b=\"'/>\" c=\"'\">"),
-             repeat(200, "<a><!x </a>"),
-             repeat(200, "<a><?xml x='?></a>'?>"),
-             declaration + "<r>" + repeat(200, "<a b='\xF0'></a><c d='>'/>") + "</r>",
-             "<?xml a\"version=\"?>" + repeat(200, "<a></a><a>"),
-             "<r " + repeat(maxXmlAttributes + 1, "a='1' ") + "/>",
+             Repeat(200, "<a><!--</a>-->"),
+             Repeat(200, "<a b='</a>'>"),
+             Repeat(200, "<a><![CDATA[</a>]]>"),
+             Repeat(200, "<a b=\"'/>\" c=\"'\">"),
+             Repeat(200, "<a><!x </a>"),
+             Repeat(200, "<a><?xml x='?></a>'?>"),
+             declaration + "<r>" + Repeat(200, "<a b='\xF0'></a><c d='>'/>") + "</r>",
+             "<?xml a\"version=\"?>" + Repeat(200, "<a></a><a>"),
+             "<r " + Repeat(maxXmlAttributes + 1, "a='1' ") + "/>",
              std::string(maxXmlBytes + 1, ' '),
          })
         EXPECT_FALSE(IsSafeToParse(text)) << text.substr(0, 100);
 
     // Only what stands before the first zero counts, and nothing takes the parser beyond it.
     TiXmlDocument cut;
-    EXPECT_TRUE(IsSafeToParse("<a/>\0"s + repeat(100000, "<a>")));
-    EXPECT_FALSE(ParseXml(declaration + "<a>\xF0\0bc"s + repeat(1000, "<a>"), cut));
-    EXPECT_LE(depthOf(cut), 2u);
+    EXPECT_TRUE(IsSafeToParse("<a/>\0"s + Repeat(100000, "<a>")));
+    EXPECT_FALSE(ParseXml(declaration + "<a>\xF0\0bc"s + Repeat(1000, "<a>"), cut));
+    EXPECT_LE(DepthOf(cut), 2u);
 }
 
 // The largest texts that pass: their cost is what the bounds promise. A hang shows as the program's time limit.
@@ -127,14 +127,14 @@ TEST(Manifest, CostliestTextsAreRead)
         attributes += " a" + std::to_string(i) + "=''";
     const std::string element = "<e" + attributes + "/>";
     TiXmlDocument document;
-    EXPECT_TRUE(ParseXml("<r>" + repeat((maxXmlBytes - 7) / element.size(), element) + "</r>", document));
-    EXPECT_EQ(ManifestName("<assembly>" + repeat(170000, "<a/>") + "<assemblyIdentity name='n'/></assembly>"), L"n");
-    EXPECT_EQ(ManifestName("<a>" + repeat(300000, "&#x") + "</a>"), L"");
+    EXPECT_TRUE(ParseXml("<r>" + Repeat((maxXmlBytes - 7) / element.size(), element) + "</r>", document));
+    EXPECT_EQ(ManifestName("<assembly>" + Repeat(170000, "<a/>") + "<assemblyIdentity name='n'/></assembly>"), L"n");
+    EXPECT_EQ(ManifestName("<a>" + Repeat(300000, "&#x") + "</a>"), L"");
 }
 
 std::uint32_t answerLength = 0;
 
-std::uint32_t longProgramPath(wchar_t* buffer, std::uint32_t capacity, std::int32_t& error) noexcept
+std::uint32_t LongProgramPath(wchar_t* buffer, std::uint32_t capacity, std::int32_t& error) noexcept
 {
     std::fill_n(buffer, std::min(answerLength, capacity), L'p');
     error = answerLength == 0 ? 126 : 0;
@@ -145,15 +145,15 @@ TEST(Manifest, PathsThatCannotBeHadAreErrors)
 {
     const auto ask = [](std::uint32_t length) {
         answerLength = length;
-        return thrownBy([] { HostApplicationName(longProgramPath); });
+        return ThrownBy([] { HostApplicationName(LongProgramPath); });
     };
-    EXPECT_EQ(ask(0), error(126, AREA_REQUEST));
-    EXPECT_EQ(ask(32767), error(8, AREA_REQUEST));
-    EXPECT_EQ(ask(32766), error(13, AREA_REQUEST));
-    EXPECT_EQ(ask(32758), error(13, AREA_REQUEST));
+    EXPECT_EQ(ask(0), ErrorIn(126, AREA_REQUEST));
+    EXPECT_EQ(ask(32767), ErrorIn(8, AREA_REQUEST));
+    EXPECT_EQ(ask(32766), ErrorIn(13, AREA_REQUEST));
+    EXPECT_EQ(ask(32758), ErrorIn(13, AREA_REQUEST));
     answerLength = 32757;
-    EXPECT_EQ(ManifestPath(longProgramPath).size(), 32766u);
-    EXPECT_EQ(HostApplicationName(longProgramPath), L"");
+    EXPECT_EQ(ManifestPath(LongProgramPath).size(), 32766u);
+    EXPECT_EQ(HostApplicationName(LongProgramPath), L"");
 }
 
 class ManifestFile : public testing::Test
@@ -165,7 +165,7 @@ protected:
         ASSERT_FALSE(std::filesystem::exists(path_));
     }
     void TearDown() override { std::filesystem::remove(path_); }
-    void write(const std::string& text) const { std::ofstream(path_, std::ios::binary) << text; }
+    void Write(const std::string& text) const { std::ofstream(path_, std::ios::binary) << text; }
 
     std::filesystem::path path_;
 };
@@ -174,22 +174,22 @@ TEST_F(ManifestFile, NamesTheApplicationThatIsLookedUp)
 {
     SxsConfiguration configuration;
     // Without a name the lookup is by identifier 0, which no application has.
-    EXPECT_EQ(thrownBy([&] { configuration.ResolveRegistryPath(1, 4, 0, L"", 1025); }), error(1630, AREA_DOCUMENT));
-    write(declaration + "<assembly><assemblyIdentity name=\"Recorder\"/></assembly>");
+    EXPECT_EQ(ThrownBy([&] { configuration.ResolveRegistryPath(1, 4, 0, L"", 1025); }), ErrorIn(1630, AREA_DOCUMENT));
+    Write(declaration + "<assembly><assemblyIdentity name=\"Recorder\"/></assembly>");
     EXPECT_EQ(configuration.ResolveRegistryPath(1, 4, 0, L"", 1025), L"Software\\Vixa\\Vixa 12\\Recorder");
     EXPECT_EQ(configuration.ResolveRegistryPath(1, 4, 130, L"", 1025), L"Software\\Vixa\\Vixa 12\\Editor");
-    write("<assembly><assemblyIdentity name='APPLICATIONSROOT'/></assembly>");
+    Write("<assembly><assemblyIdentity name='APPLICATIONSROOT'/></assembly>");
     EXPECT_EQ(configuration.ResolveRegistryPath(1, 4, 0, L"", 1025), L"Software\\Vixa");
-    write("<assembly><assemblyIdentity name='\xC3('/></assembly>");
-    EXPECT_EQ(thrownBy([&] { configuration.ResolveRegistryPath(1, 4, 0, L"", 1025); }), error(1113, AREA_TEXT));
+    Write("<assembly><assemblyIdentity name='\xC3('/></assembly>");
+    EXPECT_EQ(ThrownBy([&] { configuration.ResolveRegistryPath(1, 4, 0, L"", 1025); }), ErrorIn(1113, AREA_TEXT));
 }
 
 TEST_F(ManifestFile, UnreadableAndHugeOnesGiveNoName)
 {
     const std::string good = "<assembly><assemblyIdentity name='n'/></assembly>";
-    write(good + std::string(maxXmlBytes - good.size(), ' '));
+    Write(good + std::string(maxXmlBytes - good.size(), ' '));
     EXPECT_EQ(HostApplicationName(), L"n");
-    write(good + std::string(maxXmlBytes, ' '));
+    Write(good + std::string(maxXmlBytes, ' '));
     EXPECT_EQ(HostApplicationName(), L"");
     std::filesystem::resize_file(path_, std::uintmax_t(5) << 30); // no bytes on the disk: a sparse file
     EXPECT_EQ(HostApplicationName(), L"");

@@ -14,18 +14,18 @@ std::function<LSTATUS(const Call&)> decision;
 int bypasses = 0;
 
 template <typename Function>
-Function real(const char* name)
+Function Real(const char* name)
 {
     static const HMODULE library = LoadLibraryW(L"advapi32.dll");
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
 }
 
-bool isPredefined(HKEY key)
+bool IsPredefined(HKEY key)
 {
     return (reinterpret_cast<UINT_PTR>(key) & 0x80000000u) != 0;
 }
 
-LSTATUS before(const char* function, HKEY key, const wchar_t* name, REGSAM access = 0)
+LSTATUS Before(const char* function, HKEY key, const wchar_t* name, REGSAM access = 0)
 {
     if (bypasses > 0)
         return ERROR_SUCCESS;
@@ -33,7 +33,7 @@ LSTATUS before(const char* function, HKEY key, const wchar_t* name, REGSAM acces
     return decision ? decision(record.back()) : ERROR_SUCCESS;
 }
 
-LSTATUS afterOpening(LSTATUS status, const HKEY* result)
+LSTATUS AfterOpening(LSTATUS status, const HKEY* result)
 {
     if (status == ERROR_SUCCESS && bypasses == 0)
         open.insert(*result);
@@ -52,29 +52,29 @@ Bypass::~Bypass()
     --bypasses;
 }
 
-void reset()
+void Reset()
 {
     record.clear();
     open.clear();
     decision = nullptr;
 }
 
-void onCall(std::function<LSTATUS(const Call&)> decide)
+void OnCall(std::function<LSTATUS(const Call&)> decide)
 {
     decision = std::move(decide);
 }
 
-void failCall(std::size_t number)
+void FailCall(std::size_t number)
 {
-    onCall([number](const Call&) { return record.size() == number + 1 ? ERROR_ACCESS_DENIED : ERROR_SUCCESS; });
+    OnCall([number](const Call&) { return record.size() == number + 1 ? ERROR_ACCESS_DENIED : ERROR_SUCCESS; });
 }
 
-const std::vector<Call>& calls()
+const std::vector<Call>& Calls()
 {
     return record;
 }
 
-std::size_t openKeys()
+std::size_t OpenKeys()
 {
     return open.size();
 }
@@ -82,65 +82,65 @@ std::size_t openKeys()
 // The functions themselves, under names of their own; the import entries are at the end.
 extern "C" {
 
-LSTATUS WINAPI hookOpenCurrentUser(REGSAM access, HKEY* result)
+LSTATUS WINAPI HookOpenCurrentUser(REGSAM access, HKEY* result)
 {
-    const LSTATUS status = before("RegOpenCurrentUser", nullptr, nullptr, access);
+    const LSTATUS status = Before("RegOpenCurrentUser", nullptr, nullptr, access);
     return status ? status
-                  : afterOpening(real<decltype(&hookOpenCurrentUser)>("RegOpenCurrentUser")(access, result), result);
+                  : AfterOpening(Real<decltype(&HookOpenCurrentUser)>("RegOpenCurrentUser")(access, result), result);
 }
 
-LSTATUS WINAPI hookCreateKeyExW(HKEY key, const wchar_t* path, DWORD reserved, wchar_t* type, DWORD options,
+LSTATUS WINAPI HookCreateKeyExW(HKEY key, const wchar_t* path, DWORD reserved, wchar_t* type, DWORD options,
                                 REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* result, DWORD* disposition)
 {
-    const LSTATUS status = before("RegCreateKeyExW", key, path, access);
+    const LSTATUS status = Before("RegCreateKeyExW", key, path, access);
     return status ? status
-                  : afterOpening(real<decltype(&hookCreateKeyExW)>("RegCreateKeyExW")(
+                  : AfterOpening(Real<decltype(&HookCreateKeyExW)>("RegCreateKeyExW")(
                                      key, path, reserved, type, options, access, security, result, disposition),
                                  result);
 }
 
-LSTATUS WINAPI hookOpenKeyExW(HKEY key, const wchar_t* path, DWORD options, REGSAM access, HKEY* result)
+LSTATUS WINAPI HookOpenKeyExW(HKEY key, const wchar_t* path, DWORD options, REGSAM access, HKEY* result)
 {
-    const LSTATUS status = before("RegOpenKeyExW", key, path, access);
+    const LSTATUS status = Before("RegOpenKeyExW", key, path, access);
     return status ? status
-                  : afterOpening(real<decltype(&hookOpenKeyExW)>("RegOpenKeyExW")(key, path, options, access, result),
+                  : AfterOpening(Real<decltype(&HookOpenKeyExW)>("RegOpenKeyExW")(key, path, options, access, result),
                                  result);
 }
 
-LSTATUS WINAPI hookSetValueExW(HKEY key, const wchar_t* name, DWORD reserved, DWORD type, const BYTE* data, DWORD size)
+LSTATUS WINAPI HookSetValueExW(HKEY key, const wchar_t* name, DWORD reserved, DWORD type, const BYTE* data, DWORD size)
 {
-    const LSTATUS status = before("RegSetValueExW", key, name);
-    return status ? status : real<decltype(&hookSetValueExW)>("RegSetValueExW")(key, name, reserved, type, data, size);
+    const LSTATUS status = Before("RegSetValueExW", key, name);
+    return status ? status : Real<decltype(&HookSetValueExW)>("RegSetValueExW")(key, name, reserved, type, data, size);
 }
 
-LSTATUS WINAPI hookDeleteValueW(HKEY key, const wchar_t* name)
+LSTATUS WINAPI HookDeleteValueW(HKEY key, const wchar_t* name)
 {
-    const LSTATUS status = before("RegDeleteValueW", key, name);
-    return status ? status : real<decltype(&hookDeleteValueW)>("RegDeleteValueW")(key, name);
+    const LSTATUS status = Before("RegDeleteValueW", key, name);
+    return status ? status : Real<decltype(&HookDeleteValueW)>("RegDeleteValueW")(key, name);
 }
 
-LSTATUS WINAPI hookDeleteKeyW(HKEY key, const wchar_t* name)
+LSTATUS WINAPI HookDeleteKeyW(HKEY key, const wchar_t* name)
 {
-    const LSTATUS status = before("RegDeleteKeyW", key, name);
-    return status ? status : real<decltype(&hookDeleteKeyW)>("RegDeleteKeyW")(key, name);
+    const LSTATUS status = Before("RegDeleteKeyW", key, name);
+    return status ? status : Real<decltype(&HookDeleteKeyW)>("RegDeleteKeyW")(key, name);
 }
 
-LSTATUS WINAPI hookEnumKeyExW(HKEY key, DWORD index, wchar_t* name, DWORD* size, DWORD* reserved, wchar_t* type,
+LSTATUS WINAPI HookEnumKeyExW(HKEY key, DWORD index, wchar_t* name, DWORD* size, DWORD* reserved, wchar_t* type,
                               DWORD* typeSize, FILETIME* written)
 {
-    const LSTATUS status = before("RegEnumKeyExW", key, nullptr);
+    const LSTATUS status = Before("RegEnumKeyExW", key, nullptr);
     return status ? status
-                  : real<decltype(&hookEnumKeyExW)>("RegEnumKeyExW")(key, index, name, size, reserved, type, typeSize,
+                  : Real<decltype(&HookEnumKeyExW)>("RegEnumKeyExW")(key, index, name, size, reserved, type, typeSize,
                                                                      written);
 }
 
-LSTATUS WINAPI hookCloseKey(HKEY key)
+LSTATUS WINAPI HookCloseKey(HKEY key)
 {
     if (const auto found = open.find(key); bypasses == 0 && found != open.end())
         open.erase(found);
     else
-        EXPECT_TRUE(bypasses > 0 || isPredefined(key)) << "closed a key that is not open";
-    return real<decltype(&hookCloseKey)>("RegCloseKey")(key);
+        EXPECT_TRUE(bypasses > 0 || IsPredefined(key)) << "closed a key that is not open";
+    return Real<decltype(&HookCloseKey)>("RegCloseKey")(key);
 }
 
 // Code reaches an imported function through its entry, or, where its address is a constant, through a symbol of its
@@ -150,14 +150,14 @@ LSTATUS WINAPI hookCloseKey(HKEY key)
     decltype(&hook) entry##name = hook;                                                                                \
     asm(".globl _" #name "@" #size "\n_" #name "@" #size ": jmp *__imp__" #name "@" #size "\n");
 
-IMPORT(RegOpenCurrentUser, 8, hookOpenCurrentUser)
-IMPORT(RegCreateKeyExW, 36, hookCreateKeyExW)
-IMPORT(RegOpenKeyExW, 20, hookOpenKeyExW)
-IMPORT(RegSetValueExW, 24, hookSetValueExW)
-IMPORT(RegDeleteValueW, 8, hookDeleteValueW)
-IMPORT(RegDeleteKeyW, 8, hookDeleteKeyW)
-IMPORT(RegEnumKeyExW, 32, hookEnumKeyExW)
-IMPORT(RegCloseKey, 4, hookCloseKey)
+IMPORT(RegOpenCurrentUser, 8, HookOpenCurrentUser)
+IMPORT(RegCreateKeyExW, 36, HookCreateKeyExW)
+IMPORT(RegOpenKeyExW, 20, HookOpenKeyExW)
+IMPORT(RegSetValueExW, 24, HookSetValueExW)
+IMPORT(RegDeleteValueW, 8, HookDeleteValueW)
+IMPORT(RegDeleteKeyW, 8, HookDeleteKeyW)
+IMPORT(RegEnumKeyExW, 32, HookEnumKeyExW)
+IMPORT(RegCloseKey, 4, HookCloseKey)
 }
 
 } // namespace registry_faults

@@ -29,17 +29,17 @@ public:
 };
 
 // Forgets the record, lets every call through.
-void reset();
+void Reset();
 
 // Asked before each call but closing: a status other than 0 is answered in the system's place.
-void onCall(std::function<LSTATUS(const Call&)> decide);
+void OnCall(std::function<LSTATUS(const Call&)> decide);
 
 // Makes the call with this number (from 0) fail with access denied, and nothing else.
-void failCall(std::size_t number);
+void FailCall(std::size_t number);
 
-const std::vector<Call>& calls();
+const std::vector<Call>& Calls();
 
 // Keys opened and not closed; a key that was closed without being open counts as an error of its own.
-std::size_t openKeys();
+std::size_t OpenKeys();
 
 } // namespace registry_faults

@@ -11,9 +11,9 @@
 
 namespace {
 
-using registry_view::exists;
-using registry_view::read;
-using registry_view::text;
+using registry_view::KeyExists;
+using registry_view::ReadValue;
+using registry_view::TextValue;
 using namespace vixa::sxs;
 
 constexpr const wchar_t* location = L"Software\\Vixa\\Vixa 12\\Editor";
@@ -26,12 +26,12 @@ protected:
         const registry_faults::Bypass own;
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Vixa");
         RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Vixa");
-        registry_faults::reset();
+        registry_faults::Reset();
     }
     void TearDown() override
     {
-        EXPECT_EQ(registry_faults::openKeys(), 0u);
-        registry_faults::reset();
+        EXPECT_EQ(registry_faults::OpenKeys(), 0u);
+        registry_faults::Reset();
     }
 };
 
@@ -40,46 +40,46 @@ TEST_F(Registry, KeyIsADescriptionUntilItIsUsed)
     {
         RegistryKey key(LOCAL_MACHINE, L"Software\\Vixa", KEY_ALL_ACCESS);
         RegistryKey child = key.SubKey(L"\\Child");
-        EXPECT_TRUE(registry_faults::calls().empty());
+        EXPECT_TRUE(registry_faults::Calls().empty());
         EXPECT_EQ(child.TryOpen(), static_cast<HRESULT>(0x80070006));
-        EXPECT_EQ(thrownBy([&] { child.Open(); }), error(ERROR_FILE_NOT_FOUND, AREA_REGISTRY));
-        EXPECT_EQ(thrownBy([&] { child.SetString(L"v", L"x"); }), error(ERROR_FILE_NOT_FOUND, AREA_REGISTRY));
-        EXPECT_FALSE(exists(HKEY_LOCAL_MACHINE, L"Software\\Vixa"));
+        EXPECT_EQ(ThrownBy([&] { child.Open(); }), ErrorIn(ERROR_FILE_NOT_FOUND, AREA_REGISTRY));
+        EXPECT_EQ(ThrownBy([&] { child.SetString(L"v", L"x"); }), ErrorIn(ERROR_FILE_NOT_FOUND, AREA_REGISTRY));
+        EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, L"Software\\Vixa"));
         child.Create();
         EXPECT_EQ(child.TryOpen(), S_OK);
-        const std::size_t calls = registry_faults::calls().size();
+        const std::size_t calls = registry_faults::Calls().size();
         child.Create();
         child.Open();
-        EXPECT_EQ(registry_faults::calls().size(), calls); // it is open already
-        EXPECT_EQ(registry_faults::openKeys(), 1u);
+        EXPECT_EQ(registry_faults::Calls().size(), calls); // it is open already
+        EXPECT_EQ(registry_faults::OpenKeys(), 1u);
         child.SetString(L"v", L"B\x00E4r");
-        EXPECT_EQ(read(HKEY_LOCAL_MACHINE, L"Software\\Vixa\\Child", L"v"), text(L"B\x00E4r"));
+        EXPECT_EQ(ReadValue(HKEY_LOCAL_MACHINE, L"Software\\Vixa\\Child", L"v"), TextValue(L"B\x00E4r"));
         child.SetString(L"", L"");
-        EXPECT_EQ(read(HKEY_LOCAL_MACHINE, L"Software\\Vixa\\Child", L""), text(L""));
+        EXPECT_EQ(ReadValue(HKEY_LOCAL_MACHINE, L"Software\\Vixa\\Child", L""), TextValue(L""));
         child.DeleteValue(L"v");
-        EXPECT_EQ(thrownBy([&] { child.DeleteValue(L"v"); }), error(ERROR_FILE_NOT_FOUND, AREA_REGISTRY));
+        EXPECT_EQ(ThrownBy([&] { child.DeleteValue(L"v"); }), ErrorIn(ERROR_FILE_NOT_FOUND, AREA_REGISTRY));
         child = RegistryKey(LOCAL_MACHINE, L"Software\\Vixa", KEY_READ);
-        EXPECT_EQ(registry_faults::openKeys(), 0u); // assigning closed it
-        EXPECT_EQ(thrownBy([&] { child.SetString(L"v", L"x"); }), error(ERROR_ACCESS_DENIED, AREA_REGISTRY));
+        EXPECT_EQ(registry_faults::OpenKeys(), 0u); // assigning closed it
+        EXPECT_EQ(ThrownBy([&] { child.SetString(L"v", L"x"); }), ErrorIn(ERROR_ACCESS_DENIED, AREA_REGISTRY));
     }
-    EXPECT_EQ(thrownBy([] { RegistryKey(4, L"Software", KEY_READ).Open(); }), error(12, AREA_REGISTRY));
-    EXPECT_EQ(thrownBy([] { RegistryKey(0, L"Software", KEY_READ).Create(); }), error(12, AREA_REGISTRY));
+    EXPECT_EQ(ThrownBy([] { RegistryKey(4, L"Software", KEY_READ).Open(); }), ErrorIn(12, AREA_REGISTRY));
+    EXPECT_EQ(ThrownBy([] { RegistryKey(0, L"Software", KEY_READ).Create(); }), ErrorIn(12, AREA_REGISTRY));
     RegistryKey(CLASSES_ROOT, L"CLSID", KEY_READ).Open();
 }
 
 TEST_F(Registry, UsersHiveIsOpenedWithFullRightsAndClosedAgain)
 {
     RegistryKey key(CURRENT_USER, L"Software\\Vixa", KEY_SET_VALUE);
-    registry_faults::failCall(0);
-    EXPECT_EQ(thrownBy([&] { key.Create(); }), error(ERROR_ACCESS_DENIED, AREA_REGISTRY));
-    registry_faults::reset();
+    registry_faults::FailCall(0);
+    EXPECT_EQ(ThrownBy([&] { key.Create(); }), ErrorIn(ERROR_ACCESS_DENIED, AREA_REGISTRY));
+    registry_faults::Reset();
     key.Create();
-    ASSERT_EQ(registry_faults::calls().size(), 2u);
-    EXPECT_EQ(registry_faults::calls()[0].function, "RegOpenCurrentUser"); // the failure before left no root behind
-    EXPECT_EQ(registry_faults::calls()[0].access, static_cast<REGSAM>(KEY_ALL_ACCESS));
-    EXPECT_EQ(registry_faults::calls()[1].access, static_cast<REGSAM>(KEY_SET_VALUE));
-    EXPECT_TRUE(exists(HKEY_CURRENT_USER, L"Software\\Vixa"));
-    EXPECT_EQ(registry_faults::openKeys(), 2u);
+    ASSERT_EQ(registry_faults::Calls().size(), 2u);
+    EXPECT_EQ(registry_faults::Calls()[0].function, "RegOpenCurrentUser"); // the failure before left no root behind
+    EXPECT_EQ(registry_faults::Calls()[0].access, static_cast<REGSAM>(KEY_ALL_ACCESS));
+    EXPECT_EQ(registry_faults::Calls()[1].access, static_cast<REGSAM>(KEY_SET_VALUE));
+    EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, L"Software\\Vixa"));
+    EXPECT_EQ(registry_faults::OpenKeys(), 2u);
     key = RegistryKey();
 }
 
@@ -88,21 +88,21 @@ TEST_F(Registry, LocationTakesSubkeysAndValues)
     for (const auto& [kind, root] : {std::pair(LOCAL_MACHINE, HKEY_LOCAL_MACHINE), {CURRENT_USER, HKEY_CURRENT_USER}}) {
         CRegistrySxs registry(kind);
         ASSERT_TRUE(registry.Resolved());
-        registry_faults::reset();
+        registry_faults::Reset();
         const std::wstring effects = std::wstring(location) + L"\\Effects";
         EXPECT_FALSE(registry.SetStringValue(L"Effects", L"n", L"v"));
         EXPECT_FALSE(registry.DeleteValue(L"Effects", L"n"));
-        EXPECT_FALSE(exists(root, L"Software\\Vixa"));
+        EXPECT_FALSE(KeyExists(root, L"Software\\Vixa"));
         EXPECT_TRUE(registry.CreateSubKey(L"Effects"));
         EXPECT_TRUE(registry.CreateSubKey(L"Effects"));
-        EXPECT_TRUE(exists(root, effects));
+        EXPECT_TRUE(KeyExists(root, effects));
         EXPECT_TRUE(registry.SetStringValue(L"Effects", L"n", L"Add pixel"));
-        EXPECT_EQ(read(root, effects, L"n"), text(L"Add pixel"));
+        EXPECT_EQ(ReadValue(root, effects, L"n"), TextValue(L"Add pixel"));
         EXPECT_FALSE(registry.DeleteValue(L"Effects", L"other"));
         EXPECT_TRUE(registry.DeleteValue(L"Effects", L"n"));
-        EXPECT_FALSE(read(root, effects, L"n"));
-        EXPECT_EQ(registry_faults::openKeys(), 0u); // between operations
-        for (const auto& call : registry_faults::calls())
+        EXPECT_FALSE(ReadValue(root, effects, L"n"));
+        EXPECT_EQ(registry_faults::OpenKeys(), 0u); // between operations
+        for (const auto& call : registry_faults::Calls())
             EXPECT_TRUE(call.access == 0 || call.access == 0xF003F) << call.function;
 
         EXPECT_FALSE(registry.CreateSubKey(nullptr));
@@ -122,13 +122,13 @@ TEST_F(Registry, EveryRefusedCallMakesItsOperationFail)
                registry.DeleteValue(L"Effects", L"n");
     };
     ASSERT_EQ(use(), 3);
-    const std::size_t calls = registry_faults::calls().size();
+    const std::size_t calls = registry_faults::Calls().size();
     ASSERT_EQ(calls, 8u); // the hive and the key each time, and what is done with the key
     for (std::size_t i = 0; i < calls; ++i) {
-        registry_faults::reset();
-        registry_faults::failCall(i);
+        registry_faults::Reset();
+        registry_faults::FailCall(i);
         EXPECT_LT(use(), 3) << i;
-        EXPECT_EQ(registry_faults::openKeys(), 0u) << i;
+        EXPECT_EQ(registry_faults::OpenKeys(), 0u) << i;
     }
 }
 
@@ -142,8 +142,8 @@ TEST_F(Registry, OtherGenerationsAreNotWrittenTo)
     ASSERT_TRUE(registry.Resolved());
     ASSERT_TRUE(registry.CreateSubKey(L"Effects"));
     EXPECT_FALSE(registry.SetStringValue(L"Effects", L"n", L"v"));
-    EXPECT_FALSE(read(HKEY_LOCAL_MACHINE, L"Software\\Vixa\\Vixa 11\\Editor\\Effects", L"n"));
-    for (const auto& call : registry_faults::calls())
+    EXPECT_FALSE(ReadValue(HKEY_LOCAL_MACHINE, L"Software\\Vixa\\Vixa 11\\Editor\\Effects", L"n"));
+    for (const auto& call : registry_faults::Calls())
         EXPECT_TRUE(call.access == 0 || call.access == 0xF0039) << call.function;
 }
 
@@ -159,7 +159,7 @@ TEST_F(Registry, UnresolvedLocationTouchesNothing)
         EXPECT_FALSE(registry.DeleteValue(L"Effects", L"n"));
     }
     EXPECT_FALSE(CRegistrySxs(CLASSES_ROOT).Resolved());
-    EXPECT_TRUE(registry_faults::calls().empty());
+    EXPECT_TRUE(registry_faults::Calls().empty());
 }
 
 } // namespace

@@ -5,7 +5,7 @@
 
 namespace registry_view {
 
-std::optional<std::map<std::wstring, Value>> values(HKEY root, const std::wstring& path)
+std::optional<std::map<std::wstring, Value>> ValuesOf(HKEY root, const std::wstring& path)
 {
     const registry_faults::Bypass own;
     HKEY opened = nullptr;
@@ -23,14 +23,14 @@ std::optional<std::map<std::wstring, Value>> values(HKEY root, const std::wstrin
     }
 }
 
-bool exists(HKEY root, const std::wstring& path)
+bool KeyExists(HKEY root, const std::wstring& path)
 {
-    return values(root, path).has_value();
+    return ValuesOf(root, path).has_value();
 }
 
-std::optional<Value> read(HKEY root, const std::wstring& path, const std::wstring& name)
+std::optional<Value> ReadValue(HKEY root, const std::wstring& path, const std::wstring& name)
 {
-    const auto all = values(root, path);
+    const auto all = ValuesOf(root, path);
     if (!all || !all->contains(name))
         return {};
     return all->at(name);

@@ -17,17 +17,17 @@ struct Value
 };
 
 // Text of a REG_SZ value as the registry holds it.
-inline Value text(const std::wstring& data)
+inline Value TextValue(const std::wstring& data)
 {
     return {REG_SZ, data + L'\0'};
 }
 
-bool exists(HKEY root, const std::wstring& path);
+bool KeyExists(HKEY root, const std::wstring& path);
 
 // Absent when the key or the value is.
-std::optional<Value> read(HKEY root, const std::wstring& path, const std::wstring& name);
+std::optional<Value> ReadValue(HKEY root, const std::wstring& path, const std::wstring& name);
 
 // Every value of a key by name; absent when the key is.
-std::optional<std::map<std::wstring, Value>> values(HKEY root, const std::wstring& path);
+std::optional<std::map<std::wstring, Value>> ValuesOf(HKEY root, const std::wstring& path);
 
 } // namespace registry_view

@@ -8,7 +8,7 @@
 #include <utility>
 
 template <typename Call>
-std::pair<long, unsigned long> thrownBy(Call call)
+std::pair<long, unsigned long> ThrownBy(Call call)
 {
     try {
         call();
@@ -19,7 +19,7 @@ std::pair<long, unsigned long> thrownBy(Call call)
     return {};
 }
 
-inline std::pair<long, unsigned long> error(long code, unsigned long area)
+inline std::pair<long, unsigned long> ErrorIn(long code, unsigned long area)
 {
     return {code, area};
 }

@@ -7,7 +7,7 @@
 #include <cstddef>
 
 // Depth of the deepest node that was built, also when parsing stopped half-way; without recursion.
-inline std::size_t depthOf(const TiXmlDocument& document)
+inline std::size_t DepthOf(const TiXmlDocument& document)
 {
     std::size_t depth = 0, deepest = 0;
     for (const TiXmlNode* node = &document;;) {
