@@ -75,7 +75,8 @@ struct ConvolutionBlock
     std::int32_t kind; // a ConvolutionKind; any other value keeps the kernel in force, without its divisor and offset
 };
 
-static_assert(sizeof(GammaBlock) == 4 && sizeof(MultiplyBlock) == 4 && sizeof(InvertBlock) == 4);
-static_assert(sizeof(FilterColorBlock) == 8 && sizeof(AddBlock) == 16 && sizeof(ConvolutionBlock) == 4);
+static_assert(sizeof(GammaBlock) == 4 && sizeof(MultiplyBlock) == 4 && sizeof(InvertBlock) == 4 &&
+                  sizeof(FilterColorBlock) == 8 && sizeof(AddBlock) == 16 && sizeof(ConvolutionBlock) == 4,
+              "a block is its fields and nothing else");
 
 } // namespace vixavideofx

@@ -1,5 +1,6 @@
 // What the parameters of an effect are called, where they lie in its data block and which values they take: enough for
-// a host to offer them by name. The settings panels keep to the same ranges.
+// a host to offer them by name. The settings panels keep to the same ranges. Needs C++20, for std::span; the other
+// headers of this folder need C++14.
 #pragma once
 
 #include <vixavideofx/ClassIds.h>

@@ -1,10 +1,13 @@
 // The face of every effect filter that is this library's own: how a host hands over parameters.
 #pragma once
 
+#include <vixavideofx/Compiler.h>
+
 #include <strmif.h>
 #include <unknwn.h>
 
-inline constexpr IID IID_IEffectFilter = {0xA67B871C, 0x0AD5, 0x4088, {0x89, 0x75, 0xDC, 0x79, 0x7B, 0x6B, 0x42, 0xD8}};
+VIXA_INTERFACE_ID(IEffectFilter, "A67B871C-0AD5-4088-8975-DC797B6B42D8", 0xA67B871C, 0x0AD5, 0x4088, 0x89, 0x75, 0xDC,
+                  0x79, 0x7B, 0x6B, 0x42, 0xD8);
 
 // Reached with QueryInterface on the filter. Both operations may be called from any thread, also while the graph runs.
 struct IEffectFilter : IUnknown
@@ -17,7 +20,3 @@ struct IEffectFilter : IUnknown
     // Stores the effect's total length, in units of 100 ns; any value is taken. S_OK.
     virtual HRESULT STDMETHODCALLTYPE SetDuration(REFERENCE_TIME duration) = 0;
 };
-
-#ifdef __CRT_UUID_DECL
-__CRT_UUID_DECL(IEffectFilter, 0xA67B871C, 0x0AD5, 0x4088, 0x89, 0x75, 0xDC, 0x79, 0x7B, 0x6B, 0x42, 0xD8)
-#endif

@@ -1,9 +1,12 @@
 // The catalogue: what a host can learn of an effect without creating its filter.
 #pragma once
 
+#include <vixavideofx/Compiler.h>
+
 #include <unknwn.h>
 
-inline constexpr IID IID_IEffectInfo = {0x194ADE67, 0xAFBF, 0x4A1F, {0x99, 0x78, 0x48, 0xB0, 0x5C, 0xEF, 0xB0, 0x83}};
+VIXA_INTERFACE_ID(IEffectInfo, "194ADE67-AFBF-4A1F-9978-48B05CEFB083", 0x194ADE67, 0xAFBF, 0x4A1F, 0x99, 0x78, 0x48,
+                  0xB0, 0x5C, 0xEF, 0xB0, 0x83);
 
 // Reached with QueryInterface on an effect's class factory; answers QueryInterface(IID_IClassFactory) with that
 // factory, or with a new one of the same effect when that is gone. Several requests lead to one object while it lives.
@@ -73,7 +76,3 @@ struct IEffectInfo : IUnknown
     // 1.
     virtual HRESULT STDMETHODCALLTYPE GetVersion(ULONG* version) = 0;
 };
-
-#ifdef __CRT_UUID_DECL
-__CRT_UUID_DECL(IEffectInfo, 0x194ADE67, 0xAFBF, 0x4A1F, 0x99, 0x78, 0x48, 0xB0, 0x5C, 0xEF, 0xB0, 0x83)
-#endif

@@ -1,12 +1,14 @@
 // Description objects: from these a host builds its own control for a parameter of kind SingleValue or SingleEnum.
 #pragma once
 
+#include <vixavideofx/Compiler.h>
+
 #include <unknwn.h>
 
-inline constexpr IID IID_ISingleValuePropertySetInfo = {
-    0x333C3010, 0xD31F, 0x4861, {0xB1, 0xA6, 0x3F, 0x06, 0x6F, 0x7E, 0xCB, 0xAB}};
-inline constexpr IID IID_ISingleEnumPropertySetInfo = {
-    0x0C36C773, 0x38DF, 0x49C8, {0xA5, 0x35, 0xA0, 0xB0, 0xB1, 0xB6, 0x01, 0xDA}};
+VIXA_INTERFACE_ID(ISingleValuePropertySetInfo, "333C3010-D31F-4861-B1A6-3F066F7ECBAB", 0x333C3010, 0xD31F, 0x4861, 0xB1,
+                  0xA6, 0x3F, 0x06, 0x6F, 0x7E, 0xCB, 0xAB);
+VIXA_INTERFACE_ID(ISingleEnumPropertySetInfo, "0C36C773-38DF-49C8-A535-A0B0B1B601DA", 0x0C36C773, 0x38DF, 0x49C8, 0xA5,
+                  0x35, 0xA0, 0xB0, 0xB1, 0xB6, 0x01, 0xDA);
 
 // Texts are answered in the library's current language only: any other `language` gives E_FAIL and writes nothing.
 // Texts and pictures go by two calls, the first with a null buffer for the size; a text's `*length` is never read on
@@ -31,8 +33,3 @@ struct ISingleEnumPropertySetInfo : IUnknown
     virtual HRESULT STDMETHODCALLTYPE GetImage(BYTE* buffer, ULONG* size) = 0;
     virtual HRESULT STDMETHODCALLTYPE GetName(LANGID language, WCHAR* text, ULONG* length) = 0;
 };
-
-#ifdef __CRT_UUID_DECL
-__CRT_UUID_DECL(ISingleValuePropertySetInfo, 0x333C3010, 0xD31F, 0x4861, 0xB1, 0xA6, 0x3F, 0x06, 0x6F, 0x7E, 0xCB, 0xAB)
-__CRT_UUID_DECL(ISingleEnumPropertySetInfo, 0x0C36C773, 0x38DF, 0x49C8, 0xA5, 0x35, 0xA0, 0xB0, 0xB1, 0xB6, 0x01, 0xDA)
-#endif

@@ -1,0 +1,140 @@
+// The C declarations of VixaVideoFX.h against the C++ headers: slots, arguments, identifiers and data blocks.
+#include <vixavideofx/VixaVideoFX.h>
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+// What C sees, beside what C++ sees.
+namespace c {
+#define CINTERFACE
+#undef VIXAVIDEOFX_VIXAVIDEOFX_H
+#include <vixavideofx/VixaVideoFX.h>
+} // namespace c
+
+namespace {
+
+using namespace vixavideofx;
+
+// A pointer to a virtual member function holds the function's place in the table, in bytes, plus 1.
+template <typename Member>
+std::size_t PlaceOf(Member member)
+{
+    std::uintptr_t words[2];
+    static_assert(sizeof member == sizeof words);
+    std::memcpy(words, &member, sizeof words);
+    return words[0] - 1;
+}
+
+template <typename>
+struct Arguments;
+template <typename Interface, typename... A>
+struct Arguments<HRESULT (STDMETHODCALLTYPE Interface::*)(A...)>
+{
+    using Type = void(A...);
+};
+template <typename Interface, typename... A>
+struct Arguments<HRESULT(STDMETHODCALLTYPE*)(Interface*, A...)>
+{
+    using Type = void(A...);
+};
+
+#define EXPECT_SAME_OPERATION(interface, operation)                                                                    \
+    EXPECT_EQ(offsetof(c::interface##Vtbl, operation), PlaceOf(&interface::operation)) << #interface "::" #operation;  \
+    static_assert(std::is_same_v<Arguments<decltype(c::interface##Vtbl::operation)>::Type,                             \
+                                 Arguments<decltype(&interface::operation)>::Type>)
+
+TEST(CDeclarations, HaveTheSlotsAndArgumentsOfCpp)
+{
+    EXPECT_SAME_OPERATION(IDataPropertySet, GetData);
+    EXPECT_SAME_OPERATION(IDataPropertySet, SetData);
+    EXPECT_SAME_OPERATION(ISingleValuePropertySet, GetValue);
+    EXPECT_SAME_OPERATION(ISingleValuePropertySet, SetValue);
+    EXPECT_SAME_OPERATION(ISingleEnumPropertySet, GetValue);
+    EXPECT_SAME_OPERATION(ISingleEnumPropertySet, SetValue);
+    EXPECT_SAME_OPERATION(IEffectInfo, GetTypeCode);
+    EXPECT_SAME_OPERATION(IEffectInfo, GetGroupId);
+    EXPECT_SAME_OPERATION(IEffectInfo, GetGroupName);
+    EXPECT_SAME_OPERATION(IEffectInfo, GetSubtypeCode);
+    EXPECT_SAME_OPERATION(IEffectInfo, GetEffectName);
+    EXPECT_SAME_OPERATION(IEffectInfo, GetIcon);
+    EXPECT_SAME_OPERATION(IEffectInfo, GetSecondBitmap);
+    EXPECT_SAME_OPERATION(IEffectInfo, GetPropertySetKind);
+    EXPECT_SAME_OPERATION(IEffectInfo, GetPropertySetInfo);
+    EXPECT_SAME_OPERATION(IEffectInfo, SetDefaults);
+    EXPECT_SAME_OPERATION(IEffectInfo, ShowSettingsDialog);
+    EXPECT_SAME_OPERATION(IEffectInfo, GetSortKey);
+    EXPECT_SAME_OPERATION(IEffectInfo, GetVersion);
+    EXPECT_SAME_OPERATION(IEffectFilter, SetPropertySet);
+    EXPECT_SAME_OPERATION(IEffectFilter, SetDuration);
+    EXPECT_SAME_OPERATION(IInstructionCeiling, SetCeiling);
+    EXPECT_SAME_OPERATION(IInstructionCeiling, GetLevel);
+    EXPECT_SAME_OPERATION(ISingleValuePropertySetInfo, GetRange);
+    EXPECT_SAME_OPERATION(ISingleValuePropertySetInfo, FormatValue);
+    EXPECT_SAME_OPERATION(ISingleValuePropertySetInfo, GetImage);
+    EXPECT_SAME_OPERATION(ISingleValuePropertySetInfo, GetName);
+    EXPECT_SAME_OPERATION(ISingleEnumPropertySetInfo, GetCount);
+    EXPECT_SAME_OPERATION(ISingleEnumPropertySetInfo, GetItemName);
+    EXPECT_SAME_OPERATION(ISingleEnumPropertySetInfo, GetImage);
+    EXPECT_SAME_OPERATION(ISingleEnumPropertySetInfo, GetName);
+}
+
+TEST(CDeclarations, HaveTheIdentifiersOfCpp)
+{
+    EXPECT_TRUE(c::IID_IEffectInfo == IID_IEffectInfo);
+    EXPECT_TRUE(c::IID_IEffectFilter == IID_IEffectFilter);
+    EXPECT_TRUE(c::IID_IInstructionCeiling == IID_IInstructionCeiling);
+    EXPECT_TRUE(c::IID_ISingleValuePropertySetInfo == IID_ISingleValuePropertySetInfo);
+    EXPECT_TRUE(c::IID_ISingleEnumPropertySetInfo == IID_ISingleEnumPropertySetInfo);
+    EXPECT_TRUE(c::CLSID_VixaAddPixel == CLSID_AddPixel);
+    EXPECT_TRUE(c::CLSID_VixaFilterColor == CLSID_FilterColor);
+    EXPECT_TRUE(c::CLSID_VixaInvertColor == CLSID_InvertColor);
+    EXPECT_TRUE(c::CLSID_VixaMultiplyPixel == CLSID_MultiplyPixel);
+    EXPECT_TRUE(c::CLSID_VixaGammaCorrection == CLSID_GammaCorrection);
+    EXPECT_TRUE(c::CLSID_VixaDetectEdges == CLSID_DetectEdges);
+    EXPECT_TRUE(c::CLSID_VixaEmboss == CLSID_Emboss);
+    EXPECT_TRUE(c::CLSID_VixaEnhanceDetails == CLSID_EnhanceDetails);
+    EXPECT_TRUE(c::CLSID_VixaEnhanceEdges == CLSID_EnhanceEdges);
+    EXPECT_TRUE(c::CLSID_VixaEnhanceFocus == CLSID_EnhanceFocus);
+    EXPECT_TRUE(c::CLSID_VixaLightEdges == CLSID_LightEdges);
+    EXPECT_TRUE(c::CLSID_VixaShiftEdges == CLSID_ShiftEdges);
+    EXPECT_TRUE(c::CLSID_VixaSoftenFilter == CLSID_SoftenFilter);
+}
+
+#define SAME_FIELD(block, field)                                                                                       \
+    (offsetof(c::Vixa##block, field) == offsetof(block, field) &&                                                      \
+     std::is_same_v<decltype(c::Vixa##block::field), decltype(block::field)>)
+static_assert(sizeof(c::VixaGammaBlock) == sizeof(GammaBlock) && SAME_FIELD(GammaBlock, gamma));
+static_assert(sizeof(c::VixaMultiplyBlock) == sizeof(MultiplyBlock) && SAME_FIELD(MultiplyBlock, factor));
+static_assert(sizeof(c::VixaInvertBlock) == sizeof(InvertBlock) && SAME_FIELD(InvertBlock, mask));
+static_assert(sizeof(c::VixaFilterColorBlock) == sizeof(FilterColorBlock) && SAME_FIELD(FilterColorBlock, intensity) &&
+              SAME_FIELD(FilterColorBlock, colour));
+static_assert(sizeof(c::VixaAddBlock) == sizeof(AddBlock) && SAME_FIELD(AddBlock, redDelta) &&
+              SAME_FIELD(AddBlock, greenDelta) && SAME_FIELD(AddBlock, blueDelta) && SAME_FIELD(AddBlock, moveAll));
+static_assert(sizeof(c::VixaConvolutionBlock) == sizeof(ConvolutionBlock) && SAME_FIELD(ConvolutionBlock, kind));
+
+constexpr bool operator==(int number, ConvolutionKind kind)
+{
+    return number == static_cast<int>(kind);
+}
+constexpr bool operator==(int number, PropertySetKind kind)
+{
+    return number == static_cast<int>(kind);
+}
+static_assert(c::VixaDetectEdges == ConvolutionKind::DetectEdges && c::VixaEmboss == ConvolutionKind::Emboss &&
+              c::VixaEnhanceDetails == ConvolutionKind::EnhanceDetails &&
+              c::VixaEnhanceEdges == ConvolutionKind::EnhanceEdges &&
+              c::VixaEnhanceFocus == ConvolutionKind::EnhanceFocus &&
+              c::VixaLightEdges == ConvolutionKind::LightEdges && c::VixaShiftEdges == ConvolutionKind::ShiftEdges &&
+              c::VixaSoften == ConvolutionKind::Soften &&
+              c::VixaShiftEdgesVertical == ConvolutionKind::ShiftEdgesVertical &&
+              c::VixaShiftEdgesHorizontal == ConvolutionKind::ShiftEdgesHorizontal);
+static_assert(c::VixaPropertySetNone == PropertySetKind::None &&
+              c::VixaPropertySetDataBlock == PropertySetKind::DataBlock &&
+              c::VixaPropertySetSingleValue == PropertySetKind::SingleValue &&
+              c::VixaPropertySetSingleEnum == PropertySetKind::SingleEnum);
+
+} // namespace
