@@ -1,7 +1,7 @@
 // What the settings panels have in common: their texts, their data blocks, and which slider messages count.
 #pragma once
 
-#include "filter/ParameterBlock.h"
+#include "parameters/BlockReader.h"
 
 #include <vixavideofx/PropertySets.h>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "effects/KernelEffect.h"
-#include "filter/ParameterBlock.h"
+#include "filter/EffectFields.h"
 
 #include <cstdint>
 #include <vector>

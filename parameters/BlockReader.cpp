@@ -1,4 +1,4 @@
-#include "filter/ParameterBlock.h"
+#include "parameters/BlockReader.h"
 
 #include <cstring>
 #include <memory>
