@@ -35,6 +35,7 @@ const std::map<std::string, std::set<std::string>> allowed = {
      {"include", "framework", "filter", "effects", "catalogue", "localisation", "registration", "resources", "dialogs",
       "bitmap"}},
     {"host", {"include", "framework"}},
+    {"examples", {"include"}},
 };
 
 std::string roomOf(const std::string& path)

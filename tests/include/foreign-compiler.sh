@@ -8,17 +8,17 @@ mapfile -t folders < <(i686-w64-mingw32-g++-posix -E -x c++ -v /dev/null 2>&1 |
 [ ${#folders[@]} -gt 1 ] || fail "the cross compiler's headers were not found"
 failed=0 compiled=0
 
-# compiles LANGUAGE WHAT SOURCE: SOURCE is a file or, with "-", standard input.
+# compiles LANGUAGE WHAT: the source on standard input.
 compiles() {
-    local language=$1 what=$2 source=$3 target text
-    text=$(cat "$source")
+    local language=$1 what=$2 source target machine
+    source=$(cat)
     for target in i686 x86_64; do
+        [ $target = i686 ] && machine=_X86_ || machine=_AMD64_
         compiled=$((compiled + 1))
         # MinGW's headers know the language by the GNU version; libstdc++'s have no 128-bit integers in a strict one.
         clang --target=$target-pc-windows-msvc -fsyntax-only -fms-extensions -fms-compatibility -fgnuc-version=4.2.1 \
-            -x "${language%%[0-9]*}" -std="$language" -Wall -Wextra -Wno-unused-const-variable -Werror \
-            -D__STRICT_ANSI__ -U__SIZEOF_INT128__ "-D_$([ $target = i686 ] && echo X86 || echo AMD64)_" \
-            -I "$ROOT/include" "${folders[@]/#/-isystem}" - <<<"$text" || {
+            -x "${language%%[0-9]*}" -std="$language" -Wall -Wextra -Werror -D$machine -D__STRICT_ANSI__ -U__SIZEOF_INT128__ \
+            -I "$ROOT/include" "${folders[@]/#/-isystem}" - <<<"$source" || {
             say "^ $what as $language for $target"
             failed=$((failed + 1))
         }
@@ -29,10 +29,20 @@ for header in "$ROOT"/include/vixavideofx/*.h; do
     name=vixavideofx/$(basename "$header")
     language=c++14
     [ "$name" != vixavideofx/EffectParameters.h ] || language=c++20
-    compiles $language "$name" - <<<"#include <$name>"
+    compiles $language "$name" <<<"#include <$name>"
 done
-compiles c99 vixavideofx/VixaVideoFX.h - <<<"#include <vixavideofx/VixaVideoFX.h>"
-compiles c++14 "the identifiers" "$ROOT/tests/include/InterfaceIds.cpp"
+compiles c99 vixavideofx/VixaVideoFX.h <<<"#include <vixavideofx/VixaVideoFX.h>"
+compiles c++14 "the identifiers" <"$ROOT/tests/include/InterfaceIds.cpp"
+
+# The identifiers of the platform's own interfaces, which MinGW's headers attach in another way.
+platform='#define WIN32_LEAN_AND_MEAN
+#include <rpc.h>
+#include <rpcndr.h>
+#undef WIN32_LEAN_AND_MEAN
+#undef MIDL_INTERFACE
+#define MIDL_INTERFACE(id) struct __declspec(uuid(id)) __declspec(novtable)
+#line 1'
+compiles c++17 examples/host.cpp <<<"$platform"$'\n'"$(cat "$ROOT/examples/host.cpp")"
 
 say "$compiled compiled, $failed failed"
 [ $failed -eq 0 ]
