@@ -51,7 +51,7 @@ protected:
     LONG m_lFree = 0;
     LONG m_lAllocated = 0;
     LONG m_lWaiting = 0;
-    vixa::UniqueEvent m_hSem; // a semaphore: one count per waiter to wake
+    vixa::UniqueSemaphore m_hSem; // one count per waiter to wake
     LONG m_lCount = 0;
     LONG m_lSize = 0;
     LONG m_lAlignment = 1;

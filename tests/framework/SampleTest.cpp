@@ -105,7 +105,7 @@ TEST_F(Memory, DecommitWakesAndBuffersOutliveIt)
     };
     const auto waitWhile = [&](auto action) {
         Waiter waiter = {allocator.Get(), S_OK};
-        vixa::UniqueHandle<HANDLE, CloseHandle> thread(CreateThread(nullptr, 0, Waiter::Wait, &waiter, 0, nullptr));
+        vixa::UniqueThread thread(CreateThread(nullptr, 0, Waiter::Wait, &waiter, 0, nullptr));
         EXPECT_EQ(static_cast<DWORD>(WAIT_TIMEOUT), WaitForSingleObject(thread.get(), 20)) << "no buffer, so it waits";
         action();
         EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread.get(), 5000));

@@ -84,7 +84,7 @@ private:
 
     bool ownThread = false;
     CAMEvent stopping{true};
-    vixa::UniqueHandle<HANDLE, CloseHandle> thread;
+    vixa::UniqueThread thread;
 };
 
 class Source : public CBaseFilter
