@@ -92,7 +92,7 @@ HRESULT CBaseAllocator::GetBuffer(IMediaSample** sample, REFERENCE_TIME*, REFERE
             if (!m_bCommitted)
                 return VFW_E_NOT_COMMITTED;
             if (CMediaSample* const taken = TakeFree()) {
-                taken->m_cRef = 1;
+                taken->AddRef();
                 *sample = taken;
                 break;
             }

@@ -166,7 +166,7 @@ HRESULT CBaseFilter::EnumPins(IEnumPins** pins) noexcept
 {
     if (!pins)
         return E_POINTER;
-    *pins = new (std::nothrow) CEnumPins(this, nullptr);
+    *pins = new (std::nothrow) CEnumPins(this);
     return *pins ? S_OK : E_OUTOFMEMORY;
 }
 

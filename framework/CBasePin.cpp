@@ -318,7 +318,7 @@ HRESULT CBasePin::EnumMediaTypes(IEnumMediaTypes** types) noexcept
 {
     if (!types)
         return E_POINTER;
-    *types = new (std::nothrow) CEnumMediaTypes(this, nullptr);
+    *types = new (std::nothrow) CEnumMediaTypes(this);
     return *types ? S_OK : E_OUTOFMEMORY;
 }
 

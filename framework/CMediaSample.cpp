@@ -43,17 +43,15 @@ HRESULT CMediaSample::QueryInterface(REFIID riid, void** ppv) noexcept
 
 ULONG CMediaSample::AddRef() noexcept
 {
-    return static_cast<ULONG>(InterlockedIncrement(&m_cRef));
+    return references.Add();
 }
 
 ULONG CMediaSample::Release() noexcept
 {
-    const LONG left = InterlockedDecrement(&m_cRef);
-    if (left == 0) {
+    return references.Drop([this] {
         Clear();
         m_pAllocator->ReleaseBuffer(this); // may be the end of the allocator, and of this sample
-    }
-    return static_cast<ULONG>(left);
+    });
 }
 
 void CMediaSample::Clear() noexcept

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "framework/CMediaType.h"
+#include "framework/RefCount.h"
 
 class CBaseAllocator;
 
@@ -69,5 +70,5 @@ protected:
     bool m_mediaTimeValid = false;
     AM_MEDIA_TYPE* m_pMediaType = nullptr;
     DWORD m_dwStreamId = AM_STREAM_MEDIA;
-    LONG m_cRef = 0;
+    vixa::RefCount references{0};
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "framework/CBaseObject.h"
+#include "framework/RefCount.h"
 
 // An object's own IUnknown, as opposed to the one of the aggregate that it may be part of.
 class INonDelegatingUnknown
@@ -35,24 +36,22 @@ public:
     // The controlling unknown: the aggregate's, or the object's own. Not counted.
     IUnknown* GetOwner() const noexcept { return m_pUnknown; }
 
-protected:
-    LONG m_cRef = 0;
-
 private:
     // The IUnknown that an aggregating object, or a creator, holds: it never delegates.
     class OwnUnknown final : public IUnknown
     {
     public:
-        explicit OwnUnknown(CUnknown& object) noexcept : m_object(object) {}
+        explicit OwnUnknown(CUnknown& owner) noexcept : object(owner) {}
         HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) noexcept override;
         ULONG STDMETHODCALLTYPE AddRef() noexcept override;
         ULONG STDMETHODCALLTYPE Release() noexcept override;
 
     private:
-        CUnknown& m_object;
+        CUnknown& object;
     };
 
-    OwnUnknown m_own;
+    vixa::RefCount references{0};
+    OwnUnknown ownUnknown;
     IUnknown* const m_pUnknown;
 };
 

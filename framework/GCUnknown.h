@@ -1,6 +1,8 @@
 // The reference-counted IUnknown under objects that are shared but offer no interface by QueryInterface.
 #pragma once
 
+#include "framework/RefCount.h"
+
 #include <unknwn.h>
 
 // Starts with one reference, the creator's. Counts are interlocked; the last Release destroys through the virtual
@@ -16,14 +18,11 @@ public:
         return E_NOINTERFACE;
     }
 
-    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return static_cast<ULONG>(InterlockedIncrement(&refCount)); }
+    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return references.Add(); }
 
     ULONG STDMETHODCALLTYPE Release() noexcept override
     {
-        const LONG left = InterlockedDecrement(&refCount);
-        if (left == 0)
-            delete this;
-        return static_cast<ULONG>(left);
+        return references.Drop([this] { delete this; });
     }
 
     virtual ~GCUnknown() = default;
@@ -35,5 +34,5 @@ protected:
     GCUnknown& operator=(const GCUnknown&) noexcept { return *this; }
 
 private:
-    LONG refCount = 1;
+    vixa::RefCount references{1};
 };
