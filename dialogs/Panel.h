@@ -47,11 +47,8 @@ std::optional<Block> readBlock(IDataPropertySet* params) noexcept
 {
     if (!params)
         return std::nullopt;
-    Block block{};
-    const BlockRead read = ReadBlock(*params, block);
-    if (FAILED(read.result) || read.size <= 0)
-        return std::nullopt;
-    return block;
+    const auto read = ReadBlock(*params, Block{});
+    return read.HasData() ? std::optional(read.block) : std::nullopt;
 }
 
 template <typename Block>

@@ -21,5 +21,5 @@ HRESULT CAddPixel::Transform(IMediaSample* sample)
 
 STDMETHODIMP CAddPixel::SetPropertySet(IUnknown* propertySet) noexcept
 {
-    return vixa::TakeBlock(propertySet, parameters);
+    return TakeBlock(propertySet, parameters);
 }

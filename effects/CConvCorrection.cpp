@@ -65,10 +65,7 @@ HRESULT CConvCorrection::Transform(IMediaSample* sample)
 
 STDMETHODIMP CConvCorrection::SetPropertySet(IUnknown* propertySet) noexcept
 {
-    if (!propertySet)
-        return S_OK;
-    vixavideofx::ConvolutionBlock block{0};
-    ReadBlock(*static_cast<IDataPropertySet*>(propertySet), block);
-    fields.Change([&](Fields& current) { current.convolution.SetKind(block.kind); });
-    return S_OK;
+    return TakeRead(propertySet, vixavideofx::ConvolutionBlock{0}, [this](const auto& read) {
+        fields.Change([&](Fields& current) { current.convolution.SetKind(read.block.kind); });
+    });
 }

@@ -4,6 +4,7 @@
 
 #include <vixavideofx/ClassIds.h>
 
+#include <algorithm>
 #include <limits>
 #include <new>
 
@@ -27,18 +28,17 @@ HRESULT CFilterColor::Transform(IMediaSample* sample)
 
 STDMETHODIMP CFilterColor::SetPropertySet(IUnknown* propertySet) noexcept
 {
-    if (!propertySet)
-        return S_OK;
-    Fields fields = parameters.Get();
-    const auto read = vixa::ReadBlock(*static_cast<IDataPropertySet*>(propertySet), fields.block);
-    if (SUCCEEDED(read.result) && read.size > 0) {
-        auto& intensity = fields.block.intensity;
-        fields.brighten = intensity >= 0 ? 1 : 0;
-        if (intensity < 0)
+    const auto before = parameters.Get().block;
+    return TakeRead(propertySet, before, [this](const vixa::BlockRead<vixavideofx::FilterColorBlock>& read) {
+        parameters.Change([&](Fields& current) {
+            read.LayOver(current.block);
+            if (!read.HasData())
+                return;
+            auto& intensity = current.block.intensity;
+            current.brighten = intensity >= 0 ? 1 : 0;
             // The least integer has no positive counterpart; the largest saturates a byte just as well.
-            intensity = intensity == std::numeric_limits<std::int32_t>::min() ? std::numeric_limits<std::int32_t>::max()
-                                                                              : -intensity;
-    }
-    parameters.Set(fields);
-    return S_OK;
+            if (intensity < 0)
+                intensity = -std::max(intensity, -std::numeric_limits<std::int32_t>::max());
+        });
+    });
 }

@@ -33,5 +33,5 @@ HRESULT CGammaCorrection::Transform(IMediaSample* sample)
 
 STDMETHODIMP CGammaCorrection::SetPropertySet(IUnknown* propertySet) noexcept
 {
-    return vixa::TakeBlock(propertySet, parameters);
+    return TakeBlock(propertySet, parameters);
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "effects/KernelEffect.h"
-#include "filter/EffectFields.h"
+#include "filter/Guarded.h"
 
 #include <vixavideofx/DataBlocks.h>
 

@@ -24,5 +24,5 @@ HRESULT CMultiplyPixel::Transform(IMediaSample* sample)
 
 STDMETHODIMP CMultiplyPixel::SetPropertySet(IUnknown* propertySet) noexcept
 {
-    return vixa::TakeBlock(propertySet, parameters);
+    return TakeBlock(propertySet, parameters);
 }

@@ -25,5 +25,5 @@ HRESULT CPixelControl::Transform(IMediaSample* sample)
 
 STDMETHODIMP CPixelControl::SetPropertySet(IUnknown* propertySet) noexcept
 {
-    return vixa::TakeBlock(propertySet, parameters);
+    return TakeBlock(propertySet, parameters);
 }

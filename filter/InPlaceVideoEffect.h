@@ -1,7 +1,9 @@
 // The common base of every effect: an in-place DirectShow filter on uncompressed 32-bit RGB video.
 #pragma once
 
+#include "filter/Guarded.h"
 #include "framework/DirectShow.h"
+#include "parameters/BlockReader.h"
 
 #include <vixavideofx/IEffectFilter.h>
 
@@ -39,6 +41,28 @@ public:
 
 protected:
     InPlaceVideoEffect(IUnknown* outer, REFCLSID clsid, HRESULT* result);
+
+    // SetPropertySet of an effect: reads the host's block with `before` in the room and hands what came, a
+    // vixa::BlockRead<Block>, to `take`, whatever GetData answers. No lock is held while GetData runs, and the filter
+    // lives until the call is over. S_OK; a null set is not taken.
+    template <typename Block, typename Take>
+    HRESULT TakeRead(IUnknown* propertySet, const Block& before, Take take) noexcept
+    {
+        if (!propertySet)
+            return S_OK;
+        const ComPtr<IUnknown> alive(GetOwner());
+        take(vixa::ReadBlock(*static_cast<IDataPropertySet*>(propertySet), before));
+        return S_OK;
+    }
+
+    // The same for an effect whose fields are its data block: the bytes that were read land on them.
+    template <typename Block>
+    HRESULT TakeBlock(IUnknown* propertySet, vixa::Guarded<Block>& fields) noexcept
+    {
+        return TakeRead(propertySet, fields.Get(), [&](const vixa::BlockRead<Block>& read) {
+            fields.Change([&](Block& current) { read.LayOver(current); });
+        });
+    }
 
     REFERENCE_TIME duration = 50'000'000; // 100-ns units: five seconds until the host says otherwise
     LONG width = 0;                       // pixels

@@ -2,6 +2,7 @@
 #include "bitmap/GDIBitmap.h"
 #include "tests/bitmap/MemoryBitmap.h"
 #include "tests/bitmap/PackedDibs.h"
+#include "tests/support/DebugText.h"
 
 #include <gtest/gtest.h>
 
@@ -374,31 +375,18 @@ TEST(Changing, TintWantsARealMask)
     EXPECT_FALSE(Picture({"R"}).Tint({0, 0, 1, 1}, blue, 255, nullptr)) << "24 bits";
 }
 
-std::string lastDiagnostic;
-
-LONG CALLBACK CatchDiagnostic(EXCEPTION_POINTERS* exception)
-{
-    constexpr DWORD printed = 0x40010006; // what OutputDebugString raises: length, address
-    const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
-    if (record.ExceptionCode != printed)
-        return EXCEPTION_CONTINUE_SEARCH;
-    lastDiagnostic = reinterpret_cast<const char*>(record.ExceptionInformation[1]);
-    return EXCEPTION_CONTINUE_EXECUTION;
-}
-
 TEST(Changing, ColourVariationSaysItsFinding)
 {
-    void* const handler = AddVectoredExceptionHandler(1, CatchDiagnostic);
+    const test::DebugText debugText;
     const GDIBitmap bitmap = Picture({"kkWW", "kkWW"}, 32);
     EXPECT_TRUE(bitmap.HasMinColorVariation(126.0, 0.0));
-    EXPECT_EQ(lastDiagnostic, "BitmapBase::HasMinColorVariation succeeded (line=1, var=126)");
+    EXPECT_EQ(test::DebugText::last, "BitmapBase::HasMinColorVariation succeeded (line=1, var=126)");
     EXPECT_FALSE(bitmap.HasMinColorVariation(127.5, 0.0));
-    EXPECT_EQ(lastDiagnostic, "BitmapBase::HasMinColorVariation returned false (var=126.00, limit was 127.50)");
+    EXPECT_EQ(test::DebugText::last, "BitmapBase::HasMinColorVariation returned false (var=126.00, limit was 127.50)");
     EXPECT_FALSE(bitmap.HasMinColorVariation(-1e-300, 0.0) && bitmap.HasMinColorVariation(-1.0, 0.0));
-    lastDiagnostic.clear();
+    test::DebugText::last.clear();
     EXPECT_FALSE(Picture({"kW"}).HasMinColorVariation(0.0, 0.0)) << "24 bits";
-    EXPECT_EQ(lastDiagnostic, "");
-    RemoveVectoredExceptionHandler(handler);
+    EXPECT_EQ(test::DebugText::last, "");
     EXPECT_TRUE(bitmap.ContainsColor(white));
     EXPECT_FALSE(bitmap.ContainsColor(red));
 }

@@ -144,10 +144,10 @@ TEST_F(Hostile, PropertySets)
         graph.Send(expected);
 
         // Far more data than the effect has fields, with an honest size, an absurd one, and none.
-        for (const int claimed : {1 << 19, INT_MAX, -1, 0}) {
+        for (const int claimed : {1 << 16, INT_MAX, -1, 0}) {
             set.answer = [&](void* buffer, int* size) {
                 EXPECT_EQ(*size, 0) << "the size starts at 0";
-                std::memset(buffer, 0xEE, 1 << 19);
+                std::memset(buffer, 0xEE, 1 << 16);
                 std::memcpy(buffer, set.block.data(), set.block.size());
                 *size = claimed;
                 return S_OK;
@@ -216,6 +216,53 @@ TEST_F(Hostile, FailedAndPartialReads)
     TestPropertySet emboss{2};
     emboss.answer = [](void*, int*) { return E_FAIL; };
     EXPECT_EQ(apply(CLSID_Emboss, emboss, frame)[16], 0) << "no offset any more";
+}
+
+// A read that fails or gives less while another one completes must not bring back what it found at its start. Here the
+// other one runs inside GetData; on another thread it would be the same.
+TEST_F(Hostile, AReadTakesBackNothingThatCameMeanwhile)
+{
+    const auto outcome = [&](REFCLSID clsid, TestPropertySet meanwhile, HRESULT answer, std::int32_t written) {
+        const auto filter = library.Create(clsid);
+        ComPtr<IEffectFilter> parameters;
+        filter.As(&parameters);
+        TestPropertySet slow;
+        slow.answer = [&](void* buffer, int* size) {
+            EXPECT_EQ(parameters->SetPropertySet(&meanwhile), S_OK);
+            if (SUCCEEDED(answer)) {
+                *static_cast<std::int32_t*>(buffer) = written;
+                *size = sizeof written;
+            }
+            return answer;
+        };
+        EXPECT_EQ(parameters->SetPropertySet(&slow), S_OK);
+        EffectGraph graph(filter.Get(), VideoType(2, 1));
+        std::vector<std::uint8_t> frame(8, 100);
+        graph.Send(frame);
+        return std::vector<int>(frame.begin(), frame.begin() + 3);
+    };
+    EXPECT_EQ(outcome(CLSID_AddPixel, {10, 20, 30, 0}, E_FAIL, 0), (std::vector{130, 120, 110}));
+    EXPECT_EQ(outcome(CLSID_AddPixel, {10, 20, 30, 0}, S_OK, 50), (std::vector{130, 120, 150}))
+        << "red alone was given";
+    EXPECT_EQ(outcome(CLSID_FilterColor, {-40, 0}, E_FAIL, 0), (std::vector{60, 100, 100}));
+    EXPECT_EQ(outcome(CLSID_FilterColor, {-40, 0}, S_OK, 50), (std::vector{150, 100, 100}))
+        << "of blue, as set meanwhile";
+    EXPECT_EQ(outcome(CLSID_GammaCorrection, {200}, E_FAIL, 0), (std::vector{160, 160, 160}));
+}
+
+TEST_F(Hostile, AHostMayLetGoOfTheFilterInsideGetData)
+{
+    for (std::size_t effect = 0; effect < 6; ++effect) {
+        auto set = Working(effect);
+        ComPtr<IEffectFilter> filter = library.Create<IEffectFilter>(effects[effect].clsid);
+        set.answer = [&](void*, int*) {
+            filter.Reset();
+            EXPECT_EQ(library.canUnloadNow(), S_FALSE) << "gone while its own call runs";
+            return S_OK;
+        };
+        EXPECT_EQ(filter->SetPropertySet(&set), S_OK);
+        EXPECT_EQ(library.canUnloadNow(), S_OK);
+    }
 }
 
 // A caller that keeps the stack aligned to 4 bytes only: a spilled vector register would fault.

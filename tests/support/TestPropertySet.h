@@ -31,7 +31,7 @@ public:
     STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references; }
     STDMETHODIMP_(ULONG) Release() noexcept override { return --references; }
 
-    STDMETHODIMP GetData(void* buffer, int* size) noexcept override
+    STDMETHODIMP GetData(void* buffer, int* size) override
     {
         ++reads;
         if (answer)

@@ -1,7 +1,7 @@
-// An effect's fields: written from the host's property set by any thread, read whole by the streaming thread.
+// A value that threads share.
 #pragma once
 
-#include "parameters/BlockReader.h"
+#include <windows.h>
 
 #include <type_traits>
 
@@ -24,11 +24,6 @@ public:
         return copy;
     }
 
-    void Set(const Value& replacement) noexcept
-    {
-        Change([&](Value& current) { current = replacement; });
-    }
-
     // Runs `change` on the value under the lock; it must not call out.
     template <typename Function>
     void Change(Function change) noexcept
@@ -42,19 +37,5 @@ private:
     Value value;
     mutable SRWLOCK lock = SRWLOCK_INIT;
 };
-
-// SetPropertySet of an effect whose fields are its data block: the bytes that the set gives land on them, whatever
-// GetData answers. Always S_OK; a null set changes nothing.
-template <typename Block>
-HRESULT TakeBlock(IUnknown* propertySet, Guarded<Block>& fields) noexcept
-{
-    if (propertySet) {
-        // Read outside the lock: GetData is the host's code.
-        Block block = fields.Get();
-        ReadBlock(*static_cast<IDataPropertySet*>(propertySet), block);
-        fields.Set(block);
-    }
-    return S_OK;
-}
 
 } // namespace vixa
