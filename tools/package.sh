@@ -16,7 +16,7 @@ out="$BUILD/package"
 name="VixaVideoFX-$version"
 stage="$out/$name"
 rm -rf "$out"
-mkdir -p "$stage"/{include/vixavideofx,lib,docs}
+mkdir -p "$stage"/{include/vixavideofx,lib,docs,examples}
 
 # The library and its language files stand side by side: that is where the library looks for them.
 bin="$BUILD/win32/bin"
@@ -25,6 +25,7 @@ for file in VixaVideoFX.dll vixahost.exe; do
 done
 cp "$bin"/VixaVideoFX_*.nls "$stage/"
 cp "$ROOT"/include/vixavideofx/*.h "$stage/include/vixavideofx/"
+cp "$ROOT"/examples/host.* "$stage/examples/"
 i686-w64-mingw32-objcopy --enable-deterministic-archives \
     "$(find "$BUILD/win32/module" -name 'libVixaVideoFX.dll.a')" "$stage/lib/libVixaVideoFX.dll.a"
 cp "$ROOT"/README.md "$stage/"
@@ -48,6 +49,12 @@ mapfile -t folders < <(cd "$stage" && find . -mindepth 1 -type d | sort)
     done
     printf '!macroend\n!macro DeleteFiles\n'
     (cd "$stage" && find . -type f | sort | sed 's|^\./|    Delete "$INSTDIR\\|; s|$|"|' | tr / '\\')
+    printf '!macroend\n!macro DeleteOwnFiles\n'
+    # The check sum of gzip's trailer, as the signed number that the script compares.
+    (cd "$stage" && find . -type f | sort | while read -r file; do
+        printf '    !insertmacro DeleteOwnFile "%s" %s %s\n' "$(printf '%s' "${file#./}" | tr / '\\')" \
+            "$(stat -c %s "$file")" "$(gzip -1 -c "$file" | tail -c 8 | od -A n -t d4 -N 4 | tr -d ' ')"
+    done)
     printf '!macroend\n!macro RemoveFolders\n'
     (cd "$stage" && find . -mindepth 1 -type d | sort -r | sed 's|^\./|    RMDir "$INSTDIR\\|; s|$|"|' | tr / '\\')
     printf '!macroend\n'

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs, uses, upgrades and uninstalls silently in a fresh Wine prefix, and compares its registry and files with what they
 # were before: nothing may differ but the host's two category keys, which stay behind empty, and what Wine itself writes at
-# every start. Leaves the states and their differences in build/package/check.
+# every start. On the way, an upgrade that fails must change nothing, and no file of the user's may be lost. Leaves the states and their differences in build/package/check.
 . "$(dirname "${BASH_SOURCE[0]}")/../../tools/common.sh"
 
 if [ -z "${VIXA_WINEPREFIX:-}" ]; then
@@ -50,11 +50,14 @@ code() {
     printf '%s' "$status"
 }
 
-# differences NAME: what a state has or lacks that the one before had or lacked not.
+# differences NAME [EARLIER]: what a state has or lacks that an earlier one, the first if none is named, had or lacked not.
 differences() {
-    diff "$check/before.files" "$check/$1.files" | grep '^[<>]' || true
-    diff "$check/before.registry" "$check/$1.registry" | grep '^[<>]' || true
+    diff "$check/${2:-before}.files" "$check/$1.files" | grep '^[<>]' || true
+    diff "$check/${2:-before}.registry" "$check/$1.registry" | grep '^[<>]' || true
 }
+
+# unpacked: how the installed files differ from the packed ones.
+unpacked() { (cd "$installed" && diff -r "$stage" . | grep -v '^Only in .: Uninstall.exe$' || true); }
 
 # What a removal may leave: the categories are the hosts'.
 categories='> system.reg [Software\\Vixa\\Vixa 12\\Editor\\Effects7]
@@ -74,15 +77,42 @@ expect "exit code, folder that the system cannot load from" 2 "$(code wine "$ins
 state unloadable
 expect "differences after that" "$categories" "$(differences unloadable)"
 
+# Nobody's folder becomes ours because it was chosen.
+mine="$prefix/drive_c/Mine"
+mkdir -p "$mine/docs"
+printf 'mine\n' | tee "$mine/README.md" >"$mine/docs/notes.md"
+state chosen
+expect "exit code, folder with files of somebody else" 6 "$(code wine "$installer" /S '/D=C:\Mine')"
+state foreign
+expect "differences after that" "" "$(differences foreign chosen)"
+rm -r "$mine"
+
 for round in first repeated; do
     expect "exit code, $round installation" 0 "$(code wine "$installer" /S)"
     settle
-    expect "files not as packed, $round installation" "" \
-        "$(diff -r "$stage" "$installed" | grep -v '^Only in .*: Uninstall.exe$' || true)"
+    expect "files not as packed, $round installation" "" "$(unpacked)"
 done
 state installed
 expect "effects registered" 13 "$(grep -c 'Editor\\\\Effects\] "{' "$check/installed.registry")"
 expect "exit code, checking the library in the installed folder" 0 "$(cd "$installed" && code wine vixahost.exe validate)"
+
+# A version that cannot be registered, in the same folder and in another, leaves the installed one as it was.
+sed "s|File \"$stage/VixaVideoFX.dll\"|File \"/oname=VixaVideoFX.dll\" \"$stage/README.md\"|" "$BUILD/package/files.nsh" \
+    >"$check/broken.nsh"
+makensis -V1 -DVERSION=9.9.9 "-DFILES=$check/broken.nsh" "-DOUT_FILE=$check/broken-setup.exe" -DSIZE_KB=1 \
+    "$ROOT/installer/VixaVideoFX.nsi"
+for folder in 'C:\Program Files\VixaVideoFX' 'C:\Other'; do
+    expect "exit code, failing upgrade to $folder" 2 "$(code wine "$check/broken-setup.exe" /S "/D=$folder")"
+    state upgraded
+    expect "differences after that" "" "$(differences upgraded installed)"
+done
+
+# What the user has put into the folder or changed in it stays.
+printf 'mine\n' | tee "$installed/README.md" >"$installed/docs/mine.txt"
+expect "exit code, installation over changed files" 0 "$(code wine "$installer" /S)"
+settle
+expect "beside what was packed after that" "Only in .: README.md.kept Only in ./docs: mine.txt" "$(unpacked | xargs)"
+rm "$installed/README.md.kept" "$installed/docs/mine.txt"
 
 # While somebody reads the library nothing is touched.
 printf '@ping -n 9 127.0.0.1 <"C:\\Program Files\\VixaVideoFX\\VixaVideoFX.dll" >nul\r\n' >"$prefix/drive_c/read.cmd"
@@ -94,12 +124,14 @@ code wine "$installed/Uninstall.exe" /S >/dev/null
 wait $!
 settle
 rm "$prefix/drive_c/read.cmd"
-expect "files not as packed after that" "" "$(diff -r "$stage" "$installed" | grep -v '^Only in .*: Uninstall.exe$' || true)"
+expect "files not as packed after that" "" "$(unpacked)"
 
 touch "$installed/of somebody else.txt"
+printf 'mine\n' >"$installed/docs/installation.md"
 expect "exit code, uninstallation" 0 "$(code wine "$installed/Uninstall.exe" /S)"
 settle
-expect "left in the folder" "of somebody else.txt" "$(ls "$installed")"
+expect "left in the folder" "./docs/installation.md ./of somebody else.txt" \
+    "$(cd "$installed" && find . -type f | sort | xargs -d '\n')"
 rm -r "$installed"
 wine wineboot --restart
 state after
