@@ -1,4 +1,6 @@
-// Class identifiers of the thirteen effects. Hand one to the library's DllGetClassObject with IID_IClassFactory.
+// Class identifiers of the thirteen effects. Hand one to the library's DllGetClassObject with IID_IClassFactory, or to
+// CoGetClassObject where the library is registered. A filter of one of the eight convolution effects answers
+// IPersist::GetClassID with CLSID_AddPixel: its block alone tells which of them it is.
 #pragma once
 
 #include <vixavideofx/Compiler.h>

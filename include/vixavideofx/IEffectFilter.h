@@ -12,9 +12,11 @@ VIXA_INTERFACE_ID(IEffectFilter, "A67B871C-0AD5-4088-8975-DC797B6B42D8", 0xA67B8
 // Reached with QueryInterface on the filter. Both operations may be called from any thread, also while the graph runs.
 struct IEffectFilter : IUnknown
 {
-    // Copies the parameters out of the host's property set; the next frame uses them. A frame sees the parameters of
-    // one call, never a mixture. No reference is kept. Every effect here takes an IDataPropertySet. S_OK also for a
-    // null property set (nothing changes) and whatever the set's GetData answers.
+    // Copies the parameters out of the host's property set; the next frame uses them. No frame sees half of a change.
+    // Every effect here takes an IDataPropertySet; it is not asked, so hand over no other object. No reference is kept.
+    // S_OK also for a null property set (nothing changes) and whatever the set's GetData answers: bytes that a short or
+    // failing GetData doesn't write keep their values (a convolution that gets none keeps its kernel, without its
+    // divisor and offset).
     virtual HRESULT STDMETHODCALLTYPE SetPropertySet(IUnknown* propertySet) = 0;
 
     // Stores the effect's total length, in units of 100 ns; any value is taken. S_OK.

@@ -16,11 +16,15 @@ VIXA_INTERFACE_ID(IEffectInfo, "194ADE67-AFBF-4A1F-9978-48B05CEFB083", 0x194ADE6
 // as the first call said; picture sizes count bytes, and are read as the buffer's capacity.
 //
 // Threads: any, but texts and languages from one thread at a time (the language is the whole library's), and panels
-// from the thread that shows them. The numbers that are called the host's own are passed on as listed; the library
-// gives them no meaning.
+// from the thread that shows them. Apartments: the classes are registered as "Both", so an object belongs to the
+// apartment that made it. This interface and IEffectFilter have no marshaler and do not cross apartments:
+// CoMarshalInterface refuses them with E_NOINTERFACE. Within the rules above a thread may use the plain pointer.
+//
+// The numbers that are called the host's own are passed on as listed; the library gives them no meaning.
 //
 // Every operation answers S_OK, or E_INVALIDARG for a null pointer that it needs (ShowSettingsDialog: E_FAIL), or
-// E_FAIL for what the effect does not have. E_OUTOFMEMORY is possible where texts and windows are made.
+// E_FAIL for what the effect does not have. E_OUTOFMEMORY is possible where texts and windows are made. QueryInterface
+// answers E_POINTER without a place for the object.
 struct IEffectInfo : IUnknown
 {
     // A number of the host's own; 0 for every effect.
@@ -36,9 +40,9 @@ struct IEffectInfo : IUnknown
     // A number of the host's own; 0 for every effect.
     virtual HRESULT STDMETHODCALLTYPE GetSubtypeCode(ULONG* code) = 0;
 
-    // Switches the whole library, panels opened from now on included, to a Windows language identifier, and gives the
-    // effect's name in it. A language without a file speaks English. `buffer` or `length` may be null; when both are,
-    // nothing is switched. A name that the language lacks is empty: S_OK with a length of 1.
+    // Switches the whole library, panels opened from now on included, to the low 16 bits of a Windows language
+    // identifier, and gives the effect's name in it. A language without a file speaks English. `buffer` or `length` may
+    // be null; when both are, nothing is switched. A name that the language lacks is empty: S_OK with a length of 1.
     virtual HRESULT STDMETHODCALLTYPE GetEffectName(ULONG language, WCHAR* buffer, ULONG* length) = 0;
 
     // The effect's icon, 36 x 34 pixels of 24 bits, as a packed bottom-up DIB of 3712 bytes. Without a buffer `*size`
@@ -57,20 +61,24 @@ struct IEffectInfo : IUnknown
     // Data blocks have none: S_OK and null.
     virtual HRESULT STDMETHODCALLTYPE GetPropertySetInfo(IUnknown** info) = 0;
 
-    // Writes the effect's defaults into the host's property set (an IDataPropertySet) with one SetData, and puts the
-    // controls of an open panel back. The set's own answer is not passed on.
+    // Writes the effect's defaults into the host's property set (an IDataPropertySet) with one SetData; what that
+    // answers is not passed on. The host then hands the set to its filter, and calls ShowSettingsDialog again if a
+    // panel is open: until then the panel's controls are only in part where the defaults are ("Multiply pixel" goes to
+    // 0 while the block holds 100, "Filter color" keeps its slider, "Shift edges" its boxes). The panel sends no
+    // message.
     virtual HRESULT STDMETHODCALLTYPE SetDefaults(IUnknown* propertySet) = 0;
 
     // Opens the effect's settings panel as a hidden child window of `parent`, or takes the one that is open already,
-    // and shows the property set's block in it; `*window` receives the panel. Every change is written to the set at
-    // once, and `parent` is sent `notifyMessage` with both parameters 0 (a reused panel keeps its first message and
-    // parent). Neither the set nor the parent is owned: the set must outlive the panel or be replaced by another call.
-    // The panel goes with its parent and may be destroyed before; released before its panel, this object leaves it
-    // behind without function.
+    // and shows the property set's block in it; `*window` receives the panel, or null with E_FAIL when there can't be
+    // one. An effect without settings has an empty panel. Every change (a drag when it ends) is written to the set, and
+    // `parent` is sent `notifyMessage` with both parameters 0 (a reused panel keeps its first message and parent).
+    // Neither the set nor the parent is owned: the set must outlive the panel or be replaced by another call. The panel
+    // goes with its parent and may be destroyed before; released before its panel, this object leaves it behind without
+    // function.
     virtual HRESULT STDMETHODCALLTYPE ShowSettingsDialog(ULONG ignored, HWND parent, UINT notifyMessage,
                                                          IUnknown* propertySet, HWND* window) = 0;
 
-    // Effects of a group are listed by rising key.
+    // A number of the host's own, by which it may order the effects of a group; effects may share one.
     virtual HRESULT STDMETHODCALLTYPE GetSortKey(ULONG* key) = 0;
 
     // 1.

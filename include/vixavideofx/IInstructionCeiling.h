@@ -23,6 +23,7 @@ struct IInstructionCeiling : IUnknown
     // Uses no more than `level` from the next frame on. E_INVALIDARG above Avx512.
     virtual HRESULT STDMETHODCALLTYPE SetCeiling(ULONG level) = 0;
 
-    // The level that frames run at now: the ceiling, or what the machine has if that is less. E_POINTER.
+    // The level that frames run at now: the ceiling, or what the machine has if that is less. E_POINTER without
+    // `level`.
     virtual HRESULT STDMETHODCALLTYPE GetLevel(ULONG* level) = 0;
 };

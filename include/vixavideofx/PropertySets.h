@@ -1,5 +1,7 @@
 // Property sets: objects that the host implements and owns, and that hold an effect's parameters. The library calls
-// them through the pointer it is given and never asks for them with QueryInterface.
+// them through the pointer it is given and never asks for them with QueryInterface, so they need no identifier. It
+// calls on the thread on which the host called it, and panels on the thread that runs their window. It keeps no
+// reference; an open panel keeps the pointer.
 #pragma once
 
 #include <unknwn.h>
@@ -7,11 +9,12 @@
 // A block of bytes whose layout belongs to the effect (DataBlocks.h). The set copies it and never looks into it.
 struct IDataPropertySet : IUnknown
 {
-    // Copies the whole stored block to `buffer` and its length in bytes to `*size`. The caller provides the room that
-    // its effect's block needs; `*size` is not read. A failure code when there is nothing to copy.
+    // Copies the whole stored block to `buffer` and its length in bytes to `*size`, which is not read. A failure code
+    // when there is nothing to copy. This library gives 64 KiB of room, of which it takes what its effect's block
+    // needs.
     virtual HRESULT STDMETHODCALLTYPE GetData(void* buffer, int* size) = 0;
 
-    // Replaces the stored block by `size` bytes from `data`.
+    // Replaces the stored block by `size` bytes from `data`. What it answers is not looked at.
     virtual HRESULT STDMETHODCALLTYPE SetData(const void* data, int size) = 0;
 };
 

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs, uses, upgrades and uninstalls silently in a fresh Wine prefix, and compares its registry and files with what they
 # were before: nothing may differ but the host's two category keys, which stay behind empty, and what Wine itself writes at
-# every start. On the way, an upgrade that fails must change nothing, and no file of the user's may be lost. Leaves the states and their differences in build/package/check.
+# every start. On the way, an upgrade that fails must change nothing, and no file of the user's may be lost. Leaves the states
+# and their differences in build/package/check.
 . "$(dirname "${BASH_SOURCE[0]}")/../../tools/common.sh"
 
 if [ -z "${VIXA_WINEPREFIX:-}" ]; then
