@@ -1,8 +1,8 @@
 // vixahost: a small host of the effect library. Exit status: 0 done, 1 the job failed, 2 the words were wrong.
-#include "host/Commands.h"
-#include "host/HostError.h"
-#include "host/Interrupt.h"
-#include "host/Text.h"
+#include "host/base/HostError.h"
+#include "host/base/Interrupt.h"
+#include "host/base/Text.h"
+#include "host/commands/Commands.h"
 
 #include <objbase.h>
 
@@ -10,24 +10,24 @@
 
 namespace {
 
-using namespace vixa::host;
+using namespace vixahost;
 
 struct Runner
 {
-    void operator()(const ShowCommand&) const { ShowAllEffects(); }
-    void operator()(const EffectsCommand&) const { ListEffects(); }
-    void operator()(const ApplyCommand& command) const { Apply(command); }
-    void operator()(const BrowseCommand& command) const
+    void operator()(const commands::ShowCommand&) const { commands::ShowAllEffects(); }
+    void operator()(const commands::EffectsCommand&) const { commands::ListEffects(); }
+    void operator()(const commands::ApplyCommand& command) const { commands::Apply(command); }
+    void operator()(const commands::BrowseCommand& command) const
     {
-        Effects(); // read in English now, so that it doesn't happen under a window in another language
-        Browse(command);
+        effects::Effects(); // read in English now, so that it doesn't happen under a window in another language
+        commands::Browse(command);
     }
-    void operator()(const ListCommand& command) const { ListCatalogue(command); }
-    void operator()(const IconCommand& command) const { WriteIcons(command); }
-    void operator()(const PanelCommand& command) const { PicturePanel(command); }
-    void operator()(const ValidateCommand& command) const { ValidateLibrary(command); }
-    void operator()(const ChildCommand& command) const { RunChecksAsChild(command); }
-    void operator()(const TextCommand& command) const { Say(command.text); }
+    void operator()(const commands::ListCommand& command) const { commands::ListCatalogue(command); }
+    void operator()(const commands::IconCommand& command) const { commands::WriteIcons(command); }
+    void operator()(const commands::PanelCommand& command) const { commands::PicturePanel(command); }
+    void operator()(const commands::ValidateCommand& command) const { commands::ValidateLibrary(command); }
+    void operator()(const commands::ChildCommand& command) const { commands::RunChecksAsChild(command); }
+    void operator()(const commands::TextCommand& command) const { Say(command.text); }
 };
 
 int Complaint(int status, const std::string& message)
@@ -47,7 +47,7 @@ int wmain(int count, wchar_t** words)
         std::vector<std::string> utf8;
         for (int i = 1; i < count; ++i)
             utf8.push_back(Utf8(words[i]));
-        std::visit(Runner(), ParseCommandLine(utf8));
+        std::visit(Runner(), commands::ParseCommandLine(utf8));
     } catch (const HostError& fault) {
         status = Complaint(fault.Status(), fault.what());
     } catch (const std::bad_alloc&) {

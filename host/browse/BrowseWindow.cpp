@@ -1,16 +1,16 @@
 #include "host/browse/BrowseWindow.h"
 
-#include "host/HostError.h"
-#include "host/PictureFile.h"
-#include "host/Text.h"
+#include "host/base/HostError.h"
+#include "host/base/Text.h"
 #include "host/browse/FileDialogs.h"
 #include "host/browse/Ids.h"
 #include "host/browse/SaveDialog.h"
+#include "host/media/PictureFile.h"
 
 #include <algorithm>
 #include <cstdio>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 namespace {
 
@@ -72,7 +72,7 @@ void BrowseWindow::OnCreate()
 {
     tree = std::make_unique<EffectTree>(hwnd, IDC_TREE, *style);
     tree->onChosen = [this](std::size_t index) {
-        const CatalogueEntry& entry = session->Catalogue().at(index);
+        const effects::CatalogueEntry& entry = session->Catalogue().at(index);
         ChangeStack([&](StackModel& stack) { stack.Choose(entry.classId, entry.defaults); });
     };
     stackLabel = CreateControl(WC_STATICW, L"Stack: the effects in order", WS_VISIBLE, hwnd, 0, *style);
@@ -103,7 +103,7 @@ void BrowseWindow::OnCreate()
 
 void BrowseWindow::FillLanguages()
 {
-    languages = FindLanguages(session->LibraryFile());
+    languages = effects::FindLanguages(session->LibraryFile());
     const HMENU menu = GetSubMenu(GetMenu(hwnd), 4);
     DeleteMenu(menu, 0, MF_BYPOSITION);
     for (std::size_t i = 0; i < languages.size(); ++i)
@@ -179,7 +179,7 @@ void BrowseWindow::ChangeStack(Function change)
 void BrowseWindow::OnCommand(int command)
 {
     const std::size_t selected = session->Stack().Selected();
-    const StackItem* const current = session->Stack().Current();
+    const effects::StackItem* const current = session->Stack().Current();
     const bool clip = session->Open().IsClip();
     if (command >= IDM_LANGUAGE && command < IDM_LANGUAGE + static_cast<int>(languages.size())) {
         SetLanguage(languages[static_cast<std::size_t>(command - IDM_LANGUAGE)].id);
@@ -202,8 +202,8 @@ void BrowseWindow::OnCommand(int command)
     case IDM_REDO:
         return ChangeStack([](StackModel& stack) { stack.Redo(); });
     case IDM_ADD: {
-        const CatalogueEntry* const entry =
-            current ? FindEntry(session->Catalogue(), current->classId) : &session->Catalogue().front();
+        const effects::CatalogueEntry* const entry =
+            current ? effects::FindEntry(session->Catalogue(), current->classId) : &session->Catalogue().front();
         return ChangeStack([&](StackModel& stack) { stack.Add(entry->classId, entry->defaults); });
     }
     case IDM_REMOVE:
@@ -293,9 +293,9 @@ void BrowseWindow::ShowStack()
 {
     const StackModel& stack = session->Stack();
     list->Show(stack.Items(), stack.Selected(), session->Catalogue());
-    const StackItem* const current = stack.Current();
+    const effects::StackItem* const current = stack.Current();
     if (current) {
-        const CatalogueEntry* const entry = FindEntry(session->Catalogue(), current->classId);
+        const effects::CatalogueEntry* const entry = effects::FindEntry(session->Catalogue(), current->classId);
         tree->Select(static_cast<std::size_t>(entry - session->Catalogue().data()));
     }
     EnableWindow(stackButtons[1], current != nullptr);
@@ -306,14 +306,14 @@ void BrowseWindow::ShowStack()
 
 void BrowseWindow::ShowPanel()
 {
-    const StackItem* const current = session->Stack().Current();
+    const effects::StackItem* const current = session->Stack().Current();
     if (!current) {
         panel->Close();
         SetWindowTextW(panelLabel, L"The stack is empty: choose an effect.");
         ShowWindow(emptyPanel, SW_HIDE);
         return;
     }
-    const CatalogueEntry& entry = *FindEntry(session->Catalogue(), current->classId);
+    const effects::CatalogueEntry& entry = *effects::FindEntry(session->Catalogue(), current->classId);
     panel->Open(entry, current->block);
     SetWindowTextW(panelLabel, (L"Settings: " + entry.name).c_str());
     const bool empty = panel->IsEmpty();
@@ -350,7 +350,7 @@ void BrowseWindow::ShowPosition()
 void BrowseWindow::ShowStatus()
 {
     const Medium& medium = session->Open();
-    const FrameFormat& format = medium.Format();
+    const media::FrameFormat& format = medium.Format();
     std::wstring text = std::to_wstring(format.width) + L" x " + std::to_wstring(format.height) + L" pixels";
     if (medium.IsClip()) {
         char clip[64] = {};
@@ -369,7 +369,7 @@ void BrowseWindow::UpdateMenu()
 {
     const HMENU menu = GetMenu(hwnd);
     const StackModel& stack = session->Stack();
-    const StackItem* const current = stack.Current();
+    const effects::StackItem* const current = stack.Current();
     const auto enable = [&](UINT command, bool enabled) {
         EnableMenuItem(menu, command, MF_BYCOMMAND | (enabled ? MF_ENABLED : MF_GRAYED));
     };
@@ -471,7 +471,7 @@ void BrowseWindow::Open(const std::filesystem::path& file)
 
 void BrowseWindow::LoadStack(const std::filesystem::path& file)
 {
-    std::vector<StackItem> items = LoadStackFile(file, session->Catalogue());
+    std::vector<effects::StackItem> items = effects::LoadStackFile(file, session->Catalogue());
     ChangeStack([&](StackModel& stack) { stack.Replace(std::move(items)); });
 }
 
@@ -484,7 +484,7 @@ void BrowseWindow::Save(const std::filesystem::path& file)
         order.source = medium.File();
     else
         order.still = medium.Still();
-    order.stack = StackToRun(session->Stack().Items(), session->Catalogue());
+    order.stack = effects::StackToRun(session->Stack().Items(), session->Catalogue());
     order.target = file;
     const bool done = SaveDialog::Run(hwnd, *style, std::move(order));
     const std::wstring text = done ? L"Saved as " + file.native() : L"Saving was cancelled; nothing was written.";
@@ -522,7 +522,7 @@ void BrowseWindow::AskLoadStack()
 void BrowseWindow::AskSaveStack()
 {
     if (const auto file = AskForFile(hwnd, FilePurpose::SaveStack))
-        SaveStackFile(*file, session->Stack().Items(), session->Catalogue());
+        effects::SaveStackFile(*file, session->Stack().Items(), session->Catalogue());
 }
 
 void BrowseWindow::OnDrop(HDROP drop)
@@ -548,4 +548,4 @@ void BrowseWindow::About()
     MessageBoxW(hwnd, text.c_str(), L"About", MB_OK | MB_ICONINFORMATION);
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -13,7 +13,7 @@
 #include <atomic>
 #include <memory>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 // Made and used on one thread, in which COM must be running. Ends the thread's message loop when it is closed.
 class BrowseWindow : public Window
@@ -86,8 +86,8 @@ private:
     HWND stackLabel = nullptr, panelLabel = nullptr, emptyPanel = nullptr, seekBar = nullptr, timeText = nullptr,
          status = nullptr;
     std::vector<HWND> stackButtons, clipButtons;
-    std::vector<struct Language> languages;
+    std::vector<effects::Language> languages;
     HACCEL keys = nullptr;
 };
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 UniqueBitmap BitmapOf(std::span<const std::uint8_t> packedDib, int width, int height)
 {
@@ -30,13 +30,13 @@ UniqueBitmap BitmapOf(std::span<const std::uint8_t> packedDib, int width, int he
     return bitmap;
 }
 
-UniqueImageList MakeIcons(const std::vector<CatalogueEntry>& catalogue, int width, int height)
+UniqueImageList MakeIcons(const std::vector<effects::CatalogueEntry>& catalogue, int width, int height)
 {
     UniqueImageList list(ImageList_Create(width, height, ILC_COLOR32, static_cast<int>(catalogue.size()), 1));
-    for (const CatalogueEntry& entry : catalogue)
+    for (const effects::CatalogueEntry& entry : catalogue)
         if (ImageList_Add(list.get(), BitmapOf(entry.icon, width, height).get(), nullptr) < 0)
             ImageList_Add(list.get(), UniqueBitmap(CreateBitmap(width, height, 1, 32, nullptr)).get(), nullptr);
     return list;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -1,15 +1,15 @@
 // The effects' icons as the system's lists draw them.
 #pragma once
 
-#include "framework/Handles.h"
-#include "host/EffectCatalogue.h"
+#include "host/base/Handles.h"
+#include "host/effects/EffectCatalogue.h"
 
 #include <commctrl.h>
 
 #include <cstdint>
 #include <span>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 using UniqueImageList = UniqueHandle<HIMAGELIST, ImageList_Destroy>;
 
@@ -17,6 +17,6 @@ using UniqueImageList = UniqueHandle<HIMAGELIST, ImageList_Destroy>;
 UniqueBitmap BitmapOf(std::span<const std::uint8_t> packedDib, int width, int height);
 
 // One image per entry, in the catalogue's order.
-UniqueImageList MakeIcons(const std::vector<CatalogueEntry>& catalogue, int width, int height);
+UniqueImageList MakeIcons(const std::vector<effects::CatalogueEntry>& catalogue, int width, int height);
 
-} // namespace vixa::host
+} // namespace vixahost::browse

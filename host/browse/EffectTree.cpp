@@ -1,6 +1,6 @@
 #include "host/browse/EffectTree.h"
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 namespace {
 constexpr LPARAM groupItem = -1;
@@ -14,7 +14,7 @@ EffectTree::EffectTree(HWND parent, int id, const Style& look) : style(look)
                          parent, id, look, WS_EX_CLIENTEDGE);
 }
 
-void EffectTree::Fill(const std::vector<CatalogueEntry>& catalogue)
+void EffectTree::Fill(const std::vector<effects::CatalogueEntry>& catalogue)
 {
     filling = true;
     TreeView_DeleteAllItems(tree);
@@ -24,7 +24,7 @@ void EffectTree::Fill(const std::vector<CatalogueEntry>& catalogue)
     items.clear();
     HTREEITEM group = nullptr;
     for (std::size_t i = 0; i < catalogue.size(); ++i) {
-        const CatalogueEntry& entry = catalogue[i];
+        const effects::CatalogueEntry& entry = catalogue[i];
         TVINSERTSTRUCTW insert = {};
         insert.hInsertAfter = TVI_LAST;
         insert.item.mask = TVIF_TEXT | TVIF_PARAM | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_STATE;
@@ -72,4 +72,4 @@ LRESULT EffectTree::OnNotify(const NMHDR& header)
     return 0;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

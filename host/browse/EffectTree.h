@@ -6,7 +6,7 @@
 
 #include <functional>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 // Wraps the system's tree control. The frame hands on the control's notifications.
 class EffectTree
@@ -16,7 +16,7 @@ public:
 
     HWND Handle() const noexcept { return tree; }
     // Fills the tree anew; nothing is selected then.
-    void Fill(const std::vector<CatalogueEntry>& catalogue);
+    void Fill(const std::vector<effects::CatalogueEntry>& catalogue);
     // Scrolls to the beginning; for a tree that was filled before it had its size.
     void ShowFirst();
     // Without a call to onChosen.
@@ -34,4 +34,4 @@ private:
     bool filling = false;
 };
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -1,12 +1,12 @@
 #include "host/browse/FileDialogs.h"
 
-#include "host/HostError.h"
+#include "host/base/HostError.h"
 
 #include <commdlg.h>
 
 #include <array>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 namespace {
 
@@ -60,4 +60,4 @@ std::optional<std::filesystem::path> AskForFile(HWND owner, FilePurpose purpose)
     return std::nullopt;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <optional>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 enum class FilePurpose
 {
@@ -20,4 +20,4 @@ enum class FilePurpose
 // None when the user has cancelled.
 std::optional<std::filesystem::path> AskForFile(HWND owner, FilePurpose purpose);
 
-} // namespace vixa::host
+} // namespace vixahost::browse

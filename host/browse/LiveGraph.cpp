@@ -1,18 +1,18 @@
 #include "host/browse/LiveGraph.h"
 
-#include "host/DataPropertySet.h"
-#include "host/HostError.h"
+#include "host/base/HostError.h"
+#include "host/effects/DataPropertySet.h"
 
 #include <vixavideofx/IEffectFilter.h>
 
 #include <cstring>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 // What the owner's thread and the graph's streaming thread share.
 struct LiveGraph::Exchange
 {
-    FrameFormat format;
+    media::FrameFormat format;
     std::function<void()> onResult;
 
     mutable std::mutex lock;
@@ -35,11 +35,11 @@ struct LiveGraph::Exchange
     }
 };
 
-class LiveGraph::Reader : public FrameReader
+class LiveGraph::Reader : public media::FrameReader
 {
 public:
     explicit Reader(Exchange& shared) : exchange(shared) {}
-    FrameFormat Format() const override { return exchange.format; }
+    media::FrameFormat Format() const override { return exchange.format; }
     bool Read(std::span<std::uint8_t> frame) override
     {
         SharedFrame next;
@@ -59,7 +59,7 @@ private:
     Exchange& exchange;
 };
 
-class LiveGraph::Writer : public FrameWriter
+class LiveGraph::Writer : public media::FrameWriter
 {
 public:
     explicit Writer(Exchange& shared) : exchange(shared) {}
@@ -85,15 +85,15 @@ private:
     Exchange& exchange;
 };
 
-LiveGraph::LiveGraph(const EffectLibrary& library, const FrameFormat& format, const EffectStack& stack,
-                     REFERENCE_TIME duration, std::function<void()> onResult)
+LiveGraph::LiveGraph(const effects::EffectLibrary& library, const media::FrameFormat& format,
+                     const effects::EffectStack& stack, REFERENCE_TIME duration, std::function<void()> onResult)
     : exchange(std::make_shared<Exchange>())
 {
     exchange->format = format;
     exchange->onResult = std::move(onResult);
     reader = std::make_unique<Reader>(*exchange);
     writer = std::make_unique<Writer>(*exchange);
-    graph = std::make_unique<EffectGraph>(library, stack, *reader, *writer, duration);
+    graph = std::make_unique<graph::EffectGraph>(library, stack, *reader, *writer, duration);
     graph->Start();
 }
 
@@ -107,7 +107,7 @@ void LiveGraph::SetBlock(std::size_t step, std::span<const std::int32_t> block)
     ComPtr<IEffectFilter> effect;
     HRESULT result = graph->Filter(step)->QueryInterface(IID_IEffectFilter, &effect);
     if (SUCCEEDED(result))
-        result = effect->SetPropertySet(DataPropertySet::Create(block).Get());
+        result = effect->SetPropertySet(effects::DataPropertySet::Create(block).Get());
     if (FAILED(result))
         throw FailedJob("An effect refused its parameters.");
 }
@@ -146,4 +146,4 @@ double LiveGraph::EndAndMedian()
     return graph->MedianMilliseconds();
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -1,8 +1,8 @@
 // A filter graph that stays running: frames are pushed in, parameters change under way, results come out.
 #pragma once
 
-#include "host/EffectGraph.h"
-#include "host/Frames.h"
+#include "host/graph/EffectGraph.h"
+#include "host/media/Frames.h"
 
 #include <condition_variable>
 #include <functional>
@@ -10,7 +10,7 @@
 #include <mutex>
 #include <vector>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 using FrameBytes = std::vector<std::uint8_t>;
 using SharedFrame = std::shared_ptr<const FrameBytes>;
@@ -27,8 +27,8 @@ class LiveGraph
 {
 public:
     // `onResult` is called on the graph's thread after each frame and must not wait for the owner's thread.
-    LiveGraph(const EffectLibrary& library, const FrameFormat& format, const EffectStack& stack,
-              REFERENCE_TIME duration, std::function<void()> onResult);
+    LiveGraph(const effects::EffectLibrary& library, const media::FrameFormat& format,
+              const effects::EffectStack& stack, REFERENCE_TIME duration, std::function<void()> onResult);
     ~LiveGraph();
     LiveGraph(const LiveGraph&) = delete;
     LiveGraph& operator=(const LiveGraph&) = delete;
@@ -56,7 +56,7 @@ private:
     std::shared_ptr<Exchange> exchange;
     std::unique_ptr<Reader> reader;
     std::unique_ptr<Writer> writer;
-    std::unique_ptr<EffectGraph> graph;
+    std::unique_ptr<graph::EffectGraph> graph;
 };
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -1,15 +1,15 @@
 #include "host/browse/Medium.h"
 
-#include "host/AviHeader.h"
-#include "host/HostError.h"
-#include "host/PictureFile.h"
-#include "host/PictureFrames.h"
-#include "host/Text.h"
+#include "host/base/HostError.h"
+#include "host/base/Text.h"
+#include "host/media/AviHeader.h"
+#include "host/media/PictureFile.h"
+#include "host/media/PictureFrames.h"
 
 #include <algorithm>
 #include <cstdio>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 Medium::Medium(const std::filesystem::path& file) : path(file), name(Show(file.filename()))
 {
@@ -18,26 +18,26 @@ Medium::Medium(const std::filesystem::path& file) : path(file), name(Show(file.f
         throw FailedJob("There is no file " + Show(file) + "; check its name and folder.");
     if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
         throw FailedJob(Show(file) + " is a folder; choose a picture or a clip in it.");
-    if (IsAvi(file)) {
-        clip = std::make_unique<ClipReader>(file);
+    if (media::IsAvi(file)) {
+        clip = std::make_unique<media::ClipReader>(file);
         format = clip->Format();
         count = clip->FrameCount();
         if (count < 1)
             throw FailedJob(Show(file) + " has no frames; choose another clip.");
         return;
     }
-    picture = ReadPicture(file);
+    picture = media::ReadPicture(file);
     TakePicture();
 }
 
-Medium::Medium(const Picture& source, std::string title) : name(std::move(title)), picture(source)
+Medium::Medium(const media::Picture& source, std::string title) : name(std::move(title)), picture(source)
 {
     TakePicture();
 }
 
 void Medium::TakePicture()
 {
-    PictureReader reader(picture);
+    media::PictureReader reader(picture);
     format = reader.Format();
     auto bytes = std::make_shared<FrameBytes>(format.FrameBytes());
     reader.Read(*bytes);
@@ -83,7 +83,7 @@ std::int64_t Player::Advance(std::uint64_t now) noexcept
     return position;
 }
 
-std::string TimeText(const FrameFormat& format, std::int64_t position, std::int64_t count)
+std::string TimeText(const media::FrameFormat& format, std::int64_t position, std::int64_t count)
 {
     const auto show = [&](std::int64_t frame) {
         const std::int64_t hundredths = format.TimeOf(frame) / 100'000;
@@ -95,4 +95,4 @@ std::string TimeText(const FrameFormat& format, std::int64_t position, std::int6
     return show(position) + " / " + show(count);
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -1,14 +1,14 @@
 // What the browser has open: a picture or a clip.
 #pragma once
 
-#include "host/ClipReader.h"
-#include "host/Picture.h"
 #include "host/browse/LiveGraph.h"
+#include "host/media/ClipReader.h"
+#include "host/media/Picture.h"
 
 #include <filesystem>
 #include <memory>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 class Medium
 {
@@ -16,12 +16,12 @@ public:
     // Opens a picture or an AVI clip. Throws HostError. One thread, in which COM must be running.
     explicit Medium(const std::filesystem::path& file);
     // A picture without a file.
-    Medium(const Picture& picture, std::string name);
+    Medium(const media::Picture& picture, std::string name);
 
     bool IsClip() const noexcept { return clip != nullptr; }
     const std::filesystem::path& File() const noexcept { return path; } // empty for a picture without a file
-    const Picture& Still() const noexcept { return picture; }           // empty for a clip
-    const FrameFormat& Format() const noexcept { return format; }
+    const media::Picture& Still() const noexcept { return picture; }    // empty for a clip
+    const media::FrameFormat& Format() const noexcept { return format; }
     std::int64_t FrameCount() const noexcept { return count; } // 1 for a picture
     REFERENCE_TIME Duration() const noexcept { return format.TimeOf(count); }
     // One line for the title: the file's name.
@@ -35,9 +35,9 @@ private:
 
     std::filesystem::path path;
     std::string name;
-    Picture picture;
-    std::unique_ptr<ClipReader> clip;
-    FrameFormat format;
+    media::Picture picture;
+    std::unique_ptr<media::ClipReader> clip;
+    media::FrameFormat format;
     std::int64_t count = 1;
     SharedFrame still;
 };
@@ -47,7 +47,7 @@ class Player
 {
 public:
     Player() = default;
-    Player(const FrameFormat& frames, std::int64_t frameCount) : format(frames), count(frameCount) {}
+    Player(const media::FrameFormat& frames, std::int64_t frameCount) : format(frames), count(frameCount) {}
 
     bool Playing() const noexcept { return playing; }
     std::int64_t Position() const noexcept { return position; }
@@ -62,7 +62,7 @@ public:
     std::int64_t Advance(std::uint64_t now) noexcept;
 
 private:
-    FrameFormat format;
+    media::FrameFormat format;
     std::int64_t count = 1;
     std::int64_t position = 0;
     bool playing = false;
@@ -71,6 +71,6 @@ private:
 };
 
 // "0:07.40 / 1:02.00".
-std::string TimeText(const FrameFormat& format, std::int64_t position, std::int64_t count);
+std::string TimeText(const media::FrameFormat& format, std::int64_t position, std::int64_t count);
 
-} // namespace vixa::host
+} // namespace vixahost::browse

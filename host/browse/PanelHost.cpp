@@ -1,9 +1,9 @@
 #include "host/browse/PanelHost.h"
 
-#include "host/HostError.h"
-#include "host/Text.h"
+#include "host/base/HostError.h"
+#include "host/base/Text.h"
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 namespace {
 constexpr UINT panelChanged = WM_APP + 1;
@@ -20,7 +20,7 @@ PanelHost::~PanelHost()
     Close();
 }
 
-void PanelHost::Open(const CatalogueEntry& entry, const std::vector<std::int32_t>& block)
+void PanelHost::Open(const effects::CatalogueEntry& entry, const std::vector<std::int32_t>& block)
 {
     if (panel && IsWindow(panel) && IsEqualGUID(classId, entry.classId)) {
         set->SetData(block.data(), static_cast<int>(block.size() * sizeof(std::int32_t)));
@@ -30,7 +30,7 @@ void PanelHost::Open(const CatalogueEntry& entry, const std::vector<std::int32_t
     Close();
     info = entry.info;
     classId = entry.classId;
-    set = DataPropertySet::Create(block);
+    set = effects::DataPropertySet::Create(block);
     Show();
 }
 
@@ -38,7 +38,7 @@ void PanelHost::Show()
 {
     const HRESULT result = info->ShowSettingsDialog(0, hwnd, panelChanged, set.Get(), &panel);
     if (FAILED(result))
-        throw FailedJob("The library can't open the effect's settings (" + vixa::host::Show(result) + ").");
+        throw FailedJob("The library can't open the effect's settings (" + vixahost::Show(result) + ").");
     // The keys that move between controls reach into the panel.
     SetWindowLongPtrW(panel, GWL_EXSTYLE, GetWindowLongPtrW(panel, GWL_EXSTYLE) | WS_EX_CONTROLPARENT);
     ShowWindow(panel, SW_SHOW);
@@ -82,4 +82,4 @@ LRESULT PanelHost::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
     return Window::OnMessage(message, wParam, lParam);
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -1,13 +1,13 @@
 // The place in the window where the library's settings panel of one effect lives.
 #pragma once
 
-#include "host/DataPropertySet.h"
-#include "host/EffectCatalogue.h"
 #include "host/browse/Window.h"
+#include "host/effects/DataPropertySet.h"
+#include "host/effects/EffectCatalogue.h"
 
 #include <functional>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 class PanelHost : public Window
 {
@@ -16,7 +16,7 @@ public:
     ~PanelHost() override;
 
     // Opens the effect's panel on a block, or loads the block into the panel that is open already. Throws FailedJob.
-    void Open(const CatalogueEntry& entry, const std::vector<std::int32_t>& block);
+    void Open(const effects::CatalogueEntry& entry, const std::vector<std::int32_t>& block);
     // Takes the panel away; the library then keeps nothing of the host's.
     void Close();
     // The defaults, as the library writes them into the open panel's set.
@@ -35,9 +35,9 @@ private:
     void Show();
 
     Microsoft::WRL::ComPtr<IEffectInfo> info;
-    Microsoft::WRL::ComPtr<DataPropertySet> set;
+    Microsoft::WRL::ComPtr<effects::DataPropertySet> set;
     GUID classId = {};
     HWND panel = nullptr;
 };
 
-} // namespace vixa::host
+} // namespace vixahost::browse

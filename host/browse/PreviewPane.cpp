@@ -1,13 +1,13 @@
 #include "host/browse/PreviewPane.h"
 
-#include "host/HostError.h"
+#include "host/base/HostError.h"
 
 #include <windowsx.h>
 
 #include <algorithm>
 #include <cwchar>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 PreviewPane::PreviewPane(HWND parent, int id, const Style& look) : style(look)
 {
@@ -16,7 +16,7 @@ PreviewPane::PreviewPane(HWND parent, int id, const Style& look) : style(look)
            reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), {10, 10});
 }
 
-void PreviewPane::Show(const FrameFormat& newFormat, const LiveResult& newResult)
+void PreviewPane::Show(const media::FrameFormat& newFormat, const LiveResult& newResult)
 {
     format = newFormat;
     result = newResult;
@@ -198,4 +198,4 @@ void PreviewPane::DrawLabel(const wchar_t* text, int x, int y, bool toTheLeft)
     SelectObject(dc, old);
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -1,12 +1,12 @@
 // The picture before and after the effects, with a divider between that the user moves.
 #pragma once
 
-#include "framework/Handles.h"
+#include "host/base/Handles.h"
 #include "host/browse/LiveGraph.h"
 #include "host/browse/Resample.h"
 #include "host/browse/Window.h"
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 // Left of the divider the picture as it was, right of it with the effects. Mouse: drag anywhere. Keys: left, right,
 // Home, End while it has the focus.
@@ -16,7 +16,7 @@ public:
     PreviewPane(HWND parent, int id, const Style& style);
 
     // Shows it at once.
-    void Show(const FrameFormat& format, const LiveResult& result);
+    void Show(const media::FrameFormat& format, const LiveResult& result);
     // 0: all after; 1: all before.
     void SetDivider(double position);
     double Divider() const noexcept { return divider; }
@@ -36,7 +36,7 @@ private:
     int DividerX(const Placement& place) const;
 
     const Style& style;
-    FrameFormat format;
+    media::FrameFormat format;
     LiveResult result;
     double divider = 0.5;
     bool enlarge = true;
@@ -46,4 +46,4 @@ private:
     PaneView buffer; // pixels are owned by the bitmap
 };
 
-} // namespace vixa::host
+} // namespace vixahost::browse

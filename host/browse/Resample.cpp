@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 namespace {
 
@@ -93,4 +93,4 @@ void DrawFrame(const FrameView& frame, const Placement& place, int begin, int en
     }
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

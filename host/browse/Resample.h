@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 // Where a picture of one size lies in a pane of another: whole, centred, in its own proportions.
 struct Placement
@@ -34,4 +34,4 @@ struct PaneView
 // three by three spread over its area; enlarged, the nearest is taken, so that pixels can be seen as such.
 void DrawFrame(const FrameView& frame, const Placement& place, int begin, int end, const PaneView& pane);
 
-} // namespace vixa::host
+} // namespace vixahost::browse

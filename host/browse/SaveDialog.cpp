@@ -1,12 +1,12 @@
 #include "host/browse/SaveDialog.h"
 
-#include "host/HostError.h"
-#include "host/Progress.h"
-#include "host/Text.h"
+#include "host/base/HostError.h"
+#include "host/base/Progress.h"
+#include "host/base/Text.h"
 
 #include <commctrl.h>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 namespace {
 constexpr UINT jobEnded = WM_APP + 1;
@@ -107,4 +107,4 @@ void SaveDialog::Progress()
         Wide(std::to_string(done) + " of " + std::to_string(total) + (total == 1 ? " picture" : " frames")).c_str());
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -6,7 +6,7 @@
 
 #include <memory>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 class SaveDialog : public Window
 {
@@ -26,4 +26,4 @@ private:
     bool ended = false;
 };
 
-} // namespace vixa::host
+} // namespace vixahost::browse

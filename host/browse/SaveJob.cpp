@@ -1,27 +1,27 @@
 #include "host/browse/SaveJob.h"
 
-#include "host/ClipReader.h"
-#include "host/ClipWriter.h"
-#include "host/EffectGraph.h"
-#include "host/HostError.h"
-#include "host/PictureFile.h"
-#include "host/PictureFrames.h"
-#include "host/TargetFile.h"
-#include "host/Text.h"
+#include "host/base/HostError.h"
+#include "host/base/TargetFile.h"
+#include "host/base/Text.h"
+#include "host/graph/EffectGraph.h"
+#include "host/media/ClipReader.h"
+#include "host/media/ClipWriter.h"
+#include "host/media/PictureFile.h"
+#include "host/media/PictureFrames.h"
 
 #include <cwchar>
 #include <new>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 namespace {
 
 // Ends the graph at the next frame once the user wants it.
-class CancellableReader : public FrameReader
+class CancellableReader : public media::FrameReader
 {
 public:
-    CancellableReader(FrameReader& frames, const std::atomic<bool>& flag) : reader(frames), cancelled(flag) {}
-    FrameFormat Format() const override { return reader.Format(); }
+    CancellableReader(media::FrameReader& frames, const std::atomic<bool>& flag) : reader(frames), cancelled(flag) {}
+    media::FrameFormat Format() const override { return reader.Format(); }
     bool Read(std::span<std::uint8_t> frame) override
     {
         if (cancelled)
@@ -30,7 +30,7 @@ public:
     }
 
 private:
-    FrameReader& reader;
+    media::FrameReader& reader;
     const std::atomic<bool>& cancelled;
 };
 
@@ -41,7 +41,7 @@ SaveJob::SaveJob(SaveOrder what, std::function<void()> notify) : order(std::move
     const bool clip = !order.source.empty();
     if (clip && _wcsicmp(order.target.extension().c_str(), L".avi") != 0)
         throw WrongWords("A clip is saved as an AVI file: give it a name that ends in .avi.");
-    if (!clip && !PictureFormatOf(order.target))
+    if (!clip && !media::PictureFormatOf(order.target))
         throw WrongWords(
             "A picture is saved as PNG, BMP, JPEG or TIFF: give it a name that ends in .png, .bmp, .jpg or "
             ".tif.");
@@ -82,13 +82,13 @@ void SaveJob::SavePicture()
 {
     total = 1;
     TargetFile target(order.target);
-    const EffectLibrary library;
-    PictureReader picture(order.still);
+    const effects::EffectLibrary library;
+    media::PictureReader picture(order.still);
     CancellableReader reader(picture, cancelled);
-    Picture result = order.still;
-    PictureWriter writer(result);
-    EffectGraph(library, order.stack, reader, writer, reader.Format().TimeOf(1)).Run();
-    WritePicture(target.Temporary(), *PictureFormatOf(order.target), result);
+    media::Picture result = order.still;
+    media::PictureWriter writer(result);
+    graph::EffectGraph(library, order.stack, reader, writer, reader.Format().TimeOf(1)).Run();
+    media::WritePicture(target.Temporary(), *media::PictureFormatOf(order.target), result);
     if (cancelled)
         throw FailedJob("Stopped before the end; nothing was written.");
     target.Commit();
@@ -97,13 +97,13 @@ void SaveJob::SavePicture()
 
 void SaveJob::SaveClip()
 {
-    ClipReader clip(order.source);
+    media::ClipReader clip(order.source);
     total = clip.FrameCount();
     TargetFile target(order.target);
-    ClipWriter writer(target.Temporary(), clip);
-    const EffectLibrary library;
+    media::ClipWriter writer(target.Temporary(), clip);
+    const effects::EffectLibrary library;
     CancellableReader reader(clip, cancelled);
-    EffectGraph(library, order.stack, reader, writer, reader.Format().TimeOf(clip.FrameCount()))
+    graph::EffectGraph(library, order.stack, reader, writer, reader.Format().TimeOf(clip.FrameCount()))
         .Run([this](std::int64_t frames) { done = frames; });
     writer.Finish();
     if (cancelled)
@@ -111,4 +111,4 @@ void SaveJob::SaveClip()
     target.Commit();
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -1,8 +1,8 @@
 // Writes the open picture or clip with all its effects, on a thread of its own.
 #pragma once
 
-#include "host/EffectStack.h"
-#include "host/Picture.h"
+#include "host/effects/EffectStack.h"
+#include "host/media/Picture.h"
 
 #include <atomic>
 #include <filesystem>
@@ -10,13 +10,13 @@
 #include <string>
 #include <thread>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 struct SaveOrder
 {
     std::filesystem::path source; // a clip; empty for `still`
-    Picture still;
-    EffectStack stack;
+    media::Picture still;
+    effects::EffectStack stack;
     std::filesystem::path target;
 };
 
@@ -52,4 +52,4 @@ private:
     std::thread thread;
 };
 
-} // namespace vixa::host
+} // namespace vixahost::browse

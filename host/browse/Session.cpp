@@ -1,14 +1,14 @@
 #include "host/browse/Session.h"
 
-#include "host/SampleScene.h"
+#include "host/media/SampleScene.h"
 
 #include <algorithm>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 Session::Session(std::function<void()> notify)
-    : onResult(std::move(notify)), catalogue(ReadCatalogue(library)),
-      medium(std::make_unique<Medium>(DrawSampleScene(), "Sample picture")), frame(medium->Frame(0))
+    : onResult(std::move(notify)), catalogue(effects::ReadCatalogue(library)),
+      medium(std::make_unique<Medium>(media::DrawSampleScene(), "Sample picture")), frame(medium->Frame(0))
 {
     if (!catalogue.empty())
         stack = StackModel({{catalogue.front().classId, catalogue.front().defaults, true}});
@@ -18,7 +18,7 @@ Session::Session(std::function<void()> notify)
 
 void Session::SetLanguage(LANGID newLanguage)
 {
-    catalogue = ReadCatalogue(library, newLanguage);
+    catalogue = effects::ReadCatalogue(library, newLanguage);
     language = newLanguage;
 }
 
@@ -65,10 +65,10 @@ double Session::RestartAndMedian()
     return median;
 }
 
-std::vector<StackItem> Session::ItemsToRun() const
+std::vector<effects::StackItem> Session::ItemsToRun() const
 {
-    std::vector<StackItem> items = stack.Items();
-    std::erase_if(items, [](const StackItem& item) { return !item.on; });
+    std::vector<effects::StackItem> items = stack.Items();
+    std::erase_if(items, [](const effects::StackItem& item) { return !item.on; });
     return items;
 }
 
@@ -76,16 +76,17 @@ void Session::BuildGraph()
 {
     graph.reset();
     running = ItemsToRun();
-    graph = std::make_unique<LiveGraph>(library, medium->Format(), StackToRun(running, catalogue), medium->Duration(),
-                                        onResult);
+    graph = std::make_unique<LiveGraph>(library, medium->Format(), effects::StackToRun(running, catalogue),
+                                        medium->Duration(), onResult);
 }
 
 void Session::Show()
 {
-    const std::vector<StackItem> items = ItemsToRun();
-    const bool sameRow =
-        std::equal(items.begin(), items.end(), running.begin(), running.end(),
-                   [](const StackItem& a, const StackItem& b) { return IsEqualGUID(a.classId, b.classId) != FALSE; });
+    const std::vector<effects::StackItem> items = ItemsToRun();
+    const bool sameRow = std::equal(items.begin(), items.end(), running.begin(), running.end(),
+                                    [](const effects::StackItem& a, const effects::StackItem& b) {
+                                        return IsEqualGUID(a.classId, b.classId) != FALSE;
+                                    });
     if (!sameRow) {
         BuildGraph();
     } else {
@@ -97,4 +98,4 @@ void Session::Show()
     Push();
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -1,16 +1,16 @@
 // What the browser works on, without a window: the library, the open medium, the stack and the graph that shows it.
 #pragma once
 
-#include "host/EffectCatalogue.h"
 #include "host/browse/LiveGraph.h"
 #include "host/browse/Medium.h"
 #include "host/browse/StackModel.h"
+#include "host/effects/EffectCatalogue.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 // One thread, in which COM must be running. Everything that changes what is to be seen sends the current frame through
 // the graph again; the graph is only built anew when the row of effects or the medium changes.
@@ -21,7 +21,7 @@ public:
     // thread. Throws HostError.
     explicit Session(std::function<void()> onResult);
 
-    const std::vector<CatalogueEntry>& Catalogue() const noexcept { return catalogue; }
+    const std::vector<effects::CatalogueEntry>& Catalogue() const noexcept { return catalogue; }
     const std::filesystem::path LibraryFile() const { return library.File(); }
     LANGID Language() const noexcept { return language; }
     // The catalogue in another language. Every settings panel must be closed.
@@ -32,7 +32,7 @@ public:
     template <typename Function>
     bool Change(Function change)
     {
-        const std::vector<StackItem> before = stack.Items();
+        const std::vector<effects::StackItem> before = stack.Items();
         change(stack);
         if (stack.Items() == before)
             return false;
@@ -59,18 +59,18 @@ public:
 private:
     void Show();
     void BuildGraph();
-    std::vector<StackItem> ItemsToRun() const;
+    std::vector<effects::StackItem> ItemsToRun() const;
 
     std::function<void()> onResult;
-    EffectLibrary library; // outlives all that follows
-    LANGID language = englishLanguage;
-    std::vector<CatalogueEntry> catalogue;
+    effects::EffectLibrary library; // outlives all that follows
+    LANGID language = effects::englishLanguage;
+    std::vector<effects::CatalogueEntry> catalogue;
     StackModel stack;
     std::unique_ptr<Medium> medium;
     class Player player;
-    SharedFrame frame;              // the current one
-    std::vector<StackItem> running; // what the graph was built from, with its present parameters
+    SharedFrame frame;                       // the current one
+    std::vector<effects::StackItem> running; // what the graph was built from, with its present parameters
     std::unique_ptr<LiveGraph> graph;
 };
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -1,17 +1,17 @@
 #include "host/browse/StackList.h"
 
-#include "host/Text.h"
+#include "host/base/Text.h"
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 namespace {
 
-std::string SettingsText(const StackItem& item)
+std::string SettingsText(const effects::StackItem& item)
 {
     std::string text;
     for (const auto& parameter : vixavideofx::ParametersOf(item.classId))
         text += (text.empty() ? "" : ", ") + std::string(parameter.name) + "=" +
-                ShowValue(parameter, item.block.at(parameter.offset / sizeof(std::int32_t)));
+                effects::ShowValue(parameter, item.block.at(parameter.offset / sizeof(std::int32_t)));
     return text;
 }
 
@@ -48,15 +48,15 @@ void StackList::SetText(int row, int column, const std::wstring& text)
         ListView_SetItemText(list, row, column, const_cast<wchar_t*>(text.c_str()));
 }
 
-void StackList::Show(const std::vector<StackItem>& items, std::size_t selected,
-                     const std::vector<CatalogueEntry>& catalogue)
+void StackList::Show(const std::vector<effects::StackItem>& items, std::size_t selected,
+                     const std::vector<effects::CatalogueEntry>& catalogue)
 {
     showing = true;
     while (ListView_GetItemCount(list) > static_cast<int>(items.size()))
         ListView_DeleteItem(list, ListView_GetItemCount(list) - 1);
     for (std::size_t i = 0; i < items.size(); ++i) {
         const int row = static_cast<int>(i);
-        const CatalogueEntry* const entry = FindEntry(catalogue, items[i].classId);
+        const effects::CatalogueEntry* const entry = effects::FindEntry(catalogue, items[i].classId);
         if (row >= ListView_GetItemCount(list)) {
             LVITEMW item = {};
             item.mask = LVIF_TEXT;
@@ -90,4 +90,4 @@ LRESULT StackList::OnNotify(const NMHDR& header)
     return 0;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

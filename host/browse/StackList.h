@@ -1,13 +1,13 @@
 // The stack of effects as a list with a box to switch each on and off.
 #pragma once
 
-#include "host/StackFile.h"
 #include "host/browse/EffectIcons.h"
 #include "host/browse/Window.h"
+#include "host/effects/StackFile.h"
 
 #include <functional>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 // Wraps the system's list control. The frame hands on the control's notifications.
 class StackList
@@ -17,7 +17,8 @@ public:
 
     HWND Handle() const noexcept { return list; }
     // Shows the steps; calls nothing back.
-    void Show(const std::vector<StackItem>& items, std::size_t selected, const std::vector<CatalogueEntry>& catalogue);
+    void Show(const std::vector<effects::StackItem>& items, std::size_t selected,
+              const std::vector<effects::CatalogueEntry>& catalogue);
     // After the control has got another width.
     void FitColumns();
 
@@ -33,4 +34,4 @@ private:
     bool showing = false;
 };
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
-const StackItem* StackModel::Current() const noexcept
+const effects::StackItem* StackModel::Current() const noexcept
 {
     return state.selected < state.items.size() ? &state.items[state.selected] : nullptr;
 }
@@ -25,11 +25,12 @@ void StackModel::Add(const GUID& classId, const std::vector<std::int32_t>& block
 
 bool StackModel::Choose(const GUID& classId, const std::vector<std::int32_t>& defaults)
 {
-    const StackItem* const current = Current();
+    const effects::StackItem* const current = Current();
     if (current && IsEqualGUID(current->classId, classId))
         return false;
-    const auto known = std::find_if(remembered.begin(), remembered.end(),
-                                    [&](const StackItem& item) { return IsEqualGUID(item.classId, classId) != FALSE; });
+    const auto known = std::find_if(remembered.begin(), remembered.end(), [&](const effects::StackItem& item) {
+        return IsEqualGUID(item.classId, classId) != FALSE;
+    });
     const std::vector<std::int32_t> block = known == remembered.end() ? defaults : known->block;
     if (!current) {
         Add(classId, block);
@@ -41,9 +42,10 @@ bool StackModel::Choose(const GUID& classId, const std::vector<std::int32_t>& de
     return true;
 }
 
-void StackModel::Remember(const StackItem& item)
+void StackModel::Remember(const effects::StackItem& item)
 {
-    std::erase_if(remembered, [&](const StackItem& old) { return IsEqualGUID(old.classId, item.classId) != FALSE; });
+    std::erase_if(remembered,
+                  [&](const effects::StackItem& old) { return IsEqualGUID(old.classId, item.classId) != FALSE; });
     remembered.push_back(item);
 }
 
@@ -90,13 +92,13 @@ bool StackModel::SetBlock(std::size_t index, const std::vector<std::int32_t>& bl
     return true;
 }
 
-void StackModel::Replace(std::vector<StackItem> items)
+void StackModel::Replace(std::vector<effects::StackItem> items)
 {
     Record();
     Begin(std::move(items));
 }
 
-void StackModel::Begin(std::vector<StackItem> items)
+void StackModel::Begin(std::vector<effects::StackItem> items)
 {
     state.items = std::move(items);
     state.selected = state.items.empty() ? none : 0;
@@ -118,4 +120,4 @@ bool StackModel::Redo()
     return to.has_value();
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

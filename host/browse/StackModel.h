@@ -1,14 +1,14 @@
 // The browser's stack of effects with its selection and its history.
 #pragma once
 
-#include "host/StackFile.h"
 #include "host/browse/UndoStack.h"
+#include "host/effects/StackFile.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 // Every change but a mere change of the selection can be undone. An index that doesn't exist changes nothing. The
 // times are milliseconds of any one clock.
@@ -19,12 +19,12 @@ public:
 
     StackModel() = default;
     // Begins with these, the first selected and nothing to undo.
-    explicit StackModel(std::vector<StackItem> items) { Begin(std::move(items)); }
+    explicit StackModel(std::vector<effects::StackItem> items) { Begin(std::move(items)); }
 
-    const std::vector<StackItem>& Items() const noexcept { return state.items; }
+    const std::vector<effects::StackItem>& Items() const noexcept { return state.items; }
     // The step whose panel is open: none for an empty stack only.
     std::size_t Selected() const noexcept { return state.selected; }
-    const StackItem* Current() const noexcept;
+    const effects::StackItem* Current() const noexcept;
 
     void Select(std::size_t index) noexcept;
     // Puts the effect after the selected one and selects it.
@@ -38,7 +38,7 @@ public:
     void Switch(std::size_t index, bool on);
     // False when the block is the same already.
     bool SetBlock(std::size_t index, const std::vector<std::int32_t>& block, std::uint64_t now);
-    void Replace(std::vector<StackItem> items);
+    void Replace(std::vector<effects::StackItem> items);
 
     bool CanUndo() const noexcept { return history.CanUndo(); }
     bool CanRedo() const noexcept { return history.CanRedo(); }
@@ -48,17 +48,17 @@ public:
 private:
     struct State
     {
-        std::vector<StackItem> items;
+        std::vector<effects::StackItem> items;
         std::size_t selected = none;
     };
 
-    void Begin(std::vector<StackItem> items);
+    void Begin(std::vector<effects::StackItem> items);
     void Record() { history.Record(state, 0, 0); }
-    void Remember(const StackItem& item);
+    void Remember(const effects::StackItem& item);
 
     State state;
     UndoStack<State> history;
-    std::vector<StackItem> remembered; // the last parameters of each effect that another took the place of
+    std::vector<effects::StackItem> remembered; // the last parameters of each effect that another took the place of
 };
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 // Holds whole states; the current one is the caller's. A series of changes with one key that follow each other within
 // `mergeWithin` milliseconds is undone at once, so that a held arrow key is one step.
@@ -56,4 +56,4 @@ private:
     std::uint64_t lastTime = 0;
 };
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -1,13 +1,13 @@
 #include "host/browse/Window.h"
 
-#include "framework/Handles.h"
-#include "host/HostError.h"
-#include "host/Text.h"
+#include "host/base/Handles.h"
+#include "host/base/HostError.h"
+#include "host/base/Text.h"
 
 #include <new>
 #include <utility>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 Style::Style()
 {
@@ -108,4 +108,4 @@ HWND CreateControl(const wchar_t* className, const wchar_t* text, DWORD style, H
     return control;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::browse

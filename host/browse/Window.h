@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-namespace vixa::host {
+namespace vixahost::browse {
 
 // How controls are drawn: the system's message font and its scale.
 class Style
@@ -64,4 +64,4 @@ private:
 HWND CreateControl(const wchar_t* className, const wchar_t* text, DWORD style, HWND parent, int id, const Style& look,
                    DWORD exStyle = 0);
 
-} // namespace vixa::host
+} // namespace vixahost::browse

@@ -9,7 +9,7 @@
 #include <set>
 #include <vector>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 namespace {
 
@@ -262,4 +262,4 @@ std::span<const Check> DefaultsChecks()
     return defaults;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

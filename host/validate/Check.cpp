@@ -1,10 +1,10 @@
 #include "host/validate/Check.h"
 
-#include "host/Text.h"
+#include "host/base/Text.h"
 
 #include <vector>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 const char* NameOf(Status status) noexcept
 {
@@ -67,4 +67,4 @@ void Warn(std::string_view reason)
     throw Finding{Status::Warning, std::string(reason)};
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

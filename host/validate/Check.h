@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 class Subject;
 
@@ -64,4 +64,4 @@ void RequireNumber(long long got, long long wanted, std::string_view what);
 [[noreturn]] void Skip(std::string_view reason);
 [[noreturn]] void Warn(std::string_view reason);
 
-} // namespace vixa::host
+} // namespace vixahost::validate

@@ -1,12 +1,12 @@
 // The child process: one group's checks on one copy of the library.
-#include "host/Text.h"
+#include "host/base/Text.h"
 #include "host/validate/Subject.h"
 #include "host/validate/Validation.h"
 
 #include <chrono>
 #include <cstdio>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 namespace {
 
@@ -97,4 +97,4 @@ void RunAsChild(const std::filesystem::path& library, const std::string& group, 
     Report("over");
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 using namespace vixavideofx;
 
@@ -41,4 +41,4 @@ const Promise& PromiseOf(const GUID& classId)
     throw std::out_of_range("no effect has this class identifier");
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 struct Promise
 {
@@ -28,4 +28,4 @@ std::span<const Promise> Promises();
 // The promise of one class identifier, which must be served.
 const Promise& PromiseOf(const GUID& classId);
 
-} // namespace vixa::host
+} // namespace vixahost::validate

@@ -5,7 +5,7 @@
 
 #include <vixavideofx/ClassIds.h>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 namespace {
 
@@ -151,4 +151,4 @@ std::span<const Check> FactoryChecks()
     return checks;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

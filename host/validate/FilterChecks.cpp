@@ -6,7 +6,7 @@
 
 #include <string_view>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 namespace {
 
@@ -198,4 +198,4 @@ std::span<const Check> FilterChecks()
     return checks;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

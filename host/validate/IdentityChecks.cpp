@@ -8,7 +8,7 @@
 #include <atomic>
 #include <thread>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 namespace {
 
@@ -218,4 +218,4 @@ std::span<const Check> IdentityChecks()
     return checks;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <climits>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 namespace {
 
@@ -284,4 +284,4 @@ std::span<const Check> InputChecks()
     return checks;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

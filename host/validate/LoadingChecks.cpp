@@ -1,5 +1,5 @@
 // Groups "loading" and "exports": what the file is, and what it shows to the system.
-#include "host/Text.h"
+#include "host/base/Text.h"
 #include "host/validate/Subject.h"
 
 #include <vixavideofx/ClassIds.h>
@@ -11,7 +11,7 @@
 #include <iterator>
 #include <vector>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 namespace {
 
@@ -202,4 +202,4 @@ std::span<const Check> ExportChecks()
     return exports;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

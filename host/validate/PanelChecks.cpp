@@ -1,6 +1,6 @@
 // Group "panels": the settings windows, embedded as a host embeds them.
-#include "host/PanelWindow.h"
-#include "host/Text.h"
+#include "host/base/Text.h"
+#include "host/effects/PanelWindow.h"
 #include "host/validate/Contract.h"
 #include "host/validate/Props.h"
 #include "host/validate/Subject.h"
@@ -11,7 +11,7 @@
 
 #include <optional>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 namespace {
 
@@ -67,7 +67,7 @@ struct Embedded
     void Open()
     {
         panel = nullptr;
-        RequireResult(info->ShowSettingsDialog(0, host.Handle(), PanelWindow::changed, &set, &panel), S_OK,
+        RequireResult(info->ShowSettingsDialog(0, host.Handle(), effects::PanelWindow::changed, &set, &panel), S_OK,
                       name + ": ShowSettingsDialog");
         Require(panel && IsWindow(panel), name + ": ShowSettingsDialog answers no window");
     }
@@ -101,7 +101,7 @@ struct Embedded
     std::string name;
     ComPtr<IEffectInfo> info;
     RecordedSet set;
-    PanelWindow host;
+    effects::PanelWindow host;
     HWND panel = nullptr;
     int notifications = 0;
     int writesBefore = -1; // how often the block had been written when the last notification came
@@ -127,14 +127,14 @@ void Opens(Subject& library)
 
 void Arguments(Subject& library)
 {
-    const PanelWindow host(100, 100);
+    const effects::PanelWindow host(100, 100);
     for (const Promise& effect : Promises()) {
         const auto info = library.Info(*effect.classId);
         RecordedSet set(effect.defaults);
         HWND window = host.Handle();
-        RequireResult(info->ShowSettingsDialog(0, host.Handle(), PanelWindow::changed, nullptr, &window), E_FAIL,
-                      "ShowSettingsDialog without a property set");
-        RequireResult(info->ShowSettingsDialog(0, host.Handle(), PanelWindow::changed, &set, nullptr), E_FAIL,
+        RequireResult(info->ShowSettingsDialog(0, host.Handle(), effects::PanelWindow::changed, nullptr, &window),
+                      E_FAIL, "ShowSettingsDialog without a property set");
+        RequireResult(info->ShowSettingsDialog(0, host.Handle(), effects::PanelWindow::changed, &set, nullptr), E_FAIL,
                       "ShowSettingsDialog without a place for the window");
     }
 }
@@ -166,12 +166,12 @@ void DiesWithTheHost(Subject& library)
         RecordedSet set(effect.defaults);
         HWND panel = nullptr;
         {
-            const PanelWindow host(100, 100);
-            info->ShowSettingsDialog(0, host.Handle(), PanelWindow::changed, &set, &panel);
+            const effects::PanelWindow host(100, 100);
+            info->ShowSettingsDialog(0, host.Handle(), effects::PanelWindow::changed, &set, &panel);
         }
         Require(!IsWindow(panel), std::string(effect.name) + ": the panel outlives the host's window");
-        const PanelWindow other(100, 100);
-        RequireResult(info->ShowSettingsDialog(0, other.Handle(), PanelWindow::changed, &set, &panel), S_OK,
+        const effects::PanelWindow other(100, 100);
+        RequireResult(info->ShowSettingsDialog(0, other.Handle(), effects::PanelWindow::changed, &set, &panel), S_OK,
                       std::string(effect.name) + ": ShowSettingsDialog in another window");
         Require(GetParent(panel) == other.Handle(), std::string(effect.name) + ": the panel is not in its new window");
     }
@@ -284,7 +284,7 @@ void Notifies(Subject& library)
         auto wanted = PromiseOf(*control.effect).defaults;
         const Embedded panel(library, *control.effect, wanted);
         Change(panel, control, wanted);
-        PanelWindow::Pump();
+        effects::PanelWindow::Pump();
         const std::string what = panel.name + ", control " + std::to_string(control.id);
         RequireNumber(panel.notifications, 1, what + ": the number of notifications");
         Require(panel.bare, what + ": a notification carries parameters");
@@ -398,4 +398,4 @@ std::span<const Check> PanelChecks()
     return checks;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 using namespace vixavideofx;
 
@@ -131,4 +131,4 @@ std::vector<std::uint8_t> ExpectedFrame(const GUID& effect, std::span<const std:
     return frame;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

@@ -7,10 +7,10 @@
 #include <span>
 #include <vector>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 // `frame` holds width x |height| pixels of 4 bytes (blue, green, red, a fourth); rows follow without padding.
 std::vector<std::uint8_t> ExpectedFrame(const GUID& effect, std::span<const std::int32_t> block,
                                         std::vector<std::uint8_t> frame, int width, int height);
 
-} // namespace vixa::host
+} // namespace vixahost::validate

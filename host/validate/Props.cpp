@@ -4,7 +4,7 @@
 
 #include <new>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 GuardedMemory::GuardedMemory(std::size_t size, Guard guard) : length(size)
 {
@@ -89,4 +89,4 @@ HRESULT HandSample::GetMediaTime(LONGLONG* from, LONGLONG* to) noexcept
     return VFW_E_MEDIA_TIME_NOT_SET;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

@@ -12,7 +12,7 @@
 #include <span>
 #include <vector>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 // Memory that lies directly against an inaccessible page: one byte too far ends the process.
 class GuardedMemory
@@ -98,4 +98,4 @@ private:
     }
 };
 
-} // namespace vixa::host
+} // namespace vixahost::validate

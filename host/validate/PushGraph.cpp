@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 namespace {
 
@@ -233,4 +233,4 @@ ComPtr<IPin> OnlyPin(IBaseFilter* filter)
     return pin;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

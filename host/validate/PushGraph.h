@@ -11,7 +11,7 @@
 #include <memory>
 #include <vector>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 // A video type of 32-bit pixels with either of the two header formats.
 CMediaType VideoType(LONG width, LONG height, bool secondHeader = false);
@@ -66,4 +66,4 @@ private:
 ComPtr<IBaseFilter> MakeSource(const CMediaType& type);
 ComPtr<IPin> OnlyPin(IBaseFilter* filter);
 
-} // namespace vixa::host
+} // namespace vixahost::validate

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 namespace {
 
@@ -329,4 +329,4 @@ std::span<const Check> StreamingChecks()
     return checks;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

@@ -2,7 +2,7 @@
 
 #include "host/validate/Contract.h"
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 HMODULE Subject::Module()
 {
@@ -68,4 +68,4 @@ ComPtr<IEffectFilter> Parameters(IBaseFilter* filter)
     return effect;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

@@ -1,7 +1,7 @@
 // The library under examination, as any host reaches it: by its file and its exports.
 #pragma once
 
-#include "framework/Handles.h"
+#include "host/base/Handles.h"
 #include "host/validate/Check.h"
 
 #include <vixavideofx/IEffectFilter.h>
@@ -12,7 +12,7 @@
 
 #include <filesystem>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 using Microsoft::WRL::ComPtr;
 
@@ -52,4 +52,4 @@ ULONG ReferencesOf(IUnknown* object);
 // A filter's own interface. Fails the check.
 ComPtr<IEffectFilter> Parameters(IBaseFilter* filter);
 
-} // namespace vixa::host
+} // namespace vixahost::validate

@@ -1,6 +1,6 @@
 // Group "texts": names and groups in every language that lies beside the library.
-#include "host/LanguageCodes.h"
-#include "host/Text.h"
+#include "host/base/Text.h"
+#include "host/effects/LanguageCodes.h"
 #include "host/validate/Contract.h"
 #include "host/validate/Props.h"
 #include "host/validate/Subject.h"
@@ -11,7 +11,7 @@
 #include <set>
 #include <vector>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 namespace {
 
@@ -52,22 +52,22 @@ void Same(const std::wstring& got, const std::wstring& wanted, const std::string
     Require(got == wanted, what + " is \"" + Utf8(got) + "\" instead of \"" + Utf8(wanted) + "\"");
 }
 
-std::filesystem::path FileOf(Subject& library, const LanguageCode& language)
+std::filesystem::path FileOf(Subject& library, const effects::LanguageCode& language)
 {
     auto path = library.File();
     return path.replace_filename(path.stem().wstring() + L"_" + Wide(language.code) + L".nls");
 }
 
-std::vector<LanguageCode> Present(Subject& library)
+std::vector<effects::LanguageCode> Present(Subject& library)
 {
-    std::vector<LanguageCode> present;
-    for (const LanguageCode& language : LanguageCodes())
+    std::vector<effects::LanguageCode> present;
+    for (const effects::LanguageCode& language : effects::LanguageCodes())
         if (GetFileAttributesW(FileOf(library, language).c_str()) != INVALID_FILE_ATTRIBUTES)
             present.push_back(language);
     return present;
 }
 
-std::vector<LanguageCode> RequirePresent(Subject& library)
+std::vector<effects::LanguageCode> RequirePresent(Subject& library)
 {
     auto present = Present(library);
     if (present.empty())
@@ -87,12 +87,12 @@ void English(Subject& library)
 void AllFiles(Subject& library)
 {
     const auto present = RequirePresent(library);
-    if (present.size() == LanguageCodes().size())
+    if (present.size() == effects::LanguageCodes().size())
         return;
     std::string missing;
-    for (const LanguageCode& language : LanguageCodes())
+    for (const effects::LanguageCode& language : effects::LanguageCodes())
         if (std::none_of(present.begin(), present.end(),
-                         [&](const LanguageCode& one) { return one.id == language.id; }))
+                         [&](const effects::LanguageCode& one) { return one.id == language.id; }))
             missing += missing.empty() ? language.code : std::string(", ") + language.code;
     Warn("language files are missing: " + missing);
 }
@@ -101,7 +101,7 @@ void AllFiles(Subject& library)
 void FromTheFile(Subject& library)
 {
     const auto present = RequirePresent(library);
-    for (const LanguageCode& language : present) {
+    for (const effects::LanguageCode& language : present) {
         const UniqueModule file(LoadLibraryExW(FileOf(library, language).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
         Require(file != nullptr, std::string(language.code) + ": the language file can't be read");
         const auto held = [&](UINT id) {
@@ -121,7 +121,7 @@ void FromTheFile(Subject& library)
 
 void Complete(Subject& library)
 {
-    for (const LanguageCode& language : RequirePresent(library)) {
+    for (const effects::LanguageCode& language : RequirePresent(library)) {
         std::set<std::wstring> names;
         bool translated = false;
         for (const Promise& effect : Promises()) {
@@ -144,7 +144,7 @@ void GroupFollows(Subject& library)
     const auto present = RequirePresent(library);
     const auto emboss = library.Info(CLSID_Emboss), add = library.Info(CLSID_AddPixel);
     std::set<std::wstring> groups;
-    for (const LanguageCode& language : present) {
+    for (const effects::LanguageCode& language : present) {
         NameOf(emboss.Get(), language.id, language.code);
         groups.insert(GroupOf(add.Get(), language.code));
     }
@@ -188,7 +188,7 @@ void BackAndForth(Subject& library)
     const auto present = RequirePresent(library);
     const auto info = library.Info(CLSID_SoftenFilter);
     for (int i = 0; i < 100; ++i) {
-        const LanguageCode& language = present[static_cast<std::size_t>(i) % present.size()];
+        const effects::LanguageCode& language = present[static_cast<std::size_t>(i) % present.size()];
         Require(!NameOf(info.Get(), language.id, language.code).empty(), "a name vanished after many switches");
     }
     Same(NameOf(info.Get(), english, "English"), L"Soften filter", "the English name after a hundred switches");
@@ -213,4 +213,4 @@ std::span<const Check> TextChecks()
     return checks;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

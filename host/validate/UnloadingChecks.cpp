@@ -1,11 +1,11 @@
 // Group "unloading": when the library may go, and that it goes.
-#include "host/PanelWindow.h"
+#include "host/effects/PanelWindow.h"
 #include "host/validate/Contract.h"
 #include "host/validate/PushGraph.h"
 
 #include <vixavideofx/ClassIds.h>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 namespace {
 
@@ -108,10 +108,10 @@ void AfterPanels(Subject& library)
     for (const Promise& effect : Promises()) {
         {
             const auto info = library.Info(*effect.classId);
-            const PanelWindow host(200, 200);
+            const effects::PanelWindow host(200, 200);
             RecordedSet set(effect.defaults);
             HWND panel = nullptr;
-            info->ShowSettingsDialog(0, host.Handle(), PanelWindow::changed, &set, &panel);
+            info->ShowSettingsDialog(0, host.Handle(), effects::PanelWindow::changed, &set, &panel);
         }
         MayGo(library, std::string("after the panel of ") + effect.name);
     }
@@ -170,4 +170,4 @@ std::span<const Check> UnloadingChecks()
     return checks;
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

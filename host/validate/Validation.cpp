@@ -1,13 +1,13 @@
 #include "host/validate/Validation.h"
 
-#include "framework/Handles.h"
-#include "host/HostError.h"
-#include "host/Text.h"
+#include "host/base/Handles.h"
+#include "host/base/HostError.h"
+#include "host/base/Text.h"
 
 #include <algorithm>
 #include <cstdio>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 namespace {
 
@@ -213,4 +213,4 @@ std::vector<Result> Validate(const ValidationRequest& request, const std::functi
     return std::move(run.results);
 }
 
-} // namespace vixa::host
+} // namespace vixahost::validate

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace vixa::host {
+namespace vixahost::validate {
 
 struct Result
 {
@@ -39,4 +39,4 @@ std::vector<const Check*> ChecksOf(std::string_view group);
 // The groups in their order.
 std::vector<std::string> Groups();
 
-} // namespace vixa::host
+} // namespace vixahost::validate

@@ -1,23 +1,24 @@
 // How long it takes from a slider's move in a settings panel to the new picture on the screen, on 1920 x 1080 pixels.
-#include "host/PictureFile.h"
-#include "host/SampleScene.h"
-#include "host/Text.h"
+#include "host/base/Text.h"
 #include "host/browse/BrowseWindow.h"
+#include "host/media/PictureFile.h"
+#include "host/media/SampleScene.h"
 
 #include <algorithm>
 #include <cstdio>
 
-using namespace vixa::host;
+using namespace vixahost;
+using namespace vixahost::browse;
 
 namespace {
 
 constexpr int moves = 120;
 
 // The sample scene, repeated.
-Picture FullHd()
+media::Picture FullHd()
 {
-    const Picture scene = DrawSampleScene();
-    Picture picture(1920, 1080);
+    const media::Picture scene = media::DrawSampleScene();
+    media::Picture picture(1920, 1080);
     for (int y = 0; y < picture.height; ++y)
         for (int x = 0; x < picture.width; ++x)
             std::copy_n(scene.Row(y % scene.height) + x % scene.width * 4, 4, picture.Row(y) + x * 4);
@@ -43,7 +44,7 @@ double Median(std::vector<double> values)
     return values.empty() ? 0 : values[values.size() / 2];
 }
 
-void Measure(BrowseWindow& window, const CatalogueEntry& entry)
+void Measure(BrowseWindow& window, const effects::CatalogueEntry& entry)
 {
     const HWND slider = FindWindowExW(window.Panel(), nullptr, L"msctls_trackbar32", nullptr);
     if (!slider)
@@ -79,14 +80,14 @@ int wmain()
 {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     const std::filesystem::path file = L"browse-latency.bmp";
-    WritePicture(file, PictureFormat::Bmp, FullHd());
+    media::WritePicture(file, media::PictureFormat::Bmp, FullHd());
     {
         BrowseWindow window({1180, 760});
         ShowWindow(window.Handle(), SW_SHOW);
         window.Open(file);
         Pump(window);
-        const std::vector<CatalogueEntry> catalogue = window.Work().Catalogue();
-        for (const CatalogueEntry& entry : catalogue) {
+        const std::vector<effects::CatalogueEntry> catalogue = window.Work().Catalogue();
+        for (const effects::CatalogueEntry& entry : catalogue) {
             window.Work().Change([&](StackModel& stack) { stack.Replace({{entry.classId, entry.defaults, true}}); });
             window.ShowStack();
             Measure(window, entry);

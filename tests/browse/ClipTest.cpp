@@ -1,7 +1,7 @@
 // Clips in the browser: any frame on demand, playing, saving and cancelling.
-#include "host/ClipReader.h"
 #include "host/browse/SaveJob.h"
 #include "host/browse/Session.h"
+#include "host/media/ClipReader.h"
 #include "tests/host/TestFiles.h"
 
 #include <vixavideofx/ClassIds.h>
@@ -10,8 +10,9 @@
 
 #include <objbase.h>
 
-using namespace vixa::host;
-using namespace vixa::host::test;
+using namespace vixahost;
+using namespace vixahost::browse;
+using namespace vixahost::test;
 
 namespace {
 
@@ -39,12 +40,12 @@ TEST(BrowserClip, SeeksPlaysAndIsSavedOrCancelled)
 
         SaveOrder order;
         order.source = file;
-        order.stack = StackToRun({{vixavideofx::CLSID_InvertColor, {7}, true}}, session.Catalogue());
+        order.stack = effects::StackToRun({{vixavideofx::CLSID_InvertColor, {7}, true}}, session.Catalogue());
         order.target = folder / L"out.avi";
         SaveJob job(order, [] {});
         EXPECT_EQ(job.Wait(), "");
         EXPECT_EQ(job.Done(), 40);
-        EXPECT_EQ(ClipReader(order.target).FrameCount(), 40);
+        EXPECT_EQ(media::ClipReader(order.target).FrameCount(), 40);
 
         order.target = folder / L"cancelled.avi";
         SaveJob stopped(order, [] {});

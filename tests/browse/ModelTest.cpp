@@ -7,7 +7,8 @@
 
 #include <numeric>
 
-using namespace vixa::host;
+using namespace vixahost;
+using namespace vixahost::browse;
 
 namespace {
 
@@ -16,7 +17,7 @@ constexpr GUID one = {1, 0, 0, {}}, two = {2, 0, 0, {}}, three = {3, 0, 0, {}};
 std::vector<unsigned long> Row(const StackModel& stack)
 {
     std::vector<unsigned long> row;
-    for (const StackItem& item : stack.Items())
+    for (const effects::StackItem& item : stack.Items())
         row.push_back(item.classId.Data1);
     return row;
 }
@@ -107,7 +108,7 @@ TEST(StackModel, MergesWhatAHeldKeyDoesToOneStep)
 
 TEST(Player, ShowsTheFrameThatIsDue)
 {
-    const FrameFormat film = {4, 4, 24, 1};
+    const media::FrameFormat film = {4, 4, 24, 1};
     Player player(film, 48);
     EXPECT_EQ(player.Advance(500), 0) << "it stands still until it is played";
     player.Play(1000);

@@ -1,8 +1,8 @@
 // The browser without its window: the held graph, the stack that steers it, and saving.
 #include "host/browse/Session.h"
-#include "host/HostError.h"
-#include "host/PictureFile.h"
+#include "host/base/HostError.h"
 #include "host/browse/SaveJob.h"
+#include "host/media/PictureFile.h"
 
 #include <vixavideofx/ClassIds.h>
 #include <vixavideofx/DataBlocks.h>
@@ -11,7 +11,8 @@
 
 #include <objbase.h>
 
-using namespace vixa::host;
+using namespace vixahost;
+using namespace vixahost::browse;
 using namespace vixavideofx;
 
 namespace {
@@ -32,7 +33,7 @@ protected:
 
     static void Choose(Session& session, const GUID& effect)
     {
-        const CatalogueEntry& entry = *FindEntry(session.Catalogue(), effect);
+        const effects::CatalogueEntry& entry = *effects::FindEntry(session.Catalogue(), effect);
         session.Change([&](StackModel& stack) { stack.Choose(entry.classId, entry.defaults); });
     }
 
@@ -87,22 +88,22 @@ TEST_F(SessionTest, OrderCounts)
 TEST_F(SessionTest, EveryEffectRunsAndTheNamesFollowTheLanguage)
 {
     Session session([] {});
-    for (const CatalogueEntry& entry : session.Catalogue()) {
+    for (const effects::CatalogueEntry& entry : session.Catalogue()) {
         Choose(session, entry.classId);
         EXPECT_TRUE(Settled(session).after) << entry.englishName;
     }
-    const std::wstring english = FindEntry(session.Catalogue(), CLSID_SoftenFilter)->name;
+    const std::wstring english = effects::FindEntry(session.Catalogue(), CLSID_SoftenFilter)->name;
     session.SetLanguage(MAKELANGID(LANG_GERMAN, SUBLANG_GERMAN));
-    EXPECT_NE(FindEntry(session.Catalogue(), CLSID_SoftenFilter)->name, english);
-    EXPECT_GT(FindLanguages(session.LibraryFile()).size(), 20u);
+    EXPECT_NE(effects::FindEntry(session.Catalogue(), CLSID_SoftenFilter)->name, english);
+    EXPECT_GT(effects::FindLanguages(session.LibraryFile()).size(), 20u);
     EXPECT_THROW(session.OpenFile(L"no such picture.png"), FailedJob);
     EXPECT_TRUE(Settled(session).after) << "what was open stays open";
 }
 
 TEST_F(SessionTest, TheCatalogueStandsInGroupsAndOrder)
 {
-    const EffectLibrary library;
-    const auto catalogue = ReadCatalogue(library);
+    const effects::EffectLibrary library;
+    const auto catalogue = effects::ReadCatalogue(library);
     ASSERT_EQ(catalogue.size(), 13u);
     for (std::size_t i = 1; i < catalogue.size(); ++i) {
         EXPECT_LE(catalogue[i - 1].groupId, catalogue[i].groupId);
@@ -110,9 +111,9 @@ TEST_F(SessionTest, TheCatalogueStandsInGroupsAndOrder)
             EXPECT_LE(catalogue[i - 1].sortKey, catalogue[i].sortKey);
         }
     }
-    for (const CatalogueEntry& entry : catalogue) {
+    for (const effects::CatalogueEntry& entry : catalogue) {
         EXPECT_FALSE(entry.name.empty() || entry.group.empty() || entry.icon.empty() || entry.defaults.empty());
-        EXPECT_EQ(FindEntry(catalogue, entry.englishName), &entry);
+        EXPECT_EQ(effects::FindEntry(catalogue, entry.englishName), &entry);
     }
 }
 
@@ -124,14 +125,14 @@ TEST_F(SessionTest, SavesWhatItShowsOrNothing)
     const LiveResult shown = Settled(session);
     SaveOrder order;
     order.still = session.Open().Still();
-    order.stack = StackToRun(session.Stack().Items(), session.Catalogue());
+    order.stack = effects::StackToRun(session.Stack().Items(), session.Catalogue());
     order.target = L"browse-saved.png";
     bool ended = false;
     SaveJob job(order, [&] { ended = true; });
     ASSERT_EQ(job.Wait(), "");
     EXPECT_TRUE(ended);
     EXPECT_EQ(job.Done(), job.Total());
-    const Picture saved = ReadPicture(order.target);
+    const media::Picture saved = media::ReadPicture(order.target);
     ASSERT_EQ(saved.pixels.size(), shown.after->size());
     for (int y = 0; y < saved.height; ++y)
         for (int x = 0; x < saved.width; ++x)

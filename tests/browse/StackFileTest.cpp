@@ -1,6 +1,6 @@
 // The stack's text file, written and read by the library's own catalogue.
-#include "host/StackFile.h"
-#include "host/HostError.h"
+#include "host/effects/StackFile.h"
+#include "host/base/HostError.h"
 
 #include <vixavideofx/DataBlocks.h>
 
@@ -8,7 +8,7 @@
 
 #include <fstream>
 
-using namespace vixa::host;
+using namespace vixahost;
 using namespace vixavideofx;
 
 namespace {
@@ -16,13 +16,13 @@ namespace {
 class StackFile : public testing::Test
 {
 protected:
-    EffectLibrary library;
-    std::vector<CatalogueEntry> catalogue = ReadCatalogue(library);
+    effects::EffectLibrary library;
+    std::vector<effects::CatalogueEntry> catalogue = effects::ReadCatalogue(library);
 
     std::string FaultOf(std::string_view text)
     {
         try {
-            ParseStack(text, catalogue);
+            effects::ParseStack(text, catalogue);
         } catch (const FailedJob& fault) {
             return fault.what();
         }
@@ -32,46 +32,47 @@ protected:
 
 TEST_F(StackFile, EveryEffectComesBackAsItWas)
 {
-    std::vector<StackItem> stack;
-    for (const CatalogueEntry& entry : catalogue)
+    std::vector<effects::StackItem> stack;
+    for (const effects::CatalogueEntry& entry : catalogue)
         stack.push_back({entry.classId, entry.defaults, stack.size() % 3 != 1});
-    for (StackItem& item : stack)
+    for (effects::StackItem& item : stack)
         if (item.classId == CLSID_FilterColor)
             item.block = {-120, FilterColorBlock::Red};
         else if (item.classId == CLSID_ShiftEdges)
             item.block = {static_cast<std::int32_t>(ConvolutionKind::ShiftEdgesHorizontal)};
     ASSERT_EQ(stack.size(), 13u);
-    EXPECT_EQ(ParseStack(WriteStack(stack, catalogue), catalogue), stack);
+    EXPECT_EQ(effects::ParseStack(effects::WriteStack(stack, catalogue), catalogue), stack);
 
     const std::filesystem::path file = L"st\u00E4ck \u65E5\u672C.txt";
-    SaveStackFile(file, stack, catalogue);
-    EXPECT_EQ(LoadStackFile(file, catalogue), stack);
+    effects::SaveStackFile(file, stack, catalogue);
+    EXPECT_EQ(effects::LoadStackFile(file, catalogue), stack);
     std::filesystem::remove(file);
 }
 
 TEST_F(StackFile, MeansTheSameInEveryLanguage)
 {
-    const std::vector<StackItem> stack = {{CLSID_Emboss, FindEntry(catalogue, CLSID_Emboss)->defaults, true}};
-    const std::string english = WriteStack(stack, catalogue);
-    const auto german = ReadCatalogue(library, MAKELANGID(LANG_GERMAN, SUBLANG_GERMAN));
-    EXPECT_NE(FindEntry(german, CLSID_Emboss)->name, FindEntry(catalogue, CLSID_Emboss)->name);
-    EXPECT_EQ(WriteStack(stack, german), english);
-    EXPECT_EQ(ParseStack(english, german), stack);
+    const std::vector<effects::StackItem> stack = {
+        {CLSID_Emboss, effects::FindEntry(catalogue, CLSID_Emboss)->defaults, true}};
+    const std::string english = effects::WriteStack(stack, catalogue);
+    const auto german = effects::ReadCatalogue(library, MAKELANGID(LANG_GERMAN, SUBLANG_GERMAN));
+    EXPECT_NE(effects::FindEntry(german, CLSID_Emboss)->name, effects::FindEntry(catalogue, CLSID_Emboss)->name);
+    EXPECT_EQ(effects::WriteStack(stack, german), english);
+    EXPECT_EQ(effects::ParseStack(english, german), stack);
 }
 
 TEST_F(StackFile, TakesWhatAPersonWrites)
 {
-    const auto stack = ParseStack("\xEF\xBB\xBF# mine\r\n\r\n  EFFECT=gamma CORRECTION\r\n\tGamma =  +160 \r\n"
-                                  "effect = {488284b2-d3ce-48d1-b7ad-a23541d20453}\r\non = NO\r\n"
-                                  "effect = Filter color\r\ncolour = red",
-                                  catalogue);
+    const auto stack = effects::ParseStack("\xEF\xBB\xBF# mine\r\n\r\n  EFFECT=gamma CORRECTION\r\n\tGamma =  +160 \r\n"
+                                           "effect = {488284b2-d3ce-48d1-b7ad-a23541d20453}\r\non = NO\r\n"
+                                           "effect = Filter color\r\ncolour = red",
+                                           catalogue);
     ASSERT_EQ(stack.size(), 3u);
     EXPECT_EQ(stack[0].block, std::vector<std::int32_t>{160});
     EXPECT_TRUE(stack[1].classId == CLSID_SoftenFilter);
     EXPECT_FALSE(stack[1].on);
     EXPECT_EQ(stack[2].block, (std::vector<std::int32_t>{0, FilterColorBlock::Red}));
-    EXPECT_TRUE(ParseStack("", catalogue).empty());
-    EXPECT_EQ(StackToRun(stack, catalogue).size(), 2u) << "what is switched off doesn't run";
+    EXPECT_TRUE(effects::ParseStack("", catalogue).empty());
+    EXPECT_EQ(effects::StackToRun(stack, catalogue).size(), 2u) << "what is switched off doesn't run";
 }
 
 TEST_F(StackFile, SaysWhereAndWhyALineIsRefused)
@@ -88,7 +89,7 @@ TEST_F(StackFile, SaysWhereAndWhyALineIsRefused)
     };
     for (const auto& [text, expected] : wrong)
         EXPECT_TRUE(RE::PartialMatch(FaultOf(text), RE(expected))) << text << " -> " << FaultOf(text);
-    EXPECT_THROW(LoadStackFile(L"no such stack.txt", catalogue), FailedJob);
+    EXPECT_THROW(effects::LoadStackFile(L"no such stack.txt", catalogue), FailedJob);
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 // The browser's window, driven as its users do: by the mouse and the keys, and judged by what is on the screen.
-#include "host/PictureFile.h"
-#include "host/SampleScene.h"
 #include "host/browse/BrowseWindow.h"
 #include "host/browse/Ids.h"
-#include "host/browse/WindowPicture.h"
+#include "host/media/PictureFile.h"
+#include "host/media/SampleScene.h"
+#include "host/media/WindowPicture.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,8 @@
 #include <string>
 #include <thread>
 
-using namespace vixa::host;
+using namespace vixahost;
+using namespace vixahost::browse;
 
 namespace {
 
@@ -138,7 +139,7 @@ protected:
     // What the preview shows.
     std::vector<std::uint8_t> Seen() const
     {
-        const Picture window = PictureOf(frame);
+        const media::Picture window = media::PictureOf(frame);
         RECT client = {}, pane = {};
         GetClientRect(frame, &client);
         MapWindowPoints(frame, nullptr, reinterpret_cast<POINT*>(&client), 2);
@@ -270,8 +271,8 @@ TEST_F(BrowserWindow, EveryEffectAndEveryControlChangesThePicture)
     // Whole paths: while the system's file dialog is open, the current folder is its own.
     const std::filesystem::path here = std::filesystem::current_path();
     const std::filesystem::path in = here / L"browse-in.png", out = here / L"browse-out.png";
-    const Picture scene = DrawSampleScene();
-    WritePicture(in, PictureFormat::Png, scene);
+    const media::Picture scene = media::DrawSampleScene();
+    media::WritePicture(in, media::PictureFormat::Png, scene);
     DeleteFileW(out.c_str());
 
     Key('O', true);
@@ -322,7 +323,7 @@ TEST_F(BrowserWindow, EveryEffectAndEveryControlChangesThePicture)
     Key('S', true);
     AnswerFileDialog(out);
     ASSERT_TRUE(WaitFor([&] { return std::filesystem::exists(out); })) << "nothing was saved";
-    const Picture saved = ReadPicture(out);
+    const media::Picture saved = media::ReadPicture(out);
     EXPECT_EQ(saved.width, scene.width);
     EXPECT_NE(saved.pixels, scene.pixels);
     DeleteFileW(in.c_str());

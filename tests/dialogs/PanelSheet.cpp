@@ -1,5 +1,5 @@
 // panel_sheet FILE.png: a picture of all panels in five languages, taken from the display.
-#include "host/PictureFile.h"
+#include "host/media/PictureFile.h"
 #include "tests/dialogs/PanelFixture.h"
 
 #include <exception>
@@ -54,9 +54,9 @@ public:
     int width = 0, height = 0;
 };
 
-vixa::host::Picture takePicture(int width, int height)
+vixahost::media::Picture takePicture(int width, int height)
 {
-    vixa::host::Picture picture(width, height);
+    vixahost::media::Picture picture(width, height);
     const HDC screen = GetDC(nullptr);
     BITMAPINFO info{};
     info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
@@ -106,7 +106,7 @@ void drawSheet(const std::filesystem::path& file)
     first.moveTo(first.control(1029), 62, 9);
     HostWindow::pumpUntil([] { return false; }, 2500);
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    vixa::host::WritePicture(file, vixa::host::PictureFormat::Png, takePicture(width, top));
+    vixahost::media::WritePicture(file, vixahost::media::PictureFormat::Png, takePicture(width, top));
     CoUninitialize();
 }
 

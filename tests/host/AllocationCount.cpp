@@ -30,7 +30,7 @@ void operator delete(void* memory, std::size_t) noexcept
     std::free(memory);
 }
 
-namespace vixa::host::test {
+namespace vixahost::test {
 
 void CountAllocationsFrom(std::size_t bytes) noexcept
 {
@@ -43,4 +43,4 @@ std::size_t LargeAllocations() noexcept
     return count;
 }
 
-} // namespace vixa::host::test
+} // namespace vixahost::test

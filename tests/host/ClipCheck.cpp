@@ -4,13 +4,13 @@
 //                               compared with the plain kernels' result
 //   clip_check files [FRAMES]   the same with clips on the disk, in the current directory (two of up to 2 GB)
 //   clip_check memory [FRAMES]  640 x 480 frames through all thirteen effects in series, and what memory they took
-#include "host/AviHeader.h"
-#include "host/ClipReader.h"
-#include "host/Commands.h"
-#include "host/EffectGraph.h"
-#include "host/HostError.h"
-#include "host/Interrupt.h"
-#include "host/Text.h"
+#include "host/base/HostError.h"
+#include "host/base/Interrupt.h"
+#include "host/base/Text.h"
+#include "host/commands/Commands.h"
+#include "host/graph/EffectGraph.h"
+#include "host/media/AviHeader.h"
+#include "host/media/ClipReader.h"
 #include "tests/host/AllocationCount.h"
 #include "tests/host/KernelResult.h"
 
@@ -27,16 +27,16 @@
 
 namespace {
 
-using namespace vixa::host;
+using namespace vixahost;
 
 // Every effect, with settings under which it changes most pixels.
-EffectStack AllEffects()
+effects::EffectStack AllEffects()
 {
-    EffectStack stack;
-    for (const EffectEntry& effect : Effects())
+    effects::EffectStack stack;
+    for (const effects::EffectEntry& effect : effects::Effects())
         stack.emplace_back(effect);
     const auto set = [&](const char* effect, const char* setting) {
-        for (EffectStep& step : stack)
+        for (effects::EffectStep& step : stack)
             if (step.Effect().name == std::string(effect))
                 step.Set(setting);
     };
@@ -51,17 +51,18 @@ EffectStack AllEffects()
 }
 
 // Frames of noise and ramps, each different from the others: one long run of bytes, begun at another place each time.
-class Frames final : public FrameReader
+class Frames final : public media::FrameReader
 {
 public:
-    Frames(const FrameFormat& frames, int count) : format(frames), left(count), bytes(frames.FrameBytes() + 4096 * 4)
+    Frames(const media::FrameFormat& frames, int count)
+        : format(frames), left(count), bytes(frames.FrameBytes() + 4096 * 4)
     {
         std::mt19937 random(20);
         for (std::size_t i = 0; i < bytes.size(); ++i)
             bytes[i] = static_cast<std::uint8_t>(i / 4096 % 2 ? random() : i / 64);
     }
 
-    FrameFormat Format() const override { return format; }
+    media::FrameFormat Format() const override { return format; }
     std::span<const std::uint8_t> Frame(int index) const
     {
         return {bytes.data() + index * 37 % 4096 * 4, format.FrameBytes()};
@@ -76,7 +77,7 @@ public:
     }
 
 private:
-    FrameFormat format;
+    media::FrameFormat format;
     int left;
     int next = 0;
     std::vector<std::uint8_t> bytes;
@@ -86,7 +87,7 @@ private:
 class Comparison
 {
 public:
-    Comparison(const EffectStep& step, const FrameFormat& format, std::size_t bytesUsed)
+    Comparison(const effects::EffectStep& step, const media::FrameFormat& format, std::size_t bytesUsed)
         : effect(step), size(format), used(bytesUsed), wanted(format.FrameBytes())
     {
     }
@@ -109,15 +110,15 @@ public:
     int Frames() const noexcept { return frames; }
 
 private:
-    const EffectStep& effect;
-    FrameFormat size;
+    const effects::EffectStep& effect;
+    media::FrameFormat size;
     std::size_t used;
     std::vector<std::uint8_t> wanted;
     int frames = 0;
 };
 
 template <typename Take>
-class Writer final : public FrameWriter
+class Writer final : public media::FrameWriter
 {
 public:
     explicit Writer(Take function) : take(function) {}
@@ -127,7 +128,7 @@ private:
     Take take;
 };
 
-void Report(const EffectStep& step, int frames, double milliseconds)
+void Report(const effects::EffectStep& step, int frames, double milliseconds)
 {
     char line[160];
     std::snprintf(line, sizeof line, "%-18s %-32s %d frames equal, %.2f ms per frame\n", step.Effect().name,
@@ -135,17 +136,17 @@ void Report(const EffectStep& step, int frames, double milliseconds)
     Say(line);
 }
 
-constexpr FrameFormat hd = {1920, 1080, 25, 1};
+constexpr media::FrameFormat hd = {1920, 1080, 25, 1};
 
 void CheckGraph(int count)
 {
-    const EffectLibrary library;
-    for (const EffectStep& step : AllEffects()) {
+    const effects::EffectLibrary library;
+    for (const effects::EffectStep& step : AllEffects()) {
         Frames reader(hd, count);
         Comparison comparison(step, hd, 4);
         Writer writer(
             [&](std::span<const std::uint8_t> frame) { comparison.Compare(reader.Frame(comparison.Frames()), frame); });
-        EffectGraph graph(library, {step}, reader, writer, hd.TimeOf(count));
+        graph::EffectGraph graph(library, {step}, reader, writer, hd.TimeOf(count));
         graph.Run();
         if (comparison.Frames() != count)
             throw FailedJob("frames were lost");
@@ -196,11 +197,11 @@ void CheckFiles(int count)
     const Frames frames(hd, count);
     WriteClip(L"check-in.avi", frames, count);
     std::vector<std::uint8_t> original(hd.FrameBytes()), result(hd.FrameBytes());
-    for (const EffectStep& step : AllEffects()) {
+    for (const effects::EffectStep& step : AllEffects()) {
         const auto begin = std::chrono::steady_clock::now();
-        Apply({{step}, L"check-in.avi", L"check-out.avi"});
+        commands::Apply({{step}, {}, L"check-in.avi", L"check-out.avi"});
         const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - begin;
-        ClipReader in(L"check-in.avi"), out(L"check-out.avi");
+        media::ClipReader in(L"check-in.avi"), out(L"check-out.avi");
         Comparison comparison(step, hd, 3);
         while (in.Read(original)) {
             if (!out.Read(result))
@@ -217,8 +218,8 @@ void CheckFiles(int count)
 
 void CheckMemory(int count)
 {
-    const EffectLibrary library;
-    const FrameFormat format = {640, 480, 25, 1};
+    const effects::EffectLibrary library;
+    const media::FrameFormat format = {640, 480, 25, 1};
     Frames reader(format, count);
     int done = 0;
     std::size_t large = 0;
@@ -238,7 +239,7 @@ void CheckMemory(int count)
             Say(line);
         }
     });
-    EffectGraph graph(library, AllEffects(), reader, writer, format.TimeOf(count));
+    graph::EffectGraph graph(library, AllEffects(), reader, writer, format.TimeOf(count));
     graph.Run();
     Say("allocations of half a frame's size or more since frame 100: " + std::to_string(large) + "\n");
     if (done != count || large != 0)

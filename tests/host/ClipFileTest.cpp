@@ -1,8 +1,8 @@
 // AVI clips: what is read from clips of several kinds, what is written, sound, damage.
-#include "host/AviHeader.h"
-#include "host/ClipReader.h"
-#include "host/ClipWriter.h"
-#include "host/HostError.h"
+#include "host/base/HostError.h"
+#include "host/media/AviHeader.h"
+#include "host/media/ClipReader.h"
+#include "host/media/ClipWriter.h"
 #include "tests/host/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 
 #include <cstring>
 
-namespace vixa::host {
+namespace vixahost {
 namespace {
 
 using namespace test;
@@ -45,7 +45,7 @@ TEST_F(ClipFile, EveryKindOfRgbClipGivesItsFrames)
     for (const ClipRecipe& recipe : recipes) {
         SCOPED_TRACE(testing::Message() << recipe.bits << " bits, top-down " << recipe.topDown << ", empty frame "
                                         << recipe.emptyFrame);
-        ClipReader reader(Make(recipe));
+        media::ClipReader reader(Make(recipe));
         EXPECT_EQ(reader.FrameCount(), recipe.frames);
         EXPECT_EQ(reader.Format().width, recipe.width);
         EXPECT_EQ(reader.Format().height, recipe.height);
@@ -65,7 +65,7 @@ TEST_F(ClipFile, ACompressedClipIsDecoded)
     ClipRecipe recipe;
     recipe.bits = 8;
     std::memcpy(recipe.compression, "MRLE", 5);
-    ClipReader reader(Make(recipe));
+    media::ClipReader reader(Make(recipe));
     Bytes frame(reader.Format().FrameBytes());
     for (int i = 0; i < recipe.frames; ++i) {
         ASSERT_TRUE(reader.Read(frame));
@@ -83,10 +83,10 @@ TEST_F(ClipFile, ACopyKeepsFramesRateLengthAndSound)
         recipe.sound = sound;
         const auto copy = folder / L"copy";
         {
-            ClipReader reader(Make(recipe));
+            media::ClipReader reader(Make(recipe));
             ASSERT_EQ(reader.Sound().size(), sound ? 1u : 0u);
-            ClipWriter writer(copy, reader);
-            EXPECT_EQ(writer.Depth(), ClipDepth::Rgb32);
+            media::ClipWriter writer(copy, reader);
+            EXPECT_EQ(writer.Depth(), media::ClipDepth::Rgb32);
             Bytes frame(reader.Format().FrameBytes());
             while (reader.Read(frame))
                 writer.Write(frame);
@@ -116,8 +116,8 @@ TEST_F(ClipFile, ACopyKeepsFramesRateLengthAndSound)
 
 TEST_F(ClipFile, AWriterThatGotTooFewFramesSaysSo)
 {
-    ClipReader reader(Make({}));
-    ClipWriter writer(folder / L"copy", reader);
+    media::ClipReader reader(Make({}));
+    media::ClipWriter writer(folder / L"copy", reader);
     writer.Write(ClipFrame({}, 0));
     EXPECT_NO_THROW(writer.Finish()) << "the writer is content with what it was given";
     EXPECT_EQ(ParseClip(ReadBytes(folder / L"copy")).frames.size(), 1u);
@@ -125,12 +125,12 @@ TEST_F(ClipFile, AWriterThatGotTooFewFramesSaysSo)
 
 TEST_F(ClipFile, DepthFollowsWhatAnAviFileHolds)
 {
-    const FrameFormat hd = {1920, 1080, 25, 1};
-    EXPECT_EQ(DepthFor(hd, 258, 0), ClipDepth::Rgb32);
-    EXPECT_EQ(DepthFor(hd, 259, 0), ClipDepth::Rgb24);
-    EXPECT_EQ(DepthFor(hd, 300, 10'000'000), ClipDepth::Rgb24);
-    EXPECT_THROW(DepthFor(hd, 346, 0), FailedJob);
-    EXPECT_THROW(DepthFor({2, 2, 25, 1}, 10, 0x7FFFFFFF), FailedJob);
+    const media::FrameFormat hd = {1920, 1080, 25, 1};
+    EXPECT_EQ(media::DepthFor(hd, 258, 0), media::ClipDepth::Rgb32);
+    EXPECT_EQ(media::DepthFor(hd, 259, 0), media::ClipDepth::Rgb24);
+    EXPECT_EQ(media::DepthFor(hd, 300, 10'000'000), media::ClipDepth::Rgb24);
+    EXPECT_THROW(media::DepthFor(hd, 346, 0), FailedJob);
+    EXPECT_THROW(media::DepthFor({2, 2, 25, 1}, 10, 0x7FFFFFFF), FailedJob);
 }
 
 TEST_F(ClipFile, DamagedAndForeignClipsAreRefused)
@@ -141,7 +141,7 @@ TEST_F(ClipFile, DamagedAndForeignClipsAreRefused)
         WriteBytes(file, bytes);
         EXPECT_THROW(
             {
-                ClipReader reader(file);
+                media::ClipReader reader(file);
                 Bytes frame(reader.Format().FrameBytes());
                 while (reader.Read(frame)) {
                 }
@@ -165,21 +165,21 @@ TEST_F(ClipFile, DamagedAndForeignClipsAreRefused)
     parts.insert(parts.end(), {'R', 'I', 'F', 'F', 4, 0, 0, 0, 'A', 'V', 'I', 'X'});
     refused(parts, "goes on in a second part");
 
-    EXPECT_TRUE(IsAvi(file));
+    EXPECT_TRUE(media::IsAvi(file));
     WriteBytes(file, {'R', 'I', 'F', 'F'});
-    EXPECT_FALSE(IsAvi(file));
-    EXPECT_FALSE(IsAvi(folder / L"missing.avi"));
+    EXPECT_FALSE(media::IsAvi(file));
+    EXPECT_FALSE(media::IsAvi(folder / L"missing.avi"));
 }
 
 TEST_F(ClipFile, TimesFollowTheRateWithoutDrift)
 {
-    const FrameFormat ntsc = {2, 2, 30000, 1001};
+    const media::FrameFormat ntsc = {2, 2, 30000, 1001};
     EXPECT_EQ(ntsc.TimeOf(0), 0);
     EXPECT_EQ(ntsc.TimeOf(1), 333'666);
     EXPECT_EQ(ntsc.TimeOf(30000), std::int64_t{1001} * 10'000'000);
-    const FrameFormat odd = {2, 2, 0xFFFFFFFF, 0xFFFFFFFE};
+    const media::FrameFormat odd = {2, 2, 0xFFFFFFFF, 0xFFFFFFFE};
     EXPECT_EQ(odd.TimeOf(1'000'000) / 10'000'000, 999'999);
 }
 
 } // namespace
-} // namespace vixa::host
+} // namespace vixahost

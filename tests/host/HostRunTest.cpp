@@ -1,8 +1,8 @@
 // The real program from outside: its jobs, its complaints, its exit status, and what it leaves on the disk.
-#include "host/EffectLibrary.h"
-#include "host/PictureFile.h"
-#include "host/PictureFrames.h"
-#include "host/Text.h"
+#include "host/base/Text.h"
+#include "host/effects/EffectLibrary.h"
+#include "host/media/PictureFile.h"
+#include "host/media/PictureFrames.h"
 #include "tests/host/KernelResult.h"
 #include "tests/host/Process.h"
 #include "tests/host/TestFiles.h"
@@ -12,29 +12,29 @@
 
 #include <algorithm>
 
-namespace vixa::host {
+namespace vixahost {
 namespace {
 
 using namespace test;
 
-EffectStep Step(const char* effect, std::initializer_list<const char*> settings = {})
+effects::EffectStep Step(const char* effect, std::initializer_list<const char*> settings = {})
 {
-    EffectStep step(FindEffect(effect));
+    effects::EffectStep step(effects::FindEffect(effect));
     for (const char* setting : settings)
         step.Set(setting);
     return step;
 }
 
 // The picture after the kernels, its alpha kept.
-Picture Expected(const Picture& picture, const EffectStack& stack)
+media::Picture Expected(const media::Picture& picture, const effects::EffectStack& stack)
 {
-    PictureReader reader(picture);
+    media::PictureReader reader(picture);
     Bytes frame(reader.Format().FrameBytes());
     reader.Read(frame);
-    for (const EffectStep& step : stack)
+    for (const effects::EffectStep& step : stack)
         ApplyKernel(step, frame, picture.width, picture.height);
-    Picture result = picture;
-    PictureWriter(result).Write(frame);
+    media::Picture result = picture;
+    media::PictureWriter(result).Write(frame);
     return result;
 }
 
@@ -44,7 +44,7 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
-        WritePicture(folder / L"in.png", PictureFormat::Png, TestPicture(61, 47, 3));
+        media::WritePicture(folder / L"in.png", media::PictureFormat::Png, TestPicture(61, 47, 3));
     }
     void TearDown() override { CoUninitialize(); }
 
@@ -64,16 +64,16 @@ protected:
 
 TEST_F(HostRun, PicturesOfEveryFormatGoThroughTheGraph)
 {
-    const Picture picture = ReadPicture(folder / L"in.png");
-    const Picture wanted = Expected(picture, {Step("Emboss")});
+    const media::Picture picture = media::ReadPicture(folder / L"in.png");
+    const media::Picture wanted = Expected(picture, {Step("Emboss")});
     for (const wchar_t* format : {L".png", L".bmp", L".tif", L".jpg"}) {
         const std::wstring in = L"\x00e4\x4e2d in" + std::wstring(format), out = L"\x05d0 out" + std::wstring(format);
-        WritePicture(folder / in, *PictureFormatOf(in), picture);
+        media::WritePicture(folder / in, *media::PictureFormatOf(in), picture);
         ExpectDone(Run({L"apply", L"emboss", in, out}));
-        const Picture result = ReadPicture(folder / out);
+        const media::Picture result = media::ReadPicture(folder / out);
         ASSERT_EQ(result.width, picture.width);
         ASSERT_EQ(result.height, picture.height);
-        if (*PictureFormatOf(out) != PictureFormat::Jpeg) {
+        if (*media::PictureFormatOf(out) != media::PictureFormat::Jpeg) {
             EXPECT_TRUE(result.pixels == wanted.pixels) << Utf8(format);
         }
     }
@@ -81,13 +81,13 @@ TEST_F(HostRun, PicturesOfEveryFormatGoThroughTheGraph)
 
 TEST_F(HostRun, AChainOfEffectsKeepsOrderSettingsAndTransparency)
 {
-    const Picture picture = TestPicture(40, 30, 9, true);
-    WritePicture(folder / L"clear.png", PictureFormat::Png, picture);
+    const media::Picture picture = TestPicture(40, 30, 9, true);
+    media::WritePicture(folder / L"clear.png", media::PictureFormat::Png, picture);
     ExpectDone(Run({L"apply", L"Soften filter", L"--then", L"Gamma correction", L"--set", L"gamma=160", L"--then",
                     L"Invert color", L"--set", L"mask=all", L"clear.png", L"out.tif"}));
-    const EffectStack stack = {Step("Soften filter"), Step("Gamma correction", {"gamma=160"}),
-                               Step("Invert color", {"mask=all"})};
-    EXPECT_TRUE(ReadPicture(folder / L"out.tif").pixels == Expected(picture, stack).pixels);
+    const effects::EffectStack stack = {Step("Soften filter"), Step("Gamma correction", {"gamma=160"}),
+                                        Step("Invert color", {"mask=all"})};
+    EXPECT_TRUE(media::ReadPicture(folder / L"out.tif").pixels == Expected(picture, stack).pixels);
 }
 
 TEST_F(HostRun, AClipKeepsEverythingButItsColours)
@@ -205,11 +205,11 @@ TEST_F(HostRun, WithoutWordsEveryEffectIsShown)
 {
     const Outcome outcome = Run({});
     ExpectDone(outcome);
-    for (const EffectEntry& effect : Effects())
+    for (const effects::EffectEntry& effect : effects::Effects())
         EXPECT_NE(outcome.out.find(effect.name), std::string::npos) << effect.name;
     int pictures = 0;
     for (const auto& entry : std::filesystem::directory_iterator(folder / L"out")) {
-        const Picture picture = ReadPicture(entry.path());
+        const media::Picture picture = media::ReadPicture(entry.path());
         EXPECT_GE(picture.width, 640);
         ++pictures;
     }
@@ -222,15 +222,15 @@ TEST_F(HostRun, WithoutWordsEveryEffectIsShown)
 
 TEST_F(HostRun, TheLibraryIsFreeWhenTheGraphIsGone)
 {
-    const EffectLibrary library;
+    const effects::EffectLibrary library;
     {
-        const auto filter = library.CreateFilter(*FindEffect("Emboss").classId, "Emboss");
+        const auto filter = library.CreateFilter(*effects::FindEffect("Emboss").classId, "Emboss");
         EXPECT_FALSE(library.CanUnload());
     }
     EXPECT_TRUE(library.CanUnload());
-    EXPECT_THROW(EffectLibrary(folder / L"in.png"), std::exception);
+    EXPECT_THROW(effects::EffectLibrary(folder / L"in.png"), std::exception);
     EXPECT_THROW(library.CreateFilter(GUID{}, "Nothing"), std::exception);
 }
 
 } // namespace
-} // namespace vixa::host
+} // namespace vixahost

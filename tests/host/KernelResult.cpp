@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-namespace vixa::host::test {
+namespace vixahost::test {
 
-void ApplyKernel(const EffectStep& step, std::span<std::uint8_t> frame, int width, int height)
+void ApplyKernel(const effects::EffectStep& step, std::span<std::uint8_t> frame, int width, int height)
 {
-    const kernels::KernelSet& kernels = kernels::KernelsOf(kernels::Level::Scalar);
+    const vixa::kernels::KernelSet& kernels = vixa::kernels::KernelsOf(vixa::kernels::Level::Scalar);
     const std::string effect = step.Effect().name;
     const auto block = step.Block();
     if (effect == "Add pixel") {
@@ -23,13 +23,13 @@ void ApplyKernel(const EffectStep& step, std::span<std::uint8_t> frame, int widt
         kernels.multiply(frame, block[0]);
     } else if (effect == "Gamma correction") {
         if (block[0] != 100)
-            kernels.gamma(frame, kernels::MakeGammaTable(block[0]));
+            kernels.gamma(frame, vixa::kernels::MakeGammaTable(block[0]));
     } else {
-        kernels::ConvolutionParameters parameters;
+        vixa::kernels::ConvolutionParameters parameters;
         parameters.SetKind(block[0]);
-        std::vector<std::uint8_t> scratch(kernels::ConvolutionScratchBytes(width));
+        std::vector<std::uint8_t> scratch(vixa::kernels::ConvolutionScratchBytes(width));
         kernels.convolve(frame, width, height, parameters, scratch);
     }
 }
 
-} // namespace vixa::host::test
+} // namespace vixahost::test

@@ -1,14 +1,14 @@
 // What an effect must make of a frame: the pixel kernels' own plain form, reached without the library and its filters.
 #pragma once
 
-#include "host/EffectStack.h"
+#include "host/effects/EffectStack.h"
 
 #include <cstdint>
 #include <span>
 
-namespace vixa::host::test {
+namespace vixahost::test {
 
 // Changes a frame (32-bit RGB, bottom-up, `width` by `height` pixels) as the step's effect does with its parameters.
-void ApplyKernel(const EffectStep& step, std::span<std::uint8_t> frame, int width, int height);
+void ApplyKernel(const effects::EffectStep& step, std::span<std::uint8_t> frame, int width, int height);
 
-} // namespace vixa::host::test
+} // namespace vixahost::test

@@ -1,9 +1,9 @@
 // Picture files through the platform's codecs: round trips, transparency, orientation, damage.
-#include "host/PictureFile.h"
-#include "host/HostError.h"
-#include "host/PictureFrames.h"
-#include "host/SampleScene.h"
-#include "host/TargetFile.h"
+#include "host/media/PictureFile.h"
+#include "host/base/HostError.h"
+#include "host/base/TargetFile.h"
+#include "host/media/PictureFrames.h"
+#include "host/media/SampleScene.h"
 #include "tests/host/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@
 #include <cmath>
 #include <set>
 
-namespace vixa::host {
+namespace vixahost {
 namespace {
 
 using namespace test;
@@ -27,7 +27,7 @@ protected:
     void ExpectRefused(const std::filesystem::path& file)
     {
         try {
-            ReadPicture(file);
+            media::ReadPicture(file);
             ADD_FAILURE() << "it was read";
         } catch (const FailedJob& fault) {
             EXPECT_EQ(std::string(fault.what()).find('\n'), std::string::npos);
@@ -38,7 +38,7 @@ protected:
 };
 
 // A picture made darker by its own alpha would differ here.
-Picture Opaque(Picture picture)
+media::Picture Opaque(media::Picture picture)
 {
     for (std::size_t i = 3; i < picture.pixels.size(); i += 4)
         picture.pixels[i] = 255;
@@ -53,16 +53,16 @@ TEST_F(PictureFile, LosslessFormatsKeepEveryPixel)
         bool alpha; // kept
     };
     for (const Case& format : {Case{L"a.png", true}, {L"b.BMP", false}, {L"c.tif", true}, {L"d.tiff", true}}) {
-        const auto kind = PictureFormatOf(format.name);
+        const auto kind = media::PictureFormatOf(format.name);
         ASSERT_TRUE(kind.has_value());
         for (const bool alpha : {false, true}) {
             const auto file = folder / format.name;
             // Odd sizes: rows of a bitmap file are padded.
-            Picture picture = TestPicture(37, 23, 1, alpha);
+            media::Picture picture = TestPicture(37, 23, 1, alpha);
             picture.dpiX = 300;
             picture.dpiY = 150;
-            WritePicture(file, *kind, picture);
-            const Picture back = ReadPicture(file);
+            media::WritePicture(file, *kind, picture);
+            const media::Picture back = media::ReadPicture(file);
             EXPECT_EQ(back.width, 37);
             EXPECT_EQ(back.height, 23);
             EXPECT_TRUE(back.pixels == (format.alpha ? picture : Opaque(picture)).pixels) << format.name;
@@ -71,13 +71,13 @@ TEST_F(PictureFile, LosslessFormatsKeepEveryPixel)
             std::filesystem::remove(file);
         }
     }
-    EXPECT_FALSE(PictureFormatOf(L"x.gif").has_value());
-    EXPECT_FALSE(PictureFormatOf(L"png").has_value());
+    EXPECT_FALSE(media::PictureFormatOf(L"x.gif").has_value());
+    EXPECT_FALSE(media::PictureFormatOf(L"png").has_value());
 }
 
 TEST_F(PictureFile, JpegStaysClose)
 {
-    Picture smooth(64, 40);
+    media::Picture smooth(64, 40);
     for (int y = 0; y < smooth.height; ++y)
         for (int x = 0; x < smooth.width; ++x) {
             std::uint8_t* pixel = smooth.Row(y) + x * 4;
@@ -86,8 +86,8 @@ TEST_F(PictureFile, JpegStaysClose)
             pixel[2] = static_cast<std::uint8_t>(200 - x);
             pixel[3] = 255;
         }
-    WritePicture(folder / L"a.jpg", PictureFormat::Jpeg, smooth);
-    const Picture back = ReadPicture(folder / L"a.jpg");
+    media::WritePicture(folder / L"a.jpg", media::PictureFormat::Jpeg, smooth);
+    const media::Picture back = media::ReadPicture(folder / L"a.jpg");
     ASSERT_EQ(back.pixels.size(), smooth.pixels.size());
     int worst = 0;
     for (std::size_t i = 0; i < back.pixels.size(); ++i)
@@ -98,12 +98,12 @@ TEST_F(PictureFile, JpegStaysClose)
 TEST_F(PictureFile, APictureOnItsSideIsTurnedUpright)
 {
     // A quarter of the picture is bright: where it ends up shows the turn.
-    Picture lying(32, 16);
+    media::Picture lying(32, 16);
     for (int y = 0; y < 16; ++y)
         for (int x = 0; x < 32; ++x)
             for (int channel = 0; channel < 4; ++channel)
                 lying.Row(y)[x * 4 + channel] = channel == 3 || (x < 16 && y < 8) ? 255 : 0;
-    WritePicture(folder / L"plain.jpg", PictureFormat::Jpeg, lying);
+    media::WritePicture(folder / L"plain.jpg", media::PictureFormat::Jpeg, lying);
     const Bytes plain = ReadBytes(folder / L"plain.jpg");
 
     // The corner in which the bright quarter (stored at the upper left) is to be seen, for each value of the tag.
@@ -129,7 +129,7 @@ TEST_F(PictureFile, APictureOnItsSideIsTurnedUpright)
         file.insert(file.end(), exif.begin(), exif.end());
         file.insert(file.end(), plain.begin() + 2, plain.end());
         WriteBytes(folder / L"turned.jpg", file);
-        const Picture upright = ReadPicture(folder / L"turned.jpg");
+        const media::Picture upright = media::ReadPicture(folder / L"turned.jpg");
         ASSERT_EQ(upright.width, turn.sideways ? 16 : 32) << int(turn.tag);
         ASSERT_EQ(upright.height, turn.sideways ? 32 : 16) << int(turn.tag);
         const int x = turn.right ? upright.width - 4 : 3, y = turn.bottom ? upright.height - 4 : 3;
@@ -143,7 +143,7 @@ TEST_F(PictureFile, DamagedFilesAreRefused)
 {
     for (const wchar_t* name : {L"a.png", L"a.bmp", L"a.jpg", L"a.tif"}) {
         const auto file = folder / name;
-        WritePicture(file, *PictureFormatOf(file), TestPicture(120, 90, 7));
+        media::WritePicture(file, *media::PictureFormatOf(file), TestPicture(120, 90, 7));
         const Bytes whole = ReadBytes(file);
         for (const double part : {0.001, 0.02, 0.5, 0.9}) {
             SCOPED_TRACE(testing::Message() << file.string() << " cut at " << part);
@@ -162,8 +162,8 @@ TEST_F(PictureFile, DamagedFilesAreRefused)
 
 TEST_F(PictureFile, FramesAreBottomUpAndLeaveAlphaAside)
 {
-    const Picture picture = TestPicture(5, 3, 11, true);
-    PictureReader reader(picture, 2);
+    const media::Picture picture = TestPicture(5, 3, 11, true);
+    media::PictureReader reader(picture, 2);
     Bytes frame(reader.Format().FrameBytes(), 0xEE);
     ASSERT_TRUE(reader.Read(frame));
     for (int x = 0; x < 5; ++x) {
@@ -175,11 +175,11 @@ TEST_F(PictureFile, FramesAreBottomUpAndLeaveAlphaAside)
 
     for (std::uint8_t& byte : frame)
         byte = static_cast<std::uint8_t>(255 - byte);
-    Picture changed = picture;
-    PictureWriter(changed).Write(frame);
+    media::Picture changed = picture;
+    media::PictureWriter(changed).Write(frame);
     for (std::size_t i = 0; i < picture.pixels.size(); ++i)
         EXPECT_EQ(changed.pixels[i], i % 4 == 3 ? picture.pixels[i] : 255 - picture.pixels[i]);
-    EXPECT_THROW(PictureWriter(changed).Write(Bytes(4)), FailedJob);
+    EXPECT_THROW(media::PictureWriter(changed).Write(Bytes(4)), FailedJob);
 }
 
 TEST_F(PictureFile, ATargetAppearsOnlyWhenCommitted)
@@ -209,10 +209,10 @@ TEST_F(PictureFile, ATargetAppearsOnlyWhenCommitted)
 
 TEST_F(PictureFile, TheSampleSceneHasSomethingForEveryEffect)
 {
-    const Picture scene = DrawSampleScene();
+    const media::Picture scene = media::DrawSampleScene();
     ASSERT_EQ(scene.width, 640);
     ASSERT_EQ(scene.height, 480);
-    EXPECT_FALSE(HasAlpha(scene));
+    EXPECT_FALSE(media::HasAlpha(scene));
     std::set<std::uint32_t> colours;
     for (std::size_t i = 0; i < scene.pixels.size(); i += 4)
         colours.insert(scene.pixels[i] | scene.pixels[i + 1] << 8 | scene.pixels[i + 2] << 16);
@@ -232,4 +232,4 @@ TEST_F(PictureFile, TheSampleSceneHasSomethingForEveryEffect)
 }
 
 } // namespace
-} // namespace vixa::host
+} // namespace vixahost

@@ -1,11 +1,11 @@
 #include "tests/host/Process.h"
 
-#include "framework/Handles.h"
+#include "host/base/Handles.h"
 #include "tests/host/TestFiles.h"
 
 #include <stdexcept>
 
-namespace vixa::host::test {
+namespace vixahost::test {
 
 namespace {
 
@@ -91,4 +91,4 @@ Outcome RunHost(const std::filesystem::path& folder, const std::vector<std::wstr
     return outcome;
 }
 
-} // namespace vixa::host::test
+} // namespace vixahost::test

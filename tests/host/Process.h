@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace vixa::host::test {
+namespace vixahost::test {
 
 struct Outcome
 {
@@ -20,4 +20,4 @@ struct Outcome
 Outcome RunHost(const std::filesystem::path& folder, const std::vector<std::wstring>& words,
                 const std::wstring& interruptWhen = L"");
 
-} // namespace vixa::host::test
+} // namespace vixahost::test

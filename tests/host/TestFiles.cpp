@@ -9,7 +9,7 @@
 #include <random>
 #include <stdexcept>
 
-namespace vixa::host::test {
+namespace vixahost::test {
 
 ScratchFolder::ScratchFolder()
 {
@@ -46,10 +46,10 @@ void WriteBytes(const std::filesystem::path& file, const Bytes& bytes)
     stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
-Picture TestPicture(int width, int height, unsigned seed, bool alpha)
+media::Picture TestPicture(int width, int height, unsigned seed, bool alpha)
 {
     std::mt19937 random(seed);
-    Picture picture(width, height);
+    media::Picture picture(width, height);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
             for (int channel = 0; channel < 4; ++channel)
@@ -312,4 +312,4 @@ ParsedClip ParseClip(const Bytes& file)
     return clip;
 }
 
-} // namespace vixa::host::test
+} // namespace vixahost::test

@@ -2,14 +2,14 @@
 // that what the host reads was not written by what is under test.
 #pragma once
 
-#include "host/Picture.h"
+#include "host/media/Picture.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
 
-namespace vixa::host::test {
+namespace vixahost::test {
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -35,7 +35,7 @@ Bytes ReadBytes(const std::filesystem::path& file);
 void WriteBytes(const std::filesystem::path& file, const Bytes& bytes);
 
 // Smooth in one direction and noisy in the other, the same for the same seed; opaque unless `alpha`.
-Picture TestPicture(int width, int height, unsigned seed, bool alpha = false);
+media::Picture TestPicture(int width, int height, unsigned seed, bool alpha = false);
 
 // What a test clip is made of.
 struct ClipRecipe
@@ -72,4 +72,4 @@ struct ParsedClip
 };
 ParsedClip ParseClip(const Bytes& file);
 
-} // namespace vixa::host::test
+} // namespace vixahost::test

@@ -1,25 +1,25 @@
 // The command line, effects' names and settings, and the words of the progress display.
-#include "host/CommandLine.h"
-#include "host/HostError.h"
-#include "host/NearestNames.h"
-#include "host/Progress.h"
-#include "host/Text.h"
+#include "host/base/HostError.h"
+#include "host/base/NearestNames.h"
+#include "host/base/Progress.h"
+#include "host/base/Text.h"
+#include "host/commands/CommandLine.h"
 
 #include <gtest/gtest.h>
 
-namespace vixa::host {
+namespace vixahost {
 namespace {
 
-ApplyCommand ParseApply(const std::vector<std::string>& words)
+commands::ApplyCommand ParseApply(const std::vector<std::string>& words)
 {
-    return std::get<ApplyCommand>(ParseCommandLine(words));
+    return std::get<commands::ApplyCommand>(commands::ParseCommandLine(words));
 }
 
 // The complaint about wrong words; "" when they were taken.
 std::string Complaint(const std::vector<std::string>& words)
 {
     try {
-        ParseCommandLine(words);
+        commands::ParseCommandLine(words);
         return "";
     } catch (const HostError& fault) {
         EXPECT_EQ(fault.Status(), 2);
@@ -30,13 +30,14 @@ std::string Complaint(const std::vector<std::string>& words)
 
 TEST(Words, EachCommandIsUnderstood)
 {
-    EXPECT_TRUE(std::holds_alternative<ShowCommand>(ParseCommandLine({})));
-    EXPECT_TRUE(std::holds_alternative<EffectsCommand>(ParseCommandLine({"effects"})));
+    EXPECT_TRUE(std::holds_alternative<commands::ShowCommand>(commands::ParseCommandLine({})));
+    EXPECT_TRUE(std::holds_alternative<commands::EffectsCommand>(commands::ParseCommandLine({"effects"})));
     for (const char* word : {"--help", "--version"})
-        EXPECT_TRUE(std::holds_alternative<TextCommand>(ParseCommandLine({word}))) << word;
-    EXPECT_NE(std::get<TextCommand>(ParseCommandLine({"apply", "--help"})).text.find("--then"), std::string::npos);
+        EXPECT_TRUE(std::holds_alternative<commands::TextCommand>(commands::ParseCommandLine({word}))) << word;
+    EXPECT_NE(std::get<commands::TextCommand>(commands::ParseCommandLine({"apply", "--help"})).text.find("--then"),
+              std::string::npos);
 
-    const ApplyCommand apply = ParseApply({"apply", "EMBOSS", "/tmp/in.png", "out/\xC3\xA4.png"});
+    const commands::ApplyCommand apply = ParseApply({"apply", "EMBOSS", "/tmp/in.png", "out/\xC3\xA4.png"});
     EXPECT_EQ(apply.input.native(), L"/tmp/in.png") << "a path in Unix spelling is no option";
     EXPECT_EQ(apply.output.native(), L"out/\x00e4.png");
     ASSERT_EQ(apply.stack.size(), 1u);
@@ -45,7 +46,7 @@ TEST(Words, EachCommandIsUnderstood)
 
 TEST(Words, ASettingBelongsToTheEffectBeforeIt)
 {
-    const ApplyCommand apply =
+    const commands::ApplyCommand apply =
         ParseApply({"apply", "Gamma correction", "--set", "gamma=160", "--then", "add pixel", "--set", "red=-30",
                     "--set=Blue=+7", "--then", "gamma correction", "--set", "GAMMA=45", "in.png", "out.png"});
     ASSERT_EQ(apply.stack.size(), 3u);
@@ -60,7 +61,7 @@ TEST(Words, ASettingBelongsToTheEffectBeforeIt)
 TEST(Words, NamedValuesAndRangesAreKept)
 {
     const auto set = [](const char* effect, const char* assignment) {
-        EffectStep step(FindEffect(effect));
+        effects::EffectStep step(effects::FindEffect(effect));
         step.Set(assignment);
         return step.Settings();
     };
@@ -85,7 +86,7 @@ TEST(Words, NamedValuesAndRangesAreKept)
                               {"Emboss", "depth=3", "takes none"},
                               {"Add pixel", "red=--3", "-255 to 255"},
                               {"Add pixel", "moveAll=1", "red"}}) {
-        EffectStep step(FindEffect(wrong.effect));
+        effects::EffectStep step(effects::FindEffect(wrong.effect));
         const std::string before = step.Settings();
         try {
             step.Set(wrong.assignment);
@@ -124,7 +125,7 @@ TEST(Words, NearestNamesComeFirst)
     EXPECT_EQ(EditDistance("emobss", "emboss"), 1u) << "two neighbours swapped are one mistake";
 
     std::vector<std::string> names;
-    for (const EffectEntry& effect : Effects())
+    for (const effects::EffectEntry& effect : effects::Effects())
         names.emplace_back(effect.name);
     ASSERT_EQ(names.size(), 13u);
     EXPECT_EQ(NearestNames("Filter colour", names).front(), "Filter color");
@@ -161,4 +162,4 @@ TEST(Words, TextKeepsEveryLetter)
 }
 
 } // namespace
-} // namespace vixa::host
+} // namespace vixahost

@@ -1,7 +1,7 @@
 // The validator on the product, which it must pass, and on broken builds of it, each of which it must catch by name.
 #include "host/validate/Validation.h"
 
-#include "host/EffectLibrary.h"
+#include "host/effects/EffectLibrary.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,8 @@
 #include <iterator>
 #include <set>
 
-using namespace vixa::host;
+using namespace vixahost;
+using namespace vixahost::validate;
 
 namespace {
 
@@ -18,7 +19,7 @@ std::vector<Result> Examine(const std::filesystem::path& library, std::vector<st
 {
     ValidationRequest request;
     request.dll = library;
-    request.program = ThisProgram().parent_path() / L"vixahost.exe";
+    request.program = effects::ThisProgram().parent_path() / L"vixahost.exe";
     request.groups = std::move(groups);
     request.secondsPerCheck = seconds;
     return Validate(request, {});
@@ -26,7 +27,7 @@ std::vector<Result> Examine(const std::filesystem::path& library, std::vector<st
 
 TEST(Validator, PassesTheProduct)
 {
-    const auto results = Examine(LibraryBesideTheProgram(), {});
+    const auto results = Examine(effects::LibraryBesideTheProgram(), {});
     EXPECT_EQ(results.size(), AllChecks().size());
     for (const Result& result : results)
         EXPECT_EQ(result.status, Status::Success) << result.check->Id() << ": " << result.reason;
@@ -66,7 +67,7 @@ TEST_P(BrokenLibrary, IsCaughtByTheCheckMeantForIt)
     const Fault& fault = GetParam();
     const std::string check = fault.check, group = check.substr(0, check.find('/'));
     const auto library =
-        LibraryBesideTheProgram().parent_path().parent_path() / L"broken" / fault.name / L"VixaVideoFX.dll";
+        effects::LibraryBesideTheProgram().parent_path().parent_path() / L"broken" / fault.name / L"VixaVideoFX.dll";
     const auto results = Examine(library, {group}, 2);
     // A crash doesn't end the others' run: every check of the group has a result.
     EXPECT_EQ(results.size(), ChecksOf(group).size());

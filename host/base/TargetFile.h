@@ -1,0 +1,32 @@
+// A file that appears under its name only when it is whole.
+#pragma once
+
+#include <filesystem>
+
+namespace vixahost {
+
+// Between construction and Commit the data goes to a temporary file beside the target (same folder, so that the rename
+// is one step of the file system). Whatever ends the job before Commit removes it; an older target stays as it was.
+class TargetFile
+{
+public:
+    // Throws FailedJob when the target's folder is missing or the target is a folder itself.
+    explicit TargetFile(const std::filesystem::path& file);
+    ~TargetFile();
+    TargetFile(const TargetFile&) = delete;
+    TargetFile& operator=(const TargetFile&) = delete;
+
+    const std::filesystem::path& Temporary() const noexcept { return temporary; }
+
+    // Puts the temporary, closed by now, in the target's place. Throws FailedJob.
+    void Commit();
+
+private:
+    std::filesystem::path target;
+    std::filesystem::path temporary;
+};
+
+// True when both names lead to one existing file, however they are spelled.
+bool IsSameFile(const std::filesystem::path& one, const std::filesystem::path& other);
+
+} // namespace vixahost

@@ -1,0 +1,79 @@
+#include "host/base/Text.h"
+
+#include <cstdio>
+
+namespace vixahost {
+
+namespace {
+
+void Write(HANDLE output, std::string_view utf8)
+{
+    DWORD written = 0;
+    if (IsTerminal(output)) {
+        const std::wstring wide = Wide(utf8);
+        WriteConsoleW(output, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr);
+        return;
+    }
+    while (!utf8.empty() && WriteFile(output, utf8.data(), static_cast<DWORD>(utf8.size()), &written, nullptr) &&
+           written > 0)
+        utf8.remove_prefix(written);
+}
+
+} // namespace
+
+std::string Utf8(std::wstring_view text)
+{
+    const int length = static_cast<int>(text.size());
+    const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+    std::string result(static_cast<std::size_t>(size), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, result.data(), size, nullptr, nullptr);
+    return result;
+}
+
+std::wstring Wide(std::string_view utf8)
+{
+    const int length = static_cast<int>(utf8.size());
+    const int size = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, nullptr, 0);
+    std::wstring result(static_cast<std::size_t>(size), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, result.data(), size);
+    return result;
+}
+
+std::string Show(const std::filesystem::path& path)
+{
+    return Utf8(path.native());
+}
+
+std::string Show(HRESULT result)
+{
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(result));
+    return text;
+}
+
+std::string LowerCase(std::string_view text)
+{
+    std::string result(text);
+    for (char& letter : result)
+        if (letter >= 'A' && letter <= 'Z')
+            letter = static_cast<char>(letter - 'A' + 'a');
+    return result;
+}
+
+bool IsTerminal(HANDLE output) noexcept
+{
+    DWORD mode = 0;
+    return GetFileType(output) == FILE_TYPE_CHAR && GetConsoleMode(output, &mode) != FALSE;
+}
+
+void Say(std::string_view utf8)
+{
+    Write(GetStdHandle(STD_OUTPUT_HANDLE), utf8);
+}
+
+void Complain(std::string_view utf8)
+{
+    Write(GetStdHandle(STD_ERROR_HANDLE), utf8);
+}
+
+} // namespace vixahost

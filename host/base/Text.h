@@ -1,0 +1,32 @@
+// Text between the host (UTF-8), the platform (UTF-16) and the user's terminal.
+#pragma once
+
+#include <windows.h>
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace vixahost {
+
+// Unpaired surrogates and malformed UTF-8 become U+FFFD.
+std::string Utf8(std::wstring_view text);
+std::wstring Wide(std::string_view utf8);
+
+// A path as the user wrote it, for messages.
+std::string Show(const std::filesystem::path& path);
+
+// A result code as "0x80004005".
+std::string Show(HRESULT result);
+
+// Lower-case ASCII letters; other bytes stay.
+std::string LowerCase(std::string_view text);
+
+// True when the handle is a terminal (a console), not a file, pipe or device.
+bool IsTerminal(HANDLE output) noexcept;
+
+// Writes to standard output or standard error: UTF-16 to a terminal, UTF-8 elsewhere. The text goes out at once.
+void Say(std::string_view utf8);
+void Complain(std::string_view utf8);
+
+} // namespace vixahost

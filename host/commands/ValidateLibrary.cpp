@@ -1,0 +1,109 @@
+#include "host/base/HostError.h"
+#include "host/base/Json.h"
+#include "host/base/NearestNames.h"
+#include "host/base/Text.h"
+#include "host/commands/Commands.h"
+#include "host/effects/EffectLibrary.h"
+#include "host/validate/Validation.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace vixahost::commands {
+
+namespace {
+
+constexpr validate::Status statuses[] = {validate::Status::Success, validate::Status::Skipped,
+                                         validate::Status::Warning, validate::Status::Failed,
+                                         validate::Status::Crashed};
+
+std::ptrdiff_t Count(const std::vector<validate::Result>& results, validate::Status status)
+{
+    return std::count_if(results.begin(), results.end(),
+                         [&](const validate::Result& one) { return one.status == status; });
+}
+
+std::string Line(const validate::Result& result)
+{
+    char front[64];
+    std::snprintf(front, sizeof front, "%-8s %6d ms  ", validate::NameOf(result.status), result.milliseconds);
+    std::string line = front + result.check->Id();
+    if (!result.reason.empty())
+        line += ": " + result.reason;
+    return line + "\n";
+}
+
+std::string Tally(const std::vector<validate::Result>& results)
+{
+    std::string text = std::to_string(results.size()) + " checks:";
+    for (const validate::Status status : statuses)
+        text += std::string(status == validate::Status::Success ? " " : ", ") + std::to_string(Count(results, status)) +
+                " " + validate::NameOf(status);
+    return text + "\n";
+}
+
+std::string ToJson(const std::filesystem::path& library, const std::vector<validate::Result>& results)
+{
+    Json tally, checks = Json::array();
+    for (const validate::Status status : statuses)
+        tally[validate::NameOf(status)] = Count(results, status);
+    for (const validate::Result& result : results)
+        checks.push_back({{"id", result.check->Id()},
+                          {"sentence", result.check->sentence},
+                          {"status", validate::NameOf(result.status)},
+                          {"reason", result.reason},
+                          {"milliseconds", result.milliseconds}});
+    const Json document = {{"library", Show(library)}, {"checks", checks}, {"tally", tally}};
+    return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::string ListChecks(bool json)
+{
+    Json list = Json::array();
+    std::string text;
+    for (const validate::Check& check : validate::AllChecks()) {
+        list.push_back({{"id", check.Id()}, {"sentence", check.sentence}});
+        std::string id = check.Id();
+        id.resize(std::max<std::size_t>(id.size() + 1, 34), ' ');
+        text += id + check.sentence + "\n";
+    }
+    return json ? list.dump(2) + "\n" : text;
+}
+
+} // namespace
+
+void ValidateLibrary(const ValidateCommand& command)
+{
+    if (command.list)
+        return Say(ListChecks(command.json));
+    const auto groups = validate::Groups();
+    for (const std::string& group : command.groups)
+        if (std::find(groups.begin(), groups.end(), group) == groups.end())
+            throw WrongWords("There is no group \"" + group + "\" of checks; did you mean " +
+                             Alternatives(NearestNames(group, groups)) + "? `vixahost validate --list` shows all.");
+    validate::ValidationRequest request;
+    request.dll = std::filesystem::absolute(command.dll.empty() ? effects::LibraryBesideTheProgram() : command.dll)
+                      .make_preferred();
+    request.program = effects::ThisProgram();
+    request.groups = command.groups;
+    request.secondsPerCheck = command.secondsPerCheck;
+    if (GetFileAttributesW(request.dll.c_str()) == INVALID_FILE_ATTRIBUTES)
+        throw FailedJob("There is no library to check: " + Show(request.dll));
+
+    const auto results = validate::Validate(request, [&](const validate::Result& result) {
+        if (!command.json)
+            Say(Line(result));
+    });
+    Say(command.json ? ToJson(request.dll, results) : Tally(results));
+    const auto bad = Count(results, validate::Status::Failed) + Count(results, validate::Status::Crashed);
+    if (bad > 0)
+        throw FailedJob(std::to_string(bad) + (bad == 1 ? " check" : " checks") + " failed on " + Show(request.dll) +
+                        "; docs/validator.md says what each one asks for.");
+}
+
+void RunChecksAsChild(const ChildCommand& command)
+{
+    validate::RunAsChild(command.dll, command.group, command.firstCheck, reinterpret_cast<HANDLE>(command.report));
+}
+
+} // namespace vixahost::commands

@@ -1,0 +1,43 @@
+// The host's own property set: holds one effect's data block and hands it to the filter, panel or catalogue.
+#pragma once
+
+#include <vixavideofx/PropertySets.h>
+
+#include <wrl/client.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <mutex>
+#include <span>
+#include <vector>
+
+namespace vixahost::effects {
+
+// May be called from any thread. Answers IUnknown only, as a library asks for nothing else.
+class DataPropertySet final : public IDataPropertySet
+{
+public:
+    static Microsoft::WRL::ComPtr<DataPropertySet> Create(std::span<const std::int32_t> block);
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) noexcept override;
+    ULONG STDMETHODCALLTYPE AddRef() noexcept override;
+    ULONG STDMETHODCALLTYPE Release() noexcept override;
+
+    // E_POINTER when an argument is null, E_FAIL while the set is empty.
+    HRESULT STDMETHODCALLTYPE GetData(void* buffer, int* size) noexcept override;
+    // E_INVALIDARG for a negative size or missing data, E_OUTOFMEMORY; the old block then stays.
+    HRESULT STDMETHODCALLTYPE SetData(const void* data, int size) noexcept override;
+
+    // A copy of the stored block, as far as it is made of whole numbers.
+    std::vector<std::int32_t> Block();
+
+private:
+    DataPropertySet() = default;
+    ~DataPropertySet() = default;
+
+    LONG references = 1;
+    std::mutex lock;
+    std::vector<std::byte> stored;
+};
+
+} // namespace vixahost::effects

@@ -1,0 +1,99 @@
+#include "host/effects/EffectLibrary.h"
+
+#include "host/base/HostError.h"
+#include "host/base/Text.h"
+
+namespace vixahost::effects {
+
+namespace {
+
+std::filesystem::path FileOf(HMODULE module)
+{
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size()) {
+            path.resize(length);
+            return path;
+        }
+        path.resize(path.size() * 2);
+    }
+}
+
+template <typename Function>
+Function Export(HMODULE module, const char* name)
+{
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+}
+
+} // namespace
+
+std::filesystem::path ThisProgram()
+{
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size()) {
+            path.resize(length);
+            return path;
+        }
+        path.resize(path.size() * 2);
+    }
+}
+
+std::filesystem::path LibraryBesideTheProgram()
+{
+    return ThisProgram().parent_path() / L"VixaVideoFX.dll";
+}
+
+EffectLibrary::EffectLibrary() : EffectLibrary(LibraryBesideTheProgram()) {}
+
+EffectLibrary::EffectLibrary(const std::filesystem::path& file) : module(LoadLibraryW(file.c_str()))
+{
+    if (!module)
+        throw FailedJob("The effect library can't be loaded (system error " + std::to_string(GetLastError()) +
+                        "); put it here: " + Show(file));
+    getClassObject = Export<GetClassObject>(module.get(), "DllGetClassObject");
+    canUnloadNow = Export<CanUnloadNow>(module.get(), "DllCanUnloadNow");
+    if (!getClassObject || !canUnloadNow)
+        throw FailedJob(Show(file) + " is no effect library (it lacks DllGetClassObject or DllCanUnloadNow); "
+                                     "put the right one there.");
+}
+
+Microsoft::WRL::ComPtr<IBaseFilter> EffectLibrary::CreateFilter(const GUID& classId, const char* name) const
+{
+    Microsoft::WRL::ComPtr<IClassFactory> factory;
+    HRESULT result = getClassObject(classId, IID_IClassFactory, &factory);
+    Microsoft::WRL::ComPtr<IBaseFilter> filter;
+    if (SUCCEEDED(result))
+        result = factory->CreateInstance(nullptr, IID_IBaseFilter, &filter);
+    if (FAILED(result))
+        throw FailedJob("The library can't make the effect \"" + std::string(name) + "\" (" + Show(result) +
+                        "); is VixaVideoFX.dll of the same version as this program?");
+    return filter;
+}
+
+Microsoft::WRL::ComPtr<IEffectInfo> EffectLibrary::CatalogueOf(const GUID& classId) const
+{
+    Microsoft::WRL::ComPtr<IClassFactory> factory;
+    HRESULT result = getClassObject(classId, IID_IClassFactory, &factory);
+    Microsoft::WRL::ComPtr<IEffectInfo> info;
+    if (SUCCEEDED(result))
+        result = factory->QueryInterface(IID_IEffectInfo, &info);
+    if (FAILED(result))
+        throw FailedJob("The library tells nothing about one of its effects (" + Show(result) +
+                        "); is VixaVideoFX.dll of the same version as this program?");
+    return info;
+}
+
+std::filesystem::path EffectLibrary::File() const
+{
+    return FileOf(module.get());
+}
+
+bool EffectLibrary::CanUnload() const noexcept
+{
+    return canUnloadNow() == S_OK;
+}
+
+} // namespace vixahost::effects

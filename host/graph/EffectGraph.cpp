@@ -1,0 +1,140 @@
+#include "host/graph/EffectGraph.h"
+
+#include "host/base/HostError.h"
+#include "host/base/Interrupt.h"
+#include "host/base/Text.h"
+#include "host/effects/DataPropertySet.h"
+
+#include <vixavideofx/IEffectFilter.h>
+
+namespace vixahost::graph {
+
+namespace {
+
+void Require(HRESULT result, const std::string& what)
+{
+    if (FAILED(result))
+        throw FailedJob(what + " (" + Show(result) + ").");
+}
+
+ComPtr<IPin> FindPin(IBaseFilter* filter, PIN_DIRECTION wanted)
+{
+    ComPtr<IEnumPins> pins;
+    if (FAILED(filter->EnumPins(&pins)))
+        return nullptr;
+    for (ComPtr<IPin> pin; pins->Next(1, pin.ReleaseAndGetAddressOf(), nullptr) == S_OK;) {
+        PIN_DIRECTION direction = PINDIR_INPUT;
+        if (SUCCEEDED(pin->QueryDirection(&direction)) && direction == wanted)
+            return pin;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+EffectGraph::EffectGraph(const effects::EffectLibrary& library, const effects::EffectStack& stack,
+                         media::FrameReader& reader, media::FrameWriter& writer, REFERENCE_TIME duration)
+{
+    constexpr const char* noGraph = "The system's filter graph can't be had";
+    Require(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&graph)), noGraph);
+    Require(graph.As(&control), noGraph);
+    Require(graph->QueryInterface(IID_IMediaEvent, &events), noGraph);
+    source = FrameSource::Create(reader, timer);
+    sink = FrameSink::Create(writer, reader.Format(), timer);
+
+    Add(source.Get(), "Source");
+    IBaseFilter* last = source.Get();
+    for (const effects::EffectStep& step : stack) {
+        const ComPtr<IBaseFilter> filter = library.CreateFilter(*step.Effect().classId, step.Effect().name);
+        ComPtr<IEffectFilter> effect;
+        Require(filter.As(&effect), "\"" + std::string(step.Effect().name) + "\" takes no parameters from a host");
+        effects.push_back(filter);
+        Require(effect->SetPropertySet(effects::DataPropertySet::Create(step.Block()).Get()),
+                "Parameters were refused");
+        Require(effect->SetDuration(duration), "The length was refused");
+        Add(filter.Get(), step.Effect().name);
+        Connect(last, filter.Get(), step.Effect().name);
+        last = filter.Get();
+    }
+    Add(sink.Get(), "Sink");
+    Connect(last, sink.Get(), "Sink");
+
+    // Without a clock nobody waits for a frame's time.
+    ComPtr<IMediaFilter> asFilter;
+    Require(graph.As(&asFilter), noGraph);
+    Require(asFilter->SetSyncSource(nullptr), "The graph's clock can't be switched off");
+}
+
+EffectGraph::~EffectGraph()
+{
+    control->Stop();
+}
+
+void EffectGraph::Add(IBaseFilter* filter, const char* name)
+{
+    Require(graph->AddFilter(filter, Wide(name).c_str()), "The graph refuses \"" + std::string(name) + "\"");
+}
+
+void EffectGraph::Connect(IBaseFilter* from, IBaseFilter* to, const char* name)
+{
+    const ComPtr<IPin> output = FindPin(from, PINDIR_OUTPUT), input = FindPin(to, PINDIR_INPUT);
+    Require(output && input ? graph->ConnectDirect(output.Get(), input.Get(), nullptr) : VFW_E_NOT_FOUND,
+            "\"" + std::string(name) + "\" can't be connected");
+}
+
+void EffectGraph::Start()
+{
+    if (const HRESULT result = control->Run(); FAILED(result))
+        Fail(result);
+}
+
+void EffectGraph::Stop() noexcept
+{
+    control->Stop();
+}
+
+void EffectGraph::Run(const std::function<void(std::int64_t)>& onProgress)
+{
+    Start();
+    WaitForEnd(onProgress);
+    control->Stop();
+    if (onProgress)
+        onProgress(sink->FramesWritten());
+}
+
+void EffectGraph::WaitForEnd(const std::function<void(std::int64_t)>& onProgress)
+{
+    OAEVENT handle = 0;
+    Require(events->GetEventHandle(&handle), "The graph reports no events");
+    for (;;) {
+        if (Interrupted()) {
+            control->Stop();
+            throw FailedJob("Stopped before the end; nothing was written.");
+        }
+        WaitForSingleObject(reinterpret_cast<HANDLE>(handle), 100);
+        long code = 0;
+        LONG_PTR first = 0, second = 0;
+        while (SUCCEEDED(events->GetEvent(&code, &first, &second, 0))) {
+            const auto result = static_cast<HRESULT>(first);
+            events->FreeEventParams(code, first, second);
+            if (code == EC_COMPLETE)
+                return;
+            if (code == EC_ERRORABORT || code == EC_USERABORT)
+                Fail(result);
+        }
+        if (onProgress)
+            onProgress(sink->FramesWritten());
+    }
+}
+
+void EffectGraph::Fail(HRESULT result) const
+{
+    control->Stop();
+    if (source->Failure())
+        std::rethrow_exception(source->Failure());
+    if (sink->Failure())
+        std::rethrow_exception(sink->Failure());
+    throw FailedJob("The filter graph failed (" + Show(result) + ").");
+}
+
+} // namespace vixahost::graph

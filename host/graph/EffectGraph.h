@@ -1,0 +1,59 @@
+// A filter graph: source, effects in series, sink.
+#pragma once
+
+#include "host/effects/EffectLibrary.h"
+#include "host/effects/EffectStack.h"
+#include "host/graph/FrameSink.h"
+#include "host/graph/FrameSource.h"
+#include "host/graph/PassTimer.h"
+
+#include <control.h>
+
+#include <functional>
+
+namespace vixahost::graph {
+
+// Built, run once and taken apart on one thread, in which COM must be running. Library, reader and writer must outlive
+// it.
+class EffectGraph
+{
+public:
+    // `duration` is the whole length in units of 100 ns, which the effects are told. Throws FailedJob.
+    EffectGraph(const effects::EffectLibrary& library, const effects::EffectStack& stack, media::FrameReader& reader,
+                media::FrameWriter& writer, REFERENCE_TIME duration);
+    ~EffectGraph();
+    EffectGraph(const EffectGraph&) = delete;
+    EffectGraph& operator=(const EffectGraph&) = delete;
+
+    // Sends all frames through. `onProgress` is called ten times a second with the frames written, and once at the end.
+    // Throws what the reader or the writer threw, FailedJob when the graph fails, and FailedJob("Stopped ...") soon
+    // after the user has interrupted the process.
+    void Run(const std::function<void(std::int64_t)>& onProgress = {});
+
+    // Sets the graph running and returns; it runs until Stop, or until the reader ends. Throws as Run does.
+    void Start();
+    // A reader that waits inside Read must have been woken before: Stop waits for the streaming thread.
+    void Stop() noexcept;
+
+    // The time that the effects took for a frame, in milliseconds.
+    double MedianMilliseconds() const { return timer.Median(); }
+
+    // The filter of one step of the stack, for changes while the graph runs.
+    IBaseFilter* Filter(std::size_t step) const { return effects.at(step).Get(); }
+
+private:
+    void Add(IBaseFilter* filter, const char* name);
+    void Connect(IBaseFilter* from, IBaseFilter* to, const char* name);
+    void WaitForEnd(const std::function<void(std::int64_t)>& onProgress);
+    [[noreturn]] void Fail(HRESULT result) const;
+
+    PassTimer timer;
+    ComPtr<IGraphBuilder> graph;
+    ComPtr<IMediaControl> control;
+    ComPtr<IMediaEvent> events;
+    ComPtr<FrameSource> source;
+    ComPtr<FrameSink> sink;
+    std::vector<ComPtr<IBaseFilter>> effects;
+};
+
+} // namespace vixahost::graph

@@ -1,0 +1,43 @@
+// How long the effects take for each frame: from the source's handing it out to the sink's getting it.
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <vector>
+
+namespace vixahost::graph {
+
+// Used by the streaming thread while the graph runs, read when it has stopped. Keeps the first `room` frames' times,
+// so that a long clip allocates nothing.
+class PassTimer
+{
+public:
+    explicit PassTimer(std::size_t room = 256) { passes.reserve(room); }
+
+    void Begin() noexcept { begin = Clock::now(); }
+    void End()
+    {
+        if (passes.size() < passes.capacity())
+            passes.push_back(std::chrono::duration<double, std::milli>(Clock::now() - begin).count());
+    }
+
+    // Milliseconds; 0 when no frame has passed.
+    double Median() const
+    {
+        if (passes.empty())
+            return 0;
+        std::vector<double> sorted = passes;
+        const auto middle = sorted.begin() + static_cast<std::ptrdiff_t>(sorted.size() / 2);
+        std::nth_element(sorted.begin(), middle, sorted.end());
+        return *middle;
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    Clock::time_point begin = {};
+    std::vector<double> passes;
+};
+
+} // namespace vixahost::graph

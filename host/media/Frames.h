@@ -1,0 +1,52 @@
+// What flows through the host's graph: frames of one size, from a reader to a writer.
+#pragma once
+
+#include <strmif.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace vixahost::media {
+
+// 32-bit RGB, rows bottom-up and without padding: blue, green, red and a byte without colour.
+struct FrameFormat
+{
+    int width = 0; // pixels
+    int height = 0;
+    std::uint32_t rate = 1; // frames per second are rate / scale
+    std::uint32_t scale = 1;
+
+    std::size_t FrameBytes() const noexcept
+    {
+        return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4;
+    }
+    // When frame `index` begins, in units of 100 ns.
+    REFERENCE_TIME TimeOf(std::int64_t index) const noexcept
+    {
+        // Whole seconds apart, so that the product stays within 64 bits for any rate and scale.
+        const std::int64_t units = index * scale;
+        return units / rate * 10'000'000 + units % rate * 10'000'000 / rate;
+    }
+};
+
+// Gives frames one after the other. Called on the graph's streaming thread only.
+class FrameReader
+{
+public:
+    virtual ~FrameReader() = default;
+    virtual FrameFormat Format() const = 0;
+    // Fills `frame` (Format().FrameBytes() bytes) with the next frame; false when there is none. Throws HostError.
+    virtual bool Read(std::span<std::uint8_t> frame) = 0;
+};
+
+// Takes frames one after the other. Called on the graph's streaming thread only.
+class FrameWriter
+{
+public:
+    virtual ~FrameWriter() = default;
+    // Throws HostError; the graph then stops.
+    virtual void Write(std::span<const std::uint8_t> frame) = 0;
+};
+
+} // namespace vixahost::media

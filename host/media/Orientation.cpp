@@ -1,0 +1,121 @@
+#include "host/media/Orientation.h"
+
+#include <cstddef>
+#include <cstring>
+#include <optional>
+
+namespace vixahost::media {
+
+namespace {
+
+using Bytes = std::span<const std::uint8_t>;
+
+// Numbers out of bytes in either order; nothing beyond the end.
+class Numbers
+{
+public:
+    Numbers(Bytes from, bool bigEndian) : bytes(from), big(bigEndian) {}
+
+    std::optional<std::uint32_t> At(std::size_t offset, std::size_t size) const
+    {
+        if (offset > bytes.size() || bytes.size() - offset < size)
+            return std::nullopt;
+        std::uint32_t value = 0;
+        for (std::size_t i = 0; i < size; ++i)
+            value = value << 8 | bytes[offset + (big ? i : size - 1 - i)];
+        return value;
+    }
+
+private:
+    Bytes bytes;
+    bool big;
+};
+
+bool StartsWith(Bytes bytes, const void* text, std::size_t length)
+{
+    return bytes.size() >= length && std::memcmp(bytes.data(), text, length) == 0;
+}
+
+unsigned OrientationInTiff(Bytes tiff)
+{
+    const bool big = StartsWith(tiff, "MM\0*", 4);
+    if (!big && !StartsWith(tiff, "II*\0", 4))
+        return 1;
+    const Numbers numbers(tiff, big);
+    const std::uint32_t directory = numbers.At(4, 4).value_or(0);
+    const std::uint32_t entries = numbers.At(directory, 2).value_or(0);
+    for (std::uint32_t i = 0; i < entries; ++i) {
+        // 12 bytes each: tag, type, count, and the value itself where it fits.
+        const std::size_t entry = std::size_t{directory} + 2 + std::size_t{i} * 12;
+        if (numbers.At(entry, 2) != 274u)
+            continue;
+        const std::uint32_t value = numbers.At(entry + 8, 2).value_or(1);
+        return numbers.At(entry + 2, 2) == 3u && value >= 1 && value <= 8 ? value : 1;
+    }
+    return 1;
+}
+
+unsigned OrientationInJpeg(Bytes file)
+{
+    const Numbers numbers(file, true);
+    for (std::size_t at = 2; numbers.At(at, 1) == 0xFFu;) {
+        const std::uint32_t marker = numbers.At(at + 1, 1).value_or(0);
+        const std::uint32_t length = numbers.At(at + 2, 2).value_or(0);
+        // The picture's own data begins: what the camera says stands before it.
+        if (marker == 0xDA || length < 2 || file.size() - at - 2 < length)
+            return 1;
+        const Bytes segment = file.subspan(at + 4, length - 2);
+        if (marker == 0xE1 && StartsWith(segment, "Exif\0", 6))
+            return OrientationInTiff(segment.subspan(6));
+        at += 2 + std::size_t{length};
+    }
+    return 1;
+}
+
+unsigned OrientationInPng(Bytes file)
+{
+    const Numbers numbers(file, true);
+    for (std::size_t at = 8;;) {
+        const std::optional<std::uint32_t> length = numbers.At(at, 4);
+        // Each chunk: length, four letters, content, checksum.
+        if (!length || file.size() - at < 12 || file.size() - at - 12 < *length)
+            return 1;
+        if (StartsWith(file.subspan(at + 4), "eXIf", 4))
+            return OrientationInTiff(file.subspan(at + 8, *length));
+        at += 12 + std::size_t{*length};
+    }
+}
+
+} // namespace
+
+unsigned OrientationOf(Bytes file) noexcept
+{
+    if (StartsWith(file, "\xFF\xD8\xFF", 3))
+        return OrientationInJpeg(file);
+    if (StartsWith(file, "\x89PNG\r\n\x1A\n", 8))
+        return OrientationInPng(file);
+    return OrientationInTiff(file);
+}
+
+Picture TurnUpright(const Picture& stored, unsigned orientation)
+{
+    // What the tag's values say of the stored picture: which of its ends is to be seen at the right, at the bottom,
+    // and whether its rows are to be seen as columns.
+    const bool sideways = orientation >= 5 && orientation <= 8;
+    const bool fromRight = orientation == 2 || orientation == 3 || orientation == 7 || orientation == 8;
+    const bool fromBottom = orientation == 3 || orientation == 4 || orientation == 6 || orientation == 7;
+    Picture upright(sideways ? stored.height : stored.width, sideways ? stored.width : stored.height);
+    upright.dpiX = sideways ? stored.dpiY : stored.dpiX;
+    upright.dpiY = sideways ? stored.dpiX : stored.dpiY;
+    for (int y = 0; y < upright.height; ++y) {
+        for (int x = 0; x < upright.width; ++x) {
+            const int column = sideways ? y : x, row = sideways ? x : y;
+            const int fromX = fromRight ? stored.width - 1 - column : column;
+            const int fromY = fromBottom ? stored.height - 1 - row : row;
+            std::memcpy(upright.Row(y) + x * 4, stored.Row(fromY) + fromX * 4, 4);
+        }
+    }
+    return upright;
+}
+
+} // namespace vixahost::media

@@ -1,0 +1,47 @@
+#include "host/media/WindowPicture.h"
+
+#include "host/base/Handles.h"
+#include "host/base/HostError.h"
+
+#include <cstring>
+
+namespace vixahost::media {
+
+Picture PictureOf(HWND window)
+{
+    RECT outer = {}, area = {};
+    GetWindowRect(window, &outer);
+    GetClientRect(window, &area);
+    MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&area), 2);
+    MENUBARINFO menu = {};
+    menu.cbSize = sizeof menu;
+    if (GetMenuBarInfo(window, OBJID_MENU, 0, &menu) && menu.rcBar.bottom > menu.rcBar.top)
+        area.top = menu.rcBar.top;
+    Picture picture(area.right - area.left, area.bottom - area.top);
+    if (picture.pixels.empty())
+        throw FailedJob("The window has no size to take a picture of.");
+    BITMAPINFO info = {};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = picture.width;
+    info.bmiHeader.biHeight = -picture.height;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    void* bits = nullptr;
+    const UniqueMemoryDC dc(CreateCompatibleDC(nullptr));
+    const UniqueBitmap bitmap(CreateDIBSection(dc.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+    if (!bitmap)
+        throw FailedJob("There is no room for a picture of the window.");
+    const HGDIOBJ old = SelectObject(dc.get(), bitmap.get());
+    const HDC source = GetWindowDC(window);
+    BitBlt(dc.get(), 0, 0, picture.width, picture.height, source, area.left - outer.left, area.top - outer.top,
+           SRCCOPY);
+    ReleaseDC(window, source);
+    GdiFlush();
+    std::memcpy(picture.pixels.data(), bits, picture.pixels.size());
+    SelectObject(dc.get(), old);
+    for (std::size_t i = 3; i < picture.pixels.size(); i += 4)
+        picture.pixels[i] = 255;
+    return picture;
+}
+
+} // namespace vixahost::media

@@ -1,0 +1,14 @@
+// What a window looks like.
+#pragma once
+
+#include "host/media/Picture.h"
+
+#include <windows.h>
+
+namespace vixahost::media {
+
+// The window as it is on the screen, with its menu but without the frame, which belongs to the desktop it is shown on.
+// It must be visible.
+Picture PictureOf(HWND window);
+
+} // namespace vixahost::media
