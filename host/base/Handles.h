@@ -5,11 +5,20 @@
 
 namespace vixahost {
 
+using vixa::Opened;
 using vixa::UniqueBitmap;
-using vixa::UniqueEvent;
+using vixa::UniqueFile;
+using vixa::UniqueFont;
 using vixa::UniqueHandle;
 using vixa::UniqueMemoryDC;
 using vixa::UniqueModule;
+using vixa::UniquePipe;
+using vixa::UniqueProcess;
 using vixa::UniqueScreenDC;
+using vixa::UniqueThread;
+using vixa::UniqueWindowDC;
+
+using UniqueSearch = UniqueHandle<HANDLE, FindClose>; // of files
+using UniqueSnapshot = vixa::UniqueKernelObject<struct SnapshotKind>;
 
 } // namespace vixahost

@@ -18,13 +18,11 @@ std::filesystem::path FolderOf(const std::filesystem::path& file)
 
 std::optional<BY_HANDLE_FILE_INFORMATION> Identity(const std::filesystem::path& file)
 {
-    const HANDLE opened = CreateFileW(file.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    if (opened == INVALID_HANDLE_VALUE)
-        return std::nullopt;
-    const UniqueEvent handle(opened);
+    const UniqueFile opened =
+        Opened(CreateFileW(file.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                           OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     BY_HANDLE_FILE_INFORMATION information = {};
-    if (!GetFileInformationByHandle(handle.get(), &information))
+    if (!opened || !GetFileInformationByHandle(opened.get(), &information))
         return std::nullopt;
     return information;
 }

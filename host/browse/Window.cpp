@@ -1,6 +1,5 @@
 #include "host/browse/Window.h"
 
-#include "host/base/Handles.h"
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
 
@@ -16,17 +15,12 @@ Style::Style()
     NONCLIENTMETRICSW metrics = {};
     metrics.cbSize = sizeof metrics;
     SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
-    font = CreateFontIndirectW(&metrics.lfMessageFont);
-    const HGDIOBJ old = SelectObject(screen.get(), font);
+    font.reset(CreateFontIndirectW(&metrics.lfMessageFont));
+    const HGDIOBJ old = SelectObject(screen.get(), font.get());
     TEXTMETRICW text = {};
     if (GetTextMetricsW(screen.get(), &text))
         lineHeight = text.tmHeight;
     SelectObject(screen.get(), old);
-}
-
-Style::~Style()
-{
-    DeleteObject(font);
 }
 
 void Style::Swap(Style& other) noexcept

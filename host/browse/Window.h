@@ -1,7 +1,7 @@
 // A window of the host's own: its class, its procedure and its object tied together.
 #pragma once
 
-#include <windows.h>
+#include "host/base/Handles.h"
 
 namespace vixahost::browse {
 
@@ -10,19 +10,16 @@ class Style
 {
 public:
     Style();
-    ~Style();
-    Style(const Style&) = delete;
-    Style& operator=(const Style&) = delete;
 
     void Swap(Style& other) noexcept;
 
-    HFONT Font() const noexcept { return font; }
+    HFONT Font() const noexcept { return font.get(); }
     // Pixels for a length given at 96 dots per inch.
     int Scale(int length) const noexcept { return MulDiv(length, dpi, 96); }
     int LineHeight() const noexcept { return lineHeight; } // pixels of one line of text
 
 private:
-    HFONT font = nullptr;
+    UniqueFont font;
     int dpi = 96;
     int lineHeight = 16;
 };

@@ -1,3 +1,4 @@
+#include "host/base/Handles.h"
 #include "host/base/HostError.h"
 #include "host/base/Interrupt.h"
 #include "host/base/Progress.h"
@@ -29,12 +30,10 @@ void RequireReadable(const std::filesystem::path& file)
         throw FailedJob(Show(file) + " is a folder; name a picture or a clip in it.");
     if (data.nFileSizeLow == 0 && data.nFileSizeHigh == 0)
         throw FailedJob(Show(file) + " is empty; name a picture or a clip that holds something.");
-    const HANDLE opened =
-        CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (opened == INVALID_HANDLE_VALUE)
+    if (!Opened(CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
+                            nullptr)))
         throw FailedJob(Show(file) + " can't be opened (system error " + std::to_string(GetLastError()) +
                         "); are you allowed to read it?");
-    CloseHandle(opened);
 }
 
 std::string StackText(const effects::EffectStack& stack)

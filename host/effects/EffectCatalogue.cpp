@@ -144,8 +144,9 @@ std::vector<Language> FindLanguages(const std::filesystem::path& libraryFile)
     std::vector<Language> languages = {{englishLanguage, "en-US", NativeName(englishLanguage)}};
     const std::wstring prefix = libraryFile.stem().native() + L"_";
     WIN32_FIND_DATAW found = {};
-    const HANDLE search = FindFirstFileW((libraryFile.parent_path() / (prefix + L"*.nls")).c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE)
+    const auto search =
+        Opened<UniqueSearch>(FindFirstFileW((libraryFile.parent_path() / (prefix + L"*.nls")).c_str(), &found));
+    if (!search)
         return languages;
     do {
         const std::wstring stem = std::filesystem::path(found.cFileName).stem().native();
@@ -153,8 +154,7 @@ std::vector<Language> FindLanguages(const std::filesystem::path& libraryFile)
         const LANGID id = LanguageOf(code);
         if (id != 0 && id != englishLanguage)
             languages.push_back({id, Utf8(code), NativeName(id)});
-    } while (FindNextFileW(search, &found));
-    FindClose(search);
+    } while (FindNextFileW(search.get(), &found));
     // One language may have two files; only then does the code tell them apart.
     std::vector<Language> named = languages;
     for (Language& language : named) {

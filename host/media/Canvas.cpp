@@ -7,12 +7,6 @@
 
 namespace vixahost::media {
 
-namespace {
-
-using UniqueFont = UniqueHandle<HFONT, DeleteObject>;
-
-} // namespace
-
 Canvas::Canvas(int columns, int rows) : width(columns), height(rows), dc(CreateCompatibleDC(nullptr))
 {
     BITMAPINFO info = {};

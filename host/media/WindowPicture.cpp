@@ -32,10 +32,9 @@ Picture PictureOf(HWND window)
     if (!bitmap)
         throw FailedJob("There is no room for a picture of the window.");
     const HGDIOBJ old = SelectObject(dc.get(), bitmap.get());
-    const HDC source = GetWindowDC(window);
-    BitBlt(dc.get(), 0, 0, picture.width, picture.height, source, area.left - outer.left, area.top - outer.top,
+    const UniqueWindowDC source(GetWindowDC(window), {window});
+    BitBlt(dc.get(), 0, 0, picture.width, picture.height, source.get(), area.left - outer.left, area.top - outer.top,
            SRCCOPY);
-    ReleaseDC(window, source);
     GdiFlush();
     std::memcpy(picture.pixels.data(), bits, picture.pixels.size());
     SelectObject(dc.get(), old);

@@ -1,4 +1,5 @@
 // Groups "loading" and "exports": what the file is, and what it shows to the system.
+#include "host/base/Handles.h"
 #include "host/base/Text.h"
 #include "host/validate/Subject.h"
 
@@ -102,13 +103,12 @@ void Version(Subject& library)
 
 int Threads()
 {
-    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    const auto snapshot = Opened<UniqueSnapshot>(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
     THREADENTRY32 entry = {};
     entry.dwSize = sizeof entry;
     int count = 0;
-    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry))
+    for (BOOL more = Thread32First(snapshot.get(), &entry); more; more = Thread32Next(snapshot.get(), &entry))
         count += entry.th32OwnerProcessID == GetCurrentProcessId();
-    CloseHandle(snapshot);
     return count;
 }
 

@@ -22,7 +22,7 @@ public:
         if (!CreatePipe(&read, &write, &inherited, 1 << 16))
             throw FailedJob("The system gives no pipe (system error " + std::to_string(GetLastError()) + ").");
         reports.reset(read);
-        const UniqueEvent writingEnd(write);
+        const UniquePipe writingEnd(write);
         SetHandleInformation(read, HANDLE_FLAG_INHERIT, 0);
         std::wstring words = L"\"" + request.program.wstring() + L"\" validate-child \"" + request.dll.wstring() +
                              L"\" " + Wide(group) + L" " + std::to_wstring(firstCheck) + L" " +
@@ -34,7 +34,7 @@ public:
                             &made))
             throw FailedJob("No process can be started for the checks (system error " + std::to_string(GetLastError()) +
                             "): " + Show(request.program));
-        CloseHandle(made.hThread);
+        const UniqueThread firstThread(made.hThread);
         process.reset(made.hProcess);
     }
     ~Child()
@@ -91,7 +91,8 @@ public:
     }
 
 private:
-    UniqueEvent reports, process; // closed like any handle
+    UniquePipe reports;
+    UniqueProcess process;
     std::string pending;
 };
 

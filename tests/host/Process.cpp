@@ -15,10 +15,10 @@ std::wstring Quoted(const std::wstring& word)
     return L"\"" + word + L"\"";
 }
 
-UniqueEvent Inherited(const std::filesystem::path& file)
+UniqueFile Inherited(const std::filesystem::path& file)
 {
     SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
-    return UniqueEvent(CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS, 0, nullptr));
+    return Opened(CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS, 0, nullptr));
 }
 
 bool Exists(const std::filesystem::path& folder, const std::wstring& beginning)
@@ -36,9 +36,9 @@ void Interrupt(HANDLE process)
 {
     const auto routine = reinterpret_cast<LPTHREAD_START_ROUTINE>(
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernelbase.dll"), "CtrlRoutine")));
-    const UniqueEvent thread(routine ? CreateRemoteThread(process, nullptr, 0, routine,
-                                                          reinterpret_cast<void*>(ULONG_PTR{CTRL_C_EVENT}), 0, nullptr)
-                                     : nullptr);
+    const UniqueThread thread(routine ? CreateRemoteThread(process, nullptr, 0, routine,
+                                                           reinterpret_cast<void*>(ULONG_PTR{CTRL_C_EVENT}), 0, nullptr)
+                                      : nullptr);
     if (!thread)
         throw std::runtime_error("Ctrl-C can't be sent");
 }
@@ -62,7 +62,7 @@ Outcome RunHost(const std::filesystem::path& folder, const std::vector<std::wstr
         line += L" " + Quoted(word);
 
     const ScratchFolder outputs;
-    UniqueEvent out = Inherited(outputs / L"out"), err = Inherited(outputs / L"err");
+    UniqueFile out = Inherited(outputs / L"out"), err = Inherited(outputs / L"err");
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
@@ -72,7 +72,8 @@ Outcome RunHost(const std::filesystem::path& folder, const std::vector<std::wstr
     if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(), &startup,
                         &process))
         throw std::runtime_error("vixahost.exe can't be started");
-    const UniqueEvent handle(process.hProcess), thread(process.hThread);
+    const UniqueProcess handle(process.hProcess);
+    const UniqueThread thread(process.hThread);
     if (!interruptWhen.empty()) {
         while (!Exists(folder, interruptWhen) && WaitForSingleObject(handle.get(), 1) == WAIT_TIMEOUT) {
         }
