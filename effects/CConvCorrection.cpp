@@ -6,6 +6,7 @@
 #include <vixavideofx/DataBlocks.h>
 
 #include <cstdint>
+#include <exception>
 #include <new>
 
 using namespace vixa;
@@ -56,8 +57,8 @@ HRESULT CConvCorrection::Transform(IMediaSample* sample)
         return S_OK;
     try {
         scratch.resize(kernels::ConvolutionScratchBytes(now.frameWidth));
-    } catch (const std::bad_alloc&) {
-        return S_OK;
+    } catch (const std::exception&) {
+        return S_OK; // short of memory, or more rows than any memory holds
     }
     Kernels().convolve(buffer, now.frameWidth, now.frameHeight, now.convolution, scratch);
     return S_OK;

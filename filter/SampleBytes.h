@@ -12,7 +12,8 @@ namespace vixa {
 // buffer or a length below 1.
 std::span<std::uint8_t> ValidBytesOf(IMediaSample* sample) noexcept;
 
-// The sample's whole buffer, whatever its actual data length says. Empty when there is none.
+// The sample's whole buffer, whatever its actual data length says. A size of 0 or less tells nothing; then it is the
+// actual data length. Empty when there is none.
 std::span<std::uint8_t> BufferOf(IMediaSample* sample) noexcept;
 
 } // namespace vixa

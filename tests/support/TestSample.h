@@ -2,6 +2,7 @@
 #pragma once
 
 #include <strmif.h>
+#include <vfwmsgs.h>
 
 #include <cstdint>
 #include <optional>
