@@ -1,37 +1,44 @@
 #include "catalogue/EffectCatalogue.h"
 
 #include "bitmap/ExportPicture.h"
-#include "catalogue/EffectRecord.h"
+#include "framework/DllEntry.h"
 #include "localisation/ModulePictures.h"
 #include "localisation/Texts.h"
 
 #include <vixavideofx/PropertySets.h>
 
 #include <exception>
+#include <functional>
 
 using vixa::EffectRecord;
 using vixavideofx::PropertySetKind;
 
-EffectCatalogue::EffectCatalogue(const CFactoryTemplate* effect) : CBaseObject(nullptr), factoryTemplate(effect) {}
+namespace {
+
+// Hands a new description object out with its first reference.
+HRESULT HandOut(IUnknown* description, IUnknown** info) noexcept
+{
+    if (!description)
+        return E_OUTOFMEMORY;
+    description->AddRef();
+    *info = description;
+    return S_OK;
+}
+
+} // namespace
+
+EffectCatalogue::EffectCatalogue(const EffectRecord* effect) : CBaseObject(nullptr), record(effect) {}
 
 EffectCatalogue::~EffectCatalogue() = default;
-
-const EffectRecord* EffectCatalogue::Record() const noexcept
-{
-    return factoryTemplate ? vixa::FindRecord(*factoryTemplate->m_ClsID) : nullptr;
-}
 
 template <typename Field>
 HRESULT EffectCatalogue::Answer(ULONG* out, Field field) const noexcept
 {
-    if (!factoryTemplate)
+    if (!record)
         return E_FAIL;
     if (!out)
         return E_INVALIDARG;
-    const EffectRecord* const record = Record();
-    if (!record)
-        return E_FAIL;
-    *out = static_cast<ULONG>(record->*field);
+    *out = static_cast<ULONG>(std::invoke(field, *record));
     return S_OK;
 }
 
@@ -42,7 +49,7 @@ STDMETHODIMP EffectCatalogue::GetTypeCode(ULONG* code) noexcept
 
 STDMETHODIMP EffectCatalogue::GetGroupId(ULONG* group) noexcept
 {
-    return Answer(group, &EffectRecord::groupId);
+    return Answer(group, [](const EffectRecord& effect) { return effect.group.id; });
 }
 
 STDMETHODIMP EffectCatalogue::GetSubtypeCode(ULONG* code) noexcept
@@ -70,15 +77,12 @@ STDMETHODIMP EffectCatalogue::GetVersion(ULONG* version) noexcept
 
 STDMETHODIMP EffectCatalogue::GetGroupName(ULONG, WCHAR* buffer, ULONG* length) noexcept
 {
-    if (!factoryTemplate)
+    if (!record)
         return E_FAIL;
     if (!buffer && !length)
         return E_INVALIDARG;
-    const EffectRecord* const record = Record();
-    if (!record)
-        return E_FAIL;
     try {
-        const std::wstring text = vixa::LoadResString(record->groupNameId);
+        const std::wstring text = vixa::LoadResString(record->group.nameId);
         if (text.empty())
             return E_FAIL;
         vixa::HandOutText(text, buffer, length);
@@ -90,13 +94,10 @@ STDMETHODIMP EffectCatalogue::GetGroupName(ULONG, WCHAR* buffer, ULONG* length) 
 
 STDMETHODIMP EffectCatalogue::GetEffectName(ULONG language, WCHAR* buffer, ULONG* length) noexcept
 {
-    if (!factoryTemplate)
+    if (!record)
         return E_FAIL;
     if (!buffer && !length)
         return E_INVALIDARG;
-    const EffectRecord* const record = Record();
-    if (!record)
-        return E_FAIL;
     try {
         ModuleBase::SetLanguage(static_cast<LANGID>(language));
         vixa::HandOutText(vixa::LoadResString(record->nameId), buffer, length);
@@ -108,27 +109,21 @@ STDMETHODIMP EffectCatalogue::GetEffectName(ULONG language, WCHAR* buffer, ULONG
 
 STDMETHODIMP EffectCatalogue::GetIcon(BYTE* buffer, ULONG* size) noexcept
 {
-    if (!factoryTemplate)
+    if (!record)
         return E_FAIL;
     // A buffer alone has no capacity, so there is nothing that could be done with it.
     if (!size)
         return E_INVALIDARG;
-    const EffectRecord* const record = Record();
-    if (!record)
-        return E_FAIL;
     vixa::ModulePictures pictures;
     return ExportPicture(pictures, record->iconId, buffer, size);
 }
 
 STDMETHODIMP EffectCatalogue::GetSecondBitmap(BYTE* buffer, ULONG* size, ULONG* value) noexcept
 {
-    if (!factoryTemplate)
+    if (!record)
         return E_FAIL;
     if (!size || (buffer && !value))
         return E_INVALIDARG;
-    const EffectRecord* const record = Record();
-    if (!record)
-        return E_FAIL;
     vixa::ModulePictures pictures;
     const HRESULT result = ExportPicture(pictures, record->secondBitmapId, buffer, size);
     if (SUCCEEDED(result) && value)
@@ -140,11 +135,13 @@ STDMETHODIMP EffectCatalogue::GetPropertySetInfo(IUnknown** info) noexcept
 {
     if (!info)
         return E_INVALIDARG;
-    ULONG kind = 0;
-    const HRESULT result = GetPropertySetKind(&kind);
-    if (FAILED(result))
-        return result;
-    switch (static_cast<PropertySetKind>(kind)) {
+    if (!record)
+        return E_FAIL;
+    switch (record->parameterKind) {
+    case PropertySetKind::SingleValue:
+        return record->value ? HandOut(SingleValuePropertySetInfo::New(*record->value), info) : E_FAIL;
+    case PropertySetKind::SingleEnum:
+        return record->choice ? HandOut(SingleEnumPropertySetInfo::New(*record->choice), info) : E_FAIL;
     case PropertySetKind::None:
     case PropertySetKind::DataBlock:
     case PropertySetKind::HostKind4:
@@ -152,45 +149,53 @@ STDMETHODIMP EffectCatalogue::GetPropertySetInfo(IUnknown** info) noexcept
     case PropertySetKind::HostKind6:
         *info = nullptr;
         return S_OK;
-    default:
-        // A number or a choice would be described from its row; no effect here is of these kinds, so there is none.
-        return E_FAIL;
     }
+    return E_FAIL;
 }
 
 STDMETHODIMP EffectCatalogue::SetDefaults(IUnknown* propertySet) noexcept
 {
     if (!propertySet)
         return E_INVALIDARG;
-    ULONG kind = 0;
-    const HRESULT result = GetPropertySetKind(&kind);
-    if (FAILED(result))
-        return result;
-    if (static_cast<PropertySetKind>(kind) == PropertySetKind::None)
-        return S_OK;
-    if (static_cast<PropertySetKind>(kind) != PropertySetKind::DataBlock)
-        return E_FAIL; // no default is known for any other kind
-    const CLSID& effect = *factoryTemplate->m_ClsID;
-    const auto block = vixa::DefaultBlockOf(effect);
-    if (block.empty())
+    if (!record)
         return E_FAIL;
-    static_cast<IDataPropertySet*>(propertySet)->SetData(block.data(), static_cast<int>(block.size_bytes()));
-    panel.Reset();
-    return S_OK;
+    // What the set itself answers is not looked at.
+    switch (record->parameterKind) {
+    case PropertySetKind::None:
+        return S_OK;
+    case PropertySetKind::DataBlock: {
+        const auto numbers = record->defaults.Numbers();
+        if (numbers.empty())
+            return E_FAIL;
+        static_cast<IDataPropertySet*>(propertySet)->SetData(numbers.data(), static_cast<int>(numbers.size_bytes()));
+        panel.Reset();
+        return S_OK;
+    }
+    case PropertySetKind::SingleValue:
+        if (!record->value)
+            return E_FAIL;
+        static_cast<ISingleValuePropertySet*>(propertySet)->SetValue(record->value->defaultValue);
+        return S_OK;
+    case PropertySetKind::SingleEnum:
+        if (!record->choice)
+            return E_FAIL;
+        static_cast<ISingleEnumPropertySet*>(propertySet)->SetValue(record->choice->defaultIndex);
+        return S_OK;
+    default:
+        return E_FAIL; // the host's own kinds have no defaults here
+    }
 }
 
 STDMETHODIMP EffectCatalogue::ShowSettingsDialog(ULONG, HWND parent, UINT notifyMessage, IUnknown* propertySet,
                                                  HWND* window) noexcept
 {
-    if (!propertySet || !window || !factoryTemplate)
+    if (!propertySet || !window || !record)
         return E_FAIL;
     *window = nullptr;
-    const EffectRecord* const record = Record();
-    if (!record)
-        return E_FAIL;
     try {
-        panel.Show(record->makePanel, g_hInst, parent, notifyMessage, static_cast<IDataPropertySet*>(propertySet),
-                   window);
+        if (record->makePanel)
+            panel.Show(record->makePanel, g_hInst, parent, notifyMessage, static_cast<IDataPropertySet*>(propertySet),
+                       window);
     } catch (const std::exception&) {
         return E_OUTOFMEMORY;
     }

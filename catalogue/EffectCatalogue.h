@@ -2,20 +2,17 @@
 // the object to a class factory.
 #pragma once
 
+#include "catalogue/EffectRecord.h"
 #include "dialogs/EffectPanel.h"
-#include "framework/DirectShow.h"
+#include "framework/CBaseObject.h"
 
 #include <vixavideofx/IEffectInfo.h>
-
-namespace vixa {
-struct EffectRecord;
-}
 
 class EffectCatalogue : public IEffectInfo, public CBaseObject
 {
 public:
-    // `effect` is the effect's factory template, not owned; null makes every query fail.
-    explicit EffectCatalogue(const CFactoryTemplate* effect);
+    // What is known of the effect, not owned; null makes every query fail.
+    explicit EffectCatalogue(const vixa::EffectRecord* effect);
     virtual ~EffectCatalogue();
 
     STDMETHODIMP GetTypeCode(ULONG* code) noexcept override;
@@ -33,16 +30,11 @@ public:
     STDMETHODIMP GetSortKey(ULONG* key) noexcept override;
     STDMETHODIMP GetVersion(ULONG* version) noexcept override;
 
-protected:
-    const CFactoryTemplate* const factoryTemplate;
-
 private:
-    // The effect's record, or null.
-    const vixa::EffectRecord* Record() const noexcept;
-
-    // The rule of the simple getters: E_FAIL without an effect, E_INVALIDARG without `out`, E_FAIL without a record.
+    // The rule of the simple getters: E_FAIL without a record, E_INVALIDARG without `out`.
     template <typename Field>
     HRESULT Answer(ULONG* out, Field field) const noexcept;
 
+    const vixa::EffectRecord* const record;
     vixa::PanelOwner panel;
 };

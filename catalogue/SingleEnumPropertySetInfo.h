@@ -11,6 +11,7 @@ struct EnumDescription
     UINT firstChoiceId; // string of choice 0; choice i has firstChoiceId + i
     UINT imageId;       // bitmap
     UINT nameId;        // string
+    long defaultIndex = 0;
 };
 
 } // namespace vixa

@@ -12,6 +12,7 @@ struct ValueDescription
     UINT formatId; // string: printf-style format of one double, trusted no further than vixa::FormatValue; 0: no text
     UINT imageId;  // bitmap
     UINT nameId;   // string
+    double defaultValue = 0;
 };
 
 } // namespace vixa

@@ -3,6 +3,8 @@
 
 #include "framework/CUnknown.h"
 
+#include <span>
+
 // How a filter would be entered with the filter mapper.
 using AMOVIESETUP_MEDIATYPE = REGPINTYPES;
 using AMOVIESETUP_PIN = REGFILTERPINS;
@@ -33,6 +35,5 @@ struct CFactoryTemplate
     CUnknown* CreateInstance(IUnknown* outer, HRESULT* result) const { return m_lpfnNew(outer, result); }
 };
 
-// The module that links the framework's entry routine or registration defines its table and the number of its rows.
-extern CFactoryTemplate g_Templates[];
-extern int g_cTemplates;
+// The module's table. The module that links the framework's entry routine or registration defines it.
+extern const std::span<CFactoryTemplate> g_Templates;

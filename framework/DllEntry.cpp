@@ -6,9 +6,9 @@ namespace {
 
 void RunInitRoutines(BOOL loading)
 {
-    for (int i = 0; i < g_cTemplates; ++i)
-        if (g_Templates[i].m_lpfnInit)
-            g_Templates[i].m_lpfnInit(loading, g_Templates[i].m_ClsID);
+    for (const CFactoryTemplate& row : g_Templates)
+        if (row.m_lpfnInit)
+            row.m_lpfnInit(loading, row.m_ClsID);
 }
 
 } // namespace

@@ -104,9 +104,9 @@ HRESULT EnterFilterSetups(bool registering) noexcept
 {
     vixa::FilterMapper mapper;
     HRESULT result = mapper.Status();
-    for (int i = 0; SUCCEEDED(result) && i < g_cTemplates; ++i)
-        if (const AMOVIESETUP_FILTER* const setup = g_Templates[i].m_pAMovieSetup_Filter)
-            result = mapper.Enter(*setup, registering);
+    for (const CFactoryTemplate& row : g_Templates)
+        if (SUCCEEDED(result) && row.m_pAMovieSetup_Filter)
+            result = mapper.Enter(*row.m_pAMovieSetup_Filter, registering);
     return FAILED(result) ? result : S_OK;
 }
 
@@ -119,8 +119,8 @@ STDAPI AMovieDllRegisterServer2(BOOL registering) noexcept
     if (FAILED(result))
         return result;
     if (registering) {
-        for (int i = 0; i < g_cTemplates; ++i) {
-            const LSTATUS status = WriteClassKey(g_Templates[i], path.characters);
+        for (const CFactoryTemplate& row : g_Templates) {
+            const LSTATUS status = WriteClassKey(row, path.characters);
             if (status != ERROR_SUCCESS)
                 return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
         }
@@ -128,7 +128,7 @@ STDAPI AMovieDllRegisterServer2(BOOL registering) noexcept
     result = EnterFilterSetups(registering != FALSE);
     if (FAILED(result) || registering)
         return result;
-    for (int i = 0; i < g_cTemplates; ++i)
-        DeleteTree(HKEY_CLASSES_ROOT, ClassKeyName(*g_Templates[i].m_ClsID).characters);
+    for (const CFactoryTemplate& row : g_Templates)
+        DeleteTree(HKEY_CLASSES_ROOT, ClassKeyName(*row.m_ClsID).characters);
     return S_OK;
 }

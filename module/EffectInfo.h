@@ -2,6 +2,7 @@
 #pragma once
 
 #include "catalogue/EffectCatalogue.h"
+#include "module/EffectTable.h"
 #include "module/VixaVideoFXClassFactory.h"
 
 #include <atomic>
@@ -10,7 +11,8 @@ class VixaVideoFXClassFactory::EffectInfo final : public EffectCatalogue
 {
 public:
     // The count starts at 0: who creates the object takes the first reference.
-    explicit EffectInfo(const CFactoryTemplate* effect) : EffectCatalogue(effect) {}
+    // `effect` is a row of g_Templates.
+    explicit EffectInfo(const CFactoryTemplate* effect) : EffectCatalogue(RecordOf(effect)), factoryTemplate(effect) {}
     ~EffectInfo() override;
 
     // IUnknown and IEffectInfo: this object; IClassFactory: the effect's class factory, made when there is none alive.
@@ -22,6 +24,7 @@ public:
 private:
     friend class VixaVideoFXClassFactory;
 
+    const CFactoryTemplate* const factoryTemplate;
     VixaVideoFXClassFactory* classFactory = nullptr;
     std::atomic<ULONG> refCount = 0;
 };

@@ -8,7 +8,7 @@
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) noexcept
 {
-    // Always TRUE: a library that could not name its classes answers E_OUTOFMEMORY to who asks for one.
+    // Always TRUE: a library that could not register its class factory answers E_OUTOFMEMORY to who asks for one.
     try {
         if (reason == DLL_PROCESS_ATTACH)
             TheModule().Attach(instance);
@@ -28,7 +28,7 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID riid, void** object) noexcept
         return CLASS_E_CLASSNOTAVAILABLE;
     if (!object)
         return E_POINTER;
-    VixaVideoFXClassFactory* const factory = CreateClassFactory(clsid);
+    VixaVideoFXClassFactory* const factory = CreateClassFactory();
     *object = static_cast<IClassFactory*>(factory);
     if (!factory)
         return E_OUTOFMEMORY;
@@ -44,10 +44,10 @@ STDAPI DllCanUnloadNow() noexcept
 
 STDAPI DllRegisterServer() noexcept
 {
-    return vixa::RegisterLibrary();
+    return vixa::RegisterLibrary(EffectAliases());
 }
 
 STDAPI DllUnregisterServer() noexcept
 {
-    return vixa::UnregisterLibrary();
+    return vixa::UnregisterLibrary(EffectAliases());
 }

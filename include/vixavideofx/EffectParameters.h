@@ -28,7 +28,7 @@ struct ParameterDescription
     const char* meaning; // one English phrase with the unit
 };
 
-namespace detail {
+namespace parameters {
 
 inline constexpr ParameterChoice colourChoices[] = {
     {"blue", FilterColorBlock::Blue}, {"green", FilterColorBlock::Green}, {"red", FilterColorBlock::Red}};
@@ -39,11 +39,11 @@ inline constexpr ParameterChoice directionChoices[] = {
     {"vertical", static_cast<std::int32_t>(ConvolutionKind::ShiftEdgesVertical)},
     {"horizontal", static_cast<std::int32_t>(ConvolutionKind::ShiftEdgesHorizontal)}};
 
-inline constexpr ParameterDescription addParameters[] = {
+inline constexpr ParameterDescription addPixel[] = {
     {"red", offsetof(AddBlock, redDelta), -255, 255, {}, false, "added to red"},
     {"green", offsetof(AddBlock, greenDelta), -255, 255, {}, false, "added to green"},
     {"blue", offsetof(AddBlock, blueDelta), -255, 255, {}, false, "added to blue"}};
-inline constexpr ParameterDescription filterColorParameters[] = {
+inline constexpr ParameterDescription filterColor[] = {
     {"intensity",
      offsetof(FilterColorBlock, intensity),
      -255,
@@ -52,16 +52,35 @@ inline constexpr ParameterDescription filterColorParameters[] = {
      false,
      "added to the colour where the hue matches"},
     {"colour", offsetof(FilterColorBlock, colour), 0, 2, colourChoices, true, "the hue that is matched"}};
-inline constexpr ParameterDescription invertParameters[] = {
+inline constexpr ParameterDescription invertColor[] = {
     {"mask", offsetof(InvertBlock, mask), 0, 7, maskChoices, false, "channels to invert: blue 1 + green 2 + red 4"}};
-inline constexpr ParameterDescription multiplyParameters[] = {
+inline constexpr ParameterDescription multiplyPixel[] = {
     {"factor", offsetof(MultiplyBlock, factor), 0, 200, {}, false, "percent"}};
-inline constexpr ParameterDescription gammaParameters[] = {
+inline constexpr ParameterDescription gammaCorrection[] = {
     {"gamma", offsetof(GammaBlock, gamma), 45, 220, {}, false, "hundredths, 100 changes nothing"}};
-inline constexpr ParameterDescription shiftParameters[] = {
+inline constexpr ParameterDescription shiftEdges[] = {
     {"direction", offsetof(ConvolutionBlock, kind), 7, 10, directionChoices, true, "where the edges move"}};
 
-inline constexpr bool same(const GUID& a, const GUID& b)
+} // namespace parameters
+
+struct EffectParameters
+{
+    GUID effect;
+    std::span<const ParameterDescription> parameters;
+};
+
+// The effects that have parameters.
+inline constexpr EffectParameters effectParameters[] = {
+    {CLSID_AddPixel, parameters::addPixel},
+    {CLSID_FilterColor, parameters::filterColor},
+    {CLSID_InvertColor, parameters::invertColor},
+    {CLSID_MultiplyPixel, parameters::multiplyPixel},
+    {CLSID_GammaCorrection, parameters::gammaCorrection},
+    {CLSID_ShiftEdges, parameters::shiftEdges},
+};
+
+// Whether two identifiers are the same, also in constant expressions.
+constexpr bool SameId(const GUID& a, const GUID& b)
 {
     for (int i = 0; i < 8; ++i)
         if (a.Data4[i] != b.Data4[i])
@@ -69,24 +88,12 @@ inline constexpr bool same(const GUID& a, const GUID& b)
     return a.Data1 == b.Data1 && a.Data2 == b.Data2 && a.Data3 == b.Data3;
 }
 
-} // namespace detail
-
-// The parameters of one effect; empty for the seven effects without settings and for unknown class identifiers.
+// The parameters of one effect; empty for an effect without settings and for an unknown class identifier.
 constexpr std::span<const ParameterDescription> ParametersOf(const GUID& effect)
 {
-    using namespace detail;
-    if (same(effect, CLSID_AddPixel))
-        return addParameters;
-    if (same(effect, CLSID_FilterColor))
-        return filterColorParameters;
-    if (same(effect, CLSID_InvertColor))
-        return invertParameters;
-    if (same(effect, CLSID_MultiplyPixel))
-        return multiplyParameters;
-    if (same(effect, CLSID_GammaCorrection))
-        return gammaParameters;
-    if (same(effect, CLSID_ShiftEdges))
-        return shiftParameters;
+    for (const EffectParameters& row : effectParameters)
+        if (SameId(row.effect, effect))
+            return row.parameters;
     return {};
 }
 

@@ -1,11 +1,17 @@
-#include "catalogue/SingleEnumPropertySetInfo.h"
-#include "catalogue/SingleValuePropertySetInfo.h"
+#include "catalogue/EffectCatalogue.h"
+#include "framework/DllEntry.h"
 #include "tests/localisation/ModuleFixture.h"
+
+#include <vixavideofx/PropertySets.h>
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <optional>
 #include <wrl/client.h>
+
+// No effect is served here.
+constinit const std::span<CFactoryTemplate> g_Templates;
 
 namespace {
 
@@ -196,6 +202,106 @@ TEST_F(Descriptions, InterfacesAndCounts)
           IID_ISingleValuePropertySetInfo, IID_ISingleEnumPropertySetInfo);
     check(static_cast<ISingleEnumPropertySetInfo*>(SingleEnumPropertySetInfo::New({})), IID_ISingleEnumPropertySetInfo,
           IID_ISingleValuePropertySetInfo);
+}
+
+// An effect whose record the test makes up.
+class OwnRecord final : public EffectCatalogue
+{
+public:
+    explicit OwnRecord(const vixa::EffectRecord& effect) : EffectCatalogue(&effect) {}
+    STDMETHODIMP QueryInterface(REFIID, void**) noexcept override { return E_NOINTERFACE; }
+    STDMETHODIMP_(ULONG) AddRef() noexcept override { return 2; }
+    STDMETHODIMP_(ULONG) Release() noexcept override { return 1; }
+};
+
+// The host's object for one value; what it answers is nobody's business.
+template <typename Interface, typename Value>
+class OneValue final : public Interface
+{
+public:
+    STDMETHODIMP QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+    STDMETHODIMP_(ULONG) AddRef() override { return 2; }
+    STDMETHODIMP_(ULONG) Release() override { return 1; }
+    STDMETHODIMP GetValue(Value*) override { return E_FAIL; }
+    STDMETHODIMP SetValue(Value value) override
+    {
+        written = value;
+        return E_FAIL;
+    }
+    std::optional<Value> written;
+};
+
+vixa::EffectRecord RecordOfKind(ULONG kind)
+{
+    return {.group = {3, 0},
+            .sortKey = 0,
+            .nameId = name,
+            .iconId = picture,
+            .parameterKind = static_cast<vixavideofx::PropertySetKind>(kind)};
+}
+
+TEST_F(Descriptions, AnEffectOfOneNumber)
+{
+    const vixa::ValueDescription number = {-10.0, 90.5, 0.25, 100, picture, name, 12.5};
+    auto record = RecordOfKind(2);
+    record.value = &number;
+    OwnRecord effect(record);
+
+    ComPtr<IUnknown> object;
+    ASSERT_EQ(effect.GetPropertySetInfo(&object), S_OK);
+    EXPECT_EQ((object->AddRef(), object->Release()), 1u);
+    ComPtr<ISingleValuePropertySetInfo> info;
+    ASSERT_EQ(object.As(&info), S_OK);
+    double maximum = 0;
+    EXPECT_EQ(info->GetRange(nullptr, &maximum, nullptr), S_OK);
+    EXPECT_EQ(maximum, 90.5);
+
+    OneValue<ISingleValuePropertySet, double> set;
+    EXPECT_EQ(effect.SetDefaults(&set), S_OK);
+    EXPECT_EQ(set.written, 12.5);
+}
+
+TEST_F(Descriptions, AnEffectOfOneChoice)
+{
+    const vixa::EnumDescription choices = {3, 200, picture, name, 2};
+    auto record = RecordOfKind(3);
+    record.choice = &choices;
+    OwnRecord effect(record);
+
+    ComPtr<IUnknown> object;
+    ASSERT_EQ(effect.GetPropertySetInfo(&object), S_OK);
+    EXPECT_EQ((object->AddRef(), object->Release()), 1u);
+    ComPtr<ISingleEnumPropertySetInfo> info;
+    ASSERT_EQ(object.As(&info), S_OK);
+    ULONG count = 0;
+    EXPECT_EQ(info->GetCount(&count), S_OK);
+    EXPECT_EQ(count, 3u);
+
+    OneValue<ISingleEnumPropertySet, long> set;
+    EXPECT_EQ(effect.SetDefaults(&set), S_OK);
+    EXPECT_EQ(set.written, 2);
+}
+
+TEST_F(Descriptions, KindsWithoutADescription)
+{
+    const struct
+    {
+        ULONG kind;
+        HRESULT description, defaults;
+    } cases[] = {{0, S_OK, S_OK},   {1, S_OK, E_FAIL}, {2, E_FAIL, E_FAIL}, {3, E_FAIL, E_FAIL},
+                 {4, S_OK, E_FAIL}, {6, S_OK, E_FAIL}, {7, E_FAIL, E_FAIL}};
+    for (const auto& [kind, description, defaults] : cases) {
+        SCOPED_TRACE(kind);
+        const auto record = RecordOfKind(kind);
+        OwnRecord effect(record);
+        IUnknown* const untouched = &effect;
+        IUnknown* object = untouched;
+        EXPECT_EQ(effect.GetPropertySetInfo(&object), description);
+        EXPECT_EQ(object, description == S_OK ? nullptr : untouched);
+        OneValue<ISingleValuePropertySet, double> set;
+        EXPECT_EQ(effect.SetDefaults(&set), defaults);
+        EXPECT_FALSE(set.written);
+    }
 }
 
 } // namespace

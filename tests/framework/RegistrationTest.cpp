@@ -23,11 +23,12 @@ WCHAR inputName[] = L"Input";
 const AMOVIESETUP_PIN setupPin = {inputName, FALSE, FALSE, FALSE, FALSE, nullptr, nullptr, 1, &pinType};
 const AMOVIESETUP_FILTER setup = {&first, L"Framework test", MERIT_DO_NOT_USE, 1, &setupPin};
 
+CFactoryTemplate rows[] = {{L"Framework test", &first, nullptr, NoteInit, nullptr},
+                           {longName.c_str(), &second, nullptr, nullptr, nullptr}};
+
 } // namespace
 
-CFactoryTemplate g_Templates[] = {{L"Framework test", &first, nullptr, NoteInit, nullptr},
-                                  {longName.c_str(), &second, nullptr, nullptr, nullptr}};
-int g_cTemplates = 2;
+constinit const std::span<CFactoryTemplate> g_Templates = rows;
 
 namespace {
 

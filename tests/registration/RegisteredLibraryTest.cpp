@@ -10,6 +10,7 @@
 #include <dshow.h>
 #include <wrl/client.h>
 
+#include <map>
 #include <string>
 
 namespace {
@@ -21,8 +22,25 @@ using registry_view::ValuesOf;
 
 const std::wstring effects = L"Software\\Vixa\\Vixa 12\\Editor\\Effects";
 
+// What hosts are promised: the alias under which each effect stands in the second category.
+const std::map<std::wstring, std::wstring> aliasOf = {
+    {L"Gamma correction", L"{026C24CA-EB0A-4D82-B8F0-C1F398C3C1DF}"},
+    {L"Detect edges", L"{25AB171B-7AD5-4EA0-8727-9407A1CEFC5B}"},
+    {L"Enhance edges", L"{524CFA6F-0CF2-46E6-B432-16C6C877BCEA}"},
+    {L"Shift edges", L"{5772EFE8-D5CF-4417-B6AC-4BC723FA785C}"},
+    {L"Enhance details", L"{608524BB-EF57-4D98-A0D9-F5BFA33D9B9F}"},
+    {L"Filter color", L"{8DA26896-133D-46DE-B6B4-43B0BEE29CFC}"},
+    {L"Enhance focus", L"{8EADD68F-9807-4B75-A38A-024F0FDFD306}"},
+    {L"Soften filter", L"{B01EBCAF-D816-4FD0-AB0A-0F2D7BE51A94}"},
+    {L"Emboss", L"{BB887A10-AEC5-4F42-AE26-2BBEE40111E1}"},
+    {L"Multiply pixel", L"{C32282F0-86A3-444F-B709-CCD51A59D647}"},
+    {L"Invert color", L"{C9918D84-ACB5-47A6-B24C-A4FD4131D485}"},
+    {L"Light edges", L"{DEEC2D5C-B87A-41E8-AECC-942BEFB32E0B}"},
+    {L"Add pixel", L"{E9523F94-F971-422A-9AD5-578D5AEA1969}"},
+};
+
 // The exit code of a program that is run to its end.
-DWORD run(std::wstring commandLine)
+DWORD ExitCodeOf(std::wstring commandLine)
 {
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
@@ -36,7 +54,7 @@ DWORD run(std::wstring commandLine)
     return code;
 }
 
-std::wstring library()
+std::wstring LibraryPath()
 {
     wchar_t path[MAX_PATH];
     GetFullPathNameW(VIXA_LIBRARY, MAX_PATH, path, nullptr);
@@ -52,7 +70,7 @@ protected:
 
 TEST_F(RegisteredLibrary, HostFindsAndCreatesEveryEffect)
 {
-    ASSERT_EQ(run(L"regsvr32 /s \"" + library() + L"\""), 0u);
+    ASSERT_EQ(ExitCodeOf(L"regsvr32 /s \"" + LibraryPath() + L"\""), 0u);
     ComPtr<IGraphBuilder> graph;
     ASSERT_EQ(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&graph)), S_OK);
 
@@ -69,7 +87,11 @@ TEST_F(RegisteredLibrary, HostFindsAndCreatesEveryEffect)
     ASSERT_TRUE(listed);
     EXPECT_EQ(listed->size(), 13u);
     EXPECT_EQ(listed->at(L"{DDBE68A3-F53E-4E2D-B5AF-578F4302C032}"), TextValue(L"Add pixel"));
+    const auto aliases = ValuesOf(HKEY_LOCAL_MACHINE, effects + L"7");
+    ASSERT_TRUE(aliases);
+    EXPECT_EQ(aliases->size(), 13u);
     for (const auto& [id, name] : *listed) {
+        EXPECT_EQ(aliases->at(aliasOf.at(name.data.c_str())), TextValue(id));
         CLSID classId;
         ASSERT_EQ(CLSIDFromString(id.c_str(), &classId), S_OK);
         ComPtr<IBaseFilter> filter;
@@ -85,7 +107,7 @@ TEST_F(RegisteredLibrary, HostFindsAndCreatesEveryEffect)
     graph.Reset();
     CoFreeUnusedLibraries();
 
-    ASSERT_EQ(run(L"regsvr32 /u /s \"" + library() + L"\""), 0u);
+    ASSERT_EQ(ExitCodeOf(L"regsvr32 /u /s \"" + LibraryPath() + L"\""), 0u);
     for (const auto& [id, name] : *listed) {
         CLSID classId;
         CLSIDFromString(id.c_str(), &classId);
@@ -93,14 +115,15 @@ TEST_F(RegisteredLibrary, HostFindsAndCreatesEveryEffect)
         EXPECT_EQ(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&filter)), REGDB_E_CLASSNOTREG);
     }
     EXPECT_TRUE(ValuesOf(HKEY_LOCAL_MACHINE, effects)->empty());
-    EXPECT_EQ(run(L"regsvr32 /u /s \"" + library() + L"\""), 0u);
+    EXPECT_TRUE(ValuesOf(HKEY_LOCAL_MACHINE, effects + L"7")->empty());
+    EXPECT_EQ(ExitCodeOf(L"regsvr32 /u /s \"" + LibraryPath() + L"\""), 0u);
 }
 
 // What the class key says about a copy of the library at `path`.
-std::wstring registeredPathOf(const std::wstring& path)
+std::wstring RegisteredPathOf(const std::wstring& path)
 {
     using Entry = HRESULT(STDAPICALLTYPE*)();
-    EXPECT_TRUE(CopyFileW(library().c_str(), path.c_str(), FALSE)) << GetLastError();
+    EXPECT_TRUE(CopyFileW(LibraryPath().c_str(), path.c_str(), FALSE)) << GetLastError();
     std::wstring registered;
     {
         const vixa::UniqueModule module(LoadLibraryW(path.c_str()));
@@ -125,13 +148,13 @@ TEST_F(RegisteredLibrary, PathsGoThroughTheAnsiCodePageAndAreCut)
 {
     const std::wstring folder = L"C:\\vixa";
     ASSERT_TRUE(CreateDirectoryW(folder.c_str(), nullptr));
-    EXPECT_EQ(registeredPathOf(folder + L"\\sp ace.dll"), folder + L"\\sp ace.dll");
-    EXPECT_EQ(registeredPathOf(folder + L"\\\x65E5.dll"), folder + L"\\?.dll");
+    EXPECT_EQ(RegisteredPathOf(folder + L"\\sp ace.dll"), folder + L"\\sp ace.dll");
+    EXPECT_EQ(RegisteredPathOf(folder + L"\\\x65E5.dll"), folder + L"\\?.dll");
 
     const std::wstring deep = L"\\\\?\\" + folder + L"\\" + std::wstring(200, L'd');
     ASSERT_TRUE(CreateDirectoryW(deep.c_str(), nullptr));
     const std::wstring longPath = deep + L"\\" + std::wstring(80, L'f') + L".dll";
-    const std::wstring registered = registeredPathOf(longPath);
+    const std::wstring registered = RegisteredPathOf(longPath);
     EXPECT_EQ(registered.size(), 259u);
     EXPECT_NE(longPath.find(registered), std::wstring::npos);
     RemoveDirectoryW(deep.c_str());

@@ -1,12 +1,10 @@
 // Registration in a real registry, step by step, with single calls refused; the program runs in a prefix of its own and
-// stands for the library: the table below is its template table, and its own path what is entered as the server.
+// stands for the library: the rows below are its template table, and its own path what is entered as the server.
 #include "registration/Registration.h"
 
 #include "framework/DllEntry.h"
 #include "tests/sxs/RegistryFaults.h"
 #include "tests/sxs/RegistryView.h"
-
-#include <vixavideofx/ClassIds.h>
 
 #include <gtest/gtest.h>
 #include <olectl.h>
@@ -15,29 +13,30 @@
 #include <string>
 #include <vector>
 
-using namespace vixavideofx;
-
 namespace {
-const AMOVIESETUP_FILTER setup = {&CLSID_AddPixel, L"never entered", MERIT_DO_NOT_USE, 0, nullptr};
-}
+
+const CLSID first = {0x5E1D2C10, 0x7B8A, 0x4F61, {0x90, 0x21, 0x3C, 0x44, 0x5D, 0x66, 0x7E, 0x01}};
+const CLSID second = {0x5E1D2C10, 0x7B8A, 0x4F61, {0x90, 0x21, 0x3C, 0x44, 0x5D, 0x66, 0x7E, 0x02}};
+const CLSID third = {0x5E1D2C10, 0x7B8A, 0x4F61, {0x90, 0x21, 0x3C, 0x44, 0x5D, 0x66, 0x7E, 0x03}};
+const AMOVIESETUP_FILTER setup = {&first, L"never entered", MERIT_DO_NOT_USE, 0, nullptr};
+
+CFactoryTemplate rows[] = {
+    {L"First", &first, nullptr, nullptr, &setup},
+    {L"Second", &second, nullptr, nullptr, &setup},
+    {L"Third", &third, nullptr, nullptr, &setup},
+};
+constexpr std::size_t rowCount = std::size(rows);
+
+const vixa::EffectAlias aliases[] = {
+    {L"{026C24CA-EB0A-4D82-B8F0-C1F398C3C1DF}", &third},
+    {L"{25AB171B-7AD5-4EA0-8727-9407A1CEFC5B}", &first},
+    {L"{524CFA6F-0CF2-46E6-B432-16C6C877BCEA}", &second},
+};
+
+} // namespace
 
 HINSTANCE g_hInst = GetModuleHandleW(nullptr);
-CFactoryTemplate g_Templates[] = {
-    {L"Add pixel", &CLSID_AddPixel, nullptr, nullptr, &setup},
-    {L"Filter color", &CLSID_FilterColor, nullptr, nullptr, &setup},
-    {L"Invert color", &CLSID_InvertColor, nullptr, nullptr, &setup},
-    {L"Multiply pixel", &CLSID_MultiplyPixel, nullptr, nullptr, &setup},
-    {L"Gamma correction", &CLSID_GammaCorrection, nullptr, nullptr, &setup},
-    {L"Detect edges", &CLSID_DetectEdges, nullptr, nullptr, &setup},
-    {L"Emboss", &CLSID_Emboss, nullptr, nullptr, &setup},
-    {L"Enhance details", &CLSID_EnhanceDetails, nullptr, nullptr, &setup},
-    {L"Enhance edges", &CLSID_EnhanceEdges, nullptr, nullptr, &setup},
-    {L"Enhance focus", &CLSID_EnhanceFocus, nullptr, nullptr, &setup},
-    {L"Light edges", &CLSID_LightEdges, nullptr, nullptr, &setup},
-    {L"Shift edges", &CLSID_ShiftEdges, nullptr, nullptr, &setup},
-    {L"Soften filter", &CLSID_SoftenFilter, nullptr, nullptr, &setup},
-};
-int g_cTemplates = static_cast<int>(std::size(g_Templates));
+constinit const std::span<CFactoryTemplate> g_Templates = rows;
 
 namespace {
 
@@ -49,40 +48,23 @@ using registry_view::ValuesOf;
 using Values = std::map<std::wstring, Value>;
 
 const std::wstring location = L"Software\\Vixa\\Vixa 12\\Editor";
-const std::wstring effects = location + L"\\Effects", aliases = location + L"\\Effects7";
+const std::wstring effectsKey = location + L"\\Effects", aliasesKey = location + L"\\Effects7";
 const std::wstring stranger = L"{00000000-1111-2222-3333-444444444444}";
 constexpr HRESULT refused = static_cast<HRESULT>(0x80070005);
 
-// The alias under which each effect stands in the second category.
-const std::map<std::wstring, std::wstring> aliasOf = {
-    {L"Gamma correction", L"{026C24CA-EB0A-4D82-B8F0-C1F398C3C1DF}"},
-    {L"Detect edges", L"{25AB171B-7AD5-4EA0-8727-9407A1CEFC5B}"},
-    {L"Enhance edges", L"{524CFA6F-0CF2-46E6-B432-16C6C877BCEA}"},
-    {L"Shift edges", L"{5772EFE8-D5CF-4417-B6AC-4BC723FA785C}"},
-    {L"Enhance details", L"{608524BB-EF57-4D98-A0D9-F5BFA33D9B9F}"},
-    {L"Filter color", L"{8DA26896-133D-46DE-B6B4-43B0BEE29CFC}"},
-    {L"Enhance focus", L"{8EADD68F-9807-4B75-A38A-024F0FDFD306}"},
-    {L"Soften filter", L"{B01EBCAF-D816-4FD0-AB0A-0F2D7BE51A94}"},
-    {L"Emboss", L"{BB887A10-AEC5-4F42-AE26-2BBEE40111E1}"},
-    {L"Multiply pixel", L"{C32282F0-86A3-444F-B709-CCD51A59D647}"},
-    {L"Invert color", L"{C9918D84-ACB5-47A6-B24C-A4FD4131D485}"},
-    {L"Light edges", L"{DEEC2D5C-B87A-41E8-AECC-942BEFB32E0B}"},
-    {L"Add pixel", L"{E9523F94-F971-422A-9AD5-578D5AEA1969}"},
-};
-
-std::wstring idText(const CLSID& id)
+std::wstring IdText(const CLSID& id)
 {
     wchar_t buffer[40];
     StringFromGUID2(id, buffer, 40);
     return buffer;
 }
 
-std::wstring classKey(const CFactoryTemplate& row)
+std::wstring ClassKey(const CFactoryTemplate& row)
 {
-    return L"CLSID\\" + idText(*row.m_ClsID);
+    return L"CLSID\\" + IdText(*row.m_ClsID);
 }
 
-void write(HKEY root, const std::wstring& path, const std::wstring& name, const std::wstring& value)
+void Write(HKEY root, const std::wstring& path, const std::wstring& name, const std::wstring& value)
 {
     const registry_faults::Bypass own;
     ASSERT_EQ(RegSetKeyValueW(root, path.c_str(), name.c_str(), REG_SZ, value.c_str(),
@@ -90,95 +72,95 @@ void write(HKEY root, const std::wstring& path, const std::wstring& name, const 
               ERROR_SUCCESS);
 }
 
-Values wantedEffects(bool registered)
+Values WantedEffects(bool registered)
 {
     Values wanted = {{stranger, TextValue(L"another's")}};
-    for (const CFactoryTemplate& row : g_Templates)
+    for (const CFactoryTemplate& row : rows)
         if (registered)
-            wanted[idText(*row.m_ClsID)] = TextValue(row.m_Name);
+            wanted[IdText(*row.m_ClsID)] = TextValue(row.m_Name);
     return wanted;
 }
 
-Values wantedAliases(bool registered)
+Values WantedAliases(bool registered)
 {
     Values wanted = {{stranger, TextValue(L"another's")}};
-    for (const CFactoryTemplate& row : g_Templates)
+    for (const vixa::EffectAlias& entry : aliases)
         if (registered)
-            wanted[aliasOf.at(row.m_Name)] = TextValue(idText(*row.m_ClsID));
+            wanted[entry.alias] = TextValue(IdText(*entry.effect));
     return wanted;
 }
 
-int classKeys()
+int ClassKeys()
 {
     int count = 0;
-    for (const CFactoryTemplate& row : g_Templates)
-        count += KeyExists(HKEY_CLASSES_ROOT, classKey(row));
+    for (const CFactoryTemplate& row : rows)
+        count += KeyExists(HKEY_CLASSES_ROOT, ClassKey(row));
     return count;
 }
 
-void expectRegistered()
+void ExpectRegistered()
 {
     wchar_t path[MAX_PATH];
     GetModuleFileNameW(nullptr, path, MAX_PATH);
-    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), wantedEffects(true));
-    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, aliases), wantedAliases(true));
-    for (const CFactoryTemplate& row : g_Templates) {
-        EXPECT_EQ(ValuesOf(HKEY_CLASSES_ROOT, classKey(row)), (Values{{L"", TextValue(row.m_Name)}}));
-        EXPECT_EQ(ValuesOf(HKEY_CLASSES_ROOT, classKey(row) + L"\\InprocServer32"),
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effectsKey), WantedEffects(true));
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, aliasesKey), WantedAliases(true));
+    for (const CFactoryTemplate& row : rows) {
+        EXPECT_EQ(ValuesOf(HKEY_CLASSES_ROOT, ClassKey(row)), (Values{{L"", TextValue(row.m_Name)}}));
+        EXPECT_EQ(ValuesOf(HKEY_CLASSES_ROOT, ClassKey(row) + L"\\InprocServer32"),
                   (Values{{L"", TextValue(path)}, {L"ThreadingModel", TextValue(L"Both")}}));
         EXPECT_EQ(row.m_pAMovieSetup_Filter, nullptr);
     }
 }
 
-void expectNothingOfOurs()
+void ExpectNothingOfOurs()
 {
-    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), wantedEffects(false));
-    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, aliases), wantedAliases(false));
-    EXPECT_EQ(classKeys(), 0);
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effectsKey), WantedEffects(false));
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, aliasesKey), WantedAliases(false));
+    EXPECT_EQ(ClassKeys(), 0);
 }
 
 class Registration : public testing::Test
 {
 protected:
-    void SetUp() override { wipe(); }
+    void SetUp() override { Wipe(); }
     void TearDown() override
     {
         EXPECT_EQ(registry_faults::OpenKeys(), 0u);
         g_hInst = GetModuleHandleW(nullptr);
-        wipe();
+        Wipe();
     }
 
     // The state before a first registration, with values of others in both categories.
-    static void wipe()
+    static void Wipe()
     {
         registry_faults::Reset();
         {
             const registry_faults::Bypass own;
             RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Vixa");
-            for (CFactoryTemplate& row : g_Templates) {
-                RegDeleteTreeW(HKEY_CLASSES_ROOT, classKey(row).c_str());
+            for (CFactoryTemplate& row : rows) {
+                RegDeleteTreeW(HKEY_CLASSES_ROOT, ClassKey(row).c_str());
                 row.m_pAMovieSetup_Filter = &setup;
             }
         }
-        write(HKEY_LOCAL_MACHINE, effects, stranger, L"another's");
-        write(HKEY_LOCAL_MACHINE, aliases, stranger, L"another's");
+        Write(HKEY_LOCAL_MACHINE, effectsKey, stranger, L"another's");
+        Write(HKEY_LOCAL_MACHINE, aliasesKey, stranger, L"another's");
     }
 };
 
 TEST_F(Registration, WritesAndRemovesItsOwnAndNothingElse)
 {
-    EXPECT_EQ(vixa::UnregisterLibrary(), S_OK); // nothing is there yet
-    expectNothingOfOurs();
+    EXPECT_EQ(vixa::UnregisterLibrary(aliases), S_OK); // nothing is there yet
+    ExpectNothingOfOurs();
     for (int repeat = 0; repeat < 2; ++repeat) {
-        EXPECT_EQ(vixa::RegisterLibrary(), S_OK);
-        expectRegistered();
+        EXPECT_EQ(vixa::RegisterLibrary(aliases), S_OK);
+        ExpectRegistered();
     }
     // What stands below a class key goes with it, whoever put it there.
-    write(HKEY_CLASSES_ROOT, classKey(g_Templates[3]) + L"\\A\\B\\C", L"deep", L"x");
-    write(HKEY_CLASSES_ROOT, classKey(g_Templates[3]) + L"\\B", L"", L"x");
+    Write(HKEY_CLASSES_ROOT, ClassKey(rows[1]) + L"\\A\\B\\C", L"deep", L"x");
+    Write(HKEY_CLASSES_ROOT, ClassKey(rows[1]) + L"\\B", L"", L"x");
     for (int repeat = 0; repeat < 2; ++repeat) {
-        EXPECT_EQ(vixa::UnregisterLibrary(), S_OK);
-        expectNothingOfOurs();
+        EXPECT_EQ(vixa::UnregisterLibrary(aliases), S_OK);
+        ExpectNothingOfOurs();
     }
     EXPECT_TRUE(KeyExists(HKEY_CLASSES_ROOT, L"CLSID"));
 }
@@ -189,98 +171,98 @@ TEST_F(Registration, CreatesTheCategoriesAndLeavesThemEmpty)
         const registry_faults::Bypass own;
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Vixa");
     }
-    EXPECT_EQ(vixa::RegisterLibrary(), S_OK);
-    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects)->size(), 13u);
-    EXPECT_EQ(vixa::UnregisterLibrary(), S_OK);
-    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), Values{});
-    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, aliases), Values{});
+    EXPECT_EQ(vixa::RegisterLibrary(aliases), S_OK);
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effectsKey)->size(), rowCount);
+    EXPECT_EQ(vixa::UnregisterLibrary(aliases), S_OK);
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effectsKey), Values{});
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, aliasesKey), Values{});
     EXPECT_EQ(ReadValue(HKEY_LOCAL_MACHINE, location, L""), std::nullopt);
 }
 
 // Every call of a registration refused in turn: the stated code, as much done as stated, and a repeat completes it.
 TEST_F(Registration, RefusedAtEachStepCanBeRepeated)
 {
-    ASSERT_EQ(vixa::RegisterLibrary(), S_OK);
+    ASSERT_EQ(vixa::RegisterLibrary(aliases), S_OK);
     const std::vector<registry_faults::Call> steps = registry_faults::Calls();
-    ASSERT_GT(steps.size(), 100u);
+    ASSERT_EQ(steps.size(), 2 + 9 * rowCount);
     for (std::size_t i = 0; i < steps.size(); ++i) {
         SCOPED_TRACE(steps[i].function + " as call " + std::to_string(i));
-        wipe();
+        Wipe();
         registry_faults::FailCall(i);
-        const HRESULT result = vixa::RegisterLibrary();
+        const HRESULT result = vixa::RegisterLibrary(aliases);
         EXPECT_EQ(registry_faults::OpenKeys(), 0u);
-        const bool inEffects = i == 0 || i <= 2 * std::size(g_Templates);
-        const bool inAliases = !inEffects && i <= 1 + 4 * std::size(g_Templates);
+        const bool inEffects = i == 0 || i <= 2 * rowCount;
+        const bool inAliases = !inEffects && i <= 1 + 4 * rowCount;
         if (i == 0) {
             EXPECT_EQ(result, SELFREG_E_CLASS);
-            expectNothingOfOurs();
+            ExpectNothingOfOurs();
         } else if (inEffects) {
             EXPECT_EQ(result, SELFREG_E_CLASS);
-            Values rest = wantedEffects(true);
-            const CFactoryTemplate& row = g_Templates[(i - 1) / 2];
-            rest.erase(idText(*row.m_ClsID));
-            EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), rest);
-            EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, aliases), wantedAliases(true));
-            for (const CFactoryTemplate& each : g_Templates)
+            Values rest = WantedEffects(true);
+            const CFactoryTemplate& row = rows[(i - 1) / 2];
+            rest.erase(IdText(*row.m_ClsID));
+            EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effectsKey), rest);
+            EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, aliasesKey), WantedAliases(true));
+            for (const CFactoryTemplate& each : rows)
                 EXPECT_EQ(each.m_pAMovieSetup_Filter != nullptr, &each == &row);
-            EXPECT_EQ(classKeys(), 0);
+            EXPECT_EQ(ClassKeys(), 0);
         } else if (inAliases) {
             EXPECT_EQ(result, S_OK);
-            EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), wantedEffects(true));
-            EXPECT_LT(ValuesOf(HKEY_LOCAL_MACHINE, aliases)->size(), wantedAliases(true).size());
-            EXPECT_EQ(classKeys(), 13);
+            EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effectsKey), WantedEffects(true));
+            EXPECT_LT(ValuesOf(HKEY_LOCAL_MACHINE, aliasesKey)->size(), WantedAliases(true).size());
+            EXPECT_EQ(ClassKeys(), static_cast<int>(rowCount));
         } else {
             EXPECT_EQ(result, refused);
-            EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), wantedEffects(true));
-            const std::size_t first = 2 + 4 * std::size(g_Templates), ofOneRow = 5;
-            const std::size_t row = (i - first) / ofOneRow;
-            EXPECT_EQ(classKeys(), static_cast<int>(row) + ((i - first) % ofOneRow > 0));
+            EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effectsKey), WantedEffects(true));
+            const std::size_t before = 2 + 4 * rowCount, ofOneRow = 5;
+            const std::size_t row = (i - before) / ofOneRow;
+            EXPECT_EQ(ClassKeys(), static_cast<int>(row) + ((i - before) % ofOneRow > 0));
         }
         registry_faults::Reset();
-        EXPECT_EQ(vixa::RegisterLibrary(), S_OK);
-        expectRegistered();
+        EXPECT_EQ(vixa::RegisterLibrary(aliases), S_OK);
+        ExpectRegistered();
     }
 }
 
 TEST_F(Registration, RemovalRefusedAtEachStepCanBeRepeated)
 {
-    ASSERT_EQ(vixa::RegisterLibrary(), S_OK);
+    ASSERT_EQ(vixa::RegisterLibrary(aliases), S_OK);
     registry_faults::Reset();
-    ASSERT_EQ(vixa::UnregisterLibrary(), S_OK);
+    ASSERT_EQ(vixa::UnregisterLibrary(aliases), S_OK);
     const std::size_t steps = registry_faults::Calls().size();
-    ASSERT_GT(steps, 100u);
+    ASSERT_GT(steps, 6 * rowCount);
     for (std::size_t i = 0; i < steps; ++i) {
         SCOPED_TRACE("call " + std::to_string(i));
         registry_faults::Reset();
-        ASSERT_EQ(vixa::RegisterLibrary(), S_OK);
+        ASSERT_EQ(vixa::RegisterLibrary(aliases), S_OK);
         registry_faults::Reset();
         registry_faults::FailCall(i);
-        EXPECT_EQ(vixa::UnregisterLibrary(), i == 0 ? SELFREG_E_CLASS : S_OK);
+        EXPECT_EQ(vixa::UnregisterLibrary(aliases), i == 0 ? SELFREG_E_CLASS : S_OK);
         EXPECT_EQ(registry_faults::OpenKeys(), 0u);
         registry_faults::Reset();
         if (i == 0)
-            expectRegistered();
-        EXPECT_EQ(vixa::UnregisterLibrary(), S_OK);
-        expectNothingOfOurs();
+            ExpectRegistered();
+        EXPECT_EQ(vixa::UnregisterLibrary(aliases), S_OK);
+        ExpectNothingOfOurs();
     }
 }
 
 TEST_F(Registration, UnresolvableLocationTouchesNoKey)
 {
-    EXPECT_EQ(vixa::RegisterLibrary("<VIXA/>"), SELFREG_E_CLASS);
-    EXPECT_EQ(vixa::UnregisterLibrary("no document"), SELFREG_E_CLASS);
+    EXPECT_EQ(vixa::RegisterLibrary(aliases, "<VIXA/>"), SELFREG_E_CLASS);
+    EXPECT_EQ(vixa::UnregisterLibrary(aliases, "no document"), SELFREG_E_CLASS);
     EXPECT_TRUE(registry_faults::Calls().empty());
-    expectNothingOfOurs();
+    ExpectNothingOfOurs();
 }
 
 TEST_F(Registration, UnknownModulePathIsTheSystemsError)
 {
     g_hInst = reinterpret_cast<HINSTANCE>(static_cast<UINT_PTR>(0x123450));
-    const HRESULT result = vixa::RegisterLibrary();
+    const HRESULT result = vixa::RegisterLibrary(aliases);
     EXPECT_EQ(HRESULT_FACILITY(result), FACILITY_WIN32);
     EXPECT_TRUE(FAILED(result));
-    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), wantedEffects(true));
-    EXPECT_EQ(classKeys(), 0);
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effectsKey), WantedEffects(true));
+    EXPECT_EQ(ClassKeys(), 0);
 }
 
 // Without the mapper there is nothing to be entered, but its absence is the answer.
@@ -297,29 +279,29 @@ TEST_F(Registration, MissingFilterMapperLeavesTheClassKeys)
     }
     const auto point = [&](bool away) {
         for (std::size_t i = 0; i < std::size(mappers); ++i)
-            write(HKEY_CLASSES_ROOT, mappers[i].first, mappers[i].second, away ? L"nowhere.dll" : servers[i]);
+            Write(HKEY_CLASSES_ROOT, mappers[i].first, mappers[i].second, away ? L"nowhere.dll" : servers[i]);
     };
     point(true);
-    EXPECT_TRUE(FAILED(vixa::RegisterLibrary()));
-    expectRegistered();
-    const HRESULT result = vixa::UnregisterLibrary();
+    EXPECT_TRUE(FAILED(vixa::RegisterLibrary(aliases)));
+    ExpectRegistered();
+    const HRESULT result = vixa::UnregisterLibrary(aliases);
     EXPECT_TRUE(FAILED(result));
     EXPECT_NE(result, SELFREG_E_CLASS);
-    EXPECT_EQ(classKeys(), 13);
-    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effects), wantedEffects(false));
+    EXPECT_EQ(ClassKeys(), static_cast<int>(rowCount));
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effectsKey), WantedEffects(false));
     point(false);
-    EXPECT_EQ(vixa::UnregisterLibrary(), S_OK);
-    expectNothingOfOurs();
+    EXPECT_EQ(vixa::UnregisterLibrary(aliases), S_OK);
+    ExpectNothingOfOurs();
 }
 
 TEST_F(Registration, LongNamesAreCutInTheClassKeyOnly)
 {
     const std::wstring name(300, L'n');
-    g_Templates[0].m_Name = name.c_str();
-    EXPECT_EQ(vixa::RegisterLibrary(), S_OK);
-    EXPECT_EQ(ReadValue(HKEY_LOCAL_MACHINE, effects, idText(CLSID_AddPixel)), TextValue(name));
-    EXPECT_EQ(ReadValue(HKEY_CLASSES_ROOT, classKey(g_Templates[0]), L""), TextValue(name.substr(0, 259)));
-    g_Templates[0].m_Name = L"Add pixel";
+    rows[0].m_Name = name.c_str();
+    EXPECT_EQ(vixa::RegisterLibrary(aliases), S_OK);
+    EXPECT_EQ(ReadValue(HKEY_LOCAL_MACHINE, effectsKey, IdText(first)), TextValue(name));
+    EXPECT_EQ(ReadValue(HKEY_CLASSES_ROOT, ClassKey(rows[0]), L""), TextValue(name.substr(0, 259)));
+    rows[0].m_Name = L"First";
 }
 
 } // namespace
