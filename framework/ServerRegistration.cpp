@@ -30,14 +30,12 @@ Text ClassKeyName(const CLSID& classId) noexcept
     return name;
 }
 
+// In wide characters: the component system reads them so, and the ANSI code page may lack some of a folder's.
 HRESULT ModulePath(Text& path) noexcept
 {
-    char ansi[textLength];
-    if (GetModuleFileNameA(g_hInst, ansi, textLength) == 0)
+    if (GetModuleFileNameW(g_hInst, path.characters, textLength) == 0)
         return HRESULT_FROM_WIN32(GetLastError());
-    ansi[textLength - 1] = '\0'; // some systems leave a path that was cut without one
-    if (MultiByteToWideChar(CP_ACP, 0, ansi, -1, path.characters, textLength) == 0)
-        return HRESULT_FROM_WIN32(GetLastError());
+    path.characters[textLength - 1] = L'\0'; // some systems leave a path that was cut without one
     return S_OK;
 }
 

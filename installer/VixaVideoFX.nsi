@@ -223,7 +223,7 @@ Section
             ExecWait '"$SYSDIR\regsvr32.exe" /u /s "$INSTDIR\${NAME}.dll"'
         ${Else}
             StrCpy $0 ""
-            ; The library enters what the ANSI code page can express of its path.
+            ; The library enters 259 characters of its path.
             ReadRegStr $1 HKCR "CLSID\{DDBE68A3-F53E-4E2D-B5AF-578F4302C032}\InprocServer32" ""
             ${If} $1 != "$INSTDIR\${NAME}.dll"
                 ExecWait '"$SYSDIR\regsvr32.exe" /u /s "$INSTDIR\${NAME}.dll"'

@@ -2,6 +2,8 @@
 
 #include "sxs/CVixaSXSError.h"
 
+#include <windows.h>
+
 using namespace vixa::sxs;
 
 namespace {
@@ -19,6 +21,8 @@ HRESULT ResultOf(Step step)
     try {
         return step();
     } catch (const CVixaSXSError& error) {
+        // The result code says that it went wrong; a debugger's line says where.
+        OutputDebugStringA(error.what());
         return HRESULT_FROM_WIN32(static_cast<DWORD>(error.GetCode()));
     } catch (const std::exception&) {
         return E_UNEXPECTED;

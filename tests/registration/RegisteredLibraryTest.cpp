@@ -119,12 +119,19 @@ TEST_F(RegisteredLibrary, HostFindsAndCreatesEveryEffect)
     EXPECT_EQ(ExitCodeOf(L"regsvr32 /u /s \"" + LibraryPath() + L"\""), 0u);
 }
 
-// What the class key says about a copy of the library at `path`.
-std::wstring RegisteredPathOf(const std::wstring& path)
+// What the class key says about a copy of the library at `path`, and whether an effect can be created through it.
+struct Registered
+{
+    std::wstring path;
+    HRESULT creation = E_FAIL;
+};
+
+Registered RegisteredAt(const std::wstring& path)
 {
     using Entry = HRESULT(STDAPICALLTYPE*)();
+    const std::wstring id = L"{E2CE4A0B-1E6A-426E-A90F-172F42528C90}";
     EXPECT_TRUE(CopyFileW(LibraryPath().c_str(), path.c_str(), FALSE)) << GetLastError();
-    std::wstring registered;
+    Registered registered;
     {
         const vixa::UniqueModule module(LoadLibraryW(path.c_str()));
         if (!module) {
@@ -135,30 +142,41 @@ std::wstring RegisteredPathOf(const std::wstring& path)
             return reinterpret_cast<Entry>(reinterpret_cast<void*>(GetProcAddress(module.get(), name)));
         };
         EXPECT_EQ(entry("DllRegisterServer")(), S_OK);
-        const auto value =
-            ReadValue(HKEY_CLASSES_ROOT, L"CLSID\\{E2CE4A0B-1E6A-426E-A90F-172F42528C90}\\InprocServer32", L"");
-        registered = value ? value->data.c_str() : L"";
+        const auto value = ReadValue(HKEY_CLASSES_ROOT, L"CLSID\\" + id + L"\\InprocServer32", L"");
+        registered.path = value ? value->data.c_str() : L"";
+        CLSID classId;
+        CLSIDFromString(id.c_str(), &classId);
+        ComPtr<IBaseFilter> filter;
+        registered.creation = CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&filter));
         EXPECT_EQ(entry("DllUnregisterServer")(), S_OK);
     }
-    EXPECT_TRUE(DeleteFileW(path.c_str()));
+    CoFreeUnusedLibrariesEx(0, 0);
+    EXPECT_TRUE(DeleteFileW(path.c_str())) << GetLastError();
     return registered;
 }
 
-TEST_F(RegisteredLibrary, PathsGoThroughTheAnsiCodePageAndAreCut)
+TEST_F(RegisteredLibrary, FoldersOfAnyNameAreRegisteredAsTheyAre)
 {
-    const std::wstring folder = L"C:\\vixa";
-    ASSERT_TRUE(CreateDirectoryW(folder.c_str(), nullptr));
-    EXPECT_EQ(RegisteredPathOf(folder + L"\\sp ace.dll"), folder + L"\\sp ace.dll");
-    EXPECT_EQ(RegisteredPathOf(folder + L"\\\x65E5.dll"), folder + L"\\?.dll");
+    const std::wstring root = L"C:\\vixa";
+    ASSERT_TRUE(CreateDirectoryW(root.c_str(), nullptr));
+    for (const std::wstring& folder : {root + L"\\sp ace", root + L"\\\x65E5\x672C"}) {
+        ASSERT_TRUE(CreateDirectoryW(folder.c_str(), nullptr));
+        const std::wstring path = folder + L"\\VixaVideoFX.dll";
+        const Registered registered = RegisteredAt(path);
+        EXPECT_EQ(registered.path, path);
+        EXPECT_EQ(registered.creation, S_OK);
+        RemoveDirectoryW(folder.c_str());
+    }
 
-    const std::wstring deep = L"\\\\?\\" + folder + L"\\" + std::wstring(200, L'd');
+    // A path too long for the class key is cut.
+    const std::wstring deep = L"\\\\?\\" + root + L"\\" + std::wstring(200, L'd');
     ASSERT_TRUE(CreateDirectoryW(deep.c_str(), nullptr));
     const std::wstring longPath = deep + L"\\" + std::wstring(80, L'f') + L".dll";
-    const std::wstring registered = RegisteredPathOf(longPath);
-    EXPECT_EQ(registered.size(), 259u);
-    EXPECT_NE(longPath.find(registered), std::wstring::npos);
+    const std::wstring cut = RegisteredAt(longPath).path;
+    EXPECT_EQ(cut.size(), 259u);
+    EXPECT_NE(longPath.find(cut), std::wstring::npos);
     RemoveDirectoryW(deep.c_str());
-    RemoveDirectoryW(folder.c_str());
+    RemoveDirectoryW(root.c_str());
 }
 
 } // namespace

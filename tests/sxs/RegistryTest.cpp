@@ -1,5 +1,6 @@
 // Registry keys and the library's location in a real registry; the program runs in a prefix of its own.
 #include "sxs/CRegistrySxs.h"
+#include "sxs/CVixaSXSError.h"
 #include "sxs/RegistryKey.h"
 #include "tests/sxs/RegistryFaults.h"
 #include "tests/sxs/RegistryView.h"
@@ -135,6 +136,37 @@ TEST_F(Registry, EveryRefusedCallMakesItsOperationFail)
 constexpr const char* olderGeneration = R"(<?xml version="1.0" encoding="utf-8"?><VIXA><GENERATION id="11">
 <PRODUCT-LINE id="1025"><REGISTRY-APPLICATIONS HKLM="Software\Vixa" HKCU="Software\Vixa"/>
 <APPLICATION id="130" name="Editor" subkey="Vixa 11\Editor"/></PRODUCT-LINE></GENERATION></VIXA>)";
+
+// The texts that a debugger would be shown while one lives.
+class DebuggerLines
+{
+public:
+    DebuggerLines() : handler(AddVectoredExceptionHandler(1, Note)) { said.clear(); }
+    ~DebuggerLines() { RemoveVectoredExceptionHandler(handler); }
+    static inline std::string said;
+
+private:
+    static LONG CALLBACK Note(EXCEPTION_POINTERS* pointers)
+    {
+        constexpr DWORD printed = 0x40010006;
+        const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
+        if (record.ExceptionCode != printed)
+            return EXCEPTION_CONTINUE_SEARCH;
+        said += reinterpret_cast<const char*>(record.ExceptionInformation[1]);
+        said += '\n';
+        return EXCEPTION_CONTINUE_EXECUTION;
+    }
+    void* const handler;
+};
+
+TEST_F(Registry, AFailuresTextGoesToTheDebugger)
+{
+    const DebuggerLines lines;
+    CRegistrySxs location(LOCAL_MACHINE);
+    registry_faults::FailCall(0);
+    EXPECT_FALSE(location.CreateSubKey(L"Effects"));
+    EXPECT_EQ(lines.said, std::string(CVixaSXSError(ERROR_ACCESS_DENIED, AREA_REGISTRY).what()) + '\n');
+}
 
 TEST_F(Registry, OtherGenerationsAreNotWrittenTo)
 {
