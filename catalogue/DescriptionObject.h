@@ -2,6 +2,7 @@
 #pragma once
 
 #include "framework/CBaseObject.h"
+#include "framework/RefCount.h"
 
 #include <vixavideofx/PropertySetInfos.h>
 
@@ -33,14 +34,11 @@ public:
         return S_OK;
     }
 
-    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return static_cast<ULONG>(InterlockedIncrement(&refCount)); }
+    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return references.Add(); }
 
     ULONG STDMETHODCALLTYPE Release() noexcept override
     {
-        const LONG left = InterlockedDecrement(&refCount);
-        if (left == 0)
-            delete this;
-        return static_cast<ULONG>(left);
+        return references.Drop([this] { delete this; });
     }
 
     HRESULT STDMETHODCALLTYPE GetImage(BYTE* buffer, ULONG* size) noexcept override
@@ -66,7 +64,7 @@ protected:
 
 private:
     UINT imageId, nameId;
-    LONG refCount = 0;
+    RefCount references{0};
 };
 
 } // namespace vixa

@@ -5,13 +5,10 @@
 #include "module/EffectTable.h"
 #include "module/VixaVideoFXClassFactory.h"
 
-#include <atomic>
-
 class VixaVideoFXClassFactory::EffectInfo final : public EffectCatalogue
 {
 public:
-    // The count starts at 0: who creates the object takes the first reference.
-    // `effect` is a row of g_Templates.
+    // `effect` is a row of g_Templates. The count starts at 0: who creates the object takes the first reference.
     explicit EffectInfo(const CFactoryTemplate* effect) : EffectCatalogue(RecordOf(effect)), factoryTemplate(effect) {}
     ~EffectInfo() override;
 
@@ -26,5 +23,5 @@ private:
 
     const CFactoryTemplate* const factoryTemplate;
     VixaVideoFXClassFactory* classFactory = nullptr;
-    std::atomic<ULONG> refCount = 0;
+    vixa::RefCount references{0};
 };

@@ -21,28 +21,19 @@ private:
 };
 LinkLock linkLock;
 
-// Takes a reference unless the object is already on its way out.
-bool TryAddRef(std::atomic<ULONG>& count) noexcept
-{
-    for (ULONG seen = count; seen != 0;)
-        if (count.compare_exchange_weak(seen, seen + 1))
-            return true;
-    return false;
-}
-
 // Lets `linked` point at a live object with one more reference: the one it points at, or a new one from `make`. An
 // object that another thread is destroying right now is first detached through its `back` pointer; its destructor then
 // finds no partner.
 template <typename Partner, typename Back, typename Count, typename Make>
 bool Acquire(Partner*& linked, Back back, Count count, Make make) noexcept
 {
-    if (linked && TryAddRef(linked->*count))
+    if (linked && (linked->*count).TryAdd())
         return true;
     if (linked)
         linked->*back = nullptr;
     linked = make();
     if (linked)
-        (linked->*count)++;
+        (linked->*count).Add();
     return linked != nullptr;
 }
 
@@ -62,7 +53,7 @@ STDMETHODIMP VixaVideoFXClassFactory::QueryInterface(REFIID riid, void** object)
         return E_NOINTERFACE;
 
     const std::scoped_lock guard(linkLock);
-    const bool acquired = Acquire(effectInfo, &EffectInfo::classFactory, &EffectInfo::refCount, [this]() noexcept {
+    const bool acquired = Acquire(effectInfo, &EffectInfo::classFactory, &EffectInfo::references, [this]() noexcept {
         auto* const made = new (std::nothrow) EffectInfo(factoryTemplate);
         if (made)
             made->classFactory = this;
@@ -76,15 +67,12 @@ STDMETHODIMP VixaVideoFXClassFactory::QueryInterface(REFIID riid, void** object)
 
 STDMETHODIMP_(ULONG) VixaVideoFXClassFactory::AddRef() noexcept
 {
-    return ++refCount;
+    return references.Add();
 }
 
 STDMETHODIMP_(ULONG) VixaVideoFXClassFactory::Release() noexcept
 {
-    const ULONG left = --refCount;
-    if (left == 0)
-        delete this;
-    return left;
+    return references.Drop([this] { delete this; });
 }
 
 VixaVideoFXClassFactory::~VixaVideoFXClassFactory()
@@ -109,7 +97,7 @@ STDMETHODIMP VixaVideoFXClassFactory::EffectInfo::QueryInterface(REFIID riid, vo
 
     const std::scoped_lock guard(linkLock);
     const bool acquired = Acquire(classFactory, &VixaVideoFXClassFactory::effectInfo,
-                                  &VixaVideoFXClassFactory::refCount, [this]() noexcept {
+                                  &VixaVideoFXClassFactory::references, [this]() noexcept {
                                       auto* const made = new (std::nothrow) VixaVideoFXClassFactory;
                                       if (made) {
                                           made->factoryTemplate = factoryTemplate;
@@ -125,15 +113,12 @@ STDMETHODIMP VixaVideoFXClassFactory::EffectInfo::QueryInterface(REFIID riid, vo
 
 STDMETHODIMP_(ULONG) VixaVideoFXClassFactory::EffectInfo::AddRef() noexcept
 {
-    return ++refCount;
+    return references.Add();
 }
 
 STDMETHODIMP_(ULONG) VixaVideoFXClassFactory::EffectInfo::Release() noexcept
 {
-    const ULONG left = --refCount;
-    if (left == 0)
-        delete this;
-    return left;
+    return references.Drop([this] { delete this; });
 }
 
 VixaVideoFXClassFactory::EffectInfo::~EffectInfo()

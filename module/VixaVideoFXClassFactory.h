@@ -1,9 +1,8 @@
 // The class factory of one effect: creates its filter, and leads to its catalogue object.
 #pragma once
 
+#include "framework/RefCount.h"
 #include "module/ClassFactoryBase.h"
-
-#include <atomic>
 
 // Created by DllGetClassObject, which sets the effect's row and takes the first reference; the count starts at 0.
 //
@@ -27,5 +26,5 @@ public:
 
 private:
     EffectInfo* effectInfo = nullptr;
-    std::atomic<ULONG> refCount = 0;
+    vixa::RefCount references{0};
 };
