@@ -8,9 +8,7 @@ namespace vixahost::effects {
 Microsoft::WRL::ComPtr<DataPropertySet> DataPropertySet::Create(std::span<const std::int32_t> block)
 {
     Microsoft::WRL::ComPtr<DataPropertySet> set;
-    set.Attach(new DataPropertySet);
-    const auto bytes = std::as_bytes(block);
-    set->stored.assign(bytes.begin(), bytes.end());
+    set.Attach(new DataPropertySet(block));
     return set;
 }
 
@@ -24,19 +22,6 @@ HRESULT DataPropertySet::QueryInterface(REFIID riid, void** object) noexcept
     *object = static_cast<IUnknown*>(this);
     AddRef();
     return S_OK;
-}
-
-ULONG DataPropertySet::AddRef() noexcept
-{
-    return static_cast<ULONG>(InterlockedIncrement(&references));
-}
-
-ULONG DataPropertySet::Release() noexcept
-{
-    const LONG left = InterlockedDecrement(&references);
-    if (left == 0)
-        delete this;
-    return static_cast<ULONG>(left);
 }
 
 HRESULT DataPropertySet::GetData(void* buffer, int* size) noexcept
@@ -66,13 +51,20 @@ HRESULT DataPropertySet::SetData(const void* data, int size) noexcept
     }
 }
 
-std::vector<std::int32_t> DataPropertySet::Block()
+std::vector<std::int32_t> DataPropertySet::Block() const
 {
     const std::lock_guard hold(lock);
     std::vector<std::int32_t> block(stored.size() / sizeof(std::int32_t));
     if (!block.empty())
         std::memcpy(block.data(), stored.data(), block.size() * sizeof(std::int32_t));
     return block;
+}
+
+void DataPropertySet::Store(std::span<const std::int32_t> block)
+{
+    const auto bytes = std::as_bytes(block);
+    const std::lock_guard hold(lock);
+    stored.assign(bytes.begin(), bytes.end());
 }
 
 } // namespace vixahost::effects

@@ -34,13 +34,14 @@ ComPtr<IPin> FindPin(IBaseFilter* filter, PIN_DIRECTION wanted)
 
 EffectGraph::EffectGraph(const effects::EffectLibrary& library, const effects::EffectStack& stack,
                          media::FrameReader& reader, media::FrameWriter& writer, REFERENCE_TIME duration)
+    : taker(writer, reader.Format(), timer)
 {
     constexpr const char* noGraph = "The system's filter graph can't be had";
     Require(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&graph)), noGraph);
     Require(graph.As(&control), noGraph);
     Require(graph->QueryInterface(IID_IMediaEvent, &events), noGraph);
     source = FrameSource::Create(reader, timer);
-    sink = FrameSink::Create(writer, reader.Format(), timer);
+    sink = FrameSink::Create(taker);
 
     Add(source.Get(), "Source");
     IBaseFilter* last = source.Get();
@@ -99,7 +100,7 @@ void EffectGraph::Run(const std::function<void(std::int64_t)>& onProgress)
     WaitForEnd(onProgress);
     control->Stop();
     if (onProgress)
-        onProgress(sink->FramesWritten());
+        onProgress(taker.FramesWritten());
 }
 
 void EffectGraph::WaitForEnd(const std::function<void(std::int64_t)>& onProgress)
@@ -123,7 +124,7 @@ void EffectGraph::WaitForEnd(const std::function<void(std::int64_t)>& onProgress
                 Fail(result);
         }
         if (onProgress)
-            onProgress(sink->FramesWritten());
+            onProgress(taker.FramesWritten());
     }
 }
 
@@ -132,8 +133,8 @@ void EffectGraph::Fail(HRESULT result) const
     control->Stop();
     if (source->Failure())
         std::rethrow_exception(source->Failure());
-    if (sink->Failure())
-        std::rethrow_exception(sink->Failure());
+    if (taker.Failure())
+        std::rethrow_exception(taker.Failure());
     throw FailedJob("The filter graph failed (" + Show(result) + ").");
 }
 

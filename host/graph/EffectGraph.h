@@ -5,7 +5,7 @@
 #include "host/effects/EffectStack.h"
 #include "host/graph/FrameSink.h"
 #include "host/graph/FrameSource.h"
-#include "host/graph/PassTimer.h"
+#include "host/graph/FrameTaker.h"
 
 #include <control.h>
 
@@ -48,6 +48,7 @@ private:
     [[noreturn]] void Fail(HRESULT result) const;
 
     PassTimer timer;
+    FrameTaker taker;
     ComPtr<IGraphBuilder> graph;
     ComPtr<IMediaControl> control;
     ComPtr<IMediaEvent> events;

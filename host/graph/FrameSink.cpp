@@ -1,7 +1,5 @@
 #include "host/graph/FrameSink.h"
 
-#include "host/graph/FrameSource.h"
-
 namespace vixahost::graph {
 
 class FrameSinkPin final : public CBaseInputPin
@@ -12,41 +10,22 @@ public:
     {
     }
 
-    // Frames of the expected size, rows bottom-up, whatever else the type says.
     HRESULT CheckMediaType(const CMediaType* type) override
     {
-        if (*type->Type() != MEDIATYPE_Video || *type->Subtype() != MEDIASUBTYPE_RGB32 ||
-            *type->FormatType() != FORMAT_VideoInfo || type->FormatLength() < sizeof(VIDEOINFOHEADER))
-            return VFW_E_TYPE_NOT_ACCEPTED;
-        const auto& header = reinterpret_cast<const VIDEOINFOHEADER*>(type->Format())->bmiHeader;
-        return header.biWidth == sink.format.width && header.biHeight == sink.format.height ? S_OK
-                                                                                            : VFW_E_TYPE_NOT_ACCEPTED;
+        return sink.taker.Accepts(*type) ? S_OK : VFW_E_TYPE_NOT_ACCEPTED;
     }
 
     HRESULT STDMETHODCALLTYPE Receive(IMediaSample* sample) noexcept override
     {
-        sink.timer.End();
         const HRESULT result = CBaseInputPin::Receive(sample);
-        if (result != S_OK)
-            return result;
-        BYTE* data = nullptr;
-        const std::size_t bytes = sink.format.FrameBytes();
-        if (FAILED(sample->GetPointer(&data)) || sample->GetActualDataLength() != static_cast<long>(bytes))
-            return E_FAIL;
-        try {
-            sink.writer.Write({data, bytes});
-        } catch (...) {
-            sink.failure = std::current_exception();
-            return E_FAIL;
-        }
-        ++sink.written;
-        return S_OK;
+        return result == S_OK ? sink.taker.Take(*sample) : result;
     }
 
     HRESULT STDMETHODCALLTYPE ReceiveCanBlock() noexcept override { return S_FALSE; }
 
     HRESULT STDMETHODCALLTYPE EndOfStream() noexcept override
     {
+        sink.taker.OnEndOfStream();
         const HRESULT result = CheckStreaming();
         if (result != S_OK)
             return result;
@@ -56,17 +35,34 @@ public:
         return S_OK;
     }
 
+    HRESULT STDMETHODCALLTYPE BeginFlush() noexcept override
+    {
+        sink.taker.OnFlush(true);
+        return CBaseInputPin::BeginFlush();
+    }
+
+    HRESULT STDMETHODCALLTYPE EndFlush() noexcept override
+    {
+        sink.taker.OnFlush(false);
+        return CBaseInputPin::EndFlush();
+    }
+
+    HRESULT STDMETHODCALLTYPE NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) noexcept override
+    {
+        sink.taker.OnSegment(start, stop);
+        return CBaseInputPin::NewSegment(start, stop, rate);
+    }
+
 private:
     FrameSink& sink;
 };
 
-ComPtr<FrameSink> FrameSink::Create(media::FrameWriter& writer, const media::FrameFormat& format, PassTimer& timer)
+ComPtr<FrameSink> FrameSink::Create(SampleTaker& taker)
 {
-    return new FrameSink(writer, format, timer);
+    return new FrameSink(taker);
 }
 
-FrameSink::FrameSink(media::FrameWriter& to, const media::FrameFormat& frames, PassTimer& clock)
-    : CBaseFilter(L"Frame sink", nullptr, &lock, GUID_NULL), writer(to), format(frames), timer(clock)
+FrameSink::FrameSink(SampleTaker& to) : CBaseFilter(L"Frame sink", nullptr, &lock, GUID_NULL), taker(to)
 {
     HRESULT result = S_OK;
     pin = std::make_unique<FrameSinkPin>(*this, &result);

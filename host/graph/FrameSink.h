@@ -1,27 +1,35 @@
-// The graph's last filter: hands every frame to a writer as fast as they come.
+// The graph's last filter: hands over whatever comes, as fast as it comes.
 #pragma once
 
 #include "framework/CBaseFilter.h"
 #include "framework/CBaseInputPin.h"
 #include "framework/CCritSec.h"
-#include "host/graph/PassTimer.h"
-#include "host/media/Frames.h"
 
-#include <atomic>
-#include <cstdint>
-#include <exception>
 #include <memory>
 
 namespace vixahost::graph {
 
+// Who takes what arrives at a sink. Called on the threads that deliver.
+class SampleTaker
+{
+public:
+    virtual ~SampleTaker() = default;
+    virtual bool Accepts(const CMediaType& type) const = 0;
+    // A failure is the sample's result to the filter that delivers it; the stream then ends.
+    virtual HRESULT Take(IMediaSample& sample) noexcept = 0;
+    virtual void OnEndOfStream() noexcept {}
+    virtual void OnFlush(bool /*begins*/) noexcept {}
+    virtual void OnSegment(REFERENCE_TIME /*start*/, REFERENCE_TIME /*stop*/) noexcept {}
+};
+
 class FrameSinkPin;
 
-// A renderer: it reports EC_COMPLETE when the last frame is written and the graph runs. It never waits for a frame's
-// time. The writer and the timer must outlive the filter.
+// A renderer: it reports EC_COMPLETE when the last sample was taken and the graph runs. It never waits for a sample's
+// time. The taker must outlive the filter.
 class FrameSink final : public CBaseFilter, public IAMFilterMiscFlags
 {
 public:
-    static ComPtr<FrameSink> Create(media::FrameWriter& writer, const media::FrameFormat& format, PassTimer& timer);
+    static ComPtr<FrameSink> Create(SampleTaker& taker);
     ~FrameSink() override;
 
     DECLARE_IUNKNOWN
@@ -33,24 +41,15 @@ public:
     HRESULT STDMETHODCALLTYPE Run(REFERENCE_TIME start) noexcept override;
     HRESULT STDMETHODCALLTYPE Stop() noexcept override;
 
-    // Frames written so far; any thread.
-    std::int64_t FramesWritten() const noexcept { return written; }
-    // What the writer threw, if it did; read it when the graph has stopped.
-    std::exception_ptr Failure() const noexcept { return failure; }
-
 private:
     friend class FrameSinkPin;
-    FrameSink(media::FrameWriter& writer, const media::FrameFormat& format, PassTimer& timer);
+    explicit FrameSink(SampleTaker& taker);
     void ReportEnd();
 
     CCritSec lock;
-    media::FrameWriter& writer;
-    media::FrameFormat format;
-    PassTimer& timer;
-    std::atomic<std::int64_t> written = 0;
-    bool ended = false;    // guarded by the lock: no more frames will come
+    SampleTaker& taker;
+    bool ended = false;    // guarded by the lock: no more samples will come
     bool reported = false; // guarded by the lock: the graph knows
-    std::exception_ptr failure;
     std::unique_ptr<FrameSinkPin> pin;
 };
 

@@ -8,8 +8,18 @@ namespace vixahost::graph {
 class FrameSourcePin final : public CBaseOutputPin
 {
 public:
-    FrameSourcePin(FrameSource& owner, HRESULT* result)
-        : CBaseOutputPin(L"Frame source", &owner, &owner.lock, result, L"Output"), source(owner)
+    struct Offer
+    {
+        CMediaType type;
+        long bufferBytes;
+        FrameSource::Allocator allocator;
+    };
+
+    // Without a reader it sends nothing.
+    FrameSourcePin(FrameSource& owner, HRESULT* result, const Offer& offered, media::FrameReader* from,
+                   PassTimer* clock)
+        : CBaseOutputPin(L"Frame source", &owner, &owner.lock, result, L"Output"), source(owner), offer(offered),
+          reader(from), timer(clock)
     {
     }
 
@@ -18,23 +28,20 @@ public:
 
     HRESULT CheckMediaType(const CMediaType* type) override
     {
-        CMediaType own;
-        if (const HRESULT result = GetMediaType(0, &own); FAILED(result))
-            return result;
-        return *type == own ? S_OK : VFW_E_TYPE_NOT_ACCEPTED;
+        return *type == offer.type ? S_OK : VFW_E_TYPE_NOT_ACCEPTED;
     }
 
     HRESULT GetMediaType(int index, CMediaType* type) override
     {
         if (index < 0)
             return E_INVALIDARG;
-        return index > 0 ? VFW_S_NO_MORE_ITEMS : MediaTypeOf(source.reader.Format(), *type);
+        return index > 0 ? VFW_S_NO_MORE_ITEMS : type->Set(offer.type);
     }
 
     HRESULT DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request) override
     {
         request->cBuffers = std::max(request->cBuffers, 2L);
-        request->cbBuffer = std::max(request->cbBuffer, static_cast<long>(source.reader.Format().FrameBytes()));
+        request->cbBuffer = std::max(request->cbBuffer, offer.bufferBytes);
         request->cbAlign = std::max(request->cbAlign, 1L);
         ALLOCATOR_PROPERTIES actual = {};
         const HRESULT result = allocator->SetProperties(request, &actual);
@@ -43,10 +50,22 @@ public:
         return actual.cbBuffer < request->cbBuffer || actual.cBuffers < 1 ? E_FAIL : S_OK;
     }
 
+    HRESULT DecideAllocator(IMemInputPin* peer, IMemAllocator** agreed) override
+    {
+        if (offer.allocator == FrameSource::Allocator::Shared)
+            return CBaseOutputPin::DecideAllocator(peer, agreed);
+        ALLOCATOR_PROPERTIES request = {};
+        peer->GetAllocatorRequirements(&request);
+        HRESULT result = InitAllocator(agreed);
+        if (SUCCEEDED(result))
+            result = DecideBufferSize(*agreed, &request);
+        return SUCCEEDED(result) ? peer->NotifyAllocator(*agreed, TRUE) : result;
+    }
+
     HRESULT Active() override
     {
         const HRESULT result = CBaseOutputPin::Active();
-        if (FAILED(result))
+        if (FAILED(result) || !reader)
             return result;
         try {
             stopping = false;
@@ -89,7 +108,7 @@ private:
     // S_OK at the end of the reader, S_FALSE when downstream or a stop ended it.
     HRESULT DeliverAll() noexcept
     {
-        const media::FrameFormat format = source.reader.Format();
+        const media::FrameFormat format = reader->Format();
         for (std::int64_t index = 0; !stopping; ++index) {
             ComPtr<IMediaSample> sample;
             HRESULT result = GetDeliveryBuffer(&sample, nullptr, nullptr, 0);
@@ -102,7 +121,7 @@ private:
             if (sample->GetSize() < static_cast<long>(bytes))
                 return E_FAIL;
             try {
-                if (!source.reader.Read({data, bytes}))
+                if (!reader->Read({data, bytes}))
                     return S_OK;
             } catch (...) {
                 source.failure = std::current_exception();
@@ -114,7 +133,7 @@ private:
             sample->SetSyncPoint(TRUE);
             sample->SetDiscontinuity(index == 0);
             sample->SetPreroll(FALSE);
-            source.timer.Begin();
+            timer->Begin();
             if (result = Deliver(sample.Get()); result != S_OK)
                 return result;
         }
@@ -122,20 +141,34 @@ private:
     }
 
     FrameSource& source;
+    const Offer offer;
+    media::FrameReader* const reader;
+    PassTimer* const timer;
     std::atomic<bool> stopping = false;
     std::thread thread;
 };
 
+FrameSource::FrameSource() : CBaseFilter(L"Frame source", nullptr, &lock, GUID_NULL) {}
+
 ComPtr<FrameSource> FrameSource::Create(media::FrameReader& reader, PassTimer& timer)
 {
-    return new FrameSource(reader, timer);
+    FrameSourcePin::Offer offer = {{}, static_cast<long>(reader.Format().FrameBytes()), Allocator::Shared};
+    if (FAILED(MediaTypeOf(reader.Format(), offer.type)))
+        throw std::bad_alloc();
+    HRESULT result = S_OK;
+    ComPtr<FrameSource> source(new FrameSource);
+    source->pin = std::make_unique<FrameSourcePin>(*source.Get(), &result, offer, &reader, &timer);
+    return source;
 }
 
-FrameSource::FrameSource(media::FrameReader& from, PassTimer& clock)
-    : CBaseFilter(L"Frame source", nullptr, &lock, GUID_NULL), reader(from), timer(clock)
+ComPtr<FrameSource> FrameSource::Create(const CMediaType& type, Allocator allocator)
 {
+    // What is sent lies in its owner's memory; only copies for a read-only source come from the allocator.
+    const FrameSourcePin::Offer offer = {type, 1 << 20, allocator};
     HRESULT result = S_OK;
-    pin = std::make_unique<FrameSourcePin>(*this, &result);
+    ComPtr<FrameSource> source(new FrameSource);
+    source->pin = std::make_unique<FrameSourcePin>(*source.Get(), &result, offer, nullptr, nullptr);
+    return source;
 }
 
 FrameSource::~FrameSource() = default;

@@ -1,4 +1,4 @@
-// The graph's first filter: pushes a reader's frames downstream as 32-bit RGB.
+// The graph's first filter: one output pin that offers one type.
 #pragma once
 
 #include "framework/CBaseFilter.h"
@@ -15,12 +15,21 @@ namespace vixahost::graph {
 
 class FrameSourcePin;
 
-// Runs a thread of its own from pause to stop. Frames carry their times and are all key frames. The reader and the
-// timer must outlive the filter.
 class FrameSource final : public CBaseFilter
 {
 public:
+    // Pushes the reader's frames downstream as 32-bit RGB, on a thread of its own from pause to stop. Frames carry
+    // their times and are all key frames. The reader and the timer must outlive the filter.
     static ComPtr<FrameSource> Create(media::FrameReader& reader, PassTimer& timer);
+
+    enum class Allocator
+    {
+        Shared,
+        ReadOnly // the source insists on its own and lets nobody write to it
+    };
+    // Sends nothing by itself: its owner hands samples to the next filter's input pin.
+    static ComPtr<FrameSource> Create(const CMediaType& type, Allocator allocator = Allocator::Shared);
+
     ~FrameSource() override;
 
     int GetPinCount() override { return 1; }
@@ -31,11 +40,9 @@ public:
 
 private:
     friend class FrameSourcePin;
-    FrameSource(media::FrameReader& reader, PassTimer& timer);
+    FrameSource();
 
     CCritSec lock;
-    media::FrameReader& reader;
-    PassTimer& timer;
     std::exception_ptr failure;
     std::unique_ptr<FrameSourcePin> pin;
 };

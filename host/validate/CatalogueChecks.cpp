@@ -1,11 +1,13 @@
 // Groups "catalogue", "icons" and "defaults": what a host can learn of an effect.
+#include "host/fixtures/GuardedMemory.h"
+#include "host/fixtures/RecordedSet.h"
 #include "host/validate/Contract.h"
-#include "host/validate/Props.h"
 #include "host/validate/Subject.h"
 
 #include <vixavideofx/EffectParameters.h>
 
 #include <algorithm>
+#include <cstring>
 #include <set>
 #include <vector>
 
@@ -166,7 +168,7 @@ void IconShortBuffer(Subject& library)
 void IconExactBuffer(Subject& library)
 {
     for (const Promise& effect : Promises()) {
-        const GuardedMemory buffer(iconBytes, GuardedMemory::Guard::Behind);
+        const fixtures::GuardedMemory buffer(iconBytes, fixtures::GuardedMemory::Guard::Behind);
         ULONG size = iconBytes;
         RequireResult(library.Info(*effect.classId)->GetIcon(buffer.Bytes().data(), &size), S_OK, "GetIcon");
         RequireNumber(size, iconBytes, std::string(effect.name) + ": the size after the copy");
@@ -186,14 +188,14 @@ void IconArguments(Subject& library)
 void DefaultBlocks(Subject& library)
 {
     for (const Promise& effect : Promises()) {
-        RecordedSet set;
+        fixtures::RecordedSet set;
         RequireResult(library.Info(*effect.classId)->SetDefaults(&set), S_OK,
                       std::string(effect.name) + ": SetDefaults");
         RequireNumber(set.writes, 1, std::string(effect.name) + ": the number of SetData calls");
         RequireNumber(set.lastSize, static_cast<int>(effect.defaults.size() * 4),
                       std::string(effect.name) + ": the block's size in bytes");
         for (std::size_t i = 0; i < effect.defaults.size(); ++i)
-            RequireNumber(set.block[i], effect.defaults[i],
+            RequireNumber(set.Block()[i], effect.defaults[i],
                           std::string(effect.name) + ": default value " + std::to_string(i));
     }
 }
@@ -201,12 +203,12 @@ void DefaultBlocks(Subject& library)
 void DefaultRanges(Subject& library)
 {
     for (const Promise& effect : Promises()) {
-        RecordedSet set;
+        fixtures::RecordedSet set;
         library.Info(*effect.classId)->SetDefaults(&set);
         for (const ParameterDescription& parameter : ParametersOf(*effect.classId)) {
             const std::size_t index = parameter.offset / sizeof(std::int32_t);
-            Require(index < set.block.size(), std::string(effect.name) + ": the block is too short");
-            Require(set.block[index] >= parameter.minimum && set.block[index] <= parameter.maximum,
+            Require(index < set.Block().size(), std::string(effect.name) + ": the block is too short");
+            Require(set.Block()[index] >= parameter.minimum && set.Block()[index] <= parameter.maximum,
                     std::string(effect.name) + ": the default of " + parameter.name + " is out of its range");
         }
     }

@@ -1,5 +1,6 @@
 // The child process: one group's checks on one copy of the library.
 #include "host/base/Text.h"
+#include "host/fixtures/PushGraph.h"
 #include "host/validate/Subject.h"
 #include "host/validate/Validation.h"
 
@@ -70,6 +71,10 @@ Finding RunOne(const Check& check, Subject& library)
         return {Status::Success, ""};
     } catch (const Finding& finding) {
         return finding;
+    } catch (const fixtures::Refusal& refusal) {
+        return {Status::Failed, refusal.what()};
+    } catch (const fixtures::NoFilterGraph& lack) {
+        return {Status::Skipped, lack.what()};
     } catch (const std::exception& fault) {
         return {Status::Failed, std::string("the check itself could not go on: ") + fault.what()};
     }

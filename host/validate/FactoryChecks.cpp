@@ -1,6 +1,5 @@
 // Group "factories": how a host gets from a class identifier to an effect.
 #include "host/validate/Contract.h"
-#include "host/validate/Props.h"
 #include "host/validate/Subject.h"
 
 #include <vixavideofx/ClassIds.h>

@@ -1,6 +1,8 @@
 // Group "filters": what an effect is in a filter graph before the first sample.
+#include "host/fixtures/PushGraph.h"
+#include "host/fixtures/RecordedSet.h"
 #include "host/validate/Contract.h"
-#include "host/validate/PushGraph.h"
+#include "host/validate/Subject.h"
 
 #include <vixavideofx/ClassIds.h>
 
@@ -62,10 +64,10 @@ void ClassIds(Subject& library)
 HRESULT Offer(Subject& library, const CMediaType& type)
 {
     const auto filter = library.Filter(CLSID_Emboss);
-    const auto source = MakeSource(type);
+    const auto source = graph::FrameSource::Create(type);
     ComPtr<IPin> input;
     filter->FindPin(L"In", &input);
-    const auto output = OnlyPin(source.Get());
+    const auto output = fixtures::FirstPin(source.Get());
     const HRESULT result = input->ReceiveConnection(output.Get(), &type);
     if (SUCCEEDED(result))
         input->Disconnect();
@@ -79,7 +81,7 @@ void TypesAccepted(Subject& library)
             const auto filter = library.Filter(*effect.classId);
             ComPtr<IPin> input;
             filter->FindPin(L"In", &input);
-            const CMediaType type = VideoType(720, 576, second);
+            const CMediaType type = second ? fixtures::VideoType2(720, 576) : fixtures::VideoType(720, 576);
             RequireResult(input->QueryAccept(&type), S_OK, std::string(effect.name) + ": QueryAccept(RGB32)");
         }
 }
@@ -87,14 +89,14 @@ void TypesAccepted(Subject& library)
 void TypesRefused(Subject& library)
 {
     for (const GUID* subtype : {&MEDIASUBTYPE_RGB24, &MEDIASUBTYPE_RGB555, &MEDIASUBTYPE_YUY2, &MEDIASUBTYPE_ARGB32}) {
-        CMediaType type = VideoType(32, 32);
+        CMediaType type = fixtures::VideoType(32, 32);
         type.SetSubtype(subtype);
         RequireResult(Offer(library, type), VFW_E_TYPE_NOT_ACCEPTED, "the offer of another pixel format");
     }
-    CMediaType audio = VideoType(32, 32);
+    CMediaType audio = fixtures::VideoType(32, 32);
     audio.SetType(&MEDIATYPE_Audio);
     RequireResult(Offer(library, audio), VFW_E_TYPE_NOT_ACCEPTED, "the offer of sound");
-    CMediaType format = VideoType(32, 32);
+    CMediaType format = fixtures::VideoType(32, 32);
     format.SetFormatType(&FORMAT_MPEGVideo);
     RequireResult(Offer(library, format), VFW_E_TYPE_NOT_ACCEPTED, "the offer of another header format");
 }
@@ -102,7 +104,7 @@ void TypesRefused(Subject& library)
 void ShortFormats(Subject& library)
 {
     for (const bool second : {false, true}) {
-        CMediaType type = VideoType(32, 32, second);
+        CMediaType type = second ? fixtures::VideoType2(32, 32) : fixtures::VideoType(32, 32);
         const CMediaType whole = type;
         type.SetFormat(whole.Format(), 40);
         RequireResult(Offer(library, type), VFW_E_TYPE_NOT_ACCEPTED, "the offer of a type with a short header");
@@ -113,15 +115,15 @@ void ShortFormats(Subject& library)
 
 void OutsideGraph(Subject& library)
 {
-    const CMediaType type = VideoType(32, 32);
+    const CMediaType type = fixtures::VideoType(32, 32);
     RequireResult(Offer(library, type), VFW_E_NOT_IN_GRAPH, "a connection outside a graph");
 }
 
 void OutputType(Subject& library)
 {
-    const CMediaType type = VideoType(64, -48, true);
+    const CMediaType type = fixtures::VideoType2(64, -48);
     const auto filter = library.Filter(CLSID_Emboss);
-    const PushGraph graph(filter.Get(), type);
+    const fixtures::PushGraph graph(filter.Get(), type);
     ComPtr<IPin> output;
     filter->FindPin(L"Out", &output);
     CMediaType out;
@@ -147,7 +149,7 @@ void States(Subject& library)
         FILTER_STATE state = State_Running;
         RequireResult(filter->GetState(0, &state), S_OK, "GetState");
         RequireNumber(state, State_Stopped, std::string(effect.name) + ": a new filter's state");
-        const PushGraph graph(filter.Get(), VideoType(8, 8));
+        const fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(8, 8));
         filter->GetState(0, &state);
         RequireNumber(state, State_Running, std::string(effect.name) + ": the state in a running graph");
     }
@@ -166,10 +168,10 @@ void Durations(Subject& library)
 void Reconnects(Subject& library)
 {
     const auto filter = library.Filter(CLSID_Emboss);
-    RecordedSet set(PromiseOf(CLSID_Emboss).working);
+    fixtures::RecordedSet set(PromiseOf(CLSID_Emboss).working);
     Parameters(filter.Get())->SetPropertySet(&set);
     for (const LONG width : {16L, 7L, 33L}) {
-        PushGraph graph(filter.Get(), VideoType(width, 5));
+        fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, 5));
         const auto out = graph.Through(std::vector<std::uint8_t>(static_cast<std::size_t>(width) * 20, 90));
         RequireNumber(out[static_cast<std::size_t>(width) * 4 + 4], 128, "an inner pixel of an even frame");
         RequireNumber(out[static_cast<std::size_t>(width) * 8 - 1], 0, "a border pixel after the size changed");

@@ -1,6 +1,6 @@
 // Group "identity": QueryInterface, AddRef and Release.
+#include "host/fixtures/RecordedSet.h"
 #include "host/validate/Contract.h"
-#include "host/validate/Props.h"
 #include "host/validate/Subject.h"
 
 #include <vixavideofx/ClassIds.h>
@@ -164,7 +164,7 @@ void CatalogueFirst(Subject& library)
 void PropertySetsReleased(Subject& library)
 {
     for (const Promise& effect : Promises()) {
-        RecordedSet set(effect.working);
+        fixtures::RecordedSet set(effect.working);
         const auto filter = library.Filter(*effect.classId);
         Parameters(filter.Get())->SetPropertySet(&set);
         RequireNumber(set.references, 1, std::string(effect.name) + ": the property set's count after SetPropertySet");

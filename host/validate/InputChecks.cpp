@@ -1,12 +1,16 @@
 // Group "bad-input": property sets, samples and arguments that are wrong on purpose.
+#include "host/fixtures/GuardedMemory.h"
+#include "host/fixtures/PushGraph.h"
+#include "host/fixtures/RecordedSet.h"
 #include "host/validate/Contract.h"
 #include "host/validate/PixelModel.h"
-#include "host/validate/PushGraph.h"
+#include "host/validate/Subject.h"
 
 #include <vixavideofx/ClassIds.h>
 
 #include <algorithm>
 #include <climits>
+#include <cstring>
 
 namespace vixahost::validate {
 
@@ -30,11 +34,11 @@ void NullSet(Subject& library)
 {
     for (const Promise& effect : Promises()) {
         const auto filter = library.Filter(*effect.classId);
-        RecordedSet set(effect.working);
+        fixtures::RecordedSet set(effect.working);
         const auto parameters = Parameters(filter.Get());
         parameters->SetPropertySet(&set);
         RequireResult(parameters->SetPropertySet(nullptr), S_OK, std::string(effect.name) + ": SetPropertySet(null)");
-        PushGraph graph(filter.Get(), VideoType(width, height));
+        fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, height));
         Require(graph.Through(Ramp()) == ExpectedFrame(*effect.classId, effect.working, Ramp(), width, height),
                 std::string(effect.name) + ": SetPropertySet(null) changed the parameters");
     }
@@ -44,7 +48,7 @@ void FailingSet(Subject& library)
 {
     for (const Promise& effect : Promises()) {
         const auto filter = library.Filter(*effect.classId);
-        RecordedSet set;
+        fixtures::RecordedSet set;
         set.answer = [](void*, int*) { return E_FAIL; };
         RequireResult(Parameters(filter.Get())->SetPropertySet(&set), S_OK,
                       std::string(effect.name) + ": SetPropertySet with a set that can't be read");
@@ -58,7 +62,7 @@ void LongSet(Subject& library)
     for (const Promise& effect : Promises())
         for (const int claimed : {1 << 16, INT_MAX, INT_MIN, -1, 1}) {
             const auto filter = library.Filter(*effect.classId);
-            RecordedSet set;
+            fixtures::RecordedSet set;
             set.answer = [&](void* buffer, int* size) {
                 std::memset(buffer, 0xEE, 1 << 16);
                 std::memcpy(buffer, effect.working.data(), effect.working.size() * 4);
@@ -67,7 +71,7 @@ void LongSet(Subject& library)
             };
             // A set that says that it gave nothing leaves the sign of "Filter color" open; the others don't look.
             RequireResult(Parameters(filter.Get())->SetPropertySet(&set), S_OK, "SetPropertySet with a long set");
-            PushGraph graph(filter.Get(), VideoType(width, height));
+            fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, height));
             Require(graph.Through(Ramp()) == ExpectedFrame(*effect.classId, effect.working, Ramp(), width, height),
                     std::string(effect.name) + ": a long set spoilt the parameters");
         }
@@ -78,22 +82,22 @@ void ExtremeValues(Subject& library)
     for (const Promise& effect : Promises())
         for (const std::int32_t value : {INT_MIN, INT_MIN + 1, -256, -1, 0, 3, 11, 256, 1000, INT_MAX}) {
             const auto filter = library.Filter(*effect.classId);
-            RecordedSet set(std::vector<std::int32_t>(effect.working.size(), value));
+            fixtures::RecordedSet set(std::vector<std::int32_t>(effect.working.size(), value));
             Parameters(filter.Get())->SetPropertySet(&set);
-            PushGraph graph(filter.Get(), VideoType(width, height));
+            fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, height));
             graph.Through(Ramp()); // nothing outside the frame, no crash
         }
 }
 
-void Guarded(Subject& library, GuardedMemory::Guard guard)
+void Guarded(Subject& library, fixtures::GuardedMemory::Guard guard)
 {
     for (const Promise& effect : Promises()) {
         const auto filter = library.Filter(*effect.classId);
-        RecordedSet set(effect.working);
+        fixtures::RecordedSet set(effect.working);
         Parameters(filter.Get())->SetPropertySet(&set);
         for (const auto& [columns, rows] : {std::pair{1L, 1L}, {3L, 3L}, {5L, 4L}, {33L, 7L}, {64L, 8L}}) {
-            PushGraph graph(filter.Get(), VideoType(columns, rows));
-            const GuardedMemory memory(static_cast<std::size_t>(columns * rows) * 4, guard);
+            fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(columns, rows));
+            const fixtures::GuardedMemory memory(static_cast<std::size_t>(columns * rows) * 4, guard);
             std::fill(memory.Bytes().begin(), memory.Bytes().end(), std::uint8_t{123});
             RequireResult(graph.Send(memory.Bytes()), S_OK, std::string(effect.name) + ": Receive");
         }
@@ -102,12 +106,12 @@ void Guarded(Subject& library, GuardedMemory::Guard guard)
 
 void GuardBehind(Subject& library)
 {
-    Guarded(library, GuardedMemory::Guard::Behind);
+    Guarded(library, fixtures::GuardedMemory::Guard::Behind);
 }
 
 void GuardBefore(Subject& library)
 {
-    Guarded(library, GuardedMemory::Guard::Before);
+    Guarded(library, fixtures::GuardedMemory::Guard::Before);
 }
 
 // Samples that hold less than the connection's frame.
@@ -115,11 +119,11 @@ void ShortSamples(Subject& library)
 {
     for (const Promise& effect : Promises()) {
         const auto filter = library.Filter(*effect.classId);
-        RecordedSet set(effect.working);
+        fixtures::RecordedSet set(effect.working);
         Parameters(filter.Get())->SetPropertySet(&set);
-        PushGraph graph(filter.Get(), VideoType(64, 64));
+        fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(64, 64));
         for (const std::size_t bytes : {0u, 1u, 3u, 4u, 12u, 255u, 4096u, 64u * 64u * 4u - 1u}) {
-            const GuardedMemory memory(bytes, GuardedMemory::Guard::Behind);
+            const fixtures::GuardedMemory memory(bytes, fixtures::GuardedMemory::Guard::Behind);
             std::fill(memory.Bytes().begin(), memory.Bytes().end(), std::uint8_t{123});
             RequireResult(graph.Send(memory.Bytes()), S_OK, std::string(effect.name) + ": Receive of a short sample");
         }
@@ -130,13 +134,13 @@ void LyingLengths(Subject& library)
 {
     for (const Promise& effect : Promises()) {
         const auto filter = library.Filter(*effect.classId);
-        RecordedSet set(effect.working);
+        fixtures::RecordedSet set(effect.working);
         Parameters(filter.Get())->SetPropertySet(&set);
-        PushGraph graph(filter.Get(), VideoType(width, height));
+        fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, height));
         for (const long length : {LONG_MAX, long{frameBytes} + 8, -1L, LONG_MIN, 0L}) {
-            const GuardedMemory memory(frameBytes, GuardedMemory::Guard::Behind);
+            const fixtures::GuardedMemory memory(frameBytes, fixtures::GuardedMemory::Guard::Behind);
             std::fill(memory.Bytes().begin(), memory.Bytes().end(), std::uint8_t{123});
-            HandSample sample(memory.Bytes());
+            fixtures::HandSample sample(memory.Bytes());
             sample.length = length;
             RequireResult(graph.Send(&sample), S_OK, std::string(effect.name) + ": Receive of a lying sample");
         }
@@ -149,10 +153,10 @@ void HugeFrames(Subject& library)
         for (const auto& [columns, rows] :
              {std::pair{LONG_MAX, LONG_MAX}, {LONG_MIN, LONG_MIN}, {65536L, 65536L}, {0L, 100L}, {-5L, 5L}}) {
             const auto filter = library.Filter(*effect.classId);
-            RecordedSet set(effect.working);
+            fixtures::RecordedSet set(effect.working);
             Parameters(filter.Get())->SetPropertySet(&set);
-            PushGraph graph(filter.Get(), VideoType(columns, rows));
-            const GuardedMemory memory(256, GuardedMemory::Guard::Behind);
+            fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(columns, rows));
+            const fixtures::GuardedMemory memory(256, fixtures::GuardedMemory::Guard::Behind);
             RequireResult(graph.Send(memory.Bytes()), S_OK,
                           std::string(effect.name) + ": Receive with an absurd frame size");
         }
@@ -162,10 +166,10 @@ void NoBuffer(Subject& library)
 {
     for (const Promise& effect : Promises()) {
         const auto filter = library.Filter(*effect.classId);
-        RecordedSet set(effect.working);
+        fixtures::RecordedSet set(effect.working);
         Parameters(filter.Get())->SetPropertySet(&set);
-        PushGraph graph(filter.Get(), VideoType(width, height));
-        HandSample failing;
+        fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, height));
+        fixtures::HandSample failing;
         failing.size = failing.length = 64;
         failing.pointerResult = E_UNEXPECTED;
         // "Gamma correction" alone gives a frame up; the others pass it on.
@@ -177,7 +181,7 @@ void NoBuffer(Subject& library)
 void NullSample(Subject& library)
 {
     const auto filter = library.Filter(CLSID_AddPixel);
-    PushGraph graph(filter.Get(), VideoType(width, height));
+    fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, height));
     RequireResult(graph.Send(static_cast<IMediaSample*>(nullptr)), E_POINTER, "Receive(null)");
 }
 
@@ -186,9 +190,9 @@ void TrailingBytes(Subject& library)
     for (const GUID* effect : {&CLSID_AddPixel, &CLSID_InvertColor}) {
         const Promise& promise = PromiseOf(*effect);
         const auto filter = library.Filter(*effect);
-        RecordedSet set(promise.working);
+        fixtures::RecordedSet set(promise.working);
         Parameters(filter.Get())->SetPropertySet(&set);
-        PushGraph graph(filter.Get(), VideoType(3, 1));
+        fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(3, 1));
         const Frame in = {1, 2, 3, 4, 5, 6, 7, 8, 90, 91, 92, 93};
         Require(graph.Through(in) == ExpectedFrame(*effect, promise.working, in, 3, 1),
                 std::string(promise.name) + ": the four bytes beyond a multiple of eight were not left alone");
@@ -245,14 +249,14 @@ void MisalignedStack(Subject& library)
 {
     for (const Promise& effect : Promises()) {
         const auto filter = library.Filter(*effect.classId);
-        RecordedSet set(effect.working);
+        fixtures::RecordedSet set(effect.working);
         Parameters(filter.Get())->SetPropertySet(&set);
-        PushGraph graph(filter.Get(), VideoType(width, height));
+        fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, height));
         ComPtr<IMemInputPin> pin;
         graph.Input()->QueryInterface(IID_IMemInputPin, &pin);
         for (unsigned offset = 0; offset < 64; offset += 4) {
             Frame frame = Ramp();
-            HandSample sample(frame);
+            fixtures::HandSample sample(frame);
             RequireResult(SendMisaligned(pin.Get(), &sample, offset), S_OK, std::string(effect.name) + ": Receive");
         }
     }

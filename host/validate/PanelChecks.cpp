@@ -1,8 +1,8 @@
 // Group "panels": the settings windows, embedded as a host embeds them.
 #include "host/base/Text.h"
 #include "host/effects/PanelWindow.h"
+#include "host/fixtures/RecordedSet.h"
 #include "host/validate/Contract.h"
-#include "host/validate/Props.h"
 #include "host/validate/Subject.h"
 
 #include <vixavideofx/EffectParameters.h>
@@ -100,7 +100,7 @@ struct Embedded
 
     std::string name;
     ComPtr<IEffectInfo> info;
-    RecordedSet set;
+    fixtures::RecordedSet set;
     effects::PanelWindow host;
     HWND panel = nullptr;
     int notifications = 0;
@@ -130,7 +130,7 @@ void Arguments(Subject& library)
     const effects::PanelWindow host(100, 100);
     for (const Promise& effect : Promises()) {
         const auto info = library.Info(*effect.classId);
-        RecordedSet set(effect.defaults);
+        fixtures::RecordedSet set(effect.defaults);
         HWND window = host.Handle();
         RequireResult(info->ShowSettingsDialog(0, host.Handle(), effects::PanelWindow::changed, nullptr, &window),
                       E_FAIL, "ShowSettingsDialog without a property set");
@@ -163,7 +163,7 @@ void DiesWithTheHost(Subject& library)
 {
     for (const Promise& effect : Promises()) {
         const auto info = library.Info(*effect.classId);
-        RecordedSet set(effect.defaults);
+        fixtures::RecordedSet set(effect.defaults);
         HWND panel = nullptr;
         {
             const effects::PanelWindow host(100, 100);
@@ -212,7 +212,7 @@ void ShowsTheBlock(Subject& library)
         RequireNumber(panel.Position(1009), 33, "Add pixel: blue's slider");
         Require(panel.Checked(1040), "Add pixel: the box is not ticked");
         // The same panel for another instance of the effect.
-        panel.set.block = {1, 2, 3, 0};
+        panel.set.Store({1, 2, 3, 0});
         panel.Open();
         RequireNumber(panel.Position(1008), 2, "Add pixel: green's slider for another block");
         Require(!panel.Checked(1040), "Add pixel: the box is ticked for another block");
@@ -274,7 +274,7 @@ void Writes(Subject& library)
         Change(panel, control, wanted);
         const std::string what = panel.name + ", control " + std::to_string(control.id);
         RequireNumber(panel.set.writes, 1, what + ": the number of writes");
-        Require(panel.set.block == wanted, what + ": the wrong block was written");
+        Require(panel.set.Block() == wanted, what + ": the wrong block was written");
     }
 }
 
@@ -312,10 +312,10 @@ void MoveAll(Subject& library)
 {
     const Embedded panel(library, CLSID_AddPixel, std::vector<std::int32_t>{0, 0, 0, 1});
     panel.Scroll(1007, 100, TB_ENDTRACK);
-    Require(panel.set.block == std::vector<std::int32_t>({100, 100, 100, 1}),
+    Require(panel.set.Block() == std::vector<std::int32_t>({100, 100, 100, 1}),
             "with \"Move all sliders\" the other sliders do not follow");
     panel.Scroll(1008, 250, TB_ENDTRACK);
-    Require(panel.set.block == std::vector<std::int32_t>({250, 250, 250, 1}),
+    Require(panel.set.Block() == std::vector<std::int32_t>({250, 250, 250, 1}),
             "with \"Move all sliders\" the other sliders do not follow a second time");
 }
 
@@ -324,7 +324,7 @@ void LastBox(Subject& library)
     const Embedded panel(library, CLSID_ShiftEdges, std::vector<std::int32_t>{10});
     panel.Tick(1038, false);
     Require(panel.Checked(1038) && panel.Checked(1039), "clearing the last box does not tick both again");
-    RequireNumber(panel.set.block.at(0), 7, "the kind after the last box was cleared");
+    RequireNumber(panel.set.Block().at(0), 7, "the kind after the last box was cleared");
 }
 
 void ResetsWithDefaults(Subject& library)

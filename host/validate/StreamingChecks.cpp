@@ -1,7 +1,9 @@
 // Group "streaming": frames through each effect, against pixels worked out by hand and against the plain arithmetic.
+#include "host/fixtures/PushGraph.h"
+#include "host/fixtures/RecordedSet.h"
 #include "host/validate/Contract.h"
 #include "host/validate/PixelModel.h"
-#include "host/validate/PushGraph.h"
+#include "host/validate/Subject.h"
 
 #include <vixavideofx/ClassIds.h>
 
@@ -18,7 +20,7 @@ using Block = std::vector<std::int32_t>;
 ComPtr<IBaseFilter> Prepared(Subject& library, const GUID& effect, const Block& block)
 {
     const auto filter = library.Filter(effect);
-    RecordedSet set(block);
+    fixtures::RecordedSet set(block);
     RequireResult(Parameters(filter.Get())->SetPropertySet(&set), S_OK, "SetPropertySet");
     return filter;
 }
@@ -35,7 +37,7 @@ std::string Pixel(const std::uint8_t* bytes)
 // work in.
 void Point(Subject& library, const GUID& effect, const Block& block, const Frame& in, const Frame& wanted)
 {
-    PushGraph graph(Prepared(library, effect, block).Get(), VideoType(2, 1));
+    fixtures::PushGraph graph(Prepared(library, effect, block).Get(), fixtures::VideoType(2, 1));
     Frame frame = in;
     frame.insert(frame.end(), in.begin(), in.end());
     frame = graph.Through(frame);
@@ -48,7 +50,7 @@ void Point(Subject& library, const GUID& effect, const Block& block, const Frame
 // The middle of a frame of 3 x 3 pixels, the same in all four bytes; the border must be 0.
 void Middle(Subject& library, const GUID& effect, int kind, const Frame& nine, int wanted)
 {
-    PushGraph graph(Prepared(library, effect, {kind}).Get(), VideoType(3, 3));
+    fixtures::PushGraph graph(Prepared(library, effect, {kind}).Get(), fixtures::VideoType(3, 3));
     Frame frame;
     for (const std::uint8_t value : nine)
         frame.insert(frame.end(), 4, value);
@@ -161,7 +163,7 @@ void WholeFrames(Subject& library)
         const auto filter = Prepared(library, *effect.classId, effect.working);
         for (const auto& [width, height] :
              {std::pair{1L, 1L}, {2L, 2L}, {3L, 3L}, {5L, 7L}, {67L, 9L}, {64L, -16L}, {131L, 33L}}) {
-            PushGraph graph(filter.Get(), VideoType(width, height));
+            fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, height));
             const Frame in = Noise(static_cast<std::size_t>(width * std::abs(height)) * 4);
             const Frame out = graph.Through(in);
             const Frame wanted = ExpectedFrame(*effect.classId, effect.working, in, width, height);
@@ -184,7 +186,8 @@ void Borders(Subject& library)
         if (effect.group == 3)
             continue;
         const LONG width = 19, height = 11;
-        PushGraph graph(Prepared(library, *effect.classId, effect.working).Get(), VideoType(width, height));
+        fixtures::PushGraph graph(Prepared(library, *effect.classId, effect.working).Get(),
+                                  fixtures::VideoType(width, height));
         const Frame out = graph.Through(Frame(static_cast<std::size_t>(width * height) * 4, 200));
         for (LONG y = 0; y < height; ++y)
             for (LONG x = 0; x < width; ++x)
@@ -199,9 +202,9 @@ void Borders(Subject& library)
 void InPlace(Subject& library)
 {
     for (const Promise& effect : Promises()) {
-        PushGraph graph(Prepared(library, *effect.classId, effect.working).Get(), VideoType(8, 8));
+        fixtures::PushGraph graph(Prepared(library, *effect.classId, effect.working).Get(), fixtures::VideoType(8, 8));
         Frame frame(8 * 8 * 4, 100);
-        HandSample sample(frame);
+        fixtures::HandSample sample(frame);
         RequireResult(graph.Send(&sample), S_OK, "Receive");
         Require(graph.Seen().last == &sample, std::string(effect.name) + ": another sample came out");
         Require(graph.Seen().bytes == frame.data(), std::string(effect.name) + ": the frame was moved");
@@ -211,14 +214,14 @@ void InPlace(Subject& library)
 void OneCopy(Subject& library)
 {
     for (const Promise& effect : Promises()) {
-        PushGraph graph(Prepared(library, *effect.classId, effect.working).Get(), VideoType(8, 8),
-                        PushGraph::Allocator::ReadOnly);
+        fixtures::PushGraph graph(Prepared(library, *effect.classId, effect.working).Get(), fixtures::VideoType(8, 8),
+                                  fixtures::PushGraph::Allocator::ReadOnly);
         const Frame original = Noise(8 * 8 * 4);
         const Frame wanted = ExpectedFrame(*effect.classId, effect.working, original, 8, 8);
         // More frames than there are buffers: a copy that is not given back would end the stream.
         for (int i = 1; i <= 8; ++i) {
             Frame frame = original;
-            HandSample sample(frame);
+            fixtures::HandSample sample(frame);
             RequireResult(graph.Send(&sample), S_OK, "Receive from a read-only source");
             Require(frame == original, std::string(effect.name) + ": the read-only source's bytes were changed");
             Require(graph.Seen().last != &sample, std::string(effect.name) + ": a read-only sample was handed on");
@@ -233,9 +236,9 @@ void OneCopy(Subject& library)
 void TimesUntouched(Subject& library)
 {
     for (const Promise& effect : Promises()) {
-        PushGraph graph(Prepared(library, *effect.classId, effect.working).Get(), VideoType(8, 8));
+        fixtures::PushGraph graph(Prepared(library, *effect.classId, effect.working).Get(), fixtures::VideoType(8, 8));
         Frame frame(8 * 8 * 4, 100);
-        HandSample sample(frame);
+        fixtures::HandSample sample(frame);
         graph.Send(&sample);
         RequireNumber(sample.changes, 0,
                       std::string(effect.name) + ": changes to the sample's times, flags, type or length");
@@ -246,7 +249,7 @@ void TimesUntouched(Subject& library)
 void EndOfStream(Subject& library)
 {
     for (const Promise& effect : Promises()) {
-        PushGraph graph(Prepared(library, *effect.classId, effect.working).Get(), VideoType(8, 8));
+        fixtures::PushGraph graph(Prepared(library, *effect.classId, effect.working).Get(), fixtures::VideoType(8, 8));
         RequireResult(graph.Input()->EndOfStream(), S_OK, "EndOfStream");
         RequireNumber(graph.Seen().endsOfStream, 1, std::string(effect.name) + ": ends of stream delivered");
     }
@@ -254,7 +257,7 @@ void EndOfStream(Subject& library)
 
 void Flush(Subject& library)
 {
-    PushGraph graph(Prepared(library, CLSID_Emboss, {2}).Get(), VideoType(8, 8));
+    fixtures::PushGraph graph(Prepared(library, CLSID_Emboss, {2}).Get(), fixtures::VideoType(8, 8));
     Frame frame(8 * 8 * 4, 100);
     RequireResult(graph.Input()->BeginFlush(), S_OK, "BeginFlush");
     RequireNumber(graph.Seen().flushBegins, 1, "BeginFlush calls delivered");
@@ -267,7 +270,7 @@ void Flush(Subject& library)
 
 void Segments(Subject& library)
 {
-    PushGraph graph(Prepared(library, CLSID_Emboss, {2}).Get(), VideoType(8, 8));
+    fixtures::PushGraph graph(Prepared(library, CLSID_Emboss, {2}).Get(), fixtures::VideoType(8, 8));
     const int before = graph.Seen().segments;
     RequireResult(graph.Input()->NewSegment(100, 200, 2.0), S_OK, "NewSegment");
     RequireNumber(graph.Seen().segments, before + 1, "segments delivered");
@@ -277,11 +280,11 @@ void Segments(Subject& library)
 void NextFrame(Subject& library)
 {
     const auto filter = Prepared(library, CLSID_AddPixel, {1, 1, 1, 0});
-    PushGraph graph(filter.Get(), VideoType(2, 1));
+    fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(2, 1));
     RequireNumber(graph.Through(Frame(8, 100))[0], 101, "blue before the change");
-    RecordedSet set(Block{5, 5, 5, 0});
+    fixtures::RecordedSet set(Block{5, 5, 5, 0});
     Parameters(filter.Get())->SetPropertySet(&set);
-    set.block = {9, 9, 9, 0}; // the filter has a copy
+    set.Store({9, 9, 9, 0}); // the filter has a copy
     RequireNumber(graph.Through(Frame(8, 100))[0], 105, "blue in the frame after SetPropertySet");
 }
 
@@ -289,7 +292,7 @@ void TwoFilters(Subject& library)
 {
     const auto bright = Prepared(library, CLSID_GammaCorrection, {200});
     const auto dark = Prepared(library, CLSID_GammaCorrection, {45});
-    PushGraph first(bright.Get(), VideoType(2, 1)), second(dark.Get(), VideoType(2, 1));
+    fixtures::PushGraph first(bright.Get(), fixtures::VideoType(2, 1)), second(dark.Get(), fixtures::VideoType(2, 1));
     for (int i = 0; i < 3; ++i) {
         RequireNumber(first.Through(Frame(8, 128))[0], 181, "128 at a gamma of 2.00");
         RequireNumber(second.Through(Frame(8, 128))[0], 55, "128 at a gamma of 0.45");

@@ -1,8 +1,8 @@
 // Group "texts": names and groups in every language that lies beside the library.
 #include "host/base/Text.h"
 #include "host/effects/LanguageCodes.h"
+#include "host/fixtures/GuardedMemory.h"
 #include "host/validate/Contract.h"
-#include "host/validate/Props.h"
 #include "host/validate/Subject.h"
 
 #include <vixavideofx/ClassIds.h>
@@ -26,7 +26,7 @@ std::wstring TextOf(const std::string& what, Request request)
     ULONG length = 0xDEAD;
     RequireResult(request(nullptr, &length), S_OK, what + "'s size query");
     Require(length >= 1 && length < 1000, what + ": an absurd length, " + std::to_string(length));
-    const GuardedMemory buffer(length * sizeof(WCHAR), GuardedMemory::Guard::Behind);
+    const fixtures::GuardedMemory buffer(length * sizeof(WCHAR), fixtures::GuardedMemory::Guard::Behind);
     auto* const text = reinterpret_cast<WCHAR*>(buffer.Bytes().data());
     std::fill_n(text, length, L'\xFFFF');
     RequireResult(request(text, &length), S_OK, what);

@@ -1,7 +1,9 @@
 // Group "unloading": when the library may go, and that it goes.
 #include "host/effects/PanelWindow.h"
+#include "host/fixtures/PushGraph.h"
+#include "host/fixtures/RecordedSet.h"
 #include "host/validate/Contract.h"
-#include "host/validate/PushGraph.h"
+#include "host/validate/Subject.h"
 
 #include <vixavideofx/ClassIds.h>
 
@@ -94,9 +96,9 @@ void AfterStreaming(Subject& library)
     for (const Promise& effect : Promises()) {
         {
             const auto filter = library.Filter(*effect.classId);
-            RecordedSet set(effect.working);
+            fixtures::RecordedSet set(effect.working);
             Parameters(filter.Get())->SetPropertySet(&set);
-            PushGraph graph(filter.Get(), VideoType(16, 16));
+            fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(16, 16));
             graph.Through(std::vector<std::uint8_t>(16 * 16 * 4, 100));
         }
         MayGo(library, std::string("after a graph with ") + effect.name);
@@ -109,7 +111,7 @@ void AfterPanels(Subject& library)
         {
             const auto info = library.Info(*effect.classId);
             const effects::PanelWindow host(200, 200);
-            RecordedSet set(effect.defaults);
+            fixtures::RecordedSet set(effect.defaults);
             HWND panel = nullptr;
             info->ShowSettingsDialog(0, host.Handle(), effects::PanelWindow::changed, &set, &panel);
         }

@@ -38,7 +38,8 @@ const std::map<std::string, std::set<std::string>> allowed = {
     {"host/effects", {"include", "framework", "host/base"}},
     {"host/graph", {"include", "framework", "host/base", "host/media", "host/effects"}},
     {"host/browse", {"include", "framework", "host/base", "host/media", "host/effects", "host/graph"}},
-    {"host/validate", {"include", "framework", "host/base", "host/effects"}},
+    {"host/fixtures", {"include", "framework", "host/base", "host/effects", "host/graph"}},
+    {"host/validate", {"include", "framework", "host/base", "host/effects", "host/graph", "host/fixtures"}},
     {"host/commands",
      {"include", "framework", "host/base", "host/media", "host/effects", "host/graph", "host/browse", "host/validate"}},
     {"host", {"host/base", "host/commands"}}, // main
