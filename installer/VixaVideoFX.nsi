@@ -90,6 +90,7 @@ Function .onInit
     !insertmacro RequireAdministrator
     ReadRegStr $old HKLM "${UNINSTALL_KEY}" InstallLocation
     ${IfNot} ${FileExists} "$old\Uninstall.exe"
+    ${AndIfNot} ${FileExists} "$old\.previous\Uninstall.exe"
         StrCpy $old ""
     ${EndIf}
 FunctionEnd
@@ -194,14 +195,17 @@ Section
     ${AndIf} $INSTDIR == $old
         ReadRegDWORD $folderWasThere HKLM "${UNINSTALL_KEY}" FolderWasThere
         StrCpy $aside "$INSTDIR\.previous"
-        ${While} ${FileExists} "$aside\*.*"
-            StrCpy $aside "$aside~" ; of an installation that was cut short
-        ${EndWhile}
-        StrCpy $failed 0
-        !insertmacro MoveAll "$INSTDIR" "$aside"
-        ${If} $failed == 1
-            !insertmacro PutBack
-            !insertmacro RefuseInUse
+        ; Without its uninstaller the folder holds part of a version whose installation was cut short, to be written over.
+        ${If} ${FileExists} "$INSTDIR\Uninstall.exe"
+            ${While} ${FileExists} "$aside\*.*"
+                StrCpy $aside "$aside~"
+            ${EndWhile}
+            StrCpy $failed 0
+            !insertmacro MoveAll "$INSTDIR" "$aside"
+            ${If} $failed == 1
+                !insertmacro PutBack
+                !insertmacro RefuseInUse
+            ${EndIf}
         ${EndIf}
         StrCpy $old $aside
     ${EndIf}

@@ -18,7 +18,7 @@ VIXA_INTERFACE_ID(IEffectInfo, "194ADE67-AFBF-4A1F-9978-48B05CEFB083", 0x194ADE6
 // Threads: any, but texts and languages from one thread at a time (the language is the whole library's), and panels
 // from the thread that shows them. Apartments: the classes are registered as "Both", so an object belongs to the
 // apartment that made it. This interface and IEffectFilter have no marshaler and do not cross apartments:
-// CoMarshalInterface refuses them with E_NOINTERFACE. Within the rules above a thread may use the plain pointer.
+// CoMarshalInterface fails for them. Within the rules above a thread may use the plain pointer.
 //
 // The numbers that are called the host's own are passed on as listed; the library gives them no meaning.
 //

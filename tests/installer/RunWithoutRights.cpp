@@ -10,7 +10,7 @@
 
 namespace {
 
-int fail(const char* what)
+int Fail(const char* what)
 {
     std::printf("%s: error %lu\n", what, GetLastError());
     return 255;
@@ -31,14 +31,14 @@ int wmain(int count, wchar_t** arguments)
     BYTE administrators[SECURITY_MAX_SID_SIZE];
     DWORD size = sizeof administrators;
     if (!CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, administrators, &size))
-        return fail("CreateWellKnownSid");
+        return Fail("CreateWellKnownSid");
     HANDLE token = nullptr;
     if (!OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, &token))
-        return fail("OpenProcessToken");
+        return Fail("OpenProcessToken");
     const vixa::UniqueEvent own(token);
     SID_AND_ATTRIBUTES disabled = {administrators, 0};
     if (!CreateRestrictedToken(token, DISABLE_MAX_PRIVILEGE, 1, &disabled, 0, nullptr, 0, nullptr, &token))
-        return fail("CreateRestrictedToken");
+        return Fail("CreateRestrictedToken");
     const vixa::UniqueEvent restricted(token);
 
     STARTUPINFOW startup = {};
@@ -46,7 +46,7 @@ int wmain(int count, wchar_t** arguments)
     PROCESS_INFORMATION process = {};
     if (!CreateProcessAsUserW(restricted.get(), nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
                               nullptr, &startup, &process))
-        return fail("CreateProcessAsUserW");
+        return Fail("CreateProcessAsUserW");
     const vixa::UniqueEvent thread(process.hThread), child(process.hProcess);
     WaitForSingleObject(child.get(), INFINITE);
     DWORD code = 0;

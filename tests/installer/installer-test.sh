@@ -108,6 +108,16 @@ for folder in 'C:\Program Files\VixaVideoFX' 'C:\Other'; do
     expect "differences after that" "" "$(differences upgraded installed)"
 done
 
+# An upgrade whose computer was switched off is made good by the next: the old version waits aside, of the new one a part is
+# there.
+mkdir "$prefix/drive_c/aside"
+mv "$installed"/* "$prefix/drive_c/aside/"
+mv "$prefix/drive_c/aside" "$installed/.previous"
+printf 'part' >"$installed/VixaVideoFX.dll"
+expect "exit code, installation after one that was cut short" 0 "$(code wine "$installer" /S)"
+state again
+expect "differences after that" "" "$(differences again installed)"
+
 # What the user has put into the folder or changed in it stays.
 printf 'mine\n' | tee "$installed/README.md" >"$installed/docs/mine.txt"
 expect "exit code, installation over changed files" 0 "$(code wine "$installer" /S)"
