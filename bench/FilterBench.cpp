@@ -77,7 +77,7 @@ void MeasureOverhead(const test::Library& library, Report& report)
         for (int round = 0; round < rounds; ++round) {
             auto start = Clock::now();
             for (int call = 0; call < calls; ++call)
-                measured.run(kernels::BestKernels(), bytes, small, scratch);
+                measured.run(kernels::KernelsOf(kernels::Level::Avx512), bytes, small, scratch);
             direct = std::min(direct, Since(start) / calls);
             start = Clock::now();
             for (int call = 0; call < calls; ++call)
@@ -115,13 +115,14 @@ void MeasureSize(Size size, const Options& options, const test::Library& library
         if (measured.effect.find(options.only) == std::string::npos)
             continue;
         RunningEffect effect(library, measured, size);
-        rows.push_back(
-            {measured.effect,
-             Measure(
-                 frame,
-                 {{"kernel", [&](kernels::Frame bytes) { measured.run(kernels::BestKernels(), bytes, size, scratch); }},
-                  {"Receive", [&](kernels::Frame bytes) { effect.Receive(bytes); }}},
-                 options.seconds)});
+        rows.push_back({measured.effect, Measure(frame,
+                                                 {{"kernel",
+                                                   [&](kernels::Frame bytes) {
+                                                       measured.run(kernels::KernelsOf(kernels::Level::Avx512), bytes,
+                                                                    size, scratch);
+                                                   }},
+                                                  {"Receive", [&](kernels::Frame bytes) { effect.Receive(bytes); }}},
+                                                 options.seconds)});
     }
     report.Add(size, {"kernel", "Receive"}, rows);
 }

@@ -1,15 +1,16 @@
 #include "effects/CAddPixel.h"
 
-#include "effects/Creation.h"
 #include "filter/SampleBytes.h"
 
 #include <vixavideofx/ClassIds.h>
+
+#include <new>
 
 CAddPixel::CAddPixel(IUnknown* outer, HRESULT* result) : KernelEffect(outer, vixavideofx::CLSID_AddPixel, result) {}
 
 CUnknown* CALLBACK CAddPixel::CreateInstance(IUnknown* outer, HRESULT* result) noexcept
 {
-    return vixa::OrOutOfMemory(new (std::nothrow) CAddPixel(outer, result), result);
+    return new (std::nothrow) CAddPixel(outer, result);
 }
 
 HRESULT CAddPixel::Transform(IMediaSample* sample)

@@ -1,9 +1,10 @@
 #include "effects/CGammaCorrection.h"
 
-#include "effects/Creation.h"
 #include "filter/SampleBytes.h"
 
 #include <vixavideofx/ClassIds.h>
+
+#include <new>
 
 CGammaCorrection::CGammaCorrection(IUnknown* outer, HRESULT* result)
     : KernelEffect(outer, vixavideofx::CLSID_GammaCorrection, result)
@@ -12,7 +13,7 @@ CGammaCorrection::CGammaCorrection(IUnknown* outer, HRESULT* result)
 
 CUnknown* CALLBACK CGammaCorrection::CreateInstance(IUnknown* outer, HRESULT* result) noexcept
 {
-    return vixa::OrOutOfMemory(new (std::nothrow) CGammaCorrection(outer, result), result);
+    return new (std::nothrow) CGammaCorrection(outer, result);
 }
 
 HRESULT CGammaCorrection::Transform(IMediaSample* sample)

@@ -1,9 +1,10 @@
 #include "effects/CPixelControl.h"
 
-#include "effects/Creation.h"
 #include "filter/SampleBytes.h"
 
 #include <vixavideofx/ClassIds.h>
+
+#include <new>
 
 CPixelControl::CPixelControl(IUnknown* outer, HRESULT* result)
     : KernelEffect(outer, vixavideofx::CLSID_InvertColor, result)
@@ -12,7 +13,7 @@ CPixelControl::CPixelControl(IUnknown* outer, HRESULT* result)
 
 CUnknown* CALLBACK CPixelControl::CreateInstance(IUnknown* outer, HRESULT* result) noexcept
 {
-    return vixa::OrOutOfMemory(new (std::nothrow) CPixelControl(outer, result), result);
+    return new (std::nothrow) CPixelControl(outer, result);
 }
 
 HRESULT CPixelControl::Transform(IMediaSample* sample)

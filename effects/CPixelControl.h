@@ -9,7 +9,7 @@
 class CPixelControl final : public KernelEffect
 {
 public:
-    // The create routine of the factory table: null and E_OUTOFMEMORY in `*result` when memory is short.
+    // The create routine of the factory table: null when memory is short.
     static CUnknown* CALLBACK CreateInstance(IUnknown* outer, HRESULT* result) noexcept;
 
     // Always S_OK.

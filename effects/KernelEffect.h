@@ -23,7 +23,7 @@ protected:
     using InPlaceVideoEffect::InPlaceVideoEffect;
 
     // The kernels for the next frame.
-    const vixa::kernels::KernelSet& Kernels() const noexcept { return vixa::kernels::BestKernels(ceiling); }
+    const vixa::kernels::KernelSet& Kernels() const noexcept { return vixa::kernels::KernelsOf(ceiling); }
 
 private:
     std::atomic<vixa::kernels::Level> ceiling = vixa::kernels::Level::Avx512;

@@ -298,30 +298,30 @@ void Shift(std::uint8_t* frame, std::size_t rowBytes, std::size_t height, std::s
     std::memset(frame, 0, rowBytes + pixelBytes);
 }
 
-void Convolve(std::uint8_t* frame, std::size_t width, std::size_t height, ConvolutionForm form,
+void Convolve(std::uint8_t* frame, std::size_t width, std::size_t height, ConvolutionKind kind,
               std::uint8_t* scratch) noexcept
 {
     const std::size_t rowBytes = width * pixelBytes;
-    switch (form) {
-    case ConvolutionForm::DetectEdges:
+    switch (kind) {
+    case ConvolutionKind::DetectEdges:
         return ConvolveForm<BoxForm<9>>(frame, rowBytes, height, scratch);
-    case ConvolutionForm::Emboss:
+    case ConvolutionKind::Emboss:
         return ConvolveForm<EmbossForm>(frame, rowBytes, height, scratch);
-    case ConvolutionForm::EnhanceDetails:
+    case ConvolutionKind::EnhanceDetails:
         return ConvolveForm<CrossForm<9, -1, 13108>>(frame, rowBytes, height, scratch);
-    case ConvolutionForm::EnhanceEdges:
+    case ConvolutionKind::EnhanceEdges:
         return ConvolveForm<BoxForm<10>>(frame, rowBytes, height, scratch);
-    case ConvolutionForm::EnhanceFocus:
+    case ConvolutionKind::EnhanceFocus:
         return ConvolveForm<CornersForm>(frame, rowBytes, height, scratch);
-    case ConvolutionForm::LightEdges:
+    case ConvolutionKind::LightEdges:
         return ConvolveForm<CrossForm<-4, 1, 0>>(frame, rowBytes, height, scratch);
-    case ConvolutionForm::Soften:
+    case ConvolutionKind::Soften:
         return ConvolveForm<BoxForm<0>>(frame, rowBytes, height, scratch);
-    case ConvolutionForm::ShiftBoth:
+    case ConvolutionKind::ShiftEdges:
         return Shift(frame, rowBytes, height, rowBytes + pixelBytes);
-    case ConvolutionForm::ShiftVertical:
+    case ConvolutionKind::ShiftEdgesVertical:
         return Shift(frame, rowBytes, height, rowBytes);
-    case ConvolutionForm::ShiftHorizontal:
+    case ConvolutionKind::ShiftEdgesHorizontal:
         return Shift(frame, rowBytes, height, pixelBytes);
     }
 }

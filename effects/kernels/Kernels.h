@@ -59,12 +59,9 @@ enum class Level
 // The highest level that this build holds and that both the processor and the operating system allow.
 Level HighestLevel() noexcept;
 
-// All kernels at one level; a level above the highest is lowered to it.
+// All kernels at one level; a level above the highest is lowered to it. The highest level was the fastest for every
+// effect that was measured; lower ones are for tests, benchmarks and hosts that compare.
 const KernelSet& KernelsOf(Level level) noexcept;
-
-// For each effect the fastest of its forms up to `ceiling`, as measured; the same on every call. Lowering the ceiling
-// is for tests, benchmarks and hosts that compare.
-const KernelSet& BestKernels(Level ceiling = Level::Avx512) noexcept;
 
 const char* NameOf(Level level) noexcept;
 

@@ -55,9 +55,9 @@ void Convolve(Frame frame, std::int32_t width, std::int32_t height, const Convol
         return;
     // The vector forms know the ten kinds. A kernel that outlived its kind is rare and goes the plain way.
     const ConvolutionKernel* kernel = KernelOf(parameters.kind);
-    if (!kernel || kernel->coefficients != parameters.coefficients || plan.width < 3 || plan.height < 3)
+    if (!kernel || kernel->coefficients != parameters.coefficients || plan.height < 3)
         return scalar::Convolve(frame, width, height, parameters, scratch);
-    level.convolve(frame.data(), plan.width, plan.height, static_cast<ConvolutionForm>(parameters.kind),
+    level.convolve(frame.data(), plan.width, plan.height, static_cast<ConvolutionKind>(parameters.kind),
                    scratch.data());
 }
 
@@ -93,11 +93,6 @@ const KernelSet& KernelsOf(Level level) noexcept
     default:
         return scalarKernels;
     }
-}
-
-const KernelSet& BestKernels(Level ceiling) noexcept
-{
-    return KernelsOf(ceiling);
 }
 
 const char* NameOf(Level level) noexcept

@@ -123,12 +123,8 @@ void Convolve(Frame frame, std::int32_t width, std::int32_t height, const Convol
         return;
 
     const std::size_t rowBytes = plan.width * pixelBytes;
-    if (plan.width < 3 || plan.height < 3) {
-        std::memset(frame.data(), 0, rowBytes * plan.height);
-        return;
-    }
-
-    // The result replaces the frame row by row, so the rows above and at the one being written are kept as they were.
+    // A picture below 3 x 3 is all border: no inner pixel is reached, and its rows are cleared like outermost ones. The
+    // result replaces the frame row by row, so the rows above and at the one being written are kept as they were.
     std::uint8_t* above = scratch.data();
     std::uint8_t* middle = scratch.data() + rowBytes;
     std::memcpy(above, frame.data(), rowBytes);

@@ -4,25 +4,14 @@
 // machines.
 #pragma once
 
+#include <vixavideofx/DataBlocks.h>
+
 #include <cstddef>
 #include <cstdint>
 
 namespace vixa::kernels {
 
-// The arithmetic of one convolution, told apart by kernel and rounding; the values are those of the kinds.
-enum class ConvolutionForm : int
-{
-    DetectEdges = 1,
-    Emboss = 2,
-    EnhanceDetails = 3,
-    EnhanceEdges = 4,
-    EnhanceFocus = 5,
-    LightEdges = 6,
-    ShiftBoth = 7,
-    Soften = 8,
-    ShiftVertical = 9,
-    ShiftHorizontal = 10,
-};
+using vixavideofx::ConvolutionKind;
 
 struct VectorKernels
 {
@@ -40,8 +29,8 @@ struct VectorKernels
 
     void (*add)(std::uint8_t* frame, std::size_t pixels, std::uint32_t add, std::uint32_t subtract) noexcept;
 
-    // Width and height at least 3; scratch as ConvolutionScratchBytes says.
-    void (*convolve)(std::uint8_t* frame, std::size_t width, std::size_t height, ConvolutionForm form,
+    // Width at least 1, height at least 3; scratch as ConvolutionScratchBytes says.
+    void (*convolve)(std::uint8_t* frame, std::size_t width, std::size_t height, ConvolutionKind kind,
                      std::uint8_t* scratch) noexcept;
 };
 

@@ -1,7 +1,7 @@
 // Header arithmetic and the check of packed DIBs that come from outside.
 #include "bitmap/DibLayout.h"
-#include "tests/bitmap/GuardedBlock.h"
 #include "tests/bitmap/PackedDibs.h"
+#include "tests/support/GuardedBytes.h"
 
 #include <gtest/gtest.h>
 
@@ -67,8 +67,8 @@ TEST(DibLayout, ReadsPackedDibsUpToTheirLastByte)
                           {7, 7, 24, 9},
                           {4, 4, 32, 0}}) {
         const Bytes bytes = PackedDib(c.width, c.height, c.bitCount, c.colors);
-        const GuardedBlock block(bytes);
-        const auto layout = ParsePackedDib(block.Bytes());
+        const ::test::GuardedBytes block(bytes);
+        const auto layout = ParsePackedDib(std::as_bytes(block.Bytes()));
         ASSERT_TRUE(layout) << c.width << " x " << c.height << " at " << c.bitCount;
         EXPECT_EQ(layout->width, c.width);
         EXPECT_EQ(layout->height, c.height);
@@ -94,8 +94,8 @@ TEST(DibLayout, ReadsHeadersWithMoreFields)
 TEST(DibLayout, RefusesHostileData)
 {
     for (const HostileDib& hostile : HostileDibs()) {
-        const GuardedBlock block(hostile.bytes);
-        EXPECT_FALSE(ParsePackedDib(block.Bytes())) << hostile.what;
+        const ::test::GuardedBytes block(hostile.bytes);
+        EXPECT_FALSE(ParsePackedDib(std::as_bytes(block.Bytes()))) << hostile.what;
     }
 }
 

@@ -2,7 +2,7 @@
 #include "bitmap/Pixels.h"
 #include "bitmap/DibLayout.h"
 #include "bitmap/OsFamily.h"
-#include "tests/bitmap/GuardedBlock.h"
+#include "tests/support/GuardedBytes.h"
 
 #include <gtest/gtest.h>
 
@@ -22,11 +22,7 @@ public:
     }
     WritablePixels Pixels() const
     {
-        return {{reinterpret_cast<std::uint8_t*>(block.data()), block.Bytes().size()},
-                layout.width,
-                layout.height,
-                layout.stride,
-                layout.bitCount};
+        return {block.Bytes(), layout.width, layout.height, layout.stride, layout.bitCount};
     }
     // Blue, green, red and the fourth byte of a pixel counted from the top.
     std::uint8_t* At(std::int32_t x, std::int32_t y) const
@@ -42,7 +38,7 @@ public:
 
 private:
     DibLayout layout;
-    GuardedBlock block;
+    ::test::GuardedBytes block;
 };
 
 TEST(Pixels, ReadColoursFromTheTop)

@@ -20,7 +20,7 @@ const fs::path root = VIXA_SOURCE_DIR;
 const std::map<std::string, std::set<std::string>> allowed = {
     {"include", {}},
     {"framework", {}},
-    {"effects/kernels", {}},
+    {"effects/kernels", {"include"}},
     {"parameters", {"include"}},
     {"filter", {"include", "framework", "parameters"}},
     {"bitmap", {"framework"}},

@@ -22,6 +22,7 @@ TEST(GammaTable, FollowsThePowerCurve)
 {
     EXPECT_EQ(MakeGammaTable(200).entries[128], 181);
     EXPECT_EQ(MakeGammaTable(45).entries[128], 55);
+    EXPECT_EQ(MakeGammaTable(1).entries[254], 172) << "the exponent 100, not 0.01";
     for (const std::int32_t gamma : {INT_MIN, -1, 0, 1, 45, 100, 220, 10000, INT_MAX}) {
         const GammaTable table = MakeGammaTable(gamma);
         EXPECT_EQ(table.entries[0], 0) << gamma;
