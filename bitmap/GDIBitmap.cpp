@@ -16,10 +16,13 @@ BYTE AlphaByte(double opacity) noexcept
     return opacity > 0.0 ? static_cast<BYTE>(std::min(opacity, 1.0) * 255.0) : BYTE{0};
 }
 
-void CopyPicture(SharedBitmapData& to, const void* bits, std::size_t pixelBytes, const RGBQUAD* palette,
-                 int paletteSize) noexcept
+// Fills a record with rows and colours of the same size and depth.
+void CopyPicture(SharedBitmapData& to, const void* bits, const RGBQUAD* palette, int paletteSize) noexcept
 {
-    std::memcpy(to.bits, bits, pixelBytes);
+    // The record's own layout decides how much: another bitmap may report any stride.
+    const BITMAPINFOHEADER& header = to.Info()->bmiHeader;
+    const auto layout = vixa::bitmap::LayoutOf(header.biWidth, header.biHeight, header.biBitCount);
+    std::memcpy(to.bits, bits, static_cast<std::size_t>(layout ? layout->pixelBytes : 0));
     const int entries = std::min(paletteSize, to.PaletteSize());
     if (palette && entries > 0)
         std::memcpy(to.Info()->bmiColors, palette, static_cast<std::size_t>(entries) * sizeof(RGBQUAD));
@@ -223,17 +226,14 @@ bool STDMETHODCALLTYPE GDIBitmap::CopyFrom(const IBitmap* other) noexcept
         Reset();
         return false;
     }
-    const auto pixels = PixelsOf(*other);
+    const void* const bits = other->GetBitsForRead();
     const RGBQUAD* const palette = other->GetPaletteForRead();
-    const bool copied = made->bits && !pixels.bytes.empty() && palette;
+    const bool copied = made->bits && bits && palette;
     if (copied)
-        CopyPicture(*made.Get(), pixels.bytes.data(), pixels.bytes.size(), palette, other->GetPaletteSize());
+        CopyPicture(*made.Get(), bits, palette, other->GetPaletteSize());
     other->ReleaseBits();
     other->ReleasePalette();
-    if (copied)
-        data = std::move(made);
-    else
-        Reset();
+    data = std::move(made);
     return copied;
 }
 
@@ -349,9 +349,7 @@ bool STDMETHODCALLTYPE GDIBitmap::MakeUnique() noexcept
     if (!copy)
         return false;
     GdiFlush();
-    const auto layout = vixa::bitmap::LayoutOf(header.biWidth, header.biHeight, header.biBitCount);
-    CopyPicture(*copy.Get(), shared->bits, static_cast<std::size_t>(layout ? layout->pixelBytes : 0),
-                shared->Info()->bmiColors, shared->PaletteSize());
+    CopyPicture(*copy.Get(), shared->bits, shared->Info()->bmiColors, shared->PaletteSize());
     data = std::move(copy);
     return true;
 }

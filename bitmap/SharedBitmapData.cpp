@@ -10,6 +10,24 @@ using Microsoft::WRL::ComPtr;
 
 namespace {
 
+// What GetDIBits fills in beyond the sizes and the colour table does not belong to a record's header.
+void ClearFilledIn(BITMAPINFOHEADER& header) noexcept
+{
+    header.biSizeImage = 0;
+    header.biClrUsed = 0;
+    header.biClrImportant = 0;
+}
+
+// The colours of a device-dependent bitmap of few: the system knows them, the bitmap has no table.
+bool FetchColorTable(HDC screen, HBITMAP bitmap, BITMAPINFO& info) noexcept
+{
+    const auto stride = vixa::bitmap::StrideOf(info.bmiHeader.biWidth, info.bmiHeader.biBitCount);
+    const std::unique_ptr<BYTE[]> row(new (std::nothrow) BYTE[static_cast<std::size_t>(stride)]);
+    const bool fetched = row && GetDIBits(screen, bitmap, 0, 1, row.get(), &info, DIB_RGB_COLORS) != 0;
+    ClearFilledIn(info.bmiHeader);
+    return fetched;
+}
+
 // Takes over the reference that a new record starts with. Not Attach: this library's adds a reference of its own.
 ComPtr<SharedBitmapData> Owned(SharedBitmapData* record) noexcept
 {
@@ -84,10 +102,7 @@ ComPtr<SharedBitmapData> SharedBitmapData::MakeFrom(HBITMAP source) noexcept
         const auto rows = static_cast<UINT>(size.cy);
         if (!made || GetDIBits(screen.get(), source, 0, rows, made->bits, made->Info(), DIB_RGB_COLORS) == 0)
             return nullptr;
-        // What GetDIBits fills in beyond the sizes does not belong to this header.
-        made->Info()->bmiHeader.biSizeImage = 0;
-        made->Info()->bmiHeader.biClrUsed = 0;
-        made->Info()->bmiHeader.biClrImportant = 0;
+        ClearFilledIn(made->Info()->bmiHeader);
         return made;
     }
     auto made = Owned(new (std::nothrow) SharedBitmapData);
@@ -95,7 +110,10 @@ ComPtr<SharedBitmapData> SharedBitmapData::MakeFrom(HBITMAP source) noexcept
         !made->AllocateInfo(size, picture.bmBitsPixel))
         return nullptr;
     made->bitmap.reset(static_cast<HBITMAP>(CopyImage(source, IMAGE_BITMAP, 0, 0, 0)));
-    return made->bitmap ? made : nullptr;
+    if (!made->bitmap ||
+        (picture.bmBitsPixel <= 8 && !FetchColorTable(screen.get(), made->bitmap.get(), *made->Info())))
+        return nullptr;
+    return made;
 }
 
 int SharedBitmapData::PaletteSize() const noexcept

@@ -330,6 +330,18 @@ TEST(Drawing, HandlesAreCopied)
     const Canvas line(2, 1);
     EXPECT_TRUE(copy.Draw(line, {0, 0, 2, 1}, 0, 1.0, 1.0));
     EXPECT_EQ(line.Text(), "GB");
+    // Two colours that the system knows; the exported picture has to carry them.
+    const WORD whiteBlack = 0x80;
+    const vixa::UniqueBitmap mono(CreateBitmap(2, 1, 1, 1, &whiteBlack));
+    int monoSize = 0;
+    EXPECT_TRUE(GDIBitmap(mono.get()).ExportDib(nullptr, &monoSize));
+    std::vector<BYTE> monoBytes(static_cast<std::size_t>(monoSize));
+    EXPECT_TRUE(GDIBitmap(mono.get()).ExportDib(monoBytes.data(), &monoSize));
+    GDIBitmap monoLoaded;
+    EXPECT_TRUE(monoLoaded.LoadDib(monoBytes.data(), monoSize));
+    const Canvas pair(2, 1);
+    EXPECT_TRUE(monoLoaded.Draw(pair, {0, 0, 2, 1}, 0, 1.0, 1.0));
+    EXPECT_EQ(pair.Text(), "Wk");
     EXPECT_TRUE(GDIBitmap(static_cast<HBITMAP>(nullptr)).IsEmpty());
 }
 

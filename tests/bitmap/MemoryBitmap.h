@@ -15,6 +15,8 @@ public:
 
     Bytes bytes;
     bool hidesBits = false;
+    const void* borrowedBits = nullptr; // shown instead of its own
+    int stride = 0;                     // reported instead of its own
     mutable int released = 0;
 
     const BITMAPINFO* STDMETHODCALLTYPE GetInfo() const noexcept override
@@ -23,8 +25,9 @@ public:
     }
     const void* STDMETHODCALLTYPE GetBits() const noexcept override
     {
-        return hidesBits ? nullptr : bytes.data() + layout.PixelOffset();
+        return hidesBits ? nullptr : borrowedBits ? borrowedBits : bytes.data() + layout.PixelOffset();
     }
+    int STDMETHODCALLTYPE GetStride() const noexcept override { return stride ? stride : BitmapBase::GetStride(); }
     IBitmap* STDMETHODCALLTYPE Clone() const noexcept override { return nullptr; }
     bool STDMETHODCALLTYPE Draw(HDC dc, const RECT& destRect, int number, double x, double y) const noexcept override
     {
