@@ -39,11 +39,12 @@ HRESULT ModulePath(Text& path) noexcept
     return S_OK;
 }
 
+// A link that stands where the key should be is opened itself, and takes no values.
 LSTATUS CreateKey(HKEY parent, LPCWSTR name, vixa::UniqueKey& key) noexcept
 {
     HKEY opened = nullptr;
     const LSTATUS status =
-        RegCreateKeyExW(parent, name, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr, &opened, nullptr);
+        RegCreateKeyExW(parent, name, 0, nullptr, REG_OPTION_OPEN_LINK, KEY_WRITE, nullptr, &opened, nullptr);
     if (status == ERROR_SUCCESS)
         key.reset(opened);
     return status;
@@ -70,14 +71,31 @@ LSTATUS WriteClassKey(const CFactoryTemplate& row, LPCWSTR path) noexcept
     return status;
 }
 
-// Deletes a key with everything below it. A key that cannot be opened counts as deleted.
+bool IsLink(HKEY key) noexcept
+{
+    DWORD type = 0;
+    return RegQueryValueExW(key, L"SymbolicLinkValue", nullptr, &type, nullptr, nullptr) == ERROR_SUCCESS &&
+           type == REG_LINK;
+}
+
+// Deletes a link and leaves what it points at. RegDeleteKey by its name would follow it.
+LSTATUS DeleteLink(HKEY link) noexcept
+{
+    const auto deleteKey = reinterpret_cast<LONG(WINAPI*)(HANDLE)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtDeleteKey")));
+    return deleteKey && deleteKey(link) >= 0 ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+}
+
+// Deletes a key with everything below it, links as links. A key that cannot be opened counts as deleted.
 LSTATUS DeleteTree(HKEY parent, LPCWSTR name) noexcept
 {
     HKEY opened = nullptr;
-    if (RegOpenKeyExW(parent, name, 0, MAXIMUM_ALLOWED, &opened) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(parent, name, REG_OPTION_OPEN_LINK, MAXIMUM_ALLOWED, &opened) != ERROR_SUCCESS)
         return ERROR_SUCCESS;
     {
         const vixa::UniqueKey key(opened);
+        if (IsLink(opened))
+            return DeleteLink(opened);
         Text previous;
         for (;;) {
             Text child;

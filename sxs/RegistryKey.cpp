@@ -52,8 +52,8 @@ void RegistryKey::Create()
     if (handle_)
         return;
     HKEY created = nullptr;
-    Check(RegCreateKeyExW(Root(), path_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, access_, nullptr, &created,
-                          nullptr));
+    Check(
+        RegCreateKeyExW(Root(), path_.c_str(), 0, nullptr, REG_OPTION_OPEN_LINK, access_, nullptr, &created, nullptr));
     handle_.reset(created);
 }
 
@@ -62,7 +62,7 @@ void RegistryKey::Open()
     if (handle_)
         return;
     HKEY opened = nullptr;
-    Check(RegOpenKeyExW(Root(), path_.c_str(), 0, access_, &opened));
+    Check(RegOpenKeyExW(Root(), path_.c_str(), REG_OPTION_OPEN_LINK, access_, &opened));
     handle_.reset(opened);
 }
 

@@ -8,6 +8,8 @@
 
 #include <string>
 
+// A link at the path's end is never followed: it is opened itself, and the registry refuses values in it.
+//
 // For one thread at a time. Failures of the registry throw CVixaSXSError with the system's code in AREA_REGISTRY.
 class RegistryKey
 {

@@ -165,6 +165,24 @@ TEST_F(Registration, WritesAndRemovesItsOwnAndNothingElse)
     EXPECT_TRUE(KeyExists(HKEY_CLASSES_ROOT, L"CLSID"));
 }
 
+TEST_F(Registration, LinksAreNotFollowed)
+{
+    constexpr const wchar_t* target = L"Software\\Vixa\\Another's";
+    const std::wstring classes = L"Software\\Classes\\";
+    Write(HKEY_LOCAL_MACHINE, std::wstring(target) + L"\\Sub", L"n", L"another's");
+    EXPECT_EQ(vixa::RegisterLibrary(aliases), S_OK);
+    const registry_view::PlantedLink below(classes + ClassKey(rows[1]) + L"\\Planted", target);
+    EXPECT_EQ(vixa::UnregisterLibrary(aliases), S_OK);
+    EXPECT_FALSE(below.Exists());
+    ExpectNothingOfOurs();
+    const registry_view::PlantedLink instead(classes + ClassKey(rows[1]), target);
+    EXPECT_EQ(vixa::RegisterLibrary(aliases), refused) << "no class key can be made where a link stands";
+    EXPECT_EQ(ReadValue(HKEY_LOCAL_MACHINE, target, L""), std::nullopt);
+    EXPECT_EQ(vixa::UnregisterLibrary(aliases), S_OK);
+    EXPECT_FALSE(instead.Exists());
+    EXPECT_EQ(ReadValue(HKEY_LOCAL_MACHINE, std::wstring(target) + L"\\Sub", L"n"), TextValue(L"another's"));
+}
+
 TEST_F(Registration, CreatesTheCategoriesAndLeavesThemEmpty)
 {
     {

@@ -2,6 +2,7 @@
 #include "sxs/CRegistrySxs.h"
 #include "sxs/CVixaSXSError.h"
 #include "sxs/RegistryKey.h"
+#include "tests/support/DebugText.h"
 #include "tests/sxs/RegistryFaults.h"
 #include "tests/sxs/RegistryView.h"
 #include "tests/sxs/ThrownError.h"
@@ -137,35 +138,27 @@ constexpr const char* olderGeneration = R"(<?xml version="1.0" encoding="utf-8"?
 <PRODUCT-LINE id="1025"><REGISTRY-APPLICATIONS HKLM="Software\Vixa" HKCU="Software\Vixa"/>
 <APPLICATION id="130" name="Editor" subkey="Vixa 11\Editor"/></PRODUCT-LINE></GENERATION></VIXA>)";
 
-// The texts that a debugger would be shown while one lives.
-class DebuggerLines
-{
-public:
-    DebuggerLines() : handler(AddVectoredExceptionHandler(1, Note)) { said.clear(); }
-    ~DebuggerLines() { RemoveVectoredExceptionHandler(handler); }
-    static inline std::string said;
-
-private:
-    static LONG CALLBACK Note(EXCEPTION_POINTERS* pointers)
-    {
-        constexpr DWORD printed = 0x40010006;
-        const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
-        if (record.ExceptionCode != printed)
-            return EXCEPTION_CONTINUE_SEARCH;
-        said += reinterpret_cast<const char*>(record.ExceptionInformation[1]);
-        said += '\n';
-        return EXCEPTION_CONTINUE_EXECUTION;
-    }
-    void* const handler;
-};
-
 TEST_F(Registry, AFailuresTextGoesToTheDebugger)
 {
-    const DebuggerLines lines;
-    CRegistrySxs location(LOCAL_MACHINE);
+    const test::DebugText debugText;
+    CRegistrySxs registry(LOCAL_MACHINE);
     registry_faults::FailCall(0);
-    EXPECT_FALSE(location.CreateSubKey(L"Effects"));
-    EXPECT_EQ(lines.said, std::string(CVixaSXSError(ERROR_ACCESS_DENIED, AREA_REGISTRY).what()) + '\n');
+    EXPECT_FALSE(registry.CreateSubKey(L"Effects"));
+    EXPECT_EQ(test::DebugText::last, CVixaSXSError(ERROR_ACCESS_DENIED, AREA_REGISTRY).what());
+}
+
+TEST_F(Registry, LinksAreNotFollowed)
+{
+    constexpr const wchar_t* target = L"Software\\Vixa\\Another's";
+    RegistryKey another(LOCAL_MACHINE, target, KEY_ALL_ACCESS);
+    another.Create();
+    another.SetString(L"n", L"another's");
+    const registry_view::PlantedLink link(std::wstring(location) + L"\\Effects", target);
+    CRegistrySxs registry(LOCAL_MACHINE);
+    EXPECT_TRUE(registry.CreateSubKey(L"Effects")) << "something is there";
+    EXPECT_FALSE(registry.SetStringValue(L"Effects", L"n", L"ours"));
+    EXPECT_FALSE(registry.DeleteValue(L"Effects", L"n"));
+    EXPECT_EQ(ReadValue(HKEY_LOCAL_MACHINE, target, L"n"), TextValue(L"another's"));
 }
 
 TEST_F(Registry, OtherGenerationsAreNotWrittenTo)

@@ -3,6 +3,8 @@
 #include "framework/Handles.h"
 #include "tests/sxs/RegistryFaults.h"
 
+#include <gtest/gtest.h>
+
 namespace registry_view {
 
 std::optional<std::map<std::wstring, Value>> ValuesOf(HKEY root, const std::wstring& path)
@@ -21,6 +23,46 @@ std::optional<std::map<std::wstring, Value>> ValuesOf(HKEY root, const std::wstr
             return found;
         found[{name, nameSize}] = {type, {data, size / sizeof *data}};
     }
+}
+
+namespace {
+
+vixa::UniqueKey OpenLink(const std::wstring& path)
+{
+    HKEY link = nullptr;
+    RegOpenKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), REG_OPTION_OPEN_LINK, KEY_ALL_ACCESS, &link);
+    return vixa::UniqueKey(link);
+}
+
+} // namespace
+
+PlantedLink::PlantedLink(const std::wstring& path_, const std::wstring& target) : path(path_)
+{
+    const registry_faults::Bypass own;
+    HKEY made = nullptr;
+    EXPECT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, REG_OPTION_CREATE_LINK, KEY_ALL_ACCESS,
+                              nullptr, &made, nullptr),
+              ERROR_SUCCESS);
+    const vixa::UniqueKey link(made);
+    const std::wstring whole = L"\\Registry\\Machine\\" + target; // without a terminator
+    EXPECT_EQ(RegSetValueExW(made, L"SymbolicLinkValue", 0, REG_LINK, reinterpret_cast<const BYTE*>(whole.data()),
+                             static_cast<DWORD>(whole.size() * sizeof(WCHAR))),
+              ERROR_SUCCESS);
+}
+
+PlantedLink::~PlantedLink()
+{
+    const registry_faults::Bypass own;
+    const auto deleteKey = reinterpret_cast<LONG(WINAPI*)(HANDLE)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtDeleteKey")));
+    if (const auto link = OpenLink(path))
+        deleteKey(link.get());
+}
+
+bool PlantedLink::Exists() const
+{
+    const registry_faults::Bypass own;
+    return OpenLink(path) != nullptr;
 }
 
 bool KeyExists(HKEY root, const std::wstring& path)

@@ -22,6 +22,21 @@ inline Value TextValue(const std::wstring& data)
     return {REG_SZ, data + L'\0'};
 }
 
+// A key of HKEY_LOCAL_MACHINE that is a link to another one there, until the end at the latest.
+class PlantedLink
+{
+public:
+    PlantedLink(const std::wstring& path, const std::wstring& target);
+    ~PlantedLink();
+    PlantedLink(const PlantedLink&) = delete;
+    PlantedLink& operator=(const PlantedLink&) = delete;
+
+    bool Exists() const;
+
+private:
+    const std::wstring path;
+};
+
 bool KeyExists(HKEY root, const std::wstring& path);
 
 // Absent when the key or the value is.
