@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Installs, uses, upgrades and uninstalls silently in a fresh Wine prefix, and compares its registry and files with what they
 # were before: nothing may differ but the host's two category keys, which stay behind empty, and what Wine itself writes at
-# every start. On the way, an upgrade that fails must change nothing, and no file of the user's may be lost. Leaves the states
-# and their differences in build/package/check.
+# every start. On the way, what fails must change nothing, and no file of the user's may be lost. Leaves the states and their
+# differences in build/package/check.
 . "$(dirname "${BASH_SOURCE[0]}")/../../tools/common.sh"
 
 if [ -z "${VIXA_WINEPREFIX:-}" ]; then
@@ -58,7 +58,10 @@ differences() {
 }
 
 # unpacked: how the installed files differ from the packed ones.
-unpacked() { (cd "$installed" && diff -r "$stage" . | grep -v '^Only in .: Uninstall.exe$' || true); }
+unpacked() {
+    [ -d "$installed" ] || say "there is no $installed"
+    diff -r "$stage" "$installed" 2>&1 | sed "s|$installed|.|" | grep -v '^Only in .: Uninstall.exe$' || true
+}
 
 # What a removal may leave: the categories are the hosts'.
 categories='> system.reg [Software\\Vixa\\Vixa 12\\Editor\\Effects7]
@@ -74,9 +77,14 @@ expect "exit code without administrator rights" $((740 % 256)) \
 state refused
 expect "differences after that" "" "$(differences refused)"
 
-expect "exit code, folder that the system cannot load from" 2 "$(code wine "$installer" /S '/D=C:\日本')"
-state unloadable
-expect "differences after that" "$categories" "$(differences unloadable)"
+# A version that cannot be registered.
+sed "s|File \"$stage/VixaVideoFX.dll\"|File \"/oname=VixaVideoFX.dll\" \"$stage/README.md\"|" "$BUILD/package/files.nsh" \
+    >"$check/broken.nsh"
+makensis -V1 -DVERSION=9.9.9 "-DFILES=$check/broken.nsh" "-DOUT_FILE=$check/broken-setup.exe" -DSIZE_KB=1 \
+    "$ROOT/installer/VixaVideoFX.nsi"
+expect "exit code, failing installation" 2 "$(code wine "$check/broken-setup.exe" /S)"
+state failed
+expect "differences after that" "" "$(differences failed)"
 
 # Nobody's folder becomes ours because it was chosen.
 mine="$prefix/drive_c/Mine"
@@ -97,13 +105,9 @@ state installed
 expect "effects registered" 13 "$(grep -c 'Editor\\\\Effects\] "{' "$check/installed.registry")"
 expect "exit code, checking the library in the installed folder" 0 "$(cd "$installed" && code wine vixahost.exe validate)"
 
-# A version that cannot be registered, in the same folder and in another, leaves the installed one as it was.
-sed "s|File \"$stage/VixaVideoFX.dll\"|File \"/oname=VixaVideoFX.dll\" \"$stage/README.md\"|" "$BUILD/package/files.nsh" \
-    >"$check/broken.nsh"
-makensis -V1 -DVERSION=9.9.9 "-DFILES=$check/broken.nsh" "-DOUT_FILE=$check/broken-setup.exe" -DSIZE_KB=1 \
-    "$ROOT/installer/VixaVideoFX.nsi"
-for folder in 'C:\Program Files\VixaVideoFX' 'C:\Other'; do
-    expect "exit code, failing upgrade to $folder" 2 "$(code wine "$check/broken-setup.exe" /S "/D=$folder")"
+# A failing upgrade, in the same folder and to another, leaves the installed version as it was.
+for folder in "" '/D=C:\Other'; do
+    expect "exit code, failing upgrade $folder" 2 "$(code wine "$check/broken-setup.exe" /S $folder)"
     state upgraded
     expect "differences after that" "" "$(differences upgraded installed)"
 done
@@ -136,6 +140,13 @@ wait $!
 settle
 rm "$prefix/drive_c/read.cmd"
 expect "files not as packed after that" "" "$(unpacked)"
+
+expect "exit code, moving to a folder of any name" 0 "$(code wine "$installer" /S '/D=C:\日本')"
+settle
+expect "left in the old folder" "" "$(ls -A "$installed" 2>/dev/null)"
+installed="$prefix/drive_c/日本"
+expect "files not as packed after that" "" "$(unpacked)"
+expect "exit code, checking the library there" 0 "$(cd "$installed" && code wine vixahost.exe validate --only loading)"
 
 touch "$installed/of somebody else.txt"
 printf 'mine\n' >"$installed/docs/installation.md"
