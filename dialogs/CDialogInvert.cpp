@@ -21,10 +21,10 @@ const MessageMapEntry* CDialogInvert::GetMessageMap()
 {
     using This = CDialogInvert;
     static const MessageMapEntry map[] = {
-        onMessage(WM_INITDIALOG, &This::OnInitDialog),
-        onMessage(WM_COMMAND, &This::OnCommand),
-        onMessage(WM_NOTIFY, &This::OnNotify),
-        onCommand(WM_DESTROY, 0, 0, &This::OnDestroy),
+        MessageRow(WM_INITDIALOG, &This::OnInitDialog),
+        MessageRow(WM_COMMAND, &This::OnCommand),
+        MessageRow(WM_NOTIFY, &This::OnNotify),
+        CommandRow(WM_DESTROY, 0, 0, &This::OnDestroy),
         endOfMap,
     };
     return map;
@@ -32,39 +32,39 @@ const MessageMapEntry* CDialogInvert::GetMessageMap()
 
 void CDialogInvert::OnInitDialog(WPARAM focusControl)
 {
-    const HWND dialog = vixa::dialogOf(focusControl);
+    const HWND dialog = vixa::DialogOf(focusControl);
     red.Attach(GetDlgItem(dialog, Red));
     green.Attach(GetDlgItem(dialog, Green));
     blue.Attach(GetDlgItem(dialog, Blue));
     label.Attach(GetDlgItem(dialog, Label));
 
     CreateToolTip(dialog);
-    addToolTip(dialog, Red, IDS_TIP_INVERT_RED, IDS_TIP_INVERT_RED);
-    addToolTip(dialog, Green, IDS_TIP_INVERT_GREEN, IDS_TIP_INVERT_GREEN);
-    addToolTip(dialog, Blue, IDS_TIP_INVERT_BLUE, IDS_TIP_INVERT_BLUE);
+    AddToolTip(dialog, Red, IDS_TIP_INVERT_RED, IDS_TIP_INVERT_RED);
+    AddToolTip(dialog, Green, IDS_TIP_INVERT_GREEN, IDS_TIP_INVERT_GREEN);
+    AddToolTip(dialog, Blue, IDS_TIP_INVERT_BLUE, IDS_TIP_INVERT_BLUE);
     InstallMessageHook();
 
-    label.SetText(vixa::panelText(GetInstance(), IDS_SELECT_COLOR).c_str());
-    red.SetText(vixa::panelText(GetInstance(), IDS_RED).c_str());
-    green.SetText(vixa::panelText(GetInstance(), IDS_GREEN).c_str());
-    blue.SetText(vixa::panelText(GetInstance(), IDS_BLUE).c_str());
-    vixa::widenToTexts(dialog);
+    label.SetText(vixa::PanelText(GetInstance(), IDS_SELECT_COLOR).c_str());
+    red.SetText(vixa::PanelText(GetInstance(), IDS_RED).c_str());
+    green.SetText(vixa::PanelText(GetInstance(), IDS_GREEN).c_str());
+    blue.SetText(vixa::PanelText(GetInstance(), IDS_BLUE).c_str());
+    vixa::WidenToTexts(dialog);
 }
 
 void CDialogInvert::OnCommand(LPARAM lParam, WPARAM)
 {
-    if (!vixa::isFrom(lParam, red.GetHwnd()) && !vixa::isFrom(lParam, green.GetHwnd()) &&
-        !vixa::isFrom(lParam, blue.GetHwnd()))
+    if (!vixa::IsFrom(lParam, red.GetHwnd()) && !vixa::IsFrom(lParam, green.GetHwnd()) &&
+        !vixa::IsFrom(lParam, blue.GetHwnd()))
         return;
     const auto bit = [](CBaseCheckBox& box, std::int32_t value) { return box.GetCheck() == BST_CHECKED ? value : 0; };
-    vixa::writeBlock(params, InvertBlock{bit(red, InvertBlock::Red) | bit(green, InvertBlock::Green) |
+    vixa::WriteBlock(params, InvertBlock{bit(red, InvertBlock::Red) | bit(green, InvertBlock::Green) |
                                          bit(blue, InvertBlock::Blue)});
     NotifyParent();
 }
 
 void CDialogInvert::LoadValues()
 {
-    const auto block = vixa::readBlock<InvertBlock>(params);
+    const auto block = vixa::TryReadBlock<InvertBlock>(params);
     if (!block)
         return;
     const auto check = [&](std::int32_t value) { return block->mask & value ? BST_CHECKED : BST_UNCHECKED; };

@@ -20,10 +20,10 @@ const MessageMapEntry* CDialogMultiply::GetMessageMap()
 {
     using This = CDialogMultiply;
     static const MessageMapEntry map[] = {
-        onMessage(WM_INITDIALOG, &This::OnInitDialog),
-        onMessage(WM_HSCROLL, &This::OnHScroll),
-        onCommand(WM_DESTROY, 0, 0, &This::OnDestroy),
-        onMessage(WM_NOTIFY, &This::OnNotify),
+        MessageRow(WM_INITDIALOG, &This::OnInitDialog),
+        MessageRow(WM_HSCROLL, &This::OnHScroll),
+        CommandRow(WM_DESTROY, 0, 0, &This::OnDestroy),
+        MessageRow(WM_NOTIFY, &This::OnNotify),
         endOfMap,
     };
     return map;
@@ -31,28 +31,28 @@ const MessageMapEntry* CDialogMultiply::GetMessageMap()
 
 void CDialogMultiply::OnInitDialog(WPARAM focusControl)
 {
-    const HWND dialog = vixa::dialogOf(focusControl);
+    const HWND dialog = vixa::DialogOf(focusControl);
     slider.Attach(GetDlgItem(dialog, Slider));
     valueText.Attach(GetDlgItem(dialog, ValueText));
     label.Attach(GetDlgItem(dialog, Label));
 
     CreateToolTip(dialog);
-    addToolTip(dialog, Slider, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
+    AddToolTip(dialog, Slider, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
     InstallMessageHook();
 
-    label.SetText(vixa::panelText(GetInstance(), IDS_MULTIPLY_FACTOR).c_str());
+    label.SetText(vixa::PanelText(GetInstance(), IDS_MULTIPLY_FACTOR).c_str());
     ResetControls();
     slider.SetPageSize(15);
-    vixa::widenToTexts(dialog);
+    vixa::WidenToTexts(dialog);
 }
 
 void CDialogMultiply::OnHScroll(LPARAM lParam, WPARAM wParam)
 {
-    if (vixa::isFrom(lParam, slider.GetHwnd()))
-        showFactor();
-    if (!vixa::settlesValue(wParam))
+    if (vixa::IsFrom(lParam, slider.GetHwnd()))
+        ShowFactor();
+    if (!vixa::SettlesValue(wParam))
         return;
-    vixa::writeBlock(params, MultiplyBlock{slider.GetPos()});
+    vixa::WriteBlock(params, MultiplyBlock{slider.GetPos()});
     NotifyParent();
 }
 
@@ -66,14 +66,14 @@ void CDialogMultiply::ResetControls()
 
 void CDialogMultiply::LoadValues()
 {
-    const auto block = vixa::readBlock<MultiplyBlock>(params);
+    const auto block = vixa::TryReadBlock<MultiplyBlock>(params);
     if (!block)
         return;
     slider.SetPos(block->factor);
-    showFactor();
+    ShowFactor();
 }
 
-void CDialogMultiply::showFactor()
+void CDialogMultiply::ShowFactor()
 {
     const int percent = slider.GetPos();
     const int hundredths = percent % 100;

@@ -19,7 +19,7 @@ public:
     void LoadValues() override;
 
 private:
-    void showFactor();
+    void ShowFactor();
 
     CBaseSlider slider; // percent
     CBaseText valueText;

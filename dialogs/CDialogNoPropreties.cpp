@@ -4,8 +4,8 @@ const MessageMapEntry* CDialogNoPropreties::GetMessageMap()
 {
     using This = CDialogNoPropreties;
     static const MessageMapEntry map[] = {
-        onMessage(WM_INITDIALOG, &This::OnInitDialog),
-        onCommand(WM_DESTROY, 0, 0, &This::OnDestroy),
+        MessageRow(WM_INITDIALOG, &This::OnInitDialog),
+        CommandRow(WM_DESTROY, 0, 0, &This::OnDestroy),
         endOfMap,
     };
     return map;

@@ -30,10 +30,10 @@ const MessageMapEntry* CDialogSelectAddPixel::GetMessageMap()
 {
     using This = CDialogSelectAddPixel;
     static const MessageMapEntry map[] = {
-        onMessage(WM_INITDIALOG, &This::OnInitDialog),
-        onMessage(WM_HSCROLL, &This::OnHScroll),
-        onMessage(WM_NOTIFY, &This::OnNotify),
-        onCommand(WM_DESTROY, 0, 0, &This::OnDestroy),
+        MessageRow(WM_INITDIALOG, &This::OnInitDialog),
+        MessageRow(WM_HSCROLL, &This::OnHScroll),
+        MessageRow(WM_NOTIFY, &This::OnNotify),
+        CommandRow(WM_DESTROY, 0, 0, &This::OnDestroy),
         endOfMap,
     };
     return map;
@@ -41,7 +41,7 @@ const MessageMapEntry* CDialogSelectAddPixel::GetMessageMap()
 
 void CDialogSelectAddPixel::OnInitDialog(WPARAM focusControl)
 {
-    const HWND dialog = vixa::dialogOf(focusControl);
+    const HWND dialog = vixa::DialogOf(focusControl);
     redSlider.Attach(GetDlgItem(dialog, RedSlider));
     greenSlider.Attach(GetDlgItem(dialog, GreenSlider));
     blueSlider.Attach(GetDlgItem(dialog, BlueSlider));
@@ -55,8 +55,8 @@ void CDialogSelectAddPixel::OnInitDialog(WPARAM focusControl)
 
     CreateToolTip(dialog);
     for (int control : {RedSlider, GreenSlider, BlueSlider})
-        addToolTip(dialog, static_cast<std::uint32_t>(control), IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
-    addToolTip(dialog, MoveAll, IDS_TIP_MOVE_ALL_SLIDERS, IDS_TIP_MOVE_ALL_SLIDERS);
+        AddToolTip(dialog, static_cast<std::uint32_t>(control), IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
+    AddToolTip(dialog, MoveAll, IDS_TIP_MOVE_ALL_SLIDERS, IDS_TIP_MOVE_ALL_SLIDERS);
     InstallMessageHook();
 
     links.clear();
@@ -64,32 +64,32 @@ void CDialogSelectAddPixel::OnInitDialog(WPARAM focusControl)
     links.push_back(std::make_unique<SliderLink>(SliderLink{greenSlider, greenValue}));
     links.push_back(std::make_unique<SliderLink>(SliderLink{blueSlider, blueValue}));
 
-    redLabel.SetText(vixa::panelText(GetInstance(), IDS_RED).c_str());
-    greenLabel.SetText(vixa::panelText(GetInstance(), IDS_GREEN).c_str());
-    blueLabel.SetText(vixa::panelText(GetInstance(), IDS_BLUE).c_str());
+    redLabel.SetText(vixa::PanelText(GetInstance(), IDS_RED).c_str());
+    greenLabel.SetText(vixa::PanelText(GetInstance(), IDS_GREEN).c_str());
+    blueLabel.SetText(vixa::PanelText(GetInstance(), IDS_BLUE).c_str());
     for (const auto& link : links)
         link->slider.SetPageSize(15);
-    moveAll.SetText(vixa::panelText(GetInstance(), IDS_MOVE_ALL_SLIDERS).c_str());
+    moveAll.SetText(vixa::PanelText(GetInstance(), IDS_MOVE_ALL_SLIDERS).c_str());
     ResetControls();
-    vixa::widenToTexts(dialog);
+    vixa::WidenToTexts(dialog);
 }
 
 void CDialogSelectAddPixel::OnHScroll(LPARAM lParam, WPARAM wParam)
 {
     for (const auto& moved : links) {
-        if (!vixa::isFrom(lParam, moved->slider.GetHwnd()))
+        if (!vixa::IsFrom(lParam, moved->slider.GetHwnd()))
             continue;
-        moved->showPosition();
+        moved->ShowPosition();
         const int position = moved->slider.GetPos();
         if (moveAll.GetCheck())
             for (const auto& other : links)
                 if (other != moved)
-                    other->moveTo(other->slider.GetPos() + position - moved->lastPosition);
+                    other->MoveTo(other->slider.GetPos() + position - moved->lastPosition);
         moved->lastPosition = position;
     }
-    if (!vixa::settlesValue(wParam))
+    if (!vixa::SettlesValue(wParam))
         return;
-    vixa::writeBlock(params,
+    vixa::WriteBlock(params,
                      AddBlock{redSlider.GetPos(), greenSlider.GetPos(), blueSlider.GetPos(), moveAll.GetCheck()});
     NotifyParent();
 }
@@ -100,13 +100,13 @@ void CDialogSelectAddPixel::ResetControls()
         link->slider.SetRangeMax(highest);
         link->slider.SetRangeMin(lowest);
         link->slider.SetPos(lowest); // some trackbars draw the thumb anew only when the position changes
-        link->moveTo(0);
+        link->MoveTo(0);
     }
 }
 
 void CDialogSelectAddPixel::LoadValues()
 {
-    const auto block = vixa::readBlock<AddBlock>(params);
+    const auto block = vixa::TryReadBlock<AddBlock>(params);
     if (!block)
         return;
     blueSlider.SetPos(block->blueDelta);
@@ -116,18 +116,18 @@ void CDialogSelectAddPixel::LoadValues()
     for (const auto& link : links) {
         // The next move is measured from here, not from what another instance of the effect had.
         link->lastPosition = link->slider.GetPos();
-        link->showPosition();
+        link->ShowPosition();
     }
 }
 
-void CDialogSelectAddPixel::SliderLink::moveTo(int position)
+void CDialogSelectAddPixel::SliderLink::MoveTo(int position)
 {
     lastPosition = std::clamp(position, lowest, highest);
     slider.SetPos(lastPosition);
-    showPosition();
+    ShowPosition();
 }
 
-void CDialogSelectAddPixel::SliderLink::showPosition()
+void CDialogSelectAddPixel::SliderLink::ShowPosition()
 {
-    valueText.SetText(vixa::positionText(slider.GetPos()).c_str());
+    valueText.SetText(vixa::PositionText(slider.GetPos()).c_str());
 }

@@ -32,8 +32,8 @@ private:
         std::int32_t lastPosition = 0;
 
         // Puts the slider to a position, as far as its range goes, and takes note of it.
-        void moveTo(int position);
-        void showPosition();
+        void MoveTo(int position);
+        void ShowPosition();
     };
 
     CBaseSlider redSlider, greenSlider, blueSlider;

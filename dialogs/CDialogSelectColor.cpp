@@ -22,11 +22,11 @@ const MessageMapEntry* CDialogSelectColor::GetMessageMap()
 {
     using This = CDialogSelectColor;
     static const MessageMapEntry map[] = {
-        onMessage(WM_INITDIALOG, &This::OnInitDialog),
-        onMessage(WM_HSCROLL, &This::OnHScroll),
-        onCommand(WM_DESTROY, 0, 0, &This::OnDestroy),
-        onCommand(WM_COMMAND, ColourList, CBN_SELENDOK, &This::OnColourChosen),
-        onMessage(WM_NOTIFY, &This::OnNotify),
+        MessageRow(WM_INITDIALOG, &This::OnInitDialog),
+        MessageRow(WM_HSCROLL, &This::OnHScroll),
+        CommandRow(WM_DESTROY, 0, 0, &This::OnDestroy),
+        CommandRow(WM_COMMAND, ColourList, CBN_SELENDOK, &This::OnColourChosen),
+        MessageRow(WM_NOTIFY, &This::OnNotify),
         endOfMap,
     };
     return map;
@@ -34,7 +34,7 @@ const MessageMapEntry* CDialogSelectColor::GetMessageMap()
 
 void CDialogSelectColor::OnInitDialog(WPARAM focusControl)
 {
-    const HWND dialog = vixa::dialogOf(focusControl);
+    const HWND dialog = vixa::DialogOf(focusControl);
     slider.Attach(GetDlgItem(dialog, Slider));
     colourList.Attach(GetDlgItem(dialog, ColourList));
     valueText.Attach(GetDlgItem(dialog, ValueText));
@@ -42,8 +42,8 @@ void CDialogSelectColor::OnInitDialog(WPARAM focusControl)
     intensityLabel.Attach(GetDlgItem(dialog, IntensityLabel));
 
     CreateToolTip(dialog);
-    addToolTip(dialog, Slider, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
-    addToolTip(dialog, ColourList, IDS_TIP_SELECT_COLOR, IDS_SELECT_COLOR);
+    AddToolTip(dialog, Slider, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
+    AddToolTip(dialog, ColourList, IDS_TIP_SELECT_COLOR, IDS_SELECT_COLOR);
     InstallMessageHook();
 
     slider.SetRangeMax(255);
@@ -60,22 +60,22 @@ void CDialogSelectColor::OnInitDialog(WPARAM focusControl)
         {IDS_BLUE, FilterColorBlock::Blue},
     };
     for (const auto& entry : entries) {
-        const int index = colourList.AddString(vixa::ownText(GetInstance(), entry.text).c_str());
+        const int index = colourList.AddString(vixa::OwnText(GetInstance(), entry.text).c_str());
         if (index >= 0)
             SendMessageW(colourList.GetHwnd(), CB_SETITEMDATA, static_cast<WPARAM>(index), entry.colour);
     }
-    colourLabel.SetText(vixa::panelText(GetInstance(), IDS_SELECT_COLOR).c_str());
-    intensityLabel.SetText(vixa::panelText(GetInstance(), IDS_SELECT_INTENSITY).c_str());
+    colourLabel.SetText(vixa::PanelText(GetInstance(), IDS_SELECT_COLOR).c_str());
+    intensityLabel.SetText(vixa::PanelText(GetInstance(), IDS_SELECT_INTENSITY).c_str());
     ResetControls();
     slider.SetPageSize(15);
-    vixa::widenToTexts(dialog);
+    vixa::WidenToTexts(dialog);
 }
 
 void CDialogSelectColor::OnHScroll(LPARAM lParam, WPARAM wParam)
 {
-    if (vixa::isFrom(lParam, slider.GetHwnd()))
-        valueText.SetText(vixa::positionText(slider.GetPos()).c_str());
-    if (vixa::settlesValue(wParam))
+    if (vixa::IsFrom(lParam, slider.GetHwnd()))
+        valueText.SetText(vixa::PositionText(slider.GetPos()).c_str());
+    if (vixa::SettlesValue(wParam))
         StoreValues();
 }
 
@@ -86,28 +86,28 @@ void CDialogSelectColor::OnColourChosen()
 
 void CDialogSelectColor::StoreValues()
 {
-    vixa::writeBlock(params, FilterColorBlock{slider.GetPos(), selectedColour()});
+    vixa::WriteBlock(params, FilterColorBlock{slider.GetPos(), SelectedColour()});
     NotifyParent();
 }
 
 void CDialogSelectColor::ResetControls()
 {
-    selectColour(FilterColorBlock::Blue);
+    SelectColour(FilterColorBlock::Blue);
     valueText.SetText(L"0");
 }
 
 void CDialogSelectColor::LoadValues()
 {
-    const auto block = vixa::readBlock<FilterColorBlock>(params);
+    const auto block = vixa::TryReadBlock<FilterColorBlock>(params);
     if (!block)
         return;
     slider.SetPos(block->intensity);
-    selectColour(block->colour);
-    valueText.SetText(vixa::positionText(slider.GetPos()).c_str());
+    SelectColour(block->colour);
+    valueText.SetText(vixa::PositionText(slider.GetPos()).c_str());
 }
 
 // A colour that no entry has selects nothing.
-void CDialogSelectColor::selectColour(std::int32_t colour)
+void CDialogSelectColor::SelectColour(std::int32_t colour)
 {
     const HWND list = colourList.GetHwnd();
     int index = static_cast<int>(SendMessageW(list, CB_GETCOUNT, 0, 0));
@@ -117,7 +117,7 @@ void CDialogSelectColor::selectColour(std::int32_t colour)
 }
 
 // -1, which matches no pixel, when nothing is selected.
-std::int32_t CDialogSelectColor::selectedColour()
+std::int32_t CDialogSelectColor::SelectedColour()
 {
     const int index = colourList.GetCurSel();
     if (index < 0)

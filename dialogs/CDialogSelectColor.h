@@ -25,8 +25,8 @@ public:
     void LoadValues() override;
 
 private:
-    void selectColour(std::int32_t colour);
-    std::int32_t selectedColour();
+    void SelectColour(std::int32_t colour);
+    std::int32_t SelectedColour();
 
     CBaseSlider slider;
     CBaseListBox colourList; // sorted by its texts, so each entry carries its colour number

@@ -22,10 +22,10 @@ const MessageMapEntry* CDialogSelectGamma::GetMessageMap()
 {
     using This = CDialogSelectGamma;
     static const MessageMapEntry map[] = {
-        onMessage(WM_INITDIALOG, &This::OnInitDialog),
-        onMessage(WM_HSCROLL, &This::OnHScroll),
-        onCommand(WM_DESTROY, 0, 0, &This::OnDestroy),
-        onMessage(WM_NOTIFY, &This::OnNotify),
+        MessageRow(WM_INITDIALOG, &This::OnInitDialog),
+        MessageRow(WM_HSCROLL, &This::OnHScroll),
+        CommandRow(WM_DESTROY, 0, 0, &This::OnDestroy),
+        MessageRow(WM_NOTIFY, &This::OnNotify),
         endOfMap,
     };
     return map;
@@ -33,37 +33,37 @@ const MessageMapEntry* CDialogSelectGamma::GetMessageMap()
 
 void CDialogSelectGamma::OnInitDialog(WPARAM focusControl)
 {
-    const HWND dialog = vixa::dialogOf(focusControl);
+    const HWND dialog = vixa::DialogOf(focusControl);
     slider.Attach(GetDlgItem(dialog, Slider));
     title.Attach(GetDlgItem(dialog, Title));
     rightLabel.Attach(GetDlgItem(dialog, RightLabel));
     leftLabel.Attach(GetDlgItem(dialog, LeftLabel));
 
     CreateToolTip(dialog);
-    addToolTip(dialog, Slider, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
+    AddToolTip(dialog, Slider, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
     InstallMessageHook();
 
-    title.SetText(vixa::panelText(GetInstance(), IDS_GAMMA_LABEL).c_str());
-    rightLabel.SetText(vixa::panelText(GetInstance(), IDS_BRIGHTER).c_str());
-    leftLabel.SetText(vixa::panelText(GetInstance(), IDS_DARKER).c_str());
+    title.SetText(vixa::PanelText(GetInstance(), IDS_GAMMA_LABEL).c_str());
+    rightLabel.SetText(vixa::PanelText(GetInstance(), IDS_BRIGHTER).c_str());
+    leftLabel.SetText(vixa::PanelText(GetInstance(), IDS_DARKER).c_str());
     ResetControls();
     slider.SetPageSize(3);
     // Nothing draws it and nothing answers it; hidden, it takes no place in the tab order either.
     ShowWindow(GetDlgItem(dialog, UnusedButton), SW_HIDE);
-    vixa::widenToTexts(dialog);
+    vixa::WidenToTexts(dialog);
 }
 
 void CDialogSelectGamma::OnHScroll(LPARAM, WPARAM wParam)
 {
-    if (!vixa::settlesValue(wParam))
+    if (!vixa::SettlesValue(wParam))
         return;
-    vixa::writeBlock(params, GammaBlock{slider.GetPos()});
+    vixa::WriteBlock(params, GammaBlock{slider.GetPos()});
     NotifyParent();
 }
 
 void CDialogSelectGamma::LoadValues()
 {
-    if (const auto block = vixa::readBlock<GammaBlock>(params))
+    if (const auto block = vixa::TryReadBlock<GammaBlock>(params))
         slider.SetPos(block->gamma);
 }
 

@@ -21,10 +21,10 @@ const MessageMapEntry* CDialogShiftEdges::GetMessageMap()
 {
     using This = CDialogShiftEdges;
     static const MessageMapEntry map[] = {
-        onMessage(WM_INITDIALOG, &This::OnInitDialog),
-        onMessage(WM_COMMAND, &This::OnCommand),
-        onMessage(WM_NOTIFY, &This::OnNotify),
-        onCommand(WM_DESTROY, 0, 0, &This::OnDestroy),
+        MessageRow(WM_INITDIALOG, &This::OnInitDialog),
+        MessageRow(WM_COMMAND, &This::OnCommand),
+        MessageRow(WM_NOTIFY, &This::OnNotify),
+        CommandRow(WM_DESTROY, 0, 0, &This::OnDestroy),
         endOfMap,
     };
     return map;
@@ -32,24 +32,24 @@ const MessageMapEntry* CDialogShiftEdges::GetMessageMap()
 
 void CDialogShiftEdges::OnInitDialog(WPARAM focusControl)
 {
-    const HWND dialog = vixa::dialogOf(focusControl);
+    const HWND dialog = vixa::DialogOf(focusControl);
     horizontal.Attach(GetDlgItem(dialog, Horizontal));
     vertical.Attach(GetDlgItem(dialog, Vertical));
 
     CreateToolTip(dialog);
-    addToolTip(dialog, Horizontal, IDS_TIP_SHIFT_HORIZONTAL, IDS_TIP_SHIFT_HORIZONTAL);
-    addToolTip(dialog, Vertical, IDS_TIP_SHIFT_VERTICAL, IDS_TIP_SHIFT_VERTICAL);
+    AddToolTip(dialog, Horizontal, IDS_TIP_SHIFT_HORIZONTAL, IDS_TIP_SHIFT_HORIZONTAL);
+    AddToolTip(dialog, Vertical, IDS_TIP_SHIFT_VERTICAL, IDS_TIP_SHIFT_VERTICAL);
     InstallMessageHook();
 
-    SetDlgItemTextW(dialog, DirectionGroup, vixa::panelText(GetInstance(), IDS_CHOOSE_DIRECTION).c_str());
-    horizontal.SetText(vixa::panelText(GetInstance(), IDS_HORIZONTAL).c_str());
-    vertical.SetText(vixa::panelText(GetInstance(), IDS_VERTICAL).c_str());
-    vixa::widenToTexts(dialog);
+    SetDlgItemTextW(dialog, DirectionGroup, vixa::PanelText(GetInstance(), IDS_CHOOSE_DIRECTION).c_str());
+    horizontal.SetText(vixa::PanelText(GetInstance(), IDS_HORIZONTAL).c_str());
+    vertical.SetText(vixa::PanelText(GetInstance(), IDS_VERTICAL).c_str());
+    vixa::WidenToTexts(dialog);
 }
 
 void CDialogShiftEdges::OnCommand(LPARAM lParam, WPARAM)
 {
-    if (!vixa::isFrom(lParam, horizontal.GetHwnd()) && !vixa::isFrom(lParam, vertical.GetHwnd()))
+    if (!vixa::IsFrom(lParam, horizontal.GetHwnd()) && !vixa::IsFrom(lParam, vertical.GetHwnd()))
         return;
     const bool alongRows = horizontal.GetCheck() == BST_CHECKED, alongColumns = vertical.GetCheck() == BST_CHECKED;
     auto kind = ConvolutionKind::ShiftEdges;
@@ -62,14 +62,14 @@ void CDialogShiftEdges::OnCommand(LPARAM lParam, WPARAM)
         horizontal.SetCheck(BST_CHECKED);
         vertical.SetCheck(BST_CHECKED);
     }
-    vixa::writeBlock(params, ConvolutionBlock{static_cast<std::int32_t>(kind)});
+    vixa::WriteBlock(params, ConvolutionBlock{static_cast<std::int32_t>(kind)});
     NotifyParent();
 }
 
 void CDialogShiftEdges::LoadValues()
 {
     ClearChecks();
-    const auto block = vixa::readBlock<ConvolutionBlock>(params);
+    const auto block = vixa::TryReadBlock<ConvolutionBlock>(params);
     if (!block)
         return;
     const auto kind = static_cast<ConvolutionKind>(block->kind);

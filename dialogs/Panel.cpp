@@ -11,7 +11,7 @@ namespace vixa {
 
 namespace {
 
-RECT placeOf(HWND control)
+RECT PlaceOf(HWND control)
 {
     RECT place{};
     GetWindowRect(control, &place);
@@ -20,7 +20,7 @@ RECT placeOf(HWND control)
 }
 
 // The pixels that a control needs for its text.
-int widthForText(HWND control, bool isCheckBox)
+int WidthForText(HWND control, bool isCheckBox)
 {
     const std::size_t capacity = static_cast<std::size_t>(GetWindowTextLengthW(control)) + 1;
     std::wstring text(capacity, L'\0');
@@ -38,7 +38,7 @@ int widthForText(HWND control, bool isCheckBox)
 
 } // namespace
 
-void widenToTexts(HWND dialog)
+void WidenToTexts(HWND dialog)
 {
     RECT panel;
     GetClientRect(dialog, &panel);
@@ -51,39 +51,39 @@ void widenToTexts(HWND dialog)
                                  !(GetWindowLongW(control, GWL_EXSTYLE) & WS_EX_RIGHT);
         if (!isCheckBox && !isLeftLabel)
             continue;
-        const RECT place = placeOf(control);
+        const RECT place = PlaceOf(control);
         LONG limit = panel.right;
         for (HWND other = GetWindow(dialog, GW_CHILD); other; other = GetWindow(other, GW_HWNDNEXT)) {
-            const RECT beside = placeOf(other);
+            const RECT beside = PlaceOf(other);
             if (beside.left >= place.right && beside.top < place.bottom && beside.bottom > place.top)
                 limit = std::min(limit, beside.left);
         }
-        const LONG right = std::min(limit, place.left + widthForText(control, isCheckBox));
+        const LONG right = std::min(limit, place.left + WidthForText(control, isCheckBox));
         if (right > place.right)
             SetWindowPos(control, nullptr, 0, 0, right - place.left, place.bottom - place.top,
                          SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     }
 }
 
-std::wstring ownText(HINSTANCE library, UINT id)
+std::wstring OwnText(HINSTANCE library, UINT id)
 {
     std::array<wchar_t, 255> buffer{};
     const int length = LoadStringW(library, id, buffer.data(), static_cast<int>(buffer.size()));
     return {buffer.data(), static_cast<std::size_t>(length)};
 }
 
-std::wstring panelText(HINSTANCE library, UINT id)
+std::wstring PanelText(HINSTANCE library, UINT id)
 {
     std::wstring text = LoadResString(id);
-    return text.empty() ? ownText(library, id) : text;
+    return text.empty() ? OwnText(library, id) : text;
 }
 
-std::wstring positionText(int position)
+std::wstring PositionText(int position)
 {
     return std::to_wstring(position);
 }
 
-bool settlesValue(WPARAM scrollRequest)
+bool SettlesValue(WPARAM scrollRequest)
 {
     const WORD request = LOWORD(scrollRequest);
     return request != TB_THUMBPOSITION && request != TB_THUMBTRACK;

@@ -13,37 +13,37 @@
 namespace vixa {
 
 // A text of the library's own string resources, at most 254 characters; empty when it is missing.
-std::wstring ownText(HINSTANCE library, UINT id);
+std::wstring OwnText(HINSTANCE library, UINT id);
 
 // A text in the current language, or the library's own when the language file lacks it.
-std::wstring panelText(HINSTANCE library, UINT id);
+std::wstring PanelText(HINSTANCE library, UINT id);
 
 // A trackbar position as its value text shows it.
-std::wstring positionText(int position);
+std::wstring PositionText(int position);
 
 // The dialog around the control that WM_INITDIALOG names.
-inline HWND dialogOf(WPARAM focusControl)
+inline HWND DialogOf(WPARAM focusControl)
 {
     return GetParent(reinterpret_cast<HWND>(focusControl));
 }
 
 // Widens the panel's labels and check boxes whose texts are too long for the template's sizes, as far as the panel and
 // the controls beside them leave room. Texts that fit stay as they are.
-void widenToTexts(HWND dialog);
+void WidenToTexts(HWND dialog);
 
-inline bool isFrom(LPARAM lParam, HWND control)
+inline bool IsFrom(LPARAM lParam, HWND control)
 {
     return control && reinterpret_cast<HWND>(lParam) == control;
 }
 
 // Whether a trackbar's message settles a value. While the thumb is dragged only the shown number follows; the drag ends
 // with a message of its own.
-bool settlesValue(WPARAM scrollRequest);
+bool SettlesValue(WPARAM scrollRequest);
 
 // The block of a property set: none when there is no set, when reading fails or gives nothing. What a short read leaves
 // out is 0.
 template <typename Block>
-std::optional<Block> readBlock(IDataPropertySet* params) noexcept
+std::optional<Block> TryReadBlock(IDataPropertySet* params) noexcept
 {
     if (!params)
         return std::nullopt;
@@ -52,7 +52,7 @@ std::optional<Block> readBlock(IDataPropertySet* params) noexcept
 }
 
 template <typename Block>
-void writeBlock(IDataPropertySet* params, const Block& block)
+void WriteBlock(IDataPropertySet* params, const Block& block)
 {
     if (params)
         params->SetData(&block, sizeof block);

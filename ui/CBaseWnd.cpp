@@ -82,7 +82,7 @@ struct CBaseWnd::Process
     // After this the window is a plain dialog of the system's; no message of it comes here any more.
     static void cutOff(HWND dialog) noexcept
     {
-        const auto ours = reinterpret_cast<LONG_PTR>(&CBaseWnd::dialogProcedure);
+        const auto ours = reinterpret_cast<LONG_PTR>(&CBaseWnd::DialogProcedure);
         if (dialog && GetWindowLongPtrW(dialog, DWLP_DLGPROC) == ours)
             SetWindowLongPtrW(dialog, DWLP_DLGPROC, 0);
     }
@@ -100,7 +100,7 @@ CBaseWnd::~CBaseWnd()
 {
     Process& process = Process::get();
     EndDialog(hwnd, 0);
-    endWindow(hwnd ? hwnd : Watch::dialogMadeFor(this));
+    EndWindow(hwnd ? hwnd : Watch::dialogMadeFor(this));
     process.current = nullptr;
     process.remove(this);
     Watch::forget(this);
@@ -149,8 +149,8 @@ void CBaseWnd::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
         return;
     const Watch self(this);
     for (; row->kind != MessageMapEntry::End && self.alive(); ++row)
-        if (row->matches(message, wParam))
-            row->run(*this, wParam, lParam);
+        if (row->Matches(message, wParam))
+            row->Run(*this, wParam, lParam);
 }
 
 void CBaseWnd::Create(HWND hostWindow, std::uint32_t templateId)
@@ -167,7 +167,7 @@ void CBaseWnd::Create(HWND hostWindow, std::uint32_t templateId)
 
     Watch self(this, true);
     HWND dialog =
-        CreateDialogParamW(GetInstance(), MAKEINTRESOURCEW(LOWORD(templateId)), hostWindow, dialogProcedure, 0);
+        CreateDialogParamW(GetInstance(), MAKEINTRESOURCEW(LOWORD(templateId)), hostWindow, DialogProcedure, 0);
     if (!self.alive()) {
         // Destroyed by the host while the template was being created: the window is nobody's.
         Process::cutOff(dialog);
@@ -196,7 +196,7 @@ void CBaseWnd::CreateToolTip(HWND dialog)
     Sleep(10);
 }
 
-void CBaseWnd::addToolTip(HWND dialog, std::uint32_t controlId, std::uint32_t textId, std::uint32_t titleId)
+void CBaseWnd::AddToolTip(HWND dialog, std::uint32_t controlId, std::uint32_t textId, std::uint32_t titleId)
 {
     TTTOOLINFOW tool{};
     static_assert(sizeof tool == 48);
@@ -211,7 +211,7 @@ void CBaseWnd::addToolTip(HWND dialog, std::uint32_t controlId, std::uint32_t te
 
 void CBaseWnd::InstallMessageHook()
 {
-    hook.reset(SetWindowsHookExW(WH_GETMESSAGE, hookProcedure, nullptr, GetCurrentThreadId()));
+    hook.reset(SetWindowsHookExW(WH_GETMESSAGE, HookProcedure, nullptr, GetCurrentThreadId()));
 }
 
 void CBaseWnd::OnInitDialog(WPARAM) {}
@@ -232,7 +232,7 @@ void CBaseWnd::OnDestroy()
     EndDialog(dialog, 0);
     hwnd = nullptr;
     Process::get().remove(this);
-    endWindow(dialog);
+    EndWindow(dialog);
 }
 
 void CBaseWnd::DefaultHandler(LPARAM, WPARAM) {}
@@ -260,7 +260,7 @@ void CBaseWnd::OnReuse() {}
 
 // Takes back all that the system holds of this window: its procedure, the hook and the tooltip, which is owned by the
 // host's top-level window and would otherwise stay until that goes.
-void CBaseWnd::endWindow(HWND dialog) noexcept
+void CBaseWnd::EndWindow(HWND dialog) noexcept
 {
     Process::cutOff(dialog);
     hook.reset();
@@ -269,7 +269,7 @@ void CBaseWnd::endWindow(HWND dialog) noexcept
     toolTips.clear();
 }
 
-INT_PTR CALLBACK CBaseWnd::dialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) noexcept
+INT_PTR CALLBACK CBaseWnd::DialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) noexcept
 {
     Process& process = Process::get();
     bool known = false;
@@ -292,7 +292,7 @@ INT_PTR CALLBACK CBaseWnd::dialogProcedure(HWND dialog, UINT message, WPARAM wPa
     return FALSE;
 }
 
-LRESULT CALLBACK CBaseWnd::hookProcedure(int code, WPARAM wParam, LPARAM lParam) noexcept
+LRESULT CALLBACK CBaseWnd::HookProcedure(int code, WPARAM wParam, LPARAM lParam) noexcept
 {
     Process& process = Process::get();
     if (!process.current)

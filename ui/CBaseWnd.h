@@ -78,7 +78,7 @@ public:
 
 protected:
     // Registers a tooltip for a control: a tool of the tooltip window and its record.
-    void addToolTip(HWND dialog, std::uint32_t controlId, std::uint32_t textId, std::uint32_t titleId);
+    void AddToolTip(HWND dialog, std::uint32_t controlId, std::uint32_t textId, std::uint32_t titleId);
 
     HWND hwnd = nullptr;
     HWND parent = nullptr;
@@ -93,9 +93,9 @@ private:
     struct Process;
     class Watch;
 
-    void endWindow(HWND dialog) noexcept;
-    static INT_PTR CALLBACK dialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
-    static LRESULT CALLBACK hookProcedure(int code, WPARAM wParam, LPARAM lParam) noexcept;
+    void EndWindow(HWND dialog) noexcept;
+    static INT_PTR CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    static LRESULT CALLBACK HookProcedure(int code, WPARAM wParam, LPARAM lParam) noexcept;
 
     // The tooltip reads its text from here after OnNotify has returned, so the text lives as long as the window.
     std::array<wchar_t, 255> toolTipText{};

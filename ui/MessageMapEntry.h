@@ -1,10 +1,10 @@
 // Message maps: a dialog class's table of the window messages it answers and the handlers that answer them.
 //
 //     const MessageMapEntry messageMap[] = {
-//         onMessage(WM_INITDIALOG, &CDialogX::OnInitDialog),
-//         onMessage(WM_HSCROLL, &CDialogX::OnHScroll),
-//         onCommand(WM_COMMAND, listId, CBN_SELENDOK, &CDialogX::OnColourChosen),
-//         onCommand(WM_DESTROY, 0, 0, &CDialogX::OnDestroy),
+//         MessageRow(WM_INITDIALOG, &CDialogX::OnInitDialog),
+//         MessageRow(WM_HSCROLL, &CDialogX::OnHScroll),
+//         CommandRow(WM_COMMAND, listId, CBN_SELENDOK, &CDialogX::OnColourChosen),
+//         CommandRow(WM_DESTROY, 0, 0, &CDialogX::OnDestroy),
 //         endOfMap,
 //     };
 //
@@ -41,7 +41,7 @@ struct MessageMapEntry
     Handler handler;    // null: the row is skipped
 
     // Whether this row answers a message. A row without a handler, or of a kind not named above, answers none.
-    bool matches(UINT sent, WPARAM wParam) const noexcept
+    bool Matches(UINT sent, WPARAM wParam) const noexcept
     {
         if (message != sent)
             return false;
@@ -61,7 +61,7 @@ struct MessageMapEntry
 
     // Runs the handler on `window`, which must be of the class whose map this row stands in. The window may be gone
     // when this returns.
-    void run(CBaseWnd& window, WPARAM wParam, LPARAM lParam) const
+    void Run(CBaseWnd& window, WPARAM wParam, LPARAM lParam) const
     {
         switch (kind) {
         case Command:
@@ -77,22 +77,22 @@ struct MessageMapEntry
 };
 
 template <typename Window>
-inline MessageMapEntry onCommand(std::uint32_t message, std::uint32_t controlId, std::uint32_t code,
-                                 void (Window::*handler)())
+inline MessageMapEntry CommandRow(std::uint32_t message, std::uint32_t controlId, std::uint32_t code,
+                                  void (Window::*handler)())
 {
     return {
         message, MessageMapEntry::Command, controlId, code, {.command = static_cast<void (CBaseWnd::*)()>(handler)}};
 }
 
 template <typename Window>
-inline MessageMapEntry onMessage(std::uint32_t message, void (Window::*handler)(WPARAM))
+inline MessageMapEntry MessageRow(std::uint32_t message, void (Window::*handler)(WPARAM))
 {
     return {
         message, MessageMapEntry::OneArgument, 0, 0, {.oneArgument = static_cast<void (CBaseWnd::*)(WPARAM)>(handler)}};
 }
 
 template <typename Window>
-inline MessageMapEntry onMessage(std::uint32_t message, void (Window::*handler)(LPARAM, WPARAM))
+inline MessageMapEntry MessageRow(std::uint32_t message, void (Window::*handler)(LPARAM, WPARAM))
 {
     return {message,
             MessageMapEntry::TwoArguments,

@@ -10,7 +10,7 @@
 namespace {
 
 // The width of a control's text in its own font, in pixels.
-int textWidth(HWND control, const std::wstring& text)
+int TextWidth(HWND control, const std::wstring& text)
 {
     const HDC dc = GetDC(control);
     const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
@@ -22,7 +22,7 @@ int textWidth(HWND control, const std::wstring& text)
 }
 
 // The pixels that a control has for its text: its width within its panel, less what it draws besides.
-int textRoom(HWND control)
+int TextRoom(HWND control)
 {
     RECT area, panel;
     GetWindowRect(control, &area);
@@ -38,7 +38,7 @@ int textRoom(HWND control)
     return width - (isGroup ? 18 : 17);
 }
 
-bool hasGlyphs(HWND control, const std::wstring& text)
+bool HasGlyphs(HWND control, const std::wstring& text)
 {
     const HDC dc = GetDC(control);
     const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
@@ -51,7 +51,7 @@ bool hasGlyphs(HWND control, const std::wstring& text)
 
 int measured = 0;
 
-std::string narrow(const std::wstring& text)
+std::string Narrow(const std::wstring& text)
 {
     std::string result(text.size() * 4, '\0');
     result.resize(static_cast<std::size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
@@ -61,25 +61,25 @@ std::string narrow(const std::wstring& text)
 }
 
 template <typename Panel>
-void expectTextsFit(HostWindow& host, RecordingSet::Block block, LANGID language)
+void ExpectTextsFit(HostWindow& host, RecordingSet::Block block, LANGID language)
 {
     const Panel panel(host, std::move(block));
     for (HWND control = GetWindow(panel.window, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
-        const std::wstring text = panel.text(GetDlgCtrlID(control));
-        if (text.empty() || !panel.shown(GetDlgCtrlID(control)))
+        const std::wstring text = panel.Text(GetDlgCtrlID(control));
+        if (text.empty() || !panel.Shown(GetDlgCtrlID(control)))
             continue;
-        if (!hasGlyphs(control, text))
+        if (!HasGlyphs(control, text))
             continue; // its width would be that of empty boxes
         ++measured;
         // The empty column behind a value's last digit may be cut off.
         const bool isNumber = text.find_first_not_of(L"-.0123456789") == std::wstring::npos;
-        EXPECT_LE(textWidth(control, text), textRoom(control) + isNumber)
-            << "language " << language << ", control " << GetDlgCtrlID(control) << ": " << narrow(text);
+        EXPECT_LE(TextWidth(control, text), TextRoom(control) + isNumber)
+            << "language " << language << ", control " << GetDlgCtrlID(control) << ": " << Narrow(text);
     }
 }
 
 // In the font that stands for the dialog font here: one whose texts and panels are wide, or Tahoma.
-void expectAllTextsFit(int atLeast)
+void ExpectAllTextsFit(int atLeast)
 {
     measured = 0;
     const TestModule module;
@@ -92,22 +92,22 @@ void expectAllTextsFit(int atLeast)
         ModuleBase::SetLanguage(language);
         ASSERT_EQ(ModuleBase::GetLanguage(), language);
         // With the widest values.
-        expectTextsFit<ColourPanel>(host, {-200, 1}, language);
-        expectTextsFit<AddPanel>(host, {-200, -200, -200, 1}, language);
-        expectTextsFit<InvertPanel>(host, {7}, language);
-        expectTextsFit<MultiplyPanel>(host, {200}, language);
-        expectTextsFit<GammaPanel>(host, {100}, language);
-        expectTextsFit<ShiftPanel>(host, {7}, language);
+        ExpectTextsFit<ColourPanel>(host, {-200, 1}, language);
+        ExpectTextsFit<AddPanel>(host, {-200, -200, -200, 1}, language);
+        ExpectTextsFit<InvertPanel>(host, {7}, language);
+        ExpectTextsFit<MultiplyPanel>(host, {200}, language);
+        ExpectTextsFit<GammaPanel>(host, {100}, language);
+        ExpectTextsFit<ShiftPanel>(host, {7}, language);
     }
     EXPECT_GE(measured, atLeast);
 }
 
 TEST(Labels, FitTheirControlsInEveryLanguage)
 {
-    expectAllTextsFit(500);
+    ExpectAllTextsFit(500);
     const wchar_t* const tahoma = LR"(Z:\usr\share\wine\fonts\tahoma.ttf)";
     ASSERT_EQ(AddFontResourceExW(tahoma, FR_PRIVATE, nullptr), 1) << "tools/setup.sh installs it";
-    expectAllTextsFit(450);
+    ExpectAllTextsFit(450);
     RemoveFontResourceExW(tahoma, FR_PRIVATE, nullptr);
 }
 

@@ -9,7 +9,7 @@
 namespace {
 
 // The process's GDI objects: handles are an index below a generation, and an index alone names the object too.
-int gdiObjects()
+int GdiObjects()
 {
     int count = 0;
     for (UINT_PTR index = 1; index < 0x10000; ++index)
@@ -19,7 +19,7 @@ int gdiObjects()
 
 // How many windows, hooks and other user objects there are: more probes than closed windows have left free slots take
 // new slots behind all that live.
-int userObjects()
+int UserObjects()
 {
     constexpr int probes = 1500;
     HWND windows[probes];
@@ -33,28 +33,28 @@ int userObjects()
     return highest - probes;
 }
 
-BOOL CALLBACK countWindow(HWND, LPARAM sum)
+BOOL CALLBACK CountWindow(HWND, LPARAM sum)
 {
     ++*reinterpret_cast<int*>(sum);
     return TRUE;
 }
 
-BOOL CALLBACK countTree(HWND window, LPARAM sum)
+BOOL CALLBACK CountTree(HWND window, LPARAM sum)
 {
-    countWindow(window, sum);
-    EnumChildWindows(window, countWindow, sum);
+    CountWindow(window, sum);
+    EnumChildWindows(window, CountWindow, sum);
     return TRUE;
 }
 
-int threadWindows()
+int ThreadWindows()
 {
     int count = 0;
-    EnumThreadWindows(GetCurrentThreadId(), countTree, reinterpret_cast<LPARAM>(&count));
+    EnumThreadWindows(GetCurrentThreadId(), CountTree, reinterpret_cast<LPARAM>(&count));
     return count;
 }
 
 // The bytes in use on all heaps of the process.
-std::size_t heapBytes()
+std::size_t HeapBytes()
 {
     HANDLE heaps[64];
     std::size_t sum = 0;
@@ -71,7 +71,7 @@ std::size_t heapBytes()
 }
 
 // Opens, uses and closes all seven panels.
-void round(HostWindow& host, int number)
+void Round(HostWindow& host, int number)
 {
     ColourPanel colour(host, {1, 1});
     AddPanel add(host, {1, 2, 3, 1});
@@ -80,10 +80,10 @@ void round(HostWindow& host, int number)
     GammaPanel gamma(host, {99});
     ShiftPanel shift(host, {7});
     EmptyPanel empty(host, {});
-    add.scroll(1007, TB_ENDTRACK);
-    SendMessageW(invert.control(1020), BM_CLICK, 0, 0);
-    PostMessageW(multiply.control(1029), WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
-    HostWindow::pump();
+    add.Scroll(1007, TB_ENDTRACK);
+    SendMessageW(invert.Control(1020), BM_CLICK, 0, 0);
+    PostMessageW(multiply.Control(1029), WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
+    HostWindow::Pump();
     const HWND windows[] = {colour.window, add.window,   invert.window, multiply.window,
                             gamma.window,  shift.window, empty.window};
     // The windows go before their objects, or after them, or some this way and some that.
@@ -92,7 +92,7 @@ void round(HostWindow& host, int number)
             DestroyWindow(windows[i]);
 }
 
-LRESULT CALLBACK passOn(int code, WPARAM wParam, LPARAM lParam)
+LRESULT CALLBACK PassOn(int code, WPARAM wParam, LPARAM lParam)
 {
     return CallNextHookEx(nullptr, code, wParam, lParam);
 }
@@ -101,21 +101,21 @@ LRESULT CALLBACK passOn(int code, WPARAM wParam, LPARAM lParam)
 TEST(Lifetime, MeasuresSeeLeaks)
 {
     HostWindow host;
-    const std::size_t bytes = heapBytes();
-    const int users = userObjects(), gdi = gdiObjects(), windows = threadWindows();
+    const std::size_t bytes = HeapBytes();
+    const int users = UserObjects(), gdi = GdiObjects(), windows = ThreadWindows();
     std::vector<std::unique_ptr<int>> small(500);
     for (auto& each : small)
         each = std::make_unique<int>();
     std::vector<HHOOK> hooks(50);
     for (HHOOK& hook : hooks)
-        hook = SetWindowsHookExW(WH_GETMESSAGE, passOn, nullptr, GetCurrentThreadId());
+        hook = SetWindowsHookExW(WH_GETMESSAGE, PassOn, nullptr, GetCurrentThreadId());
     const HBRUSH brush = CreateSolidBrush(1);
     const HWND window =
         CreateWindowExW(0, L"Static", nullptr, WS_CHILD, 0, 0, 0, 0, host.hwnd, nullptr, nullptr, nullptr);
-    EXPECT_GE(heapBytes(), bytes + 500 * sizeof(int));
-    EXPECT_GE(userObjects(), users + 50);
-    EXPECT_EQ(gdiObjects(), gdi + 1);
-    EXPECT_EQ(threadWindows(), windows + 1);
+    EXPECT_GE(HeapBytes(), bytes + 500 * sizeof(int));
+    EXPECT_GE(UserObjects(), users + 50);
+    EXPECT_EQ(GdiObjects(), gdi + 1);
+    EXPECT_EQ(ThreadWindows(), windows + 1);
     DestroyWindow(window);
     DeleteObject(brush);
     for (HHOOK hook : hooks)
@@ -124,7 +124,7 @@ TEST(Lifetime, MeasuresSeeLeaks)
 
 TEST(Lifetime, ClosedPanelsLeaveNoWindowHookOrGdiObject)
 {
-    const int rounds = repetitions(286, 10);
+    const int rounds = Repetitions(286, 10);
     const TestModule module;
     HostWindow host;
     const auto closeOrphans = [&] {
@@ -132,21 +132,21 @@ TEST(Lifetime, ClosedPanelsLeaveNoWindowHookOrGdiObject)
             DestroyWindow(child);
     };
     for (int i = 0; i < 3; ++i) // what the system keeps for good
-        round(host, i);
+        Round(host, i);
     closeOrphans();
-    const int gdi = gdiObjects(), windows = threadWindows();
-    const int users = userObjects();
-    const std::size_t bytes = heapBytes();
+    const int gdi = GdiObjects(), windows = ThreadWindows();
+    const int users = UserObjects();
+    const std::size_t bytes = HeapBytes();
     for (int i = 0; i < rounds; ++i) {
-        round(host, i);
+        Round(host, i);
         closeOrphans();
     }
-    EXPECT_EQ(threadWindows(), windows);
-    EXPECT_LE(gdiObjects(), gdi + 6); // caches of the system may still grow
-    EXPECT_LE(userObjects(), users + 20) << "a leak of one object for each panel would be " << 7 * rounds;
-    EXPECT_LE(heapBytes(), bytes + 5000) << "a leak of 100 bytes for each panel would be " << 700 * rounds;
+    EXPECT_EQ(ThreadWindows(), windows);
+    EXPECT_LE(GdiObjects(), gdi + 6); // caches of the system may still grow
+    EXPECT_LE(UserObjects(), users + 20) << "a leak of one object for each panel would be " << 7 * rounds;
+    EXPECT_LE(HeapBytes(), bytes + 5000) << "a leak of 100 bytes for each panel would be " << 700 * rounds;
     printf("%d panels: GDI objects %d -> %d, windows %d -> %d, user objects %d -> %d, heap bytes %+d\n", 7 * rounds,
-           gdi, gdiObjects(), windows, threadWindows(), users, userObjects(), static_cast<int>(heapBytes() - bytes));
+           gdi, GdiObjects(), windows, ThreadWindows(), users, UserObjects(), static_cast<int>(HeapBytes() - bytes));
 }
 
 TEST(Lifetime, SliderMovesCostNoMemory)
@@ -156,22 +156,22 @@ TEST(Lifetime, SliderMovesCostNoMemory)
     AddPanel panel(host, {0, 0, 0, 1});
     const auto move = [&](int count) {
         for (int i = 0; i < count; ++i) {
-            panel.put(1007, i % 511 - 255);
-            panel.scroll(1007, TB_LINEDOWN);
+            panel.Put(1007, i % 511 - 255);
+            panel.Scroll(1007, TB_LINEDOWN);
             panel.set.writes.clear();
         }
-        HostWindow::pump();
+        HostWindow::Pump();
     };
     move(1000);
-    const std::size_t before = heapBytes();
-    const int gdi = gdiObjects();
+    const std::size_t before = HeapBytes();
+    const int gdi = GdiObjects();
     host.notifications = 0;
-    const int moves = repetitions(10000, 2000);
+    const int moves = Repetitions(10000, 2000);
     move(moves);
     EXPECT_EQ(host.notifications, moves);
-    EXPECT_LE(heapBytes(), before + 2000);
-    EXPECT_LE(gdiObjects(), gdi + 6); // caches of the system may still grow
-    printf("%d moves: heap bytes %+d\n", moves, static_cast<int>(heapBytes() - before));
+    EXPECT_LE(HeapBytes(), before + 2000);
+    EXPECT_LE(GdiObjects(), gdi + 6); // caches of the system may still grow
+    printf("%d moves: heap bytes %+d\n", moves, static_cast<int>(HeapBytes() - before));
 }
 
 } // namespace

@@ -39,7 +39,7 @@ public:
 };
 
 // How often a test of endurance repeats: the full count with VIXA_FULL_COUNTS set, which takes minutes.
-inline int repetitions(int full, int usual)
+inline int Repetitions(int full, int usual)
 {
     return std::getenv("VIXA_FULL_COUNTS") ? full : usual;
 }
@@ -84,74 +84,74 @@ class Panel
 public:
     explicit Panel(HostWindow& inHost, RecordingSet::Block initial) : host(inHost), set(std::move(initial))
     {
-        window = show(&set);
+        window = Show(&set);
         ShowWindow(window, SW_SHOW);
-        HostWindow::pump(window);
+        HostWindow::Pump(window);
     }
 
     // Asks for the panel, as a host does whenever it wants to see it.
-    HWND show(IDataPropertySet* values)
+    HWND Show(IDataPropertySet* values)
     {
         HWND shown = nullptr;
         owner.Show(vixa::MakePanel<Dialog>, GetModuleHandleW(nullptr), host.hwnd, HostWindow::changed, values, &shown);
         return shown;
     }
     // Shows what the set holds now.
-    void reload() { show(&set); }
+    void Reload() { Show(&set); }
 
-    HWND control(int id) const { return GetDlgItem(window, id); }
-    std::wstring text(int id) const
+    HWND Control(int id) const { return GetDlgItem(window, id); }
+    std::wstring Text(int id) const
     {
         wchar_t buffer[256];
-        return {buffer, static_cast<std::size_t>(GetWindowTextW(control(id), buffer, 256))};
+        return {buffer, static_cast<std::size_t>(GetWindowTextW(Control(id), buffer, 256))};
     }
-    bool checked(int id) const { return SendMessageW(control(id), BM_GETCHECK, 0, 0) == BST_CHECKED; }
-    int position(int id) const { return static_cast<int>(SendMessageW(control(id), TBM_GETPOS, 0, 0)); }
-    bool shown(int id) const { return (GetWindowLongW(control(id), GWL_STYLE) & WS_VISIBLE) != 0; }
+    bool Checked(int id) const { return SendMessageW(Control(id), BM_GETCHECK, 0, 0) == BST_CHECKED; }
+    int Position(int id) const { return static_cast<int>(SendMessageW(Control(id), TBM_GETPOS, 0, 0)); }
+    bool Shown(int id) const { return (GetWindowLongW(Control(id), GWL_STYLE) & WS_VISIBLE) != 0; }
 
     // The user's key on a control that has the focus.
-    void key(int id, WORD virtualKey) const
+    void Key(int id, WORD virtualKey) const
     {
-        SetFocus(control(id));
+        SetFocus(Control(id));
         INPUT input[2]{};
         input[0].type = input[1].type = INPUT_KEYBOARD;
         input[0].ki.wVk = input[1].ki.wVk = virtualKey;
         input[1].ki.dwFlags = KEYEVENTF_KEYUP;
         for (INPUT& each : input)
-            each.ki.dwFlags |= isExtended(virtualKey) ? KEYEVENTF_EXTENDEDKEY : 0u;
+            each.ki.dwFlags |= IsExtended(virtualKey) ? KEYEVENTF_EXTENDEDKEY : 0u;
         SendInput(2, input, sizeof *input);
-        HostWindow::pump(window);
+        HostWindow::Pump(window);
     }
 
     // The user's mouse button on a point of a control's client area.
-    void press(HWND target, int x, int y) const
+    void Press(HWND target, int x, int y) const
     {
-        pointAt(target, x, y);
-        button(MOUSEEVENTF_LEFTDOWN);
+        PointAt(target, x, y);
+        Button(MOUSEEVENTF_LEFTDOWN);
     }
-    void moveTo(HWND target, int x, int y) const { pointAt(target, x, y); }
-    void release() const { button(MOUSEEVENTF_LEFTUP); }
-    void click(int id) const
+    void MoveTo(HWND target, int x, int y) const { PointAt(target, x, y); }
+    void Release() const { Button(MOUSEEVENTF_LEFTUP); }
+    void Click(int id) const
     {
         RECT area;
-        GetClientRect(control(id), &area);
-        press(control(id), 6, area.bottom / 2);
-        release();
+        GetClientRect(Control(id), &area);
+        Press(Control(id), 6, area.bottom / 2);
+        Release();
     }
 
     // The middle of a slider's thumb.
-    POINT thumb(int id) const
+    POINT Thumb(int id) const
     {
         RECT area;
-        SendMessageW(control(id), TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&area));
+        SendMessageW(Control(id), TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&area));
         return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
     }
     // A trackbar's message without the trackbar: what a host or an assistive program sends.
-    void scroll(int id, int request) const
+    void Scroll(int id, int request) const
     {
-        SendMessageW(window, WM_HSCROLL, MAKEWPARAM(request, 0), reinterpret_cast<LPARAM>(control(id)));
+        SendMessageW(window, WM_HSCROLL, MAKEWPARAM(request, 0), reinterpret_cast<LPARAM>(Control(id)));
     }
-    void put(int id, int value) const { SendMessageW(control(id), TBM_SETPOS, TRUE, value); }
+    void Put(int id, int value) const { SendMessageW(Control(id), TBM_SETPOS, TRUE, value); }
 
     HostWindow& host;
     RecordingSet set;
@@ -159,16 +159,16 @@ public:
     HWND window = nullptr;
 
 private:
-    static bool isExtended(WORD key) { return key >= VK_PRIOR && key <= VK_DOWN; }
-    void button(DWORD flag) const
+    static bool IsExtended(WORD key) { return key >= VK_PRIOR && key <= VK_DOWN; }
+    void Button(DWORD flag) const
     {
         INPUT input{};
         input.type = INPUT_MOUSE;
         input.mi.dwFlags = flag;
         SendInput(1, &input, sizeof input);
-        HostWindow::pump(window);
+        HostWindow::Pump(window);
     }
-    void pointAt(HWND target, int x, int y) const
+    void PointAt(HWND target, int x, int y) const
     {
         POINT point{x, y};
         ClientToScreen(target, &point);
@@ -178,7 +178,7 @@ private:
         input.mi.dy = (point.y * 65536 + 32768) / GetSystemMetrics(SM_CYSCREEN);
         input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
         SendInput(1, &input, sizeof input);
-        HostWindow::pump(window);
+        HostWindow::Pump(window);
     }
 };
 

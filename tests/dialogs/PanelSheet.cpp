@@ -54,7 +54,7 @@ public:
     int width = 0, height = 0;
 };
 
-vixahost::media::Picture takePicture(int width, int height)
+vixahost::media::Picture TakePicture(int width, int height)
 {
     vixahost::media::Picture picture(width, height);
     const HDC screen = GetDC(nullptr);
@@ -76,7 +76,7 @@ vixahost::media::Picture takePicture(int width, int height)
     return picture;
 }
 
-void drawSheet(const std::filesystem::path& file)
+void DrawSheet(const std::filesystem::path& file)
 {
     // The font that the panels have on Windows.
     AddFontResourceExW(LR"(Z:\usr\share\wine\fonts\tahoma.ttf)", FR_PRIVATE, nullptr);
@@ -99,14 +99,14 @@ void drawSheet(const std::filesystem::path& file)
     }
     // The panels opened on top of each other.
     RedrawWindow(host.hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
-    HostWindow::pump();
+    HostWindow::Pump();
     // The pointer rests on a slider, so that a tooltip is on the sheet.
     const auto& first = rows.front().multiply;
-    first.moveTo(first.control(1029), 60, 8);
-    first.moveTo(first.control(1029), 62, 9);
-    HostWindow::pumpUntil([] { return false; }, 2500);
+    first.MoveTo(first.Control(1029), 60, 8);
+    first.MoveTo(first.Control(1029), 62, 9);
+    HostWindow::PumpUntil([] { return false; }, 2500);
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    vixahost::media::WritePicture(file, vixahost::media::PictureFormat::Png, takePicture(width, top));
+    vixahost::media::WritePicture(file, vixahost::media::PictureFormat::Png, TakePicture(width, top));
     CoUninitialize();
 }
 
@@ -119,7 +119,7 @@ int main(int argc, char** argv)
         return 2;
     }
     try {
-        drawSheet(argv[1]);
+        DrawSheet(argv[1]);
     } catch (const std::exception& failure) {
         std::cerr << failure.what() << "\n";
         return 1;

@@ -11,7 +11,7 @@ struct Spoken
     static inline std::wstring text, title;
     static inline WNDPROC panelProcedure, tipProcedure;
 
-    static LRESULT CALLBACK onPanel(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    static LRESULT CALLBACK OnPanel(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     {
         const LRESULT result = CallWindowProcW(panelProcedure, window, message, wParam, lParam);
         const auto* header = reinterpret_cast<const NMHDR*>(lParam);
@@ -20,20 +20,20 @@ struct Spoken
                 text = answer;
         return result;
     }
-    static LRESULT CALLBACK onTip(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    static LRESULT CALLBACK OnTip(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     {
         if (message == TTM_SETTITLEW)
             title = reinterpret_cast<const wchar_t*>(lParam);
         return CallWindowProcW(tipProcedure, window, message, wParam, lParam);
     }
-    static WNDPROC replace(HWND window, WNDPROC procedure)
+    static WNDPROC Replace(HWND window, WNDPROC procedure)
     {
         return reinterpret_cast<WNDPROC>(
             SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure)));
     }
 };
 
-BOOL CALLBACK findToolTip(HWND window, LPARAM found)
+BOOL CALLBACK FindToolTip(HWND window, LPARAM found)
 {
     wchar_t name[32];
     GetClassNameW(window, name, 32);
@@ -43,25 +43,25 @@ BOOL CALLBACK findToolTip(HWND window, LPARAM found)
 }
 
 template <typename Panel>
-void expectToolTip(HostWindow& host, RecordingSet::Block block, int id, const wchar_t* title, const wchar_t* text)
+void ExpectToolTip(HostWindow& host, RecordingSet::Block block, int id, const wchar_t* title, const wchar_t* text)
 {
     Panel panel(host, std::move(block));
     HWND tip = nullptr;
-    EnumThreadWindows(GetCurrentThreadId(), findToolTip, reinterpret_cast<LPARAM>(&tip));
+    EnumThreadWindows(GetCurrentThreadId(), FindToolTip, reinterpret_cast<LPARAM>(&tip));
     ASSERT_NE(tip, nullptr);
     Spoken::text.clear();
     Spoken::title.clear();
-    Spoken::panelProcedure = Spoken::replace(panel.window, Spoken::onPanel);
-    Spoken::tipProcedure = Spoken::replace(tip, Spoken::onTip);
-    panel.moveTo(host.hwnd, 400, 300);
+    Spoken::panelProcedure = Spoken::Replace(panel.window, Spoken::OnPanel);
+    Spoken::tipProcedure = Spoken::Replace(tip, Spoken::OnTip);
+    panel.MoveTo(host.hwnd, 400, 300);
     EXPECT_FALSE(IsWindowVisible(tip));
     RECT area;
     // Near the right end: the list's text field is a window of its own, its button belongs to the list.
-    GetClientRect(panel.control(id), &area);
+    GetClientRect(panel.Control(id), &area);
     const int x = area.right - 9;
-    panel.moveTo(panel.control(id), x, 6);
-    panel.moveTo(panel.control(id), x + 2, 7);
-    EXPECT_TRUE(HostWindow::pumpUntil([&] { return IsWindowVisible(tip) != FALSE; }, 5000, panel.window)) << id;
+    panel.MoveTo(panel.Control(id), x, 6);
+    panel.MoveTo(panel.Control(id), x + 2, 7);
+    EXPECT_TRUE(HostWindow::PumpUntil([&] { return IsWindowVisible(tip) != FALSE; }, 5000, panel.window)) << id;
     EXPECT_EQ(Spoken::title, title) << id;
     EXPECT_EQ(Spoken::text, text) << id;
     GetWindowRect(tip, &area);
@@ -69,9 +69,9 @@ void expectToolTip(HostWindow& host, RecordingSet::Block block, int id, const wc
     EXPECT_GT(area.bottom - area.top, 20) << "title and text stand below each other";
 
     // A click puts it away.
-    panel.press(panel.control(id), x, 7);
+    panel.Press(panel.Control(id), x, 7);
     EXPECT_FALSE(IsWindowVisible(tip)) << id;
-    panel.release();
+    panel.Release();
 }
 
 TEST(ToolTips, AppearWhereThePointerRests)
@@ -79,15 +79,15 @@ TEST(ToolTips, AppearWhereThePointerRests)
     const TestModule module;
     HostWindow host;
     constexpr const wchar_t* slide = L"Move the slider thumb to adjust value ";
-    expectToolTip<ColourPanel>(host, {0, 0}, 1005, L"Select intensity", slide);
-    expectToolTip<ColourPanel>(host, {0, 0}, 1003, L"Select color", L"Select the color to be transformed");
-    expectToolTip<AddPanel>(host, {0, 0, 0, 0}, 1008, L"Select intensity", slide);
-    expectToolTip<AddPanel>(host, {0, 0, 0, 0}, 1040, L"Select this to move all sliders at the same time",
+    ExpectToolTip<ColourPanel>(host, {0, 0}, 1005, L"Select intensity", slide);
+    ExpectToolTip<ColourPanel>(host, {0, 0}, 1003, L"Select color", L"Select the color to be transformed");
+    ExpectToolTip<AddPanel>(host, {0, 0, 0, 0}, 1008, L"Select intensity", slide);
+    ExpectToolTip<AddPanel>(host, {0, 0, 0, 0}, 1040, L"Select this to move all sliders at the same time",
                             L"Select this to move all sliders at the same time");
-    expectToolTip<InvertPanel>(host, {0}, 1021, L"Perform inversion to the green", L"Perform inversion to the green");
-    expectToolTip<MultiplyPanel>(host, {0}, 1029, L"Select intensity", slide);
-    expectToolTip<GammaPanel>(host, {0}, 1034, L"Select intensity", slide);
-    expectToolTip<ShiftPanel>(host, {7}, 1039, L"Perform shift edges on vertical", L"Perform shift edges on vertical");
+    ExpectToolTip<InvertPanel>(host, {0}, 1021, L"Perform inversion to the green", L"Perform inversion to the green");
+    ExpectToolTip<MultiplyPanel>(host, {0}, 1029, L"Select intensity", slide);
+    ExpectToolTip<GammaPanel>(host, {0}, 1034, L"Select intensity", slide);
+    ExpectToolTip<ShiftPanel>(host, {7}, 1039, L"Perform shift edges on vertical", L"Perform shift edges on vertical");
 }
 
 } // namespace

@@ -9,7 +9,7 @@
 namespace {
 
 // Queues what a user's hand leaves behind: mouse and key messages to a control, and its own to its panel.
-BOOL CALLBACK disturbControl(HWND control, LPARAM)
+BOOL CALLBACK DisturbControl(HWND control, LPARAM)
 {
     for (UINT message : {WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONUP})
         PostMessageW(control, message, 0, MAKELPARAM(9, 4));
@@ -21,9 +21,9 @@ BOOL CALLBACK disturbControl(HWND control, LPARAM)
     return TRUE;
 }
 
-void disturb(HWND host)
+void Disturb(HWND host)
 {
-    EnumChildWindows(host, disturbControl, 0);
+    EnumChildWindows(host, DisturbControl, 0);
     PostThreadMessageW(GetCurrentThreadId(), WM_USER, 0, 0);
 }
 
@@ -37,7 +37,7 @@ TEST(Unload, IsSafeWhileMessagesArrive)
         Leaked,       // nothing released at all
         Ways,
     };
-    const int loads = repetitions(200, 24);
+    const int loads = Repetitions(200, 24);
     for (int i = 0; i < loads; ++i) {
         HostWindow host;
         RecordingSet set({1, 2, 3, 0});
@@ -50,10 +50,10 @@ TEST(Unload, IsSafeWhileMessagesArrive)
                 ASSERT_EQ(panels.back()->ShowSettingsDialog(0, host.hwnd, HostWindow::changed, &set, &panel), S_OK);
                 ShowWindow(panel, SW_SHOW);
             }
-            disturb(host.hwnd);
-            HostWindow::pump();
+            Disturb(host.hwnd);
+            HostWindow::Pump();
             ASSERT_GT(host.notifications, 10);
-            disturb(host.hwnd);
+            Disturb(host.hwnd);
             switch (i % Ways) {
             case ObjectsFirst:
                 panels.clear();
@@ -64,7 +64,7 @@ TEST(Unload, IsSafeWhileMessagesArrive)
                 panels.clear();
                 break;
             case HostFirst:
-                host.destroy();
+                host.Destroy();
                 panels.clear();
                 break;
             default:
@@ -75,9 +75,9 @@ TEST(Unload, IsSafeWhileMessagesArrive)
         ASSERT_EQ(GetModuleHandleW(L"VixaVideoFX.dll"), nullptr);
         set.writes.clear();
         host.notifications = 0;
-        HostWindow::pump();
-        disturb(host.hwnd);
-        HostWindow::pump();
+        HostWindow::Pump();
+        Disturb(host.hwnd);
+        HostWindow::Pump();
         EXPECT_EQ(set.writes.size(), 0u);
         EXPECT_EQ(host.notifications, 0);
     }

@@ -12,7 +12,7 @@ namespace {
 class Panels : public testing::Test
 {
 protected:
-    std::unique_ptr<TestPanel> open(int templateId = 100)
+    std::unique_ptr<TestPanel> Open(int templateId = 100)
     {
         auto panel = std::make_unique<TestPanel>(&context);
         panel->Create(host.hwnd, static_cast<std::uint32_t>(templateId));
@@ -20,7 +20,7 @@ protected:
         panel->Show(0);
         return panel;
     }
-    static void press(HWND control, WPARAM key)
+    static void Press(HWND control, WPARAM key)
     {
         SendMessageW(control, WM_KEYDOWN, key, 0);
         SendMessageW(control, WM_KEYUP, key, 0);
@@ -32,14 +32,14 @@ protected:
 
 TEST_F(Panels, CreationReachesTheObjectBeforeItsHandleIsKnown)
 {
-    auto panel = open(0xABC0000 + 100); // only the low 16 bits count
+    auto panel = Open(0xABC0000 + 100); // only the low 16 bits count
     ASSERT_NE(panel->GetHwnd(), nullptr);
     EXPECT_EQ(panel->inits, 1);
     EXPECT_EQ(panel->handleDuringInit, nullptr);
     EXPECT_EQ(panel->dialog, panel->GetHwnd());
     EXPECT_EQ(GetParent(panel->GetHwnd()), host.hwnd);
     EXPECT_TRUE(IsWindowVisible(panel->GetHwnd()));
-    EXPECT_NE(panel->control(TestPanel::slider), nullptr);
+    EXPECT_NE(panel->Control(TestPanel::slider), nullptr);
 }
 
 TEST_F(Panels, NothingIsMadeWithoutContextHostOrTemplate)
@@ -48,14 +48,14 @@ TEST_F(Panels, NothingIsMadeWithoutContextHostOrTemplate)
     bare.Create(host.hwnd, 100);
     bare.CreateToolTip(host.hwnd);
     EXPECT_EQ(bare.GetInstance(), nullptr);
-    EXPECT_EQ(bare.tip(), nullptr);
+    EXPECT_EQ(bare.Tip(), nullptr);
     bare.SetContext(&context);
     bare.SetContext(nullptr);
     EXPECT_EQ(bare.GetInstance(), GetModuleHandleW(nullptr)) << "null keeps the old context";
     bare.Create(nullptr, 100);
     EXPECT_EQ(bare.GetHwnd(), nullptr);
 
-    auto panel = open(4711);
+    auto panel = Open(4711);
     EXPECT_EQ(panel->GetHwnd(), nullptr);
     panel->Create(host.hwnd, 101); // fails after the dialog and its first control exist
     EXPECT_EQ(panel->GetHwnd(), nullptr);
@@ -63,15 +63,15 @@ TEST_F(Panels, NothingIsMadeWithoutContextHostOrTemplate)
     panel->Create(host.hwnd, 100);
     EXPECT_NE(panel->GetHwnd(), nullptr);
     panel.reset();
-    auto after = open(); // walks the list: the failed attempts left nothing behind in it
+    auto after = Open(); // walks the list: the failed attempts left nothing behind in it
     EXPECT_EQ(after->inits, 1);
 }
 
 TEST_F(Panels, ControlsReachTheirHandlers)
 {
-    auto panel = open();
-    const HWND slider = panel->control(TestPanel::slider), list = panel->control(TestPanel::list);
-    press(slider, VK_RIGHT);
+    auto panel = Open();
+    const HWND slider = panel->Control(TestPanel::slider), list = panel->Control(TestPanel::list);
+    Press(slider, VK_RIGHT);
     ASSERT_EQ(panel->scrolls.size(), 2u);
     EXPECT_EQ(panel->scrolls[0].control, slider);
     EXPECT_EQ(panel->scrolls[0].request, TB_LINEDOWN);
@@ -79,7 +79,7 @@ TEST_F(Panels, ControlsReachTheirHandlers)
     EXPECT_EQ(host.notifications, 2);
     EXPECT_TRUE(host.dataless);
 
-    SendMessageW(panel->control(TestPanel::box), BM_CLICK, 0, 0);
+    SendMessageW(panel->Control(TestPanel::box), BM_CLICK, 0, 0);
     EXPECT_EQ(panel->boxes, 1);
 
     for (const wchar_t* text : {L"a", L"b"})
@@ -87,38 +87,38 @@ TEST_F(Panels, ControlsReachTheirHandlers)
     SendMessageW(list, WM_SETFOCUS, 0, 0);
     SendMessageW(list, WM_KILLFOCUS, 0, 0);
     EXPECT_EQ(panel->choices, 0);
-    press(list, VK_DOWN);
+    Press(list, VK_DOWN);
     EXPECT_EQ(panel->choices, 1);
 }
 
 TEST_F(Panels, EachPanelGetsItsOwnMessages)
 {
-    auto first = open(), second = open();
+    auto first = Open(), second = Open();
     for (TestPanel* panel : {first.get(), second.get(), first.get()})
-        press(panel->control(TestPanel::slider), VK_RIGHT);
+        Press(panel->Control(TestPanel::slider), VK_RIGHT);
     EXPECT_EQ(first->scrolls.size(), 4u);
     EXPECT_EQ(second->scrolls.size(), 2u);
-    EXPECT_EQ(second->scrolls[0].control, second->control(TestPanel::slider));
+    EXPECT_EQ(second->scrolls[0].control, second->Control(TestPanel::slider));
 }
 
 TEST_F(Panels, PanelsOpenedWhileOthersAreBusyGetTheirOwnMessages)
 {
-    auto first = open();
+    auto first = Open();
     std::unique_ptr<TestPanel> second, third;
     // The second is opened inside a notification of the first; while it is made, the first receives messages, and a
     // third is opened.
     host.onChange = [&] {
         host.onChange = nullptr;
-        host.onParentNotify = [&](WPARAM) { press(first->control(TestPanel::slider), VK_RIGHT); };
+        host.onParentNotify = [&](WPARAM) { Press(first->Control(TestPanel::slider), VK_RIGHT); };
         second = std::make_unique<TestPanel>(&context);
         second->whileCreated = [&] {
-            third = open();
-            press(first->control(TestPanel::slider), VK_RIGHT);
+            third = Open();
+            Press(first->Control(TestPanel::slider), VK_RIGHT);
         };
         second->Create(host.hwnd, 100);
         host.onParentNotify = nullptr;
     };
-    press(first->control(TestPanel::slider), VK_RIGHT);
+    Press(first->Control(TestPanel::slider), VK_RIGHT);
     EXPECT_EQ(first->inits, 1);
     ASSERT_TRUE(second && third);
     EXPECT_EQ(second->inits, 1);
@@ -127,18 +127,18 @@ TEST_F(Panels, PanelsOpenedWhileOthersAreBusyGetTheirOwnMessages)
     EXPECT_NE(third->GetHwnd(), second->GetHwnd());
     EXPECT_EQ(second->dialog, second->GetHwnd());
     EXPECT_EQ(third->dialog, third->GetHwnd());
-    press(second->control(TestPanel::slider), VK_RIGHT);
+    Press(second->Control(TestPanel::slider), VK_RIGHT);
     EXPECT_EQ(second->scrolls.size(), 2u);
     EXPECT_EQ(third->scrolls.size(), 0u);
 }
 
 TEST_F(Panels, AnEndedWindowGivesBackHookTooltipAndRecords)
 {
-    auto panel = open();
+    auto panel = Open();
     for (int round = 0; round < 3; ++round) {
-        const HWND tip = panel->tip(), dialog = panel->GetHwnd();
-        const HHOOK hook = panel->messageHook();
-        EXPECT_EQ(panel->toolTipCount(), 2u);
+        const HWND tip = panel->Tip(), dialog = panel->GetHwnd();
+        const HHOOK hook = panel->MessageHook();
+        EXPECT_EQ(panel->ToolTipCount(), 2u);
         ASSERT_TRUE(IsWindow(tip));
         ASSERT_NE(hook, nullptr);
         DestroyWindow(dialog);
@@ -146,23 +146,23 @@ TEST_F(Panels, AnEndedWindowGivesBackHookTooltipAndRecords)
         EXPECT_EQ(panel->GetHwnd(), nullptr);
         EXPECT_FALSE(IsWindow(tip));
         EXPECT_FALSE(UnhookWindowsHookEx(hook)) << "the hook is removed already";
-        HostWindow::pump();
+        HostWindow::Pump();
         panel->Create(host.hwnd, 100);
     }
     EXPECT_EQ(panel->inits, 4);
-    const HHOOK replaced = panel->messageHook();
+    const HHOOK replaced = panel->MessageHook();
     panel->InstallMessageHook();
     EXPECT_FALSE(UnhookWindowsHookEx(replaced)) << "a second hook takes the first one's place";
 }
 
 TEST_F(Panels, TheHostWindowMayGoFirst)
 {
-    auto first = open(), second = open();
-    host.destroy();
+    auto first = Open(), second = Open();
+    host.Destroy();
     EXPECT_EQ(first->GetHwnd(), nullptr);
     EXPECT_EQ(second->GetHwnd(), nullptr);
     EXPECT_EQ(first->destroys + second->destroys, 2);
-    HostWindow::pump();
+    HostWindow::Pump();
     first->NotifyParent();
     first->Show(1);
     first->OnOK();
@@ -171,9 +171,9 @@ TEST_F(Panels, TheHostWindowMayGoFirst)
 
 TEST_F(Panels, TheObjectMayGoFirst)
 {
-    auto other = open(), panel = open();
-    const HWND orphan = panel->GetHwnd(), slider = panel->control(TestPanel::slider), tip = panel->tip();
-    const HHOOK hook = panel->messageHook();
+    auto other = Open(), panel = Open();
+    const HWND orphan = panel->GetHwnd(), slider = panel->Control(TestPanel::slider), tip = panel->Tip();
+    const HHOOK hook = panel->MessageHook();
     panel.reset();
     EXPECT_TRUE(IsWindow(orphan)) << "the window is the host's";
     EXPECT_FALSE(IsWindowVisible(orphan));
@@ -181,12 +181,12 @@ TEST_F(Panels, TheObjectMayGoFirst)
     EXPECT_FALSE(UnhookWindowsHookEx(hook));
 
     // Nothing of the orphan reaches the freed object (that would crash) or the panel that is left.
-    press(slider, VK_RIGHT);
+    Press(slider, VK_RIGHT);
     PostMessageW(slider, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
-    HostWindow::pump();
-    press(other->control(TestPanel::slider), VK_RIGHT); // the other is the current window
+    HostWindow::Pump();
+    Press(other->Control(TestPanel::slider), VK_RIGHT); // the other is the current window
     const int notified = host.notifications;
-    press(slider, VK_LEFT);
+    Press(slider, VK_LEFT);
     DestroyWindow(orphan);
     EXPECT_EQ(other->scrolls.size(), 2u);
     EXPECT_EQ(other->destroys, 0);
@@ -197,28 +197,28 @@ TEST_F(Panels, TheObjectMayGoFirst)
 TEST_F(Panels, APanelMayEndInsideItsOwnNotification)
 {
     // Its window is destroyed.
-    auto panel = open();
+    auto panel = Open();
     host.onChange = [&] { DestroyWindow(panel->GetHwnd()); };
-    SendMessageW(panel->control(TestPanel::box), BM_CLICK, 0, 0);
+    SendMessageW(panel->Control(TestPanel::box), BM_CLICK, 0, 0);
     EXPECT_EQ(panel->boxes, 1);
     EXPECT_EQ(panel->GetHwnd(), nullptr);
 
     // The object is released: rows behind the handler's must not run, nor may anything touch the object.
-    auto next = open();
+    auto next = Open();
     const HWND orphan = next->GetHwnd();
     host.onChange = [&] { next.reset(); };
-    SendMessageW(next->control(TestPanel::box), BM_CLICK, 0, 0);
+    SendMessageW(next->Control(TestPanel::box), BM_CLICK, 0, 0);
     EXPECT_EQ(next, nullptr);
     EXPECT_TRUE(IsWindow(orphan));
 
     // The host window is destroyed, and the object released.
-    auto last = open();
+    auto last = Open();
     host.onChange = [&] {
         last.reset();
-        host.destroy();
+        host.Destroy();
     };
-    SendMessageW(last->control(TestPanel::box), BM_CLICK, 0, 0);
-    HostWindow::pump();
+    SendMessageW(last->Control(TestPanel::box), BM_CLICK, 0, 0);
+    HostWindow::Pump();
     EXPECT_FALSE(IsWindow(orphan));
 }
 
@@ -231,7 +231,7 @@ TEST_F(Panels, APanelMayEndWhileItIsMade)
     EXPECT_EQ(released, nullptr);
     HWND orphan = GetWindow(host.hwnd, GW_CHILD);
     if (orphan) {
-        press(GetDlgItem(orphan, TestPanel::slider), VK_RIGHT);
+        Press(GetDlgItem(orphan, TestPanel::slider), VK_RIGHT);
         DestroyWindow(orphan);
     }
 
@@ -248,7 +248,7 @@ TEST_F(Panels, APanelMayEndWhileItIsMade)
 // Sees what a tooltip window is sent: relayed messages and titles.
 struct ToolTipSpy
 {
-    static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     {
         if (message == TTM_RELAYEVENT) {
             relayed.push_back(*reinterpret_cast<const MSG*>(lParam));
@@ -263,7 +263,7 @@ struct ToolTipSpy
         relayed.clear();
         titles.clear();
         original =
-            reinterpret_cast<WNDPROC>(SetWindowLongPtrW(tip, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure)));
+            reinterpret_cast<WNDPROC>(SetWindowLongPtrW(tip, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure)));
     }
     static inline std::vector<MSG> relayed;
     static inline std::vector<std::pair<int, std::wstring>> titles;
@@ -272,12 +272,12 @@ struct ToolTipSpy
 
 TEST_F(Panels, TheTooltipAsksForItsTextsOnDemand)
 {
-    auto panel = open(), other = open();
-    const ToolTipSpy spy(panel->tip());
+    auto panel = Open(), other = Open();
+    const ToolTipSpy spy(panel->Tip());
     const auto ask = [](TestPanel& asked, int control, UINT code = TTN_GETDISPINFOW) {
         static wchar_t untouched[] = L"untouched";
         NMTTDISPINFOW request{};
-        request.hdr = {asked.tip(), reinterpret_cast<UINT_PTR>(asked.control(control)), code};
+        request.hdr = {asked.Tip(), reinterpret_cast<UINT_PTR>(asked.Control(control)), code};
         request.lpszText = untouched;
         SendMessageW(asked.GetHwnd(), WM_NOTIFY, request.hdr.idFrom, reinterpret_cast<LPARAM>(&request));
         return request.lpszText;
@@ -296,7 +296,7 @@ TEST_F(Panels, TheTooltipAsksForItsTextsOnDemand)
 TestPanel* victim;
 
 // A tooltip whose panel ends when it hears of a mouse message.
-LRESULT CALLBACK endVictim(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+LRESULT CALLBACK EndVictim(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == TTM_RELAYEVENT && victim)
         delete std::exchange(victim, nullptr);
@@ -305,15 +305,15 @@ LRESULT CALLBACK endVictim(HWND window, UINT message, WPARAM wParam, LPARAM lPar
 
 TEST_F(Panels, TheHookRelaysMovesAndSingleClicks)
 {
-    auto panel = open();
-    const ToolTipSpy spy(panel->tip());
-    const HWND control = panel->control(TestPanel::label);
+    auto panel = Open();
+    const ToolTipSpy spy(panel->Tip());
+    const HWND control = panel->Control(TestPanel::label);
     std::vector<UINT> numbers;
     for (UINT message = WM_MOUSEFIRST; message <= WM_MOUSELAST; ++message)
         PostMessageW(control, message, 3, MAKELPARAM(7, 9));
     PostMessageW(panel->GetHwnd(), WM_MOUSEMOVE, 0, MAKELPARAM(1, 1)); // not a control of it
     PostMessageW(host.hwnd, WM_MOUSEMOVE, 0, MAKELPARAM(1, 1));
-    HostWindow::pump();
+    HostWindow::Pump();
     for (const MSG& message : spy.relayed) {
         if (message.hwnd != control || message.lParam != MAKELPARAM(7, 9))
             continue; // the system's own moves under the pointer
@@ -325,17 +325,17 @@ TEST_F(Panels, TheHookRelaysMovesAndSingleClicks)
         EXPECT_TRUE(IsChild(panel->GetHwnd(), message.hwnd));
 
     // The panel may end while a message is relayed.
-    auto ending = open();
+    auto ending = Open();
     victim = ending.get();
-    SetWindowLongPtrW(ending->tip(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(endVictim));
-    PostMessageW(ending->control(TestPanel::slider), WM_MOUSEMOVE, 0, 0);
+    SetWindowLongPtrW(ending->Tip(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(EndVictim));
+    PostMessageW(ending->Control(TestPanel::slider), WM_MOUSEMOVE, 0, 0);
     (void)ending.release();
-    HostWindow::pump();
+    HostWindow::Pump();
     EXPECT_EQ(victim, nullptr);
 }
 
-// Calls a dialog procedure as a 32-bit caller may: with a stack that is aligned to 4 bytes only.
-INT_PTR callShifted(DLGPROC procedure, HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, int shift)
+// Calls a dialog Procedure as a 32-bit caller may: with a stack that is aligned to 4 bytes only.
+INT_PTR CallShifted(DLGPROC Procedure, HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, int shift)
 {
     INT_PTR result;
     __asm__ volatile("movl %%esp, %%ebx\n\t"
@@ -348,7 +348,7 @@ INT_PTR callShifted(DLGPROC procedure, HWND dialog, UINT message, WPARAM wParam,
                      "call *%%eax\n\t"
                      "movl %%ebx, %%esp\n\t"
                      : "=a"(result)
-                     : "a"(procedure), [shift] "S"(shift), [lParam] "D"(lParam), [wParam] "c"(wParam),
+                     : "a"(Procedure), [shift] "S"(shift), [lParam] "D"(lParam), [wParam] "c"(wParam),
                        [message] "d"(message), [dialog] "m"(dialog)
                      : "ebx", "memory", "cc");
     return result;
@@ -356,11 +356,11 @@ INT_PTR callShifted(DLGPROC procedure, HWND dialog, UINT message, WPARAM wParam,
 
 TEST_F(Panels, TheProcedureNeedsNoAlignedStack)
 {
-    auto panel = open();
-    const auto procedure = reinterpret_cast<DLGPROC>(GetWindowLongPtrW(panel->GetHwnd(), DWLP_DLGPROC));
-    ASSERT_NE(procedure, nullptr);
+    auto panel = Open();
+    const auto Procedure = reinterpret_cast<DLGPROC>(GetWindowLongPtrW(panel->GetHwnd(), DWLP_DLGPROC));
+    ASSERT_NE(Procedure, nullptr);
     for (int shift = 0; shift < 16; shift += 4)
-        EXPECT_EQ(callShifted(procedure, panel->GetHwnd(), WM_HSCROLL, TB_LINEUP, 0, shift), FALSE);
+        EXPECT_EQ(CallShifted(Procedure, panel->GetHwnd(), WM_HSCROLL, TB_LINEUP, 0, shift), FALSE);
     EXPECT_EQ(panel->scrolls.size(), 4u);
 }
 

@@ -15,7 +15,7 @@ public:
     {
         static const ATOM registered = [] {
             WNDCLASSW windowClass{};
-            windowClass.lpfnWndProc = procedure;
+            windowClass.lpfnWndProc = Procedure;
             windowClass.hInstance = GetModuleHandleW(nullptr);
             windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
             windowClass.lpszClassName = L"PanelHost";
@@ -26,11 +26,11 @@ public:
                                nullptr, GetModuleHandleW(nullptr), this);
         SetForegroundWindow(hwnd);
     }
-    ~HostWindow() { destroy(); }
+    ~HostWindow() { Destroy(); }
     HostWindow(const HostWindow&) = delete;
     HostWindow& operator=(const HostWindow&) = delete;
 
-    void destroy()
+    void Destroy()
     {
         if (hwnd)
             DestroyWindow(hwnd);
@@ -38,7 +38,7 @@ public:
     }
 
     // Dispatches what is queued; with a panel, its dialog keys (tab and the like) too.
-    static void pump(HWND panel = nullptr)
+    static void Pump(HWND panel = nullptr)
     {
         MSG message;
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
@@ -50,10 +50,10 @@ public:
     }
 
     // Pumps until `done` or the time is over.
-    static bool pumpUntil(const std::function<bool()>& done, DWORD milliseconds, HWND panel = nullptr)
+    static bool PumpUntil(const std::function<bool()>& done, DWORD milliseconds, HWND panel = nullptr)
     {
         for (const DWORD start = GetTickCount(); GetTickCount() - start < milliseconds; Sleep(5)) {
-            pump(panel);
+            Pump(panel);
             if (done())
                 return true;
         }
@@ -67,7 +67,7 @@ public:
     std::function<void(WPARAM)> onParentNotify; // runs inside each WM_PARENTNOTIFY
 
 private:
-    static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     {
         if (message == WM_NCCREATE)
             SetWindowLongPtrW(window, GWLP_USERDATA,

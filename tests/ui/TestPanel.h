@@ -41,8 +41,8 @@ public:
         dialog = ::GetParent(reinterpret_cast<HWND>(focus));
         handleDuringInit = GetHwnd();
         CreateToolTip(dialog);
-        addToolTip(dialog, slider, 501, 500);
-        addToolTip(dialog, box, 502, 502);
+        AddToolTip(dialog, slider, 501, 500);
+        AddToolTip(dialog, box, 502, 502);
         InstallMessageHook();
         if (whileCreated)
             whileCreated();
@@ -52,24 +52,24 @@ public:
         ++destroys;
         CBaseWnd::OnDestroy();
     }
-    virtual void onScroll(LPARAM control, WPARAM request)
+    virtual void OnScroll(LPARAM control, WPARAM request)
     {
         scrolls.push_back({reinterpret_cast<HWND>(control), LOWORD(request)});
         NotifyParent();
     }
-    virtual void onChosen() { ++choices; }
-    virtual void onBox()
+    virtual void OnChosen() { ++choices; }
+    virtual void OnBox()
     {
         ++boxes;
         NotifyParent();
     }
 
-    virtual void onBoxAgain() { ++boxesAgain; }
+    virtual void OnBoxAgain() { ++boxesAgain; }
 
-    HWND control(int id) const { return GetDlgItem(dialog, id); }
-    HWND tip() const { return toolTip; }
-    HHOOK messageHook() const { return hook.get(); }
-    std::size_t toolTipCount() const { return toolTips.size(); }
+    HWND Control(int id) const { return GetDlgItem(dialog, id); }
+    HWND Tip() const { return toolTip; }
+    HHOOK MessageHook() const { return hook.get(); }
+    std::size_t ToolTipCount() const { return toolTips.size(); }
 
     struct Scroll
     {
@@ -86,13 +86,13 @@ public:
 inline const MessageMapEntry* TestPanel::GetMessageMap()
 {
     static const MessageMapEntry map[] = {
-        onMessage(WM_INITDIALOG, &TestPanel::OnInitDialog),
-        onMessage(WM_HSCROLL, &TestPanel::onScroll),
-        onCommand(WM_COMMAND, list, CBN_SELENDOK, &TestPanel::onChosen),
-        onCommand(WM_COMMAND, box, 0, &TestPanel::onBox),
-        onCommand(WM_COMMAND, box, BN_CLICKED, &TestPanel::onBoxAgain),
-        onMessage(WM_NOTIFY, &TestPanel::OnNotify),
-        onCommand(WM_DESTROY, 0, 0, &TestPanel::OnDestroy),
+        MessageRow(WM_INITDIALOG, &TestPanel::OnInitDialog),
+        MessageRow(WM_HSCROLL, &TestPanel::OnScroll),
+        CommandRow(WM_COMMAND, list, CBN_SELENDOK, &TestPanel::OnChosen),
+        CommandRow(WM_COMMAND, box, 0, &TestPanel::OnBox),
+        CommandRow(WM_COMMAND, box, BN_CLICKED, &TestPanel::OnBoxAgain),
+        MessageRow(WM_NOTIFY, &TestPanel::OnNotify),
+        CommandRow(WM_DESTROY, 0, 0, &TestPanel::OnDestroy),
         endOfMap,
     };
     return map;

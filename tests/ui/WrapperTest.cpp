@@ -15,7 +15,7 @@ namespace {
 class Wrappers : public testing::Test
 {
 protected:
-    HWND make(const wchar_t* windowClass, DWORD style)
+    HWND Make(const wchar_t* windowClass, DWORD style)
     {
         InitCommonControls();
         return CreateWindowExW(0, windowClass, L"", WS_CHILD | WS_VISIBLE | style, 0, 0, 200, 100, host.hwnd, nullptr,
@@ -29,7 +29,7 @@ TEST_F(Wrappers, SliderLeavesTheValueToTheTrackbar)
     CBaseSlider slider;
     EXPECT_EQ(slider.GetPos(), 0);
     slider.SetPos(5); // to no window
-    slider.Attach(make(TRACKBAR_CLASSW, 0));
+    slider.Attach(Make(TRACKBAR_CLASSW, 0));
     slider.SetRangeMax(255);
     slider.SetRangeMin(-255);
     slider.SetPageSize(15);
@@ -48,7 +48,7 @@ TEST_F(Wrappers, TextIsBoundedByItsCapacity)
     EXPECT_EQ(text.GetText(buffer, 8), 0);
     EXPECT_STREQ(buffer, L"unseen") << "nothing is copied without a handle";
     text.SetText(L"x");
-    text.Attach(make(L"Static", 0));
+    text.Attach(Make(L"Static", 0));
     text.SetText(L"0123456789");
     text.SetText(nullptr);
     EXPECT_EQ(text.GetText(buffer, 0), 0);
@@ -63,7 +63,7 @@ TEST_F(Wrappers, ListIsAComboBoxAndCheckBoxAButton)
 {
     CBaseListBox list;
     list.SetCurSel(1);
-    list.Attach(make(L"ComboBox", CBS_DROPDOWN | CBS_SORT));
+    list.Attach(Make(L"ComboBox", CBS_DROPDOWN | CBS_SORT));
     EXPECT_EQ(list.AddString(L"Red"), 0);
     EXPECT_EQ(list.AddString(L"Green"), 0) << "sorted before the first";
     EXPECT_EQ(list.GetCurSel(), CB_ERR);
@@ -76,7 +76,7 @@ TEST_F(Wrappers, ListIsAComboBoxAndCheckBoxAButton)
     box.SetCheck(1);
     box.SetText(L"x");
     EXPECT_EQ(box.GetCheck(), 0);
-    box.Attach(make(L"Button", BS_AUTOCHECKBOX));
+    box.Attach(Make(L"Button", BS_AUTOCHECKBOX));
     box.SetCheck(1);
     EXPECT_EQ(box.GetCheck(), 1);
     box.SetText(L"Ja");
