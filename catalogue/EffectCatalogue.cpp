@@ -7,9 +7,12 @@
 
 #include <vixavideofx/PropertySets.h>
 
+#include <wrl/client.h>
+
 #include <exception>
 #include <functional>
 
+using Microsoft::WRL::ComPtr;
 using vixa::EffectRecord;
 using vixavideofx::PropertySetKind;
 
@@ -159,6 +162,7 @@ STDMETHODIMP EffectCatalogue::SetDefaults(IUnknown* propertySet) noexcept
         return E_INVALIDARG;
     if (!record)
         return E_FAIL;
+    const ComPtr<IEffectInfo> self(this); // the host may let go of it meanwhile
     // What the set itself answers is not looked at.
     switch (record->parameterKind) {
     case PropertySetKind::None:
@@ -192,6 +196,7 @@ STDMETHODIMP EffectCatalogue::ShowSettingsDialog(ULONG, HWND parent, UINT notify
     if (!propertySet || !window || !record)
         return E_FAIL;
     *window = nullptr;
+    const ComPtr<IEffectInfo> self(this); // the host may let go of it meanwhile
     try {
         if (record->makePanel)
             panel.Show(record->makePanel, g_hInst, parent, notifyMessage, static_cast<IDataPropertySet*>(propertySet),

@@ -7,31 +7,38 @@ void EffectPanel::Show(HINSTANCE library, HWND parentWindow, UINT message, IData
         *window = GetHwnd();
         OnReuse();
         LoadValues();
-        return;
+    } else {
+        resources.SetInstance(library);
+        SetContext(&resources);
+        Create(parentWindow, dialogTemplate);
+        SetParams(propertySet);
+        LoadValues();
+        SetNotifyMessage(message);
     }
-    resources.SetInstance(library);
-    SetContext(&resources);
-    Create(parentWindow, dialogTemplate);
-    SetParams(propertySet);
-    LoadValues();
-    SetNotifyMessage(message);
     *window = GetHwnd();
 }
 
 namespace vixa {
+
+PanelOwner::~PanelOwner()
+{
+    if (panel)
+        panel->Retire();
+}
 
 void PanelOwner::Show(PanelMaker make, HINSTANCE library, HWND parent, UINT notifyMessage,
                       IDataPropertySet* propertySet, HWND* window)
 {
     if (!panel)
         panel = make();
-    panel->Show(library, parent, notifyMessage, propertySet, window);
+    const auto shown = panel;
+    shown->Show(library, parent, notifyMessage, propertySet, window);
 }
 
 void PanelOwner::Reset()
 {
-    if (panel && panel->GetHwnd())
-        panel->ResetControls();
+    if (const auto shown = panel; shown && shown->GetHwnd())
+        shown->ResetControls();
 }
 
 } // namespace vixa

@@ -2,7 +2,10 @@
 #pragma once
 
 #include "dialogs/CColourEffects.h"
+#include "framework/CBaseObject.h"
 #include "ui/CBaseWnd.h"
+
+#include <vixavideofx/PropertySets.h>
 
 #include <cstdint>
 #include <memory>
@@ -22,12 +25,14 @@ public:
 
     // Makes the window as a child of `parent` and loads the values, or, when the window exists, hands it out again for
     // another property set (not owned; it must live as long as the panel is used). A new window sends `notifyMessage`
-    // to `parent` on each change; one that exists keeps its own. `*window` is null when no window can be made.
+    // to `parent` on each change; one that exists keeps its own. `*window` is null when no window can be made, or when
+    // the host destroys it while its values are read.
     void Show(HINSTANCE library, HWND parent, UINT notifyMessage, IDataPropertySet* propertySet, HWND* window);
 
 private:
     const std::uint32_t dialogTemplate;
     CColourEffects resources;
+    CBaseObject alive; // a panel at work holds the library, also when its catalogue object has gone
 };
 
 namespace vixa {
@@ -41,11 +46,18 @@ std::shared_ptr<EffectPanel> MakePanel()
     return std::make_shared<Panel>();
 }
 
-// The settings panel of one catalogue object: made when it is first shown. Belongs to the thread that shows it.
+// The settings panel of one catalogue object: made when it is first shown, retired with its owner. Belongs to the
+// thread that shows it, but may go on any. An owner that never showed a panel shares nothing with anybody.
 class PanelOwner
 {
 public:
-    // As EffectPanel::Show, after the panel has been made when there is none yet.
+    PanelOwner() = default;
+    ~PanelOwner();
+    PanelOwner(const PanelOwner&) = delete;
+    PanelOwner& operator=(const PanelOwner&) = delete;
+
+    // As EffectPanel::Show, after the panel has been made when there is none yet. The host's code that runs on the way
+    // may destroy this owner.
     void Show(PanelMaker make, HINSTANCE library, HWND parent, UINT notifyMessage, IDataPropertySet* propertySet,
               HWND* window);
 

@@ -43,19 +43,19 @@ bool SettlesValue(WPARAM scrollRequest);
 // The block of a property set: none when there is no set, when reading fails or gives nothing. What a short read leaves
 // out is 0.
 template <typename Block>
-std::optional<Block> TryReadBlock(IDataPropertySet* params) noexcept
+std::optional<Block> TryReadBlock(IUnknown* params) noexcept
 {
     if (!params)
         return std::nullopt;
-    const auto read = ReadBlock(*params, Block{});
+    const auto read = ReadBlock(*static_cast<IDataPropertySet*>(params), Block{});
     return read.HasData() ? std::optional(read.block) : std::nullopt;
 }
 
 template <typename Block>
-void WriteBlock(IDataPropertySet* params, const Block& block)
+void WriteBlock(IUnknown* params, const Block& block)
 {
     if (params)
-        params->SetData(&block, sizeof block);
+        static_cast<IDataPropertySet*>(params)->SetData(&block, sizeof block);
 }
 
 } // namespace vixa

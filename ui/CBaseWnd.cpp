@@ -4,106 +4,161 @@
 
 #include <algorithm>
 #include <exception>
+#include <mutex>
+#include <ranges>
 #include <utility>
 
-// A stack frame that works on a window object across calls that may destroy it. While it makes a dialog, it also knows
-// which handle the dialog has: the object itself learns it only when the template is complete.
-class CBaseWnd::Watch
+// Which dialog belongs to which object, for all threads. The lock is held for a look only; nothing that could send a
+// message is called under it.
+class CBaseWnd::Registry
 {
 public:
-    explicit Watch(CBaseWnd* watched, bool creates = false) noexcept
-        : window(watched), creating(creates), outer(innermost)
+    // A host can unload the module without having released everything. Nothing of the system may then still point here.
+    // No lock: a thread that ended with the process may have held it.
+    ~Registry()
     {
-        innermost = this;
-    }
-    ~Watch() { innermost = outer; }
-    Watch(const Watch&) = delete;
-    Watch& operator=(const Watch&) = delete;
-
-    bool alive() const noexcept { return window != nullptr; }
-
-    static void forget(const CBaseWnd* destroyed) noexcept
-    {
-        for (Watch* watch = innermost; watch; watch = watch->outer)
-            if (watch->window == destroyed)
-                watch->window = nullptr;
-    }
-
-    // The window for which `dialog` is being made. The first handle that nobody knows is that of the dialog whose
-    // making began last.
-    static Watch* makerOf(HWND dialog) noexcept
-    {
-        Watch* unbound = nullptr;
-        for (Watch* watch = innermost; watch; watch = watch->outer) {
-            if (!watch->creating)
-                continue;
-            if (watch->dialog == dialog)
-                return watch;
-            if (!unbound && !watch->dialog)
-                unbound = watch;
+        for (const Entry& entry : entries) {
+            entry.window->hook.reset();
+            CutOff(entry.dialog);
         }
-        if (unbound)
-            unbound->dialog = dialog;
-        return unbound;
     }
 
-    static HWND dialogMadeFor(const CBaseWnd* window) noexcept
+    // Enters a window of this thread whose dialog is about to be made.
+    void Add(CBaseWnd* window)
     {
-        for (const Watch* watch = innermost; watch; watch = watch->outer)
-            if (watch->creating && watch->window == window)
-                return watch->dialog;
+        const std::scoped_lock guard(lock);
+        Erase(window);
+        entries.push_back({window, nullptr, GetCurrentThreadId(), true});
+    }
+
+    // The dialog is complete. False, and the window is forgotten, when there is none or the window was removed
+    // meanwhile.
+    bool Complete(const CBaseWnd* window, HWND dialog) noexcept
+    {
+        const std::scoped_lock guard(lock);
+        Entry* const entry = Find(window);
+        if (!entry || !IsWindow(dialog)) {
+            Erase(window);
+            return false;
+        }
+        entry->dialog = dialog;
+        entry->making = false;
+        return true;
+    }
+
+    // What a message to `dialog` is for: its window, or null, and whether the dialog is still being made. The first
+    // handle that nobody knows is that of the dialog whose making began last on this thread.
+    std::pair<std::shared_ptr<CBaseWnd>, bool> WindowOf(HWND dialog) noexcept
+    {
+        const std::scoped_lock guard(lock);
+        const auto newestFirst = entries | std::views::reverse;
+        auto found = std::ranges::find(newestFirst, dialog, &Entry::dialog);
+        if (found == newestFirst.end())
+            found = std::ranges::find_if(newestFirst, [](const Entry& entry) {
+                return entry.making && !entry.dialog && entry.thread == GetCurrentThreadId();
+            });
+        if (found == newestFirst.end())
+            return {};
+        found->dialog = dialog;
+        return {found->window->weak_from_this().lock(), found->making};
+    }
+
+    // The tooltip of the panel of this thread that `control` belongs to, or null.
+    HWND ToolTipFor(HWND control) noexcept
+    {
+        const std::scoped_lock guard(lock);
+        for (const Entry& entry : entries)
+            if (entry.thread == GetCurrentThreadId() && IsChild(entry.dialog, control))
+                return entry.window->toolTip;
         return nullptr;
     }
 
-    CBaseWnd* window;
-    HWND dialog = nullptr;
+    // The hook that the panels of this thread share, or null.
+    std::shared_ptr<HHOOK__> HookOfThisThread() noexcept
+    {
+        const std::scoped_lock guard(lock);
+        for (const Entry& entry : entries)
+            if (entry.thread == GetCurrentThreadId() && entry.window->hook)
+                return entry.window->hook;
+        return nullptr;
+    }
+
+    // Takes a window out. Its dialog, or null, and its share of the hook, which is let go outside the lock.
+    std::pair<HWND, std::shared_ptr<HHOOK__>> Remove(CBaseWnd* window) noexcept
+    {
+        const std::scoped_lock guard(lock);
+        const Entry* const entry = Find(window);
+        const HWND dialog = entry ? entry->dialog : nullptr;
+        Erase(window);
+        return {dialog, std::move(window->hook)};
+    }
 
 private:
-    const bool creating;
-    Watch* const outer;
-    static inline Watch* innermost = nullptr;
+    struct Entry
+    {
+        CBaseWnd* window;
+        HWND dialog; // null until its first message
+        DWORD thread;
+        bool making;
+    };
+
+    struct Lock
+    {
+        void lock() noexcept { AcquireSRWLockExclusive(&srw); }
+        void unlock() noexcept { ReleaseSRWLockExclusive(&srw); }
+        SRWLOCK srw = SRWLOCK_INIT;
+    };
+
+    Entry* Find(const CBaseWnd* window) noexcept
+    {
+        const auto found = std::ranges::find(entries, window, &Entry::window);
+        return found == entries.end() ? nullptr : &*found;
+    }
+    void Erase(const CBaseWnd* window) noexcept
+    {
+        std::erase_if(entries, [=](const Entry& entry) { return entry.window == window; });
+    }
+
+    Lock lock;
+    std::vector<Entry> entries; // in the order of creation, one for each window
 };
 
-// What all dialogs of the process share.
-struct CBaseWnd::Process
-{
-    std::vector<CBaseWnd*> liveWindows; // in creation order
-    CBaseWnd* current = nullptr;
-
-    // A host can unload the module without having released everything. Nothing of the system may then still point here.
-    ~Process()
-    {
-        for (CBaseWnd* window : liveWindows) {
-            window->hook.reset();
-            cutOff(window->hwnd);
-        }
-    }
-
-    // After this the window is a plain dialog of the system's; no message of it comes here any more.
-    static void cutOff(HWND dialog) noexcept
-    {
-        const auto ours = reinterpret_cast<LONG_PTR>(&CBaseWnd::DialogProcedure);
-        if (dialog && GetWindowLongPtrW(dialog, DWLP_DLGPROC) == ours)
-            SetWindowLongPtrW(dialog, DWLP_DLGPROC, 0);
-    }
-
-    void remove(CBaseWnd* window) noexcept { std::erase(liveWindows, window); }
-
-    static Process& get() noexcept
-    {
-        static Process process;
-        return process;
-    }
-};
+constinit CBaseWnd::Registry CBaseWnd::registry;
 
 CBaseWnd::~CBaseWnd()
 {
-    Process& process = Process::get();
-    EndDialog(hwnd, 0);
-    EndWindow(hwnd ? hwnd : Watch::dialogMadeFor(this));
-    process.current = nullptr;
-    process.remove(this);
-    Watch::forget(this);
+    Retire();
+}
+
+void CBaseWnd::Retire() noexcept
+{
+    if (retired.exchange(true))
+        return;
+    const auto [dialog, share] = registry.Remove(this);
+    if (dialog) {
+        // Whoever waits for another thread's window may be waited for by that thread.
+        if (GetWindowThreadProcessId(dialog, nullptr) == GetCurrentThreadId())
+            EndDialog(dialog, 0);
+        else
+            ShowWindowAsync(dialog, SW_HIDE);
+        CutOff(dialog);
+    }
+    EndToolTip();
+}
+
+// The tooltip is owned by the host's top-level window and would otherwise stay until that goes.
+void CBaseWnd::EndToolTip() noexcept
+{
+    if (toolTip && !DestroyWindow(toolTip))
+        PostMessageW(toolTip, WM_CLOSE, 0, 0); // another thread's
+}
+
+// After this the window is a plain dialog of the system's; no message of it comes here any more.
+void CBaseWnd::CutOff(HWND dialog) noexcept
+{
+    const auto ours = reinterpret_cast<LONG_PTR>(&CBaseWnd::DialogProcedure);
+    if (dialog && GetWindowLongPtrW(dialog, DWLP_DLGPROC) == ours)
+        SetWindowLongPtrW(dialog, DWLP_DLGPROC, 0);
 }
 
 void CBaseWnd::SetContext(ResourceContext* newContext)
@@ -117,12 +172,12 @@ HINSTANCE CBaseWnd::GetInstance()
     return context ? context->GetInstance() : nullptr;
 }
 
-void CBaseWnd::SetParams(IDataPropertySet* newParams)
+void CBaseWnd::SetParams(IUnknown* newParams)
 {
     params = newParams;
 }
 
-IDataPropertySet* CBaseWnd::GetParams()
+IUnknown* CBaseWnd::GetParams()
 {
     return params;
 }
@@ -134,7 +189,8 @@ void CBaseWnd::SetNotifyMessage(std::uint32_t message)
 
 void CBaseWnd::NotifyParent()
 {
-    SendMessageW(parent, notifyMessage, 0, 0);
+    if (!retired)
+        SendMessageW(parent, notifyMessage, 0, 0);
 }
 
 const MessageMapEntry* CBaseWnd::GetMessageMap()
@@ -147,17 +203,14 @@ void CBaseWnd::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
     const MessageMapEntry* row = GetMessageMap();
     if (!row)
         return;
-    const Watch self(this);
-    for (; row->kind != MessageMapEntry::End && self.alive(); ++row)
+    for (; row->kind != MessageMapEntry::End && !retired; ++row)
         if (row->Matches(message, wParam))
             row->Run(*this, wParam, lParam);
 }
 
 void CBaseWnd::Create(HWND hostWindow, std::uint32_t templateId)
 {
-    Process& process = Process::get();
-    process.current = this;
-    if (!context || !hostWindow)
+    if (!context || !hostWindow || retired)
         return;
     parent = hostWindow;
 
@@ -165,17 +218,13 @@ void CBaseWnd::Create(HWND hostWindow, std::uint32_t templateId)
     const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES};
     InitCommonControlsEx(&controls);
 
-    Watch self(this, true);
-    HWND dialog =
+    registry.Add(this);
+    const HWND dialog =
         CreateDialogParamW(GetInstance(), MAKEINTRESOURCEW(LOWORD(templateId)), hostWindow, DialogProcedure, 0);
-    if (!self.alive()) {
-        // Destroyed by the host while the template was being created: the window is nobody's.
-        Process::cutOff(dialog);
-        return;
-    }
-    hwnd = IsWindow(dialog) ? dialog : nullptr;
-    process.remove(this);
-    process.liveWindows.push_back(this);
+    if (registry.Complete(this, dialog))
+        hwnd = dialog;
+    else
+        CutOff(dialog); // retired while the template was being created: the window is nobody's
 }
 
 void CBaseWnd::Show(int)
@@ -190,10 +239,13 @@ HWND CBaseWnd::GetHwnd()
 
 void CBaseWnd::CreateToolTip(HWND dialog)
 {
-    if (context && dialog)
+    EndToolTip();
+    toolTip = nullptr;
+    toolTips.clear();
+    if (context && dialog && !retired)
         toolTip = CreateWindowExW(0, TOOLTIPS_CLASSW, nullptr, TTS_ALWAYSTIP, CW_USEDEFAULT, CW_USEDEFAULT,
                                   CW_USEDEFAULT, CW_USEDEFAULT, dialog, nullptr, GetInstance(), nullptr);
-    Sleep(10);
+    Sleep(10); // the pause that panels of this family make here, with or without a tooltip
 }
 
 void CBaseWnd::AddToolTip(HWND dialog, std::uint32_t controlId, std::uint32_t textId, std::uint32_t titleId)
@@ -211,7 +263,11 @@ void CBaseWnd::AddToolTip(HWND dialog, std::uint32_t controlId, std::uint32_t te
 
 void CBaseWnd::InstallMessageHook()
 {
-    hook.reset(SetWindowsHookExW(WH_GETMESSAGE, HookProcedure, nullptr, GetCurrentThreadId()));
+    auto shared = registry.HookOfThisThread();
+    if (!shared)
+        if (const HHOOK made = SetWindowsHookExW(WH_GETMESSAGE, HookProcedure, nullptr, GetCurrentThreadId()))
+            shared.reset(made, UnhookWindowsHookEx);
+    hook = std::move(shared);
 }
 
 void CBaseWnd::OnInitDialog(WPARAM) {}
@@ -228,11 +284,13 @@ void CBaseWnd::OnCancel()
 
 void CBaseWnd::OnDestroy()
 {
-    const HWND dialog = hwnd ? hwnd : Watch::dialogMadeFor(this);
+    const auto [dialog, share] = registry.Remove(this);
     EndDialog(dialog, 0);
+    CutOff(dialog);
     hwnd = nullptr;
-    Process::get().remove(this);
-    EndWindow(dialog);
+    EndToolTip();
+    toolTip = nullptr;
+    toolTips.clear();
 }
 
 void CBaseWnd::DefaultHandler(LPARAM, WPARAM) {}
@@ -258,32 +316,13 @@ void CBaseWnd::OnNotify(LPARAM notifyHeader, WPARAM)
 
 void CBaseWnd::OnReuse() {}
 
-// Takes back all that the system holds of this window: its procedure, the hook and the tooltip, which is owned by the
-// host's top-level window and would otherwise stay until that goes.
-void CBaseWnd::EndWindow(HWND dialog) noexcept
-{
-    Process::cutOff(dialog);
-    hook.reset();
-    if (HWND ended = std::exchange(toolTip, nullptr))
-        DestroyWindow(ended);
-    toolTips.clear();
-}
-
 INT_PTR CALLBACK CBaseWnd::DialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) noexcept
 {
-    Process& process = Process::get();
-    bool known = false;
-    for (CBaseWnd* window : process.liveWindows)
-        if (window->GetHwnd() == dialog) {
-            process.current = window;
-            known = true;
-        }
-    if (!known)
-        if (const Watch* maker = Watch::makerOf(dialog))
-            process.current = maker->window;
-    if (process.current) {
+    const auto [window, making] = registry.WindowOf(dialog);
+    // A dialog is set up once; what a host sends later is not the system's word.
+    if (window && (making || message != WM_INITDIALOG)) {
         try {
-            process.current->OnMessage(message, wParam, lParam);
+            window->OnMessage(message, wParam, lParam);
         } catch (const std::exception&) {
             // Out of memory in a handler: this message stays without effect. Nothing may be thrown through the system's
             // frames.
@@ -294,17 +333,15 @@ INT_PTR CALLBACK CBaseWnd::DialogProcedure(HWND dialog, UINT message, WPARAM wPa
 
 LRESULT CALLBACK CBaseWnd::HookProcedure(int code, WPARAM wParam, LPARAM lParam) noexcept
 {
-    Process& process = Process::get();
-    if (!process.current)
-        return 0;
     if (code >= 0) {
         MSG message = *reinterpret_cast<const MSG*>(lParam);
         const bool mouse = message.message == WM_MOUSEMOVE || message.message == WM_LBUTTONDOWN ||
                            message.message == WM_LBUTTONUP || message.message == WM_RBUTTONDOWN ||
                            message.message == WM_RBUTTONUP;
-        if (mouse && process.current->toolTip && IsChild(process.current->hwnd, message.hwnd))
-            SendMessageW(process.current->toolTip, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&message));
+        if (mouse)
+            if (const HWND tip = registry.ToolTipFor(message.hwnd))
+                SendMessageW(tip, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&message));
     }
-    // The tooltip tells its dialog that it shows, and whoever hears that may end the dialog.
-    return CallNextHookEx(process.current ? process.current->hook.get() : nullptr, code, wParam, lParam);
+    // The other hooks of the thread, a host's own among them, see every message.
+    return CallNextHookEx(nullptr, code, wParam, lParam);
 }

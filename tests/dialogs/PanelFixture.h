@@ -11,18 +11,14 @@
 #include "dialogs/CDialogShiftEdges.h"
 #include "localisation/LanguageFiles.h"
 #include "localisation/ModuleBase.h"
+#include "tests/dialogs/RecordingSet.h"
 #include "tests/ui/HostWindow.h"
 
 #include <commctrl.h>
 
-#include <vixavideofx/PropertySets.h>
-
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <string>
-#include <vector>
 
 // The program itself as the library: it has the library's resources, and the language files stand beside it.
 class TestModule final : public ModuleBase
@@ -36,46 +32,6 @@ public:
         vixa::MakeLanguageFileName(language, path);
         return true;
     }
-};
-
-// How often a test of endurance repeats: the full count with VIXA_FULL_COUNTS set, which takes minutes.
-inline int Repetitions(int full, int usual)
-{
-    return std::getenv("VIXA_FULL_COUNTS") ? full : usual;
-}
-
-// Keeps the block and every write to it.
-class RecordingSet final : public IDataPropertySet
-{
-public:
-    using Block = std::vector<std::int32_t>;
-
-    RecordingSet(Block initial = {}) : block(std::move(initial)) {}
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE GetData(void* buffer, int* size) override
-    {
-        ++reads;
-        if (FAILED(readResult))
-            return readResult;
-        std::memcpy(buffer, block.data(), block.size() * 4);
-        *size = reportedSize >= 0 ? reportedSize : static_cast<int>(block.size() * 4);
-        return readResult;
-    }
-    HRESULT STDMETHODCALLTYPE SetData(const void* data, int size) override
-    {
-        block.assign(static_cast<std::size_t>(size) / 4, 0);
-        std::memcpy(block.data(), data, block.size() * 4);
-        writes.push_back(block);
-        return S_OK;
-    }
-
-    Block block;
-    std::vector<Block> writes;
-    int reads = 0;
-    HRESULT readResult = S_OK;
-    int reportedSize = -1; // -1: the block's
 };
 
 template <typename Dialog>

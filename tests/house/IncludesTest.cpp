@@ -28,7 +28,7 @@ const std::map<std::string, std::set<std::string>> allowed = {
     {"sxs", {"framework"}},
     {"effects", {"include", "framework", "parameters", "filter", "effects/kernels"}},
     {"localisation", {"bitmap", "framework"}},
-    {"dialogs", {"include", "parameters", "ui", "localisation", "resources"}},
+    {"dialogs", {"include", "framework", "parameters", "ui", "localisation", "resources"}},
     {"registration", {"framework", "sxs"}},
     {"catalogue", {"include", "framework", "bitmap", "dialogs", "localisation"}},
     {"module",

@@ -12,9 +12,10 @@ namespace {
 class Panels : public testing::Test
 {
 protected:
-    std::unique_ptr<TestPanel> Open(int templateId = 100)
+    std::shared_ptr<TestPanel> Make() { return std::shared_ptr<TestPanel>(new TestPanel(&context)); }
+    std::shared_ptr<TestPanel> Open(int templateId = 100)
     {
-        auto panel = std::make_unique<TestPanel>(&context);
+        auto panel = Make();
         panel->Create(host.hwnd, static_cast<std::uint32_t>(templateId));
         panel->SetNotifyMessage(HostWindow::changed);
         panel->Show(0);
@@ -104,13 +105,13 @@ TEST_F(Panels, EachPanelGetsItsOwnMessages)
 TEST_F(Panels, PanelsOpenedWhileOthersAreBusyGetTheirOwnMessages)
 {
     auto first = Open();
-    std::unique_ptr<TestPanel> second, third;
+    std::shared_ptr<TestPanel> second, third;
     // The second is opened inside a notification of the first; while it is made, the first receives messages, and a
     // third is opened.
     host.onChange = [&] {
         host.onChange = nullptr;
         host.onParentNotify = [&](WPARAM) { Press(first->Control(TestPanel::slider), VK_RIGHT); };
-        second = std::make_unique<TestPanel>(&context);
+        second = Make();
         second->whileCreated = [&] {
             third = Open();
             Press(first->Control(TestPanel::slider), VK_RIGHT);
@@ -150,9 +151,16 @@ TEST_F(Panels, AnEndedWindowGivesBackHookTooltipAndRecords)
         panel->Create(host.hwnd, 100);
     }
     EXPECT_EQ(panel->inits, 4);
-    const HHOOK replaced = panel->MessageHook();
-    panel->InstallMessageHook();
-    EXPECT_FALSE(UnhookWindowsHookEx(replaced)) << "a second hook takes the first one's place";
+
+    // The panels of a thread share one hook, to the last of them.
+    auto other = Open();
+    const HHOOK hook = other->MessageHook();
+    EXPECT_EQ(hook, panel->MessageHook());
+    panel.reset();
+    other->InstallMessageHook();
+    EXPECT_EQ(other->MessageHook(), hook);
+    DestroyWindow(other->GetHwnd());
+    EXPECT_FALSE(UnhookWindowsHookEx(hook));
 }
 
 TEST_F(Panels, TheHostWindowMayGoFirst)
@@ -173,12 +181,10 @@ TEST_F(Panels, TheObjectMayGoFirst)
 {
     auto other = Open(), panel = Open();
     const HWND orphan = panel->GetHwnd(), slider = panel->Control(TestPanel::slider), tip = panel->Tip();
-    const HHOOK hook = panel->MessageHook();
     panel.reset();
     EXPECT_TRUE(IsWindow(orphan)) << "the window is the host's";
     EXPECT_FALSE(IsWindowVisible(orphan));
     EXPECT_FALSE(IsWindow(tip));
-    EXPECT_FALSE(UnhookWindowsHookEx(hook));
 
     // Nothing of the orphan reaches the freed object (that would crash) or the panel that is left.
     Press(slider, VK_RIGHT);
@@ -203,39 +209,45 @@ TEST_F(Panels, APanelMayEndInsideItsOwnNotification)
     EXPECT_EQ(panel->boxes, 1);
     EXPECT_EQ(panel->GetHwnd(), nullptr);
 
-    // The object is released: rows behind the handler's must not run, nor may anything touch the object.
+    // The object is retired: rows behind the handler's do not run, and nobody is told.
     auto next = Open();
     const HWND orphan = next->GetHwnd();
-    host.onChange = [&] { next.reset(); };
+    host.notifications = 0;
+    host.onChange = [&] {
+        next->Retire();
+        next->NotifyParent();
+    };
     SendMessageW(next->Control(TestPanel::box), BM_CLICK, 0, 0);
-    EXPECT_EQ(next, nullptr);
+    EXPECT_EQ(next->boxesAgain, 0);
+    EXPECT_EQ(host.notifications, 1);
     EXPECT_TRUE(IsWindow(orphan));
 
-    // The host window is destroyed, and the object released.
+    // The object is released and the host window destroyed: it lives until its handler is done.
     auto last = Open();
+    const std::weak_ptr<TestPanel> life = last;
     host.onChange = [&] {
         last.reset();
+        EXPECT_FALSE(life.expired());
         host.Destroy();
     };
     SendMessageW(last->Control(TestPanel::box), BM_CLICK, 0, 0);
-    HostWindow::Pump();
+    EXPECT_TRUE(life.expired());
     EXPECT_FALSE(IsWindow(orphan));
 }
 
 TEST_F(Panels, APanelMayEndWhileItIsMade)
 {
-    auto released = std::make_unique<TestPanel>(&context);
-    TestPanel* creating = released.get();
-    released->whileCreated = [&] { released.reset(); };
-    creating->Create(host.hwnd, 100);
-    EXPECT_EQ(released, nullptr);
-    HWND orphan = GetWindow(host.hwnd, GW_CHILD);
-    if (orphan) {
-        Press(GetDlgItem(orphan, TestPanel::slider), VK_RIGHT);
-        DestroyWindow(orphan);
-    }
+    auto released = Make();
+    released->whileCreated = [&] { released->Retire(); };
+    released->Create(host.hwnd, 100);
+    EXPECT_EQ(released->GetHwnd(), nullptr);
+    const HWND orphan = GetWindow(host.hwnd, GW_CHILD);
+    ASSERT_NE(orphan, nullptr);
+    Press(GetDlgItem(orphan, TestPanel::slider), VK_RIGHT);
+    EXPECT_EQ(released->scrolls.size(), 0u);
+    DestroyWindow(orphan);
 
-    auto destroyed = std::make_unique<TestPanel>(&context);
+    auto destroyed = Make();
     destroyed->whileCreated = [&] { DestroyWindow(destroyed->dialog); };
     destroyed->Create(host.hwnd, 100);
     EXPECT_EQ(destroyed->destroys, 1);
@@ -293,13 +305,13 @@ TEST_F(Panels, TheTooltipAsksForItsTextsOnDemand)
     panel->OnNotify(0, 0);
 }
 
-TestPanel* victim;
+std::shared_ptr<TestPanel> victim;
 
 // A tooltip whose panel ends when it hears of a mouse message.
 LRESULT CALLBACK EndVictim(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == TTM_RELAYEVENT && victim)
-        delete std::exchange(victim, nullptr);
+        victim.reset();
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
@@ -325,11 +337,9 @@ TEST_F(Panels, TheHookRelaysMovesAndSingleClicks)
         EXPECT_TRUE(IsChild(panel->GetHwnd(), message.hwnd));
 
     // The panel may end while a message is relayed.
-    auto ending = Open();
-    victim = ending.get();
-    SetWindowLongPtrW(ending->Tip(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(EndVictim));
-    PostMessageW(ending->Control(TestPanel::slider), WM_MOUSEMOVE, 0, 0);
-    (void)ending.release();
+    victim = Open();
+    SetWindowLongPtrW(victim->Tip(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(EndVictim));
+    PostMessageW(victim->Control(TestPanel::slider), WM_MOUSEMOVE, 0, 0);
     HostWindow::Pump();
     EXPECT_EQ(victim, nullptr);
 }

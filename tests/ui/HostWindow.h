@@ -1,11 +1,19 @@
-// A host's window as a program that embeds panels has it: visible, counts one notification message, runs the message
-// loop.
+// What hosts are made of in tests of panels.
 #pragma once
 
 #include <windows.h>
 
+#include <cstdlib>
 #include <functional>
 
+// How often a test of endurance repeats: the full count with VIXA_FULL_COUNTS set, which takes minutes.
+inline int Repetitions(int full, int usual)
+{
+    return std::getenv("VIXA_FULL_COUNTS") ? full : usual;
+}
+
+// A host's window as a program that embeds panels has it: visible, counts one notification message, runs the message
+// loop.
 class HostWindow
 {
 public:

@@ -1,0 +1,283 @@
+// The built library's panels in hosts that let go early, have several threads, watch their own messages, or unload. The
+// program itself uses no common controls: what a panel's windows need is the library's business.
+#include "tests/dialogs/RecordingSet.h"
+#include "tests/support/Library.h"
+#include "tests/ui/HostWindow.h"
+
+#include <vixavideofx/IEffectInfo.h>
+
+#include <atomic>
+#include <functional>
+#include <optional>
+#include <thread>
+#include <vector>
+
+using namespace test;
+using namespace vixavideofx;
+
+namespace {
+
+// Queues what a user's hand leaves behind: mouse and key messages to a control, and its own to its panel.
+BOOL CALLBACK DisturbControl(HWND control, LPARAM)
+{
+    for (UINT message : {WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONUP})
+        PostMessageW(control, message, 0, MAKELPARAM(9, 4));
+    PostMessageW(control, WM_KEYDOWN, VK_RIGHT, 0);
+    PostMessageW(control, WM_KEYUP, VK_RIGHT, 0);
+    const HWND panel = GetParent(control);
+    PostMessageW(panel, WM_HSCROLL, SB_ENDSCROLL, reinterpret_cast<LPARAM>(control));
+    PostMessageW(panel, WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(control), CBN_SELENDOK), reinterpret_cast<LPARAM>(control));
+    return TRUE;
+}
+
+void Disturb(HWND host)
+{
+    EnumChildWindows(host, DisturbControl, 0);
+    PostThreadMessageW(GetCurrentThreadId(), WM_USER, 0, 0);
+}
+
+// What a control tells its panel when it is used.
+BOOL CALLBACK UseControl(HWND control, LPARAM)
+{
+    const auto from = reinterpret_cast<LPARAM>(control);
+    SendMessageW(GetParent(control), WM_HSCROLL, SB_ENDSCROLL, from);
+    SendMessageW(GetParent(control), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(control), CBN_SELENDOK), from);
+    return TRUE;
+}
+
+// One effect's panel in a host's window, the catalogue object and all.
+struct Embedded
+{
+    Embedded(const Library& library, REFCLSID effect, HostWindow& inHost) : host(inHost)
+    {
+        EXPECT_EQ(library.Factory(effect).As(&info), S_OK);
+    }
+    HRESULT Show()
+    {
+        const auto shown = info; // the host may let go of its own on the way
+        return ShowUnguarded(shown.Get());
+    }
+    HRESULT ShowUnguarded(IEffectInfo* shown)
+    {
+        const HRESULT result = shown->ShowSettingsDialog(0, host.hwnd, HostWindow::changed, &set, &panel);
+        ShowWindow(panel, SW_SHOW);
+        return result;
+    }
+    void Use() const { EnumChildWindows(panel, UseControl, 0); }
+
+    HostWindow& host;
+    ComPtr<IEffectInfo> info;
+    RecordingSet set{{1, 2, 3, 0}};
+    HWND panel = nullptr;
+};
+
+using Embedding = LibraryTest;
+
+TEST_F(Embedding, ObjectsOfOtherThreadsDoNotDisturbAPanel)
+{
+    HostWindow host;
+    std::atomic<bool> stop = false;
+    std::vector<std::thread> workers;
+    for (int i = 0; i < 3; ++i)
+        workers.emplace_back([&] {
+            const auto factory = library.Factory(CLSID_InvertColor);
+            while (!stop) {
+                ComPtr<IEffectInfo> info;
+                ULONG key = 0;
+                factory.As(&info);
+                info->GetSortKey(&key);
+            }
+        });
+    {
+        Embedded panel(library, CLSID_GammaCorrection, host), empty(library, CLSID_Emboss, host);
+        EXPECT_EQ(panel.Show(), S_OK);
+        const int rounds = Repetitions(3000, 100);
+        int closed = 0;
+        for (int i = 0; i < rounds; ++i) {
+            EXPECT_EQ(empty.Show(), S_OK);
+            closed += DestroyWindow(empty.panel);
+            PostMessageW(GetDlgItem(panel.panel, 1034), WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
+            HostWindow::Pump();
+            SendMessageW(panel.panel, WM_HSCROLL, SB_ENDSCROLL, 0);
+        }
+        EXPECT_EQ(closed, rounds) << "a window that had gone was handed out";
+        EXPECT_EQ(host.notifications, rounds);
+    }
+    stop = true;
+    for (std::thread& worker : workers)
+        worker.join();
+}
+
+TEST_F(Embedding, TwoThreadsHaveTheirOwnPanels)
+{
+    const auto work = [this](REFCLSID effect) {
+        HostWindow host;
+        Embedded panel(library, effect, host), empty(library, CLSID_Emboss, host);
+        constexpr int rounds = 150;
+        for (int i = 0; i < rounds; ++i) {
+            EXPECT_EQ(empty.Show(), S_OK);
+            EXPECT_EQ(panel.Show(), S_OK);
+            panel.Use();
+            DestroyWindow(empty.panel);
+            if (i % 10 == 9) {
+                Disturb(host.hwnd);
+                HostWindow::Pump();
+                DestroyWindow(panel.panel);
+            }
+        }
+        EXPECT_GE(panel.set.writes.size(), 3u * rounds);
+        EXPECT_EQ(host.notifications, static_cast<int>(panel.set.writes.size()));
+    };
+    std::thread second(work, CLSID_InvertColor);
+    work(CLSID_MultiplyPixel);
+    second.join();
+}
+
+TEST_F(Embedding, AHostMayLetGoInsideItsOwnCalls)
+{
+    for (const Effect& effect : effects) {
+        // When its property set is written, by a panel and by the defaults.
+        HostWindow host;
+        {
+            Embedded panel(library, effect.clsid, host);
+            ASSERT_EQ(panel.Show(), S_OK);
+            panel.set.onWrite = [&] {
+                if (panel.info) {
+                    panel.info.Reset();
+                    EXPECT_EQ(library.canUnloadNow(), S_FALSE) << effect.name << ": the panel is still at work";
+                }
+            };
+            panel.Use();
+            EXPECT_EQ(host.notifications, 0) << effect.name << ": nobody is told by an object that is gone";
+            EXPECT_LE(panel.set.writes.size(), 1u) << effect.name;
+        }
+        {
+            Embedded panel(library, effect.clsid, host);
+            ASSERT_EQ(panel.Show(), S_OK);
+            panel.set.onWrite = [&] {
+                panel.info.Reset();
+                EXPECT_EQ(library.canUnloadNow(), S_FALSE) << effect.name;
+            };
+            EXPECT_EQ(panel.info->SetDefaults(&panel.set), S_OK);
+        }
+        // While the panel is made, and while it reads.
+        for (const bool whileMade : {true, false}) {
+            Embedded panel(library, effect.clsid, host);
+            const auto letGo = [&] {
+                if (panel.info) {
+                    panel.info.Reset();
+                    EXPECT_EQ(library.canUnloadNow(), S_FALSE) << effect.name;
+                }
+            };
+            if (whileMade)
+                host.onParentNotify = [&](WPARAM) { letGo(); };
+            else
+                panel.set.onRead = letGo;
+            const HRESULT result = panel.ShowUnguarded(panel.info.Get());
+            EXPECT_EQ(result, panel.panel ? S_OK : E_FAIL) << effect.name;
+            host.onParentNotify = nullptr;
+            panel.info.Reset();
+            const std::size_t written = panel.set.writes.size();
+            panel.Use();
+            EXPECT_EQ(panel.set.writes.size(), written) << effect.name;
+        }
+        EXPECT_EQ(library.canUnloadNow(), S_OK) << effect.name;
+    }
+}
+
+TEST_F(Embedding, AWindowThatIsGoneIsNotHandedOut)
+{
+    HostWindow host;
+    Embedded panel(library, CLSID_GammaCorrection, host);
+    panel.set.onRead = [&] { DestroyWindow(GetWindow(host.hwnd, GW_CHILD)); };
+    EXPECT_EQ(panel.Show(), E_FAIL) << "made";
+    EXPECT_EQ(panel.panel, nullptr);
+    panel.set.onRead = nullptr;
+    EXPECT_EQ(panel.Show(), S_OK);
+    panel.set.onRead = [&] {
+        EXPECT_EQ(panel.panel, GetWindow(host.hwnd, GW_CHILD)) << "handed over before the values are read";
+        DestroyWindow(panel.panel);
+    };
+    EXPECT_EQ(panel.Show(), E_FAIL) << "shown again";
+    EXPECT_EQ(panel.panel, nullptr);
+}
+
+TEST_F(Embedding, AnObjectMayBeReleasedByAnotherThread)
+{
+    HostWindow host;
+    for (int i = 0; i < 10; ++i) {
+        Embedded panel(library, CLSID_InvertColor, host);
+        ASSERT_EQ(panel.Show(), S_OK);
+        std::thread([&] { panel.info.Reset(); }).join(); // while this thread does not look after its messages
+        HostWindow::Pump();
+        panel.Use();
+        EXPECT_EQ(panel.set.writes.size(), 0u);
+        EXPECT_FALSE(IsWindowVisible(panel.panel));
+    }
+    std::thread([&] { EXPECT_EQ(library.canUnloadNow(), S_OK); }).join();
+}
+
+int seen;
+
+LRESULT CALLBACK CountMessage(int code, WPARAM wParam, LPARAM lParam)
+{
+    if (code >= 0 && wParam == PM_REMOVE && reinterpret_cast<const MSG*>(lParam)->message == WM_APP + 5)
+        ++seen;
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+TEST_F(Embedding, AHostsOwnHookSeesAllItsMessages)
+{
+    HostWindow host;
+    const HHOOK hook = SetWindowsHookExW(WH_GETMESSAGE, CountMessage, nullptr, GetCurrentThreadId());
+    const auto postTen = [&] {
+        seen = 0;
+        for (int i = 0; i < 10; ++i)
+            PostMessageW(host.hwnd, WM_APP + 5, 0, 0);
+        HostWindow::Pump();
+        return seen;
+    };
+    {
+        std::optional<Embedded> first(std::in_place, library, CLSID_GammaCorrection, host);
+        Embedded second(library, CLSID_InvertColor, host);
+        ASSERT_EQ(first->Show(), S_OK);
+        EXPECT_EQ(postTen(), 10) << "with a panel";
+        ASSERT_EQ(second.Show(), S_OK);
+        EXPECT_EQ(postTen(), 10) << "with two";
+        first.reset();
+        EXPECT_EQ(postTen(), 10) << "when one object is gone";
+        first.emplace(library, CLSID_Emboss, host);
+        first.reset();
+        EXPECT_EQ(postTen(), 10) << "when an object without a panel is gone";
+        DestroyWindow(second.panel);
+        EXPECT_EQ(postTen(), 10) << "when no panel is left";
+    }
+    EXPECT_EQ(postTen(), 10) << "when no object is left";
+    UnhookWindowsHookEx(hook);
+}
+
+BOOL CALLBACK CountToolTip(HWND window, LPARAM sum)
+{
+    wchar_t name[32];
+    GetClassNameW(window, name, 32);
+    *reinterpret_cast<int*>(sum) += lstrcmpiW(name, L"tooltips_class32") == 0;
+    return TRUE;
+}
+
+TEST_F(Embedding, ADialogIsSetUpOnce)
+{
+    HostWindow host;
+    Embedded panel(library, CLSID_FilterColor, host);
+    ASSERT_EQ(panel.Show(), S_OK);
+    const HWND list = GetDlgItem(panel.panel, 1003);
+    for (const HWND focus : {list, list, HWND{}, host.hwnd})
+        SendMessageW(panel.panel, WM_INITDIALOG, reinterpret_cast<WPARAM>(focus), 0);
+    int toolTips = 0;
+    EnumThreadWindows(GetCurrentThreadId(), CountToolTip, reinterpret_cast<LPARAM>(&toolTips));
+    EXPECT_EQ(toolTips, 1);
+    EXPECT_EQ(SendMessageW(list, CB_GETCOUNT, 0, 0), 3);
+    panel.Use();
+    EXPECT_GT(host.notifications, 0) << "the panel still knows its controls";
+}
+
+} // namespace
