@@ -214,9 +214,13 @@ void CBaseWnd::Create(HWND hostWindow, std::uint32_t templateId)
         return;
     parent = hostWindow;
 
-    // The templates use controls that a host need not have set up.
+    // The templates use controls that a host need not have set up. They may outlive this library, as windows of the
+    // host's, so their code stays loaded for good.
     const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES};
     InitCommonControlsEx(&controls);
+    HMODULE controlLibrary = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<LPCWSTR>(&InitCommonControlsEx), &controlLibrary);
 
     registry.Add(this);
     const HWND dialog =

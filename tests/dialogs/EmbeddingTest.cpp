@@ -280,4 +280,56 @@ TEST_F(Embedding, ADialogIsSetUpOnce)
     EXPECT_GT(host.notifications, 0) << "the panel still knows its controls";
 }
 
+// A library that held panels is unloaded while messages still arrive at the host's thread.
+TEST(Unloading, IsSafeWhileMessagesArrive)
+{
+    enum Way
+    {
+        ObjectsFirst, // objects released, windows of the host left
+        WindowsFirst, // windows destroyed, then the objects
+        HostFirst,    // the host's window destroyed, then the objects
+        Leaked,       // nothing released at all
+        Ways,
+    };
+    for (int i = 0; i < 3 * Ways; ++i) {
+        HostWindow host;
+        {
+            const Library library;
+            std::vector<std::unique_ptr<Embedded>> panels;
+            for (const Effect& effect : effects) {
+                panels.push_back(std::make_unique<Embedded>(library, effect.clsid, host));
+                ASSERT_EQ(panels.back()->Show(), S_OK);
+            }
+            Disturb(host.hwnd);
+            HostWindow::Pump();
+            ASSERT_GT(host.notifications, 10);
+            Disturb(host.hwnd);
+            switch (i % Ways) {
+            case ObjectsFirst:
+                break;
+            case WindowsFirst:
+                while (const HWND child = GetWindow(host.hwnd, GW_CHILD))
+                    DestroyWindow(child);
+                break;
+            case HostFirst:
+                host.Destroy();
+                break;
+            default:
+                for (auto& panel : panels)
+                    static_cast<void>(panel->info.Detach());
+            }
+            if (i % Ways != Leaked) {
+                panels.clear();
+                EXPECT_EQ(library.canUnloadNow(), S_OK);
+            }
+        }
+        ASSERT_EQ(GetModuleHandleW(L"VixaVideoFX.dll"), nullptr);
+        host.notifications = 0;
+        HostWindow::Pump();
+        Disturb(host.hwnd);
+        HostWindow::Pump();
+        EXPECT_EQ(host.notifications, 0);
+    }
+}
+
 } // namespace
