@@ -9,13 +9,20 @@ target_compile_options(vixa_flags INTERFACE
 if(WIN32)
     target_compile_definitions(vixa_flags INTERFACE
         UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX STRICT WINVER=0x0601 _WIN32_WINNT=0x0601)
-    # SSE2 is the floor (every supported Windows asks for it), also for floating point: x87's extra precision would make
-    # the gamma table differ from the native build's. A 32-bit caller aligns the stack to 4 bytes only, so every function
-    # that needs more realigns it itself.
-    target_compile_options(vixa_flags INTERFACE
-        $<$<COMPILE_LANGUAGE:CXX>:-msse2 -mfpmath=sse -mstackrealign -fstack-protector-strong>)
+    target_compile_options(vixa_flags INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fstack-protector-strong>)
     target_link_options(vixa_flags INTERFACE
-        -static -fstack-protector-strong -Wl,--dynamicbase -Wl,--nxcompat -Wl,--no-insert-timestamp -Wl,--no-seh)
+        -static -fstack-protector-strong -Wl,--dynamicbase -Wl,--nxcompat -Wl,--no-insert-timestamp)
+    if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+        # SSE2 is the floor (every supported Windows asks for it), also for floating point: x87's extra precision would make
+        # the gamma table differ from the native build's. A 32-bit caller aligns the stack to 4 bytes only, so every function
+        # that needs more realigns it itself.
+        target_compile_options(vixa_flags INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-msse2 -mfpmath=sse -mstackrealign>)
+        # The export files name functions without the decoration that stdcall adds.
+        set(VIXA_PE_FLAGS -Wl,--no-seh -Wl,--enable-stdcall-fixup)
+    else()
+        set(VIXA_PE_FLAGS -Wl,--high-entropy-va)
+    endif()
+    target_link_options(vixa_flags INTERFACE ${VIXA_PE_FLAGS})
 endif()
 
 if(VIXA_SANITIZE)
@@ -47,8 +54,8 @@ endfunction()
 # vixa_split_debug(TARGET): moves the debug information of a linked target into TARGET-file.debug beside it.
 function(vixa_split_debug target)
     add_custom_command(TARGET ${target} POST_BUILD
-        COMMAND i686-w64-mingw32-objcopy --only-keep-debug "$<TARGET_FILE:${target}>" "$<TARGET_FILE:${target}>.debug"
-        COMMAND i686-w64-mingw32-objcopy --strip-debug --strip-unneeded
+        COMMAND "${CMAKE_OBJCOPY}" --only-keep-debug "$<TARGET_FILE:${target}>" "$<TARGET_FILE:${target}>.debug"
+        COMMAND "${CMAKE_OBJCOPY}" --strip-debug --strip-unneeded
                 "--add-gnu-debuglink=$<TARGET_FILE:${target}>.debug" "$<TARGET_FILE:${target}>"
         VERBATIM)
 endfunction()
@@ -65,7 +72,7 @@ function(vixa_resource_module file)
         OUTPUT "${file}"
         COMMAND "${CMAKE_RC_COMPILER}" -c 65001 -O coff -I "${CMAKE_SOURCE_DIR}" ${arg_DEFINITIONS} "${arg_SOURCE}" "${object}"
         COMMAND "${CMAKE_C_COMPILER}" -shared -nostdlib -Wl,--entry,0 -Wl,--nxcompat -Wl,--dynamicbase
-                -Wl,--no-insert-timestamp -Wl,--no-seh -Wl,--image-base,0x10000000 -s -o "${file}" "${object}"
+                -Wl,--no-insert-timestamp ${VIXA_PE_FLAGS} -Wl,--image-base,0x10000000 -s -o "${file}" "${object}"
         DEPENDS "${arg_SOURCE}" ${arg_DEPENDS}
         COMMENT "Building ${name}"
         VERBATIM)

@@ -2,7 +2,8 @@
 # wine-display.sh PROGRAM [ARGUMENT...]: runs a Windows program on Wine on a virtual display of its own, one program at a time.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-export VIXA_WINEPREFIX="${VIXA_WINEPREFIX:-$root/build/wine-screen}"
+. "$root/tools/wine-arch.sh" "${1:-}"
+export VIXA_WINEPREFIX="${VIXA_WINEPREFIX:-$root/build/wine-screen$WIDTH_SUFFIX}"
 mkdir -p "$root/build"
 exec 8>"$VIXA_WINEPREFIX.lock"
 flock 8

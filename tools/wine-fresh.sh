@@ -5,10 +5,11 @@
 set -euo pipefail
 tools=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 build=$(cd "$tools/.." && pwd)/build
-template="$build/wine-template"
+. "$tools/wine-arch.sh" "${1:-}"
+template="$build/wine-template$WIDTH_SUFFIX"
 
 mkdir -p "$build"
-exec 9>"$build/.wine-template.lock"
+exec 9>"$template.lock"
 flock 9
 if [ ! -f "$template/.complete" ]; then
     VIXA_WINEPREFIX="$template" "$tools/wine-run.sh" cmd /c exit 9>&-

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # wine-run.sh [--display] PROGRAM [ARGUMENT...]: runs a Windows program on Wine in a prefix below build/, never the user's
-# own. Without --display windows live on a null driver; with it the X display of the caller is used (DISPLAY).
+# own: 32-bit programs in one that knows 32 bit only, 64-bit programs in one that runs both. Without --display windows live
+# on a null driver; with it the X display of the caller is used (DISPLAY). VIXA_WINEPREFIX names another prefix; VIXA_WINEARCH
+# (win32 or win64) is its kind, and that of programs which are no file, as Wine's own are.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
@@ -9,7 +11,8 @@ if [ "${1:-}" = --display ]; then
     graphics=x11
     shift
 fi
-export WINEPREFIX="${VIXA_WINEPREFIX:-$root/build/wine-$graphics}" WINEARCH=win32 WINEDEBUG="${WINEDEBUG:--all}"
+. "$root/tools/wine-arch.sh" "${1:-}"
+export WINEPREFIX="${VIXA_WINEPREFIX:-$root/build/wine-$graphics$WIDTH_SUFFIX}" WINEARCH=$VIXA_WINEARCH WINEDEBUG="${WINEDEBUG:--all}"
 # Without UTF-8 Wine loses every letter of a file name that is not ASCII.
 [ "$(locale charmap 2>/dev/null)" = UTF-8 ] || export LC_ALL=C.UTF-8
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe=;winedbg.exe="

@@ -255,7 +255,7 @@ void CBaseWnd::CreateToolTip(HWND dialog)
 void CBaseWnd::AddToolTip(HWND dialog, std::uint32_t controlId, std::uint32_t textId, std::uint32_t titleId)
 {
     TTTOOLINFOW tool{};
-    static_assert(sizeof tool == 48);
+    static_assert(sizeof tool == (sizeof(void*) == 4 ? 48 : 72));
     tool.cbSize = sizeof tool;
     tool.uFlags = TTF_IDISHWND;
     tool.hwnd = dialog;
