@@ -3,8 +3,9 @@
 //
 //     host [PATH OF VixaVideoFX.dll]
 //
-// A 32-bit program in C99; this library's include folder is all it needs besides the platform's ole32, user32 and
-// strmiids. An editing host has a source of its own instead of Source, and a renderer instead of the null renderer.
+// A program in C99, as wide as the library; that one's include folder is all it needs besides the platform's ole32,
+// user32 and strmiids. An editing host has a source of its own instead of Source, and a renderer instead of the null
+// renderer.
 #define COBJMACROS
 #include <vixavideofx/VixaVideoFX.h>
 
@@ -534,7 +535,7 @@ int wmain(int count, wchar_t** arguments)
     Check(CoInitialize(NULL), "CoInitialize");
     library = LoadLibraryW(count > 1 ? arguments[1] : L"VixaVideoFX.dll");
     if (!library) {
-        fprintf(stderr, "host: the library cannot be loaded: is it there, and is this a 32-bit program?\n");
+        fprintf(stderr, "host: the library cannot be loaded: is it there, and as wide as this program?\n");
         return 1;
     }
     *(FARPROC*)&getClassObject = GetProcAddress(library, "DllGetClassObject");

@@ -3,9 +3,9 @@
 //
 //     host [PATH OF VixaVideoFX.dll]
 //
-// A 32-bit program in C++17; this library's include folder is all it needs besides the platform's ole32, user32 and
-// strmiids. An editing host has a source of its own instead of FrameSource, and a renderer instead of the null
-// renderer.
+// A program in C++17, as wide as the library; that one's include folder is all it needs besides the platform's ole32,
+// user32 and strmiids. An editing host has a source of its own instead of FrameSource, and a renderer instead of the
+// null renderer.
 #include <vixavideofx/VixaVideoFX.h>
 
 #include <dshow.h>
@@ -419,7 +419,7 @@ void UseLibrary(const wchar_t* path)
 {
     const HMODULE library = LoadLibraryW(path);
     if (!library)
-        throw std::runtime_error("the library cannot be loaded: is it there, and is this a 32-bit program?");
+        throw std::runtime_error("the library cannot be loaded: is it there, and as wide as this program?");
     const auto function = [library](const char* name) {
         return reinterpret_cast<void*>(GetProcAddress(library, name));
     };

@@ -15,10 +15,12 @@ VIXA_INTERFACE_ID(IEffectInfo, "194ADE67-AFBF-4A1F-9978-48B05CEFB083", 0x194ADE6
 // that size. Text lengths count characters with the terminator and are never read, so a text's buffer must be as long
 // as the first call said; picture sizes count bytes, and are read as the buffer's capacity.
 //
-// Threads: any, but texts and languages from one thread at a time (the language is the whole library's), and panels
-// from the thread that shows them. Apartments: the classes are registered as "Both", so an object belongs to the
-// apartment that made it. This interface and IEffectFilter have no marshaler and do not cross apartments:
-// CoMarshalInterface fails for them. Within the rules above a thread may use the plain pointer.
+// Threads: any, but texts and languages from one thread at a time (the language is the whole library's), and a panel
+// from the thread that shows it; each thread may have panels. The last reference may be released on any thread, also
+// inside a function of the host's that a call runs: the object lives until the call is over. Apartments: the classes
+// are registered as "Both", so an object belongs to the apartment that made it. This interface and IEffectFilter have
+// no marshaler and do not cross apartments: CoMarshalInterface fails for them. Within the rules above a thread may use
+// the plain pointer.
 //
 // The numbers that are called the host's own are passed on as listed; the library gives them no meaning.
 //
@@ -70,11 +72,11 @@ struct IEffectInfo : IUnknown
 
     // Opens the effect's settings panel as a hidden child window of `parent`, or takes the one that is open already,
     // and shows the property set's block in it; `*window` receives the panel, or null with E_FAIL when there can't be
-    // one. An effect without settings has an empty panel. Every change (a drag when it ends) is written to the set, and
-    // `parent` is sent `notifyMessage` with both parameters 0 (a reused panel keeps its first message and parent).
-    // Neither the set nor the parent is owned: the set must outlive the panel or be replaced by another call. The panel
-    // goes with its parent and may be destroyed before; released before its panel, this object leaves it behind without
-    // function.
+    // one or the host destroys it meanwhile. An effect without settings has an empty panel. Every change (a drag when
+    // it ends) is written to the set, and `parent` is sent `notifyMessage` with both parameters 0 (a reused panel keeps
+    // its first message and parent). Neither the set nor the parent is owned: the set must outlive the panel or be
+    // replaced by another call. The panel goes with its parent and may be destroyed before; released before its panel,
+    // this object leaves it behind, hidden and without function.
     virtual HRESULT STDMETHODCALLTYPE ShowSettingsDialog(ULONG ignored, HWND parent, UINT notifyMessage,
                                                          IUnknown* propertySet, HWND* window) = 0;
 
