@@ -102,8 +102,7 @@ STDMETHODIMP EffectCatalogue::GetEffectName(ULONG language, WCHAR* buffer, ULONG
     if (!buffer && !length)
         return E_INVALIDARG;
     try {
-        ModuleBase::SetLanguage(static_cast<LANGID>(language));
-        vixa::HandOutText(vixa::LoadResString(record->nameId), buffer, length);
+        vixa::HandOutText(vixa::LoadResStringIn(static_cast<LANGID>(language), record->nameId), buffer, length);
         return S_OK;
     } catch (const std::exception&) {
         return E_OUTOFMEMORY;

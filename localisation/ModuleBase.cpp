@@ -4,14 +4,37 @@
 #include "localisation/LanguageModule.h"
 #include "localisation/StringBlock.h"
 
+#include <algorithm>
+#include <mutex>
+#include <shared_mutex>
 #include <span>
 
-LANGID ModuleBase::currentLanguage = vixa::englishLanguage;
+std::atomic<LANGID> ModuleBase::currentLanguage = vixa::englishLanguage;
 std::vector<ModuleBase*> ModuleBase::modules;
+
+namespace {
+
+// Guards the text modules and the current language while a text is read or a module exchanged. Files are opened and
+// closed outside it, because the system's loader has a lock of its own.
+class LanguageLock
+{
+public:
+    void lock() noexcept { AcquireSRWLockExclusive(&srw); }
+    void unlock() noexcept { ReleaseSRWLockExclusive(&srw); }
+    void lock_shared() noexcept { AcquireSRWLockShared(&srw); }
+    void unlock_shared() noexcept { ReleaseSRWLockShared(&srw); }
+
+private:
+    SRWLOCK srw = SRWLOCK_INIT;
+};
+constinit LanguageLock languageLock;
+
+} // namespace
 
 ModuleBase::~ModuleBase()
 {
-    ReleaseLanguage();
+    if (resourceHandle && resourceHandle != moduleHandle)
+        FreeLibrary(resourceHandle);
 }
 
 bool ModuleBase::Init()
@@ -40,29 +63,59 @@ void ModuleBase::Detach()
     std::erase(modules, this);
 }
 
-void ModuleBase::LoadLanguage(LANGID language)
+vixa::UniqueModule ModuleBase::OpenLanguage(LANGID language)
 {
-    // What can throw comes first, so that texts are never left without a module.
     std::wstring path = LibraryPath();
-    vixa::UniqueModule file;
-    if (GetLanguageFileName(language, path))
-        file = vixa::LoadLanguageModule(path);
-    ReleaseLanguage();
+    return GetLanguageFileName(language, path) ? vixa::LoadLanguageModule(path) : nullptr;
+}
+
+void ModuleBase::TakeLanguage(vixa::UniqueModule& file, LANGID language) noexcept
+{
+    const HMODULE before = resourceHandle;
     currentLanguage = file ? language : vixa::englishLanguage;
     resourceHandle = file ? file.release() : moduleHandle;
+    file.reset(before == moduleHandle ? nullptr : before);
+}
+
+void ModuleBase::LoadLanguage(LANGID language)
+{
+    vixa::UniqueModule file = OpenLanguage(language);
+    const std::unique_lock guard(languageLock);
+    TakeLanguage(file, language);
 }
 
 void ModuleBase::SetLanguage(LANGID language)
 {
-    // Asked once, before the first module's switch changes the answer for the others.
-    const bool isCurrent = currentLanguage == language;
-    for (ModuleBase* module : modules) {
-        if (!module->resourceHandle || !isCurrent)
-            module->LoadLanguage(language);
+    if (!modules.empty())
+        modules.front()->LoadResStringIn(language, 0);
+}
+
+std::wstring ModuleBase::LoadResStringIn(LANGID language, UINT id) const
+{
+    const auto isServed = [=](const ModuleBase* module) {
+        return module->resourceHandle && currentLanguage == language;
+    };
+    {
+        const std::shared_lock guard(languageLock);
+        if (std::ranges::all_of(modules, isServed))
+            return ReadString(id);
     }
+    // What can throw comes first, so that texts are never left without a module.
+    std::vector<vixa::UniqueModule> files(modules.size());
+    std::ranges::transform(modules, files.begin(), [=](ModuleBase* module) { return module->OpenLanguage(language); });
+    const std::unique_lock guard(languageLock);
+    for (std::size_t i = 0; i < files.size(); ++i)
+        modules[i]->TakeLanguage(files[i], language);
+    return ReadString(id);
 }
 
 std::wstring ModuleBase::LoadResString(UINT id) const
+{
+    const std::shared_lock guard(languageLock);
+    return ReadString(id);
+}
+
+std::wstring ModuleBase::ReadString(UINT id) const
 {
     if (id == 0)
         return {};
@@ -87,13 +140,6 @@ HGLOBAL ModuleBase::FindModuleResource(UINT id, LPCWSTR type, DWORD* size) const
     if (size)
         *size = SizeofResource(module, resource);
     return LoadResource(module, resource);
-}
-
-void ModuleBase::ReleaseLanguage() noexcept
-{
-    if (resourceHandle && resourceHandle != moduleHandle)
-        FreeLibrary(resourceHandle);
-    resourceHandle = nullptr;
 }
 
 std::wstring ModuleBase::LibraryPath() const

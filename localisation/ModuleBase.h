@@ -1,14 +1,17 @@
 // A library that serves texts in its user's language: its own handle, and the module its texts come from now.
 #pragma once
 
+#include "framework/Handles.h"
+
 #include <windows.h>
 
+#include <atomic>
 #include <string>
 #include <vector>
 
 // Texts come from a language file beside the library or, where there is none, from the library itself. Pictures always
-// come from the library. Language switches are not guarded: calls that read texts or switch come from one thread at a
-// time.
+// come from the library. Any thread may switch the language and read texts: each text comes whole from one language.
+// Attach, Detach and destruction belong to the library's load and unload.
 class ModuleBase
 {
 public:
@@ -36,13 +39,16 @@ public:
     // Switches every attached module; nothing happens when `language` is current. A language whose file could not be
     // loaded is tried again on the next call, because the current one is then English.
     static void SetLanguage(LANGID language);
+    // SetLanguage and, before another thread can switch again, the whole string `id` of this module in that language.
+    // Throws std::bad_alloc.
+    std::wstring LoadResStringIn(LANGID language, UINT id) const;
     static LANGID GetLanguage() noexcept { return currentLanguage; }
 
     // The whole string `id`; empty when it is 0 or missing. Throws std::bad_alloc.
     std::wstring LoadResString(UINT id) const;
     // The resource of the low 16 bits of `id`, for LockResource, or null; `*size`, when given, receives its bytes.
     // Bitmaps and resources of type "PICTURE" come from the library itself, all others from the text module. What it
-    // points to lives until the next language switch, in the library itself until unload.
+    // points to lives until the next language switch of any thread, in the library itself until unload.
     HGLOBAL FindModuleResource(UINT id, LPCWSTR type, DWORD* size = nullptr) const noexcept;
 
     HINSTANCE ModuleHandle() const noexcept { return moduleHandle; }
@@ -56,10 +62,15 @@ protected:
     HINSTANCE moduleHandle = nullptr;
     HMODULE resourceHandle = nullptr;
 
-    static LANGID currentLanguage;
+    static std::atomic<LANGID> currentLanguage;
     static std::vector<ModuleBase*> modules;
 
 private:
-    void ReleaseLanguage() noexcept;
+    // The language's file, checked and mapped; null when there is none of use.
+    vixa::UniqueModule OpenLanguage(LANGID language);
+    // Exchanges the text module for `file`, or for the library itself when it is null; `file` then holds the one
+    // before.
+    void TakeLanguage(vixa::UniqueModule& file, LANGID language) noexcept;
+    std::wstring ReadString(UINT id) const;
     std::wstring LibraryPath() const;
 };

@@ -13,6 +13,12 @@ std::wstring LoadResString(UINT id)
     return module ? module->LoadResString(id) : std::wstring();
 }
 
+std::wstring LoadResStringIn(LANGID language, UINT id)
+{
+    const ModuleBase* module = TextModule();
+    return module ? module->LoadResStringIn(language, id) : std::wstring();
+}
+
 void HandOutText(std::wstring_view text, WCHAR* buffer, ULONG* length) noexcept
 {
     if (buffer) {

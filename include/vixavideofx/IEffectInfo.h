@@ -15,12 +15,13 @@ VIXA_INTERFACE_ID(IEffectInfo, "194ADE67-AFBF-4A1F-9978-48B05CEFB083", 0x194ADE6
 // that size. Text lengths count characters with the terminator and are never read, so a text's buffer must be as long
 // as the first call said; picture sizes count bytes, and are read as the buffer's capacity.
 //
-// Threads: any, but texts and languages from one thread at a time (the language is the whole library's), and a panel
-// from the thread that shows it; each thread may have panels. The last reference may be released on any thread, also
-// inside a function of the host's that a call runs: the object lives until the call is over. Apartments: the classes
-// are registered as "Both", so an object belongs to the apartment that made it. This interface and IEffectFilter have
-// no marshaler and do not cross apartments: CoMarshalInterface fails for them. Within the rules above a thread may use
-// the plain pointer.
+// Threads: any, but a panel from the thread that shows it; each thread may have panels. The last reference may be
+// released on any thread, also inside a function of the host's that a call runs: the object lives until the call is
+// over. The language is the whole library's: GetEffectName switches and answers in one step, and every text comes whole
+// from one language. Where other threads switch meanwhile, a buffer for GetGroupName must hold every language's; 64
+// characters do. Apartments: the classes are registered as "Both", so an object belongs to the apartment that made it.
+// This interface and IEffectFilter have no marshaler and do not cross apartments: CoMarshalInterface fails for them.
+// Within the rules above a thread may use the plain pointer.
 //
 // The numbers that are called the host's own are passed on as listed; the library gives them no meaning.
 //
