@@ -1,38 +1,54 @@
 #include "localisation/ValueText.h"
 
+#include <algorithm>
 #include <cwchar>
+#include <optional>
 
 namespace vixa {
 
 namespace {
 
-// The largest double has 309 digits before the point; sign, point, a width or a precision of 99 and the exponent fit.
-constexpr std::size_t longestNumber = 512;
+// What every printf can produce in one conversion; wider and more precise is not asked of it.
+constexpr std::size_t mostPlaces = 4095;
+// The largest double has 309 digits before the point; sign, point, the places behind it and the exponent fit.
+constexpr std::size_t longestNumber = mostPlaces + 512;
 
-std::wstring_view TakeWhile(std::wstring_view& text, std::wstring_view characters, std::size_t most)
+std::wstring_view TakeWhile(std::wstring_view& text, std::wstring_view characters)
 {
-    const std::size_t end = text.substr(0, most).find_first_not_of(characters);
-    const std::wstring_view taken = text.substr(0, end == std::wstring_view::npos ? most : end);
+    const std::wstring_view taken = text.substr(0, std::min(text.find_first_not_of(characters), text.size()));
     text.remove_prefix(taken.size());
     return taken;
 }
 
-// Takes the conversion after a percent sign off `text`; empty when it isn't one of a double.
-std::wstring TakeConversion(std::wstring_view& text)
+// A width or a precision, at most mostPlaces; empty when there is none.
+std::wstring TakePlaces(std::wstring_view& text)
 {
-    constexpr std::wstring_view digits = L"0123456789";
-    std::wstring conversion = L"%";
-    conversion += TakeWhile(text, L"-+ #0", 5);
-    conversion += TakeWhile(text, digits, 2);
-    if (text.starts_with(L'.')) {
-        conversion += TakeWhile(text, L".", 1);
-        conversion += TakeWhile(text, digits, 2);
-    }
-    TakeWhile(text, L"l", 1);
-    const std::wstring_view kind = TakeWhile(text, L"aAeEfFgG", 1);
-    if (kind.empty())
+    const std::wstring_view digits = TakeWhile(text, L"0123456789");
+    if (digits.empty())
         return {};
-    return conversion += kind;
+    std::size_t places = 0;
+    for (const wchar_t digit : digits)
+        places = std::min(places * 10 + static_cast<std::size_t>(digit - L'0'), mostPlaces);
+    return std::to_wstring(places);
+}
+
+// Takes the conversion after a percent sign off `text`; none when it isn't one of a double.
+std::optional<std::wstring> TakeConversion(std::wstring_view& text)
+{
+    std::wstring conversion = L"%";
+    conversion += TakeWhile(text, L"-+ #0");
+    conversion += TakePlaces(text);
+    if (text.starts_with(L'.')) {
+        text.remove_prefix(1);
+        conversion += L'.' + TakePlaces(text);
+    }
+    if (text.starts_with(L'l'))
+        text.remove_prefix(1);
+    if (text.empty() || std::wstring_view(L"aAeEfFgG").find(text.front()) == std::wstring_view::npos)
+        return std::nullopt;
+    conversion += text.front();
+    text.remove_prefix(1);
+    return conversion;
 }
 
 std::wstring FormatNumber(const std::wstring& conversion, double value)
@@ -60,13 +76,13 @@ std::wstring FormatValue(std::wstring_view format, double value)
             format.remove_prefix(1);
             continue;
         }
-        const std::wstring conversion = TakeConversion(format);
-        if (conversion.empty() || converted)
+        const auto conversion = TakeConversion(format);
+        if (!conversion || converted)
             return {};
-        text += FormatNumber(conversion, value);
+        text += FormatNumber(*conversion, value);
         converted = true;
     }
-    return converted ? text : std::wstring();
+    return text;
 }
 
 } // namespace vixa

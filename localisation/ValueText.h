@@ -6,9 +6,10 @@
 
 namespace vixa {
 
-// `format` is literal text around exactly one conversion of a double: %, flags, a width and a precision of at most two
-// digits each, an optional l, and one of a A e E f F g G; %% is a percent sign. Any other format gives an empty text,
-// so that no other argument is ever read. A terminator inside `format` ends it, as in printf.
+// `format` is a printf format for one double: literal text, %% for a percent sign, and at most one conversion, which is
+// %, flags, a width and a precision (beyond 4095 they count as 4095), an optional l, and one of a A e E f F g G. A
+// format that asks for anything else, another kind of argument (%s, %d, %n, *) or a second one, gives an empty text, so
+// that no other argument is ever read. A terminator inside `format` ends it, as in printf.
 std::wstring FormatValue(std::wstring_view format, double value);
 
 } // namespace vixa
