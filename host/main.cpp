@@ -2,7 +2,7 @@
 #include "host/base/HostError.h"
 #include "host/base/Interrupt.h"
 #include "host/base/Text.h"
-#include "host/commands/Commands.h"
+#include "host/commands/CommandLine.h"
 
 #include <objbase.h>
 
@@ -11,24 +11,6 @@
 namespace {
 
 using namespace vixahost;
-
-struct Runner
-{
-    void operator()(const commands::ShowCommand&) const { commands::ShowAllEffects(); }
-    void operator()(const commands::EffectsCommand&) const { commands::ListEffects(); }
-    void operator()(const commands::ApplyCommand& command) const { commands::Apply(command); }
-    void operator()(const commands::BrowseCommand& command) const
-    {
-        effects::Effects(); // read in English now, so that it doesn't happen under a window in another language
-        commands::Browse(command);
-    }
-    void operator()(const commands::ListCommand& command) const { commands::ListCatalogue(command); }
-    void operator()(const commands::IconCommand& command) const { commands::WriteIcons(command); }
-    void operator()(const commands::PanelCommand& command) const { commands::PicturePanel(command); }
-    void operator()(const commands::ValidateCommand& command) const { commands::ValidateLibrary(command); }
-    void operator()(const commands::ChildCommand& command) const { commands::RunChecksAsChild(command); }
-    void operator()(const commands::TextCommand& command) const { Say(command.text); }
-};
 
 int Complaint(int status, const std::string& message)
 {
@@ -47,7 +29,7 @@ int wmain(int count, wchar_t** words)
         std::vector<std::string> utf8;
         for (int i = 1; i < count; ++i)
             utf8.push_back(Utf8(words[i]));
-        std::visit(Runner(), commands::ParseCommandLine(utf8));
+        std::visit([](const auto& command) { commands::Run(command); }, commands::ParseCommandLine(utf8));
     } catch (const HostError& fault) {
         status = Complaint(fault.Status(), fault.what());
     } catch (const std::bad_alloc&) {

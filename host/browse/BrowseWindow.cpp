@@ -5,6 +5,7 @@
 #include "host/browse/FileDialogs.h"
 #include "host/browse/Ids.h"
 #include "host/browse/SaveDialog.h"
+#include "host/effects/StackFile.h"
 #include "host/media/PictureFile.h"
 
 #include <algorithm>
@@ -73,7 +74,7 @@ void BrowseWindow::OnCreate()
     tree = std::make_unique<EffectTree>(hwnd, IDC_TREE, *style);
     tree->onChosen = [this](std::size_t index) {
         const effects::CatalogueEntry& entry = session->Catalogue().at(index);
-        ChangeStack([&](StackModel& stack) { stack.Choose(entry.classId, entry.defaults); });
+        ChangeStack([&](StackModel& stack) { stack.Choose(effects::StepOf(entry)); });
     };
     stackLabel = CreateControl(WC_STATICW, L"Stack: the effects in order", WS_VISIBLE, hwnd, 0, *style);
     list = std::make_unique<StackList>(hwnd, IDC_STACK, *style);
@@ -85,7 +86,7 @@ void BrowseWindow::OnCreate()
         stackButtons.push_back(MakeButton(hwnd, button, *style));
     panelLabel = CreateControl(WC_STATICW, L"", WS_VISIBLE | SS_ENDELLIPSIS, hwnd, 0, *style);
     panel = std::make_unique<PanelHost>(hwnd);
-    panel->onChanged = [this](const std::vector<std::int32_t>& block) { OnPanelChanged(block); };
+    panel->onNewBlock = [this](const std::vector<std::int32_t>& block) { OnPanelChanged(block); };
     emptyPanel = CreateControl(WC_STATICW, L"This effect has no settings.", 0, panel->Handle(), 0, *style);
     preview = std::make_unique<PreviewPane>(hwnd, IDC_PREVIEW, *style);
     for (const ButtonText& button : clipButtonTexts)
@@ -103,7 +104,7 @@ void BrowseWindow::OnCreate()
 
 void BrowseWindow::FillLanguages()
 {
-    languages = effects::FindLanguages(session->LibraryFile());
+    languages = effects::InstalledLanguages(session->LibraryFile());
     const HMENU menu = GetSubMenu(GetMenu(hwnd), 4);
     DeleteMenu(menu, 0, MF_BYPOSITION);
     for (std::size_t i = 0; i < languages.size(); ++i)
@@ -179,7 +180,7 @@ void BrowseWindow::ChangeStack(Function change)
 void BrowseWindow::OnCommand(int command)
 {
     const std::size_t selected = session->Stack().Selected();
-    const effects::StackItem* const current = session->Stack().Current();
+    const effects::EffectStep* const current = session->Stack().Current();
     const bool clip = session->Open().IsClip();
     if (command >= IDM_LANGUAGE && command < IDM_LANGUAGE + static_cast<int>(languages.size())) {
         SetLanguage(languages[static_cast<std::size_t>(command - IDM_LANGUAGE)].id);
@@ -204,7 +205,7 @@ void BrowseWindow::OnCommand(int command)
     case IDM_ADD: {
         const effects::CatalogueEntry* const entry =
             current ? effects::FindEntry(session->Catalogue(), current->classId) : &session->Catalogue().front();
-        return ChangeStack([&](StackModel& stack) { stack.Add(entry->classId, entry->defaults); });
+        return ChangeStack([&](StackModel& stack) { stack.Add(effects::StepOf(*entry)); });
     }
     case IDM_REMOVE:
         return ChangeStack([&](StackModel& stack) { stack.Remove(selected); });
@@ -293,7 +294,7 @@ void BrowseWindow::ShowStack()
 {
     const StackModel& stack = session->Stack();
     list->Show(stack.Items(), stack.Selected(), session->Catalogue());
-    const effects::StackItem* const current = stack.Current();
+    const effects::EffectStep* const current = stack.Current();
     if (current) {
         const effects::CatalogueEntry* const entry = effects::FindEntry(session->Catalogue(), current->classId);
         tree->Select(static_cast<std::size_t>(entry - session->Catalogue().data()));
@@ -306,7 +307,7 @@ void BrowseWindow::ShowStack()
 
 void BrowseWindow::ShowPanel()
 {
-    const effects::StackItem* const current = session->Stack().Current();
+    const effects::EffectStep* const current = session->Stack().Current();
     if (!current) {
         panel->Close();
         SetWindowTextW(panelLabel, L"The stack is empty: choose an effect.");
@@ -369,7 +370,7 @@ void BrowseWindow::UpdateMenu()
 {
     const HMENU menu = GetMenu(hwnd);
     const StackModel& stack = session->Stack();
-    const effects::StackItem* const current = stack.Current();
+    const effects::EffectStep* const current = stack.Current();
     const auto enable = [&](UINT command, bool enabled) {
         EnableMenuItem(menu, command, MF_BYCOMMAND | (enabled ? MF_ENABLED : MF_GRAYED));
     };
@@ -471,7 +472,7 @@ void BrowseWindow::Open(const std::filesystem::path& file)
 
 void BrowseWindow::LoadStack(const std::filesystem::path& file)
 {
-    std::vector<effects::StackItem> items = effects::LoadStackFile(file, session->Catalogue());
+    effects::EffectStack items = effects::LoadStackFile(file, session->Catalogue());
     ChangeStack([&](StackModel& stack) { stack.Replace(std::move(items)); });
 }
 
@@ -484,7 +485,7 @@ void BrowseWindow::Save(const std::filesystem::path& file)
         order.source = medium.File();
     else
         order.still = medium.Still();
-    order.stack = effects::StackToRun(session->Stack().Items(), session->Catalogue());
+    order.stack = effects::SwitchedOn(session->Stack().Items());
     order.target = file;
     const bool done = SaveDialog::Run(hwnd, *style, std::move(order));
     const std::wstring text = done ? L"Saved as " + file.native() : L"Saving was cancelled; nothing was written.";
@@ -522,7 +523,7 @@ void BrowseWindow::AskLoadStack()
 void BrowseWindow::AskSaveStack()
 {
     if (const auto file = AskForFile(hwnd, FilePurpose::SaveStack))
-        effects::SaveStackFile(*file, session->Stack().Items(), session->Catalogue());
+        effects::SaveStackFile(*file, session->Stack().Items());
 }
 
 void BrowseWindow::OnDrop(HDROP drop)

@@ -1,12 +1,13 @@
 // The browser's main window.
 #pragma once
 
+#include "host/base/Window.h"
 #include "host/browse/EffectTree.h"
 #include "host/browse/PanelHost.h"
 #include "host/browse/PreviewPane.h"
 #include "host/browse/Session.h"
 #include "host/browse/StackList.h"
-#include "host/browse/Window.h"
+#include "host/browse/Style.h"
 
 #include <shellapi.h>
 

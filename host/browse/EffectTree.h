@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/browse/EffectIcons.h"
-#include "host/browse/Window.h"
+#include "host/browse/Style.h"
 
 #include <functional>
 

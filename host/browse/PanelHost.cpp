@@ -5,14 +5,12 @@
 
 namespace vixahost::browse {
 
-namespace {
-constexpr UINT panelChanged = WM_APP + 1;
-}
-
-PanelHost::PanelHost(HWND parent)
+PanelHost::PanelHost(HWND parent) : PanelWindow(10, 10, parent)
 {
-    Create({L"VixaPanelHost", 0, IDC_ARROW, reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1)}, L"",
-           WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, WS_EX_CONTROLPARENT, parent, nullptr, {10, 10});
+    onChange = [this](WPARAM, LPARAM) {
+        if (onNewBlock && set)
+            onNewBlock(set->Block());
+    };
 }
 
 PanelHost::~PanelHost()
@@ -36,7 +34,7 @@ void PanelHost::Open(const effects::CatalogueEntry& entry, const std::vector<std
 
 void PanelHost::Show()
 {
-    const HRESULT result = info->ShowSettingsDialog(0, hwnd, panelChanged, set.Get(), &panel);
+    const HRESULT result = ShowPanel(*info.Get(), set.Get(), &panel);
     if (FAILED(result))
         throw FailedJob("The library can't open the effect's settings (" + vixahost::Show(result) + ").");
     // The keys that move between controls reach into the panel.
@@ -60,8 +58,8 @@ void PanelHost::Reset()
         return;
     info->SetDefaults(set.Get());
     Show();
-    if (onChanged)
-        onChanged(set->Block());
+    if (onNewBlock)
+        onNewBlock(set->Block());
 }
 
 SIZE PanelHost::PanelSize() const noexcept
@@ -70,16 +68,6 @@ SIZE PanelHost::PanelSize() const noexcept
     if (panel)
         GetWindowRect(panel, &rectangle);
     return {rectangle.right - rectangle.left, rectangle.bottom - rectangle.top};
-}
-
-LRESULT PanelHost::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    if (message == panelChanged) {
-        if (onChanged && set)
-            onChanged(set->Block());
-        return 0;
-    }
-    return Window::OnMessage(message, wParam, lParam);
 }
 
 } // namespace vixahost::browse

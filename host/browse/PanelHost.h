@@ -1,15 +1,15 @@
 // The place in the window where the library's settings panel of one effect lives.
 #pragma once
 
-#include "host/browse/Window.h"
 #include "host/effects/DataPropertySet.h"
 #include "host/effects/EffectCatalogue.h"
+#include "host/effects/PanelWindow.h"
 
 #include <functional>
 
 namespace vixahost::browse {
 
-class PanelHost : public Window
+class PanelHost : public effects::PanelWindow
 {
 public:
     explicit PanelHost(HWND parent);
@@ -28,10 +28,9 @@ public:
     bool IsEmpty() const noexcept { return !panel || !GetWindow(panel, GW_CHILD); }
 
     // Called with the new block when the user has changed something.
-    std::function<void(const std::vector<std::int32_t>&)> onChanged;
+    std::function<void(const std::vector<std::int32_t>&)> onNewBlock;
 
 private:
-    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void Show();
 
     Microsoft::WRL::ComPtr<IEffectInfo> info;

@@ -2,9 +2,10 @@
 #pragma once
 
 #include "host/base/Handles.h"
+#include "host/base/Window.h"
 #include "host/browse/LiveGraph.h"
 #include "host/browse/Resample.h"
-#include "host/browse/Window.h"
+#include "host/browse/Style.h"
 
 namespace vixahost::browse {
 

@@ -1,8 +1,9 @@
 // Shows how far a save is, and lets the user cancel it.
 #pragma once
 
+#include "host/base/Window.h"
 #include "host/browse/SaveJob.h"
-#include "host/browse/Window.h"
+#include "host/browse/Style.h"
 
 #include <memory>
 

@@ -11,7 +11,7 @@ Session::Session(std::function<void()> notify)
       medium(std::make_unique<Medium>(media::DrawSampleScene(), "Sample picture")), frame(medium->Frame(0))
 {
     if (!catalogue.empty())
-        stack = StackModel({{catalogue.front().classId, catalogue.front().defaults, true}});
+        stack = StackModel({effects::StepOf(catalogue.front())});
     BuildGraph();
     Push();
 }
@@ -65,26 +65,18 @@ double Session::RestartAndMedian()
     return median;
 }
 
-std::vector<effects::StackItem> Session::ItemsToRun() const
-{
-    std::vector<effects::StackItem> items = stack.Items();
-    std::erase_if(items, [](const effects::StackItem& item) { return !item.on; });
-    return items;
-}
-
 void Session::BuildGraph()
 {
     graph.reset();
-    running = ItemsToRun();
-    graph = std::make_unique<LiveGraph>(library, medium->Format(), effects::StackToRun(running, catalogue),
-                                        medium->Duration(), onResult);
+    running = effects::SwitchedOn(stack.Items());
+    graph = std::make_unique<LiveGraph>(library, medium->Format(), running, medium->Duration(), onResult);
 }
 
 void Session::Show()
 {
-    const std::vector<effects::StackItem> items = ItemsToRun();
+    const effects::EffectStack items = effects::SwitchedOn(stack.Items());
     const bool sameRow = std::equal(items.begin(), items.end(), running.begin(), running.end(),
-                                    [](const effects::StackItem& a, const effects::StackItem& b) {
+                                    [](const effects::EffectStep& a, const effects::EffectStep& b) {
                                         return IsEqualGUID(a.classId, b.classId) != FALSE;
                                     });
     if (!sameRow) {

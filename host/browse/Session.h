@@ -32,7 +32,7 @@ public:
     template <typename Function>
     bool Change(Function change)
     {
-        const std::vector<effects::StackItem> before = stack.Items();
+        const effects::EffectStack before = stack.Items();
         change(stack);
         if (stack.Items() == before)
             return false;
@@ -59,7 +59,6 @@ public:
 private:
     void Show();
     void BuildGraph();
-    std::vector<effects::StackItem> ItemsToRun() const;
 
     std::function<void()> onResult;
     effects::EffectLibrary library; // outlives all that follows
@@ -68,8 +67,8 @@ private:
     StackModel stack;
     std::unique_ptr<Medium> medium;
     class Player player;
-    SharedFrame frame;                       // the current one
-    std::vector<effects::StackItem> running; // what the graph was built from, with its present parameters
+    SharedFrame frame;            // the current one
+    effects::EffectStack running; // what the graph was built from, with its present parameters
     std::unique_ptr<LiveGraph> graph;
 };
 

@@ -4,19 +4,6 @@
 
 namespace vixahost::browse {
 
-namespace {
-
-std::string SettingsText(const effects::StackItem& item)
-{
-    std::string text;
-    for (const auto& parameter : vixavideofx::ParametersOf(item.classId))
-        text += (text.empty() ? "" : ", ") + std::string(parameter.name) + "=" +
-                effects::ShowValue(parameter, item.block.at(parameter.offset / sizeof(std::int32_t)));
-    return text;
-}
-
-} // namespace
-
 StackList::StackList(HWND parent, int id, const Style& look) : style(look)
 {
     list = CreateControl(WC_LISTVIEWW, L"Stack",
@@ -48,7 +35,7 @@ void StackList::SetText(int row, int column, const std::wstring& text)
         ListView_SetItemText(list, row, column, const_cast<wchar_t*>(text.c_str()));
 }
 
-void StackList::Show(const std::vector<effects::StackItem>& items, std::size_t selected,
+void StackList::Show(const effects::EffectStack& items, std::size_t selected,
                      const std::vector<effects::CatalogueEntry>& catalogue)
 {
     showing = true;
@@ -65,7 +52,7 @@ void StackList::Show(const std::vector<effects::StackItem>& items, std::size_t s
             ListView_InsertItem(list, &item);
         }
         SetText(row, 0, entry ? entry->name : std::wstring());
-        SetText(row, 1, Wide(SettingsText(items[i])));
+        SetText(row, 1, Wide(effects::SettingsText(items[i])));
         ListView_SetCheckState(list, row, items[i].on);
         const UINT state = i == selected ? LVIS_SELECTED | LVIS_FOCUSED : 0;
         if (ListView_GetItemState(list, row, LVIS_SELECTED | LVIS_FOCUSED) != state)

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "host/browse/EffectIcons.h"
-#include "host/browse/Window.h"
-#include "host/effects/StackFile.h"
+#include "host/browse/Style.h"
+#include "host/effects/EffectStack.h"
 
 #include <functional>
 
@@ -17,7 +17,7 @@ public:
 
     HWND Handle() const noexcept { return list; }
     // Shows the steps; calls nothing back.
-    void Show(const std::vector<effects::StackItem>& items, std::size_t selected,
+    void Show(const effects::EffectStack& items, std::size_t selected,
               const std::vector<effects::CatalogueEntry>& catalogue);
     // After the control has got another width.
     void FitColumns();

@@ -4,7 +4,7 @@
 
 namespace vixahost::browse {
 
-const effects::StackItem* StackModel::Current() const noexcept
+const effects::EffectStep* StackModel::Current() const noexcept
 {
     return state.selected < state.items.size() ? &state.items[state.selected] : nullptr;
 }
@@ -15,37 +15,38 @@ void StackModel::Select(std::size_t index) noexcept
         state.selected = index;
 }
 
-void StackModel::Add(const GUID& classId, const std::vector<std::int32_t>& block)
+void StackModel::Add(effects::EffectStep step)
 {
     Record();
     const std::size_t position = state.items.empty() ? 0 : state.selected + 1;
-    state.items.insert(state.items.begin() + static_cast<std::ptrdiff_t>(position), {classId, block, true});
+    state.items.insert(state.items.begin() + static_cast<std::ptrdiff_t>(position), std::move(step));
     state.selected = position;
 }
 
-bool StackModel::Choose(const GUID& classId, const std::vector<std::int32_t>& defaults)
+bool StackModel::Choose(effects::EffectStep step)
 {
-    const effects::StackItem* const current = Current();
-    if (current && IsEqualGUID(current->classId, classId))
+    const effects::EffectStep* const current = Current();
+    if (current && IsEqualGUID(current->classId, step.classId))
         return false;
-    const auto known = std::find_if(remembered.begin(), remembered.end(), [&](const effects::StackItem& item) {
-        return IsEqualGUID(item.classId, classId) != FALSE;
+    const auto known = std::find_if(remembered.begin(), remembered.end(), [&](const effects::EffectStep& item) {
+        return IsEqualGUID(item.classId, step.classId) != FALSE;
     });
-    const std::vector<std::int32_t> block = known == remembered.end() ? defaults : known->block;
+    if (known != remembered.end())
+        step.block = known->block;
     if (!current) {
-        Add(classId, block);
+        Add(std::move(step));
         return true;
     }
     Record();
     Remember(*current);
-    state.items[state.selected] = {classId, block, true};
+    state.items[state.selected] = std::move(step);
     return true;
 }
 
-void StackModel::Remember(const effects::StackItem& item)
+void StackModel::Remember(const effects::EffectStep& item)
 {
     std::erase_if(remembered,
-                  [&](const effects::StackItem& old) { return IsEqualGUID(old.classId, item.classId) != FALSE; });
+                  [&](const effects::EffectStep& old) { return IsEqualGUID(old.classId, item.classId) != FALSE; });
     remembered.push_back(item);
 }
 
@@ -92,13 +93,13 @@ bool StackModel::SetBlock(std::size_t index, const std::vector<std::int32_t>& bl
     return true;
 }
 
-void StackModel::Replace(std::vector<effects::StackItem> items)
+void StackModel::Replace(effects::EffectStack items)
 {
     Record();
     Begin(std::move(items));
 }
 
-void StackModel::Begin(std::vector<effects::StackItem> items)
+void StackModel::Begin(effects::EffectStack items)
 {
     state.items = std::move(items);
     state.selected = state.items.empty() ? none : 0;

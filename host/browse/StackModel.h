@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/browse/UndoStack.h"
-#include "host/effects/StackFile.h"
+#include "host/effects/EffectStack.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -19,26 +19,26 @@ public:
 
     StackModel() = default;
     // Begins with these, the first selected and nothing to undo.
-    explicit StackModel(std::vector<effects::StackItem> items) { Begin(std::move(items)); }
+    explicit StackModel(effects::EffectStack items) { Begin(std::move(items)); }
 
-    const std::vector<effects::StackItem>& Items() const noexcept { return state.items; }
+    const effects::EffectStack& Items() const noexcept { return state.items; }
     // The step whose panel is open: none for an empty stack only.
     std::size_t Selected() const noexcept { return state.selected; }
-    const effects::StackItem* Current() const noexcept;
+    const effects::EffectStep* Current() const noexcept;
 
     void Select(std::size_t index) noexcept;
     // Puts the effect after the selected one and selects it.
-    void Add(const GUID& classId, const std::vector<std::int32_t>& block);
-    // The selected step becomes another effect, with the parameters that this effect had last or else `defaults`.
-    // With an empty stack it is added. False when the step has that effect already.
-    bool Choose(const GUID& classId, const std::vector<std::int32_t>& defaults);
+    void Add(effects::EffectStep step);
+    // The selected step becomes this one, with the parameters that its effect had last or else its own. With an empty
+    // stack it is added. False when the selected step has that effect already.
+    bool Choose(effects::EffectStep step);
     void Remove(std::size_t index);
     // Down by one for +1, up by one for -1; the selection moves along. False at the ends.
     bool Move(std::size_t index, int by);
     void Switch(std::size_t index, bool on);
     // False when the block is the same already.
     bool SetBlock(std::size_t index, const std::vector<std::int32_t>& block, std::uint64_t now);
-    void Replace(std::vector<effects::StackItem> items);
+    void Replace(effects::EffectStack items);
 
     bool CanUndo() const noexcept { return history.CanUndo(); }
     bool CanRedo() const noexcept { return history.CanRedo(); }
@@ -48,17 +48,17 @@ public:
 private:
     struct State
     {
-        std::vector<effects::StackItem> items;
+        effects::EffectStack items;
         std::size_t selected = none;
     };
 
-    void Begin(std::vector<effects::StackItem> items);
+    void Begin(effects::EffectStack items);
     void Record() { history.Record(state, 0, 0); }
-    void Remember(const effects::StackItem& item);
+    void Remember(const effects::EffectStep& item);
 
     State state;
     UndoStack<State> history;
-    std::vector<effects::StackItem> remembered; // the last parameters of each effect that another took the place of
+    effects::EffectStack remembered; // the last parameters of each effect that another took the place of
 };
 
 } // namespace vixahost::browse

@@ -1,10 +1,11 @@
+#include "host/commands/Apply.h"
 #include "host/base/Handles.h"
 #include "host/base/HostError.h"
 #include "host/base/Interrupt.h"
 #include "host/base/Progress.h"
 #include "host/base/TargetFile.h"
 #include "host/base/Text.h"
-#include "host/commands/Commands.h"
+#include "host/commands/Words.h"
 #include "host/effects/StackFile.h"
 #include "host/graph/EffectGraph.h"
 #include "host/media/AviHeader.h"
@@ -13,9 +14,8 @@
 #include "host/media/PictureFile.h"
 #include "host/media/PictureFrames.h"
 
-#include <vixavideofx/IInstructionCeiling.h>
-
 #include <cstdio>
+#include <map>
 
 namespace vixahost::commands {
 
@@ -36,48 +36,75 @@ void RequireReadable(const std::filesystem::path& file)
                         "); are you allowed to read it?");
 }
 
+// A command whose effects were found in the catalogue.
+struct Job
+{
+    const ApplyCommand& command;
+    effects::EffectStack stack;
+};
+
+effects::EffectStack StackOf(const std::vector<effects::EffectWords>& steps)
+{
+    const effects::EffectLibrary library;
+    const auto catalogue = effects::ReadCatalogue(library);
+    effects::EffectStack stack;
+    for (const effects::EffectWords& words : steps)
+        stack.push_back(effects::StepOf(catalogue, words));
+    return stack;
+}
+
+effects::EffectStack StackOf(const std::filesystem::path& file)
+{
+    const effects::EffectLibrary library;
+    const effects::EffectStack stack =
+        effects::SwitchedOn(effects::LoadStackFile(file, effects::ReadCatalogue(library)));
+    if (stack.empty())
+        throw FailedJob("The stack file " + Show(file) +
+                        " has no effect that is switched on; there is nothing to apply.");
+    return stack;
+}
+
 std::string StackText(const effects::EffectStack& stack)
 {
     std::string text;
     for (const effects::EffectStep& step : stack) {
-        const std::string settings = step.Settings();
-        text += (text.empty() ? "" : ", then ") + std::string(step.Effect().name) +
-                (settings.empty() ? "" : " (" + settings + ")");
+        const std::string settings = effects::SettingsText(step);
+        text += (text.empty() ? "" : ", then ") + step.name + (settings.empty() ? "" : " (" + settings + ")");
     }
     return text;
 }
 
-void ReportDone(const ApplyCommand& command, const media::FrameFormat& format, std::int64_t frames, double milliseconds)
+void ReportDone(const Job& job, const media::FrameFormat& format, std::int64_t frames, double milliseconds)
 {
     char figures[96];
     std::snprintf(figures, sizeof figures, "%d x %d, %lld %s, %.2f ms per frame", format.width, format.height,
                   static_cast<long long>(frames), frames == 1 ? "picture" : "frames", milliseconds);
-    Say(StackText(command.stack) + ": " + Show(command.output) + ", " + figures + "\n");
+    Say(StackText(job.stack) + ": " + Show(job.command.output) + ", " + figures + "\n");
 }
 
-void LowerLevel(const graph::EffectGraph& graph, const ApplyCommand& command)
+void LowerLevel(const graph::EffectGraph& graph, const Job& job)
 {
-    for (std::size_t step = 0; step < command.stack.size(); ++step) {
+    for (std::size_t step = 0; step < job.stack.size(); ++step) {
         ComPtr<IInstructionCeiling> ceiling;
         // A library that knows no levels runs at the one it has.
         if (SUCCEEDED(graph.Filter(step)->QueryInterface(IID_IInstructionCeiling,
                                                          reinterpret_cast<void**>(ceiling.GetAddressOf()))))
-            ceiling->SetCeiling(command.level);
+            ceiling->SetCeiling(job.command.level);
     }
 }
 
-void ApplyToPicture(const ApplyCommand& command, media::PictureFormat format)
+void ApplyToPicture(const Job& job, media::PictureFormat format)
 {
-    media::Picture picture = media::ReadPicture(command.input);
-    TargetFile target(command.output);
+    media::Picture picture = media::ReadPicture(job.command.input);
+    TargetFile target(job.command.output);
     double milliseconds = 0;
     media::PictureReader reader(picture);
     {
         const effects::EffectLibrary library;
         // Reader and writer share the picture: the one frame is read before it is written.
         media::PictureWriter writer(picture);
-        graph::EffectGraph graph(library, command.stack, reader, writer, reader.Format().TimeOf(1));
-        LowerLevel(graph, command);
+        graph::EffectGraph graph(library, job.stack, reader, writer, reader.Format().TimeOf(1));
+        LowerLevel(graph, job);
         graph.Run();
         if (writer.FramesWritten() != 1)
             throw FailedJob("The filter graph gave no picture.");
@@ -87,20 +114,20 @@ void ApplyToPicture(const ApplyCommand& command, media::PictureFormat format)
     if (Interrupted())
         throw FailedJob("Stopped before the end; nothing was written.");
     target.Commit();
-    ReportDone(command, reader.Format(), 1, milliseconds);
+    ReportDone(job, reader.Format(), 1, milliseconds);
 }
 
-void ApplyToClip(const ApplyCommand& command)
+void ApplyToClip(const Job& job)
 {
-    media::ClipReader reader(command.input);
-    TargetFile target(command.output);
+    media::ClipReader reader(job.command.input);
+    TargetFile target(job.command.output);
     media::ClipWriter writer(target.Temporary(), reader);
     const effects::EffectLibrary library;
     Progress progress(reader.FrameCount());
     double milliseconds = 0;
     try {
-        graph::EffectGraph graph(library, command.stack, reader, writer, reader.Format().TimeOf(reader.FrameCount()));
-        LowerLevel(graph, command);
+        graph::EffectGraph graph(library, job.stack, reader, writer, reader.Format().TimeOf(reader.FrameCount()));
+        LowerLevel(graph, job);
         graph.Run([&](std::int64_t done) { progress.Show(done); });
         milliseconds = graph.MedianMilliseconds();
     } catch (...) {
@@ -112,15 +139,42 @@ void ApplyToClip(const ApplyCommand& command)
     if (Interrupted())
         throw FailedJob("Stopped before the end; nothing was written.");
     target.Commit();
-    ReportDone(command, reader.Format(), reader.FrameCount(), milliseconds);
+    ReportDone(job, reader.Format(), reader.FrameCount(), milliseconds);
     if (writer.Depth() == media::ClipDepth::Rgb24)
         Say("The clip has 24 bits per pixel: with 32 it would be larger than the 2 GB that an AVI file may have.\n");
 }
 
+// The words of `apply`, in the order in which they stood: a setting belongs to the effect before it.
+std::vector<effects::EffectWords> ReadSteps(const std::vector<CLI::Option*>& order, const CLI::Option* first,
+                                            const CLI::Option* then, const CLI::Option* set)
+{
+    std::vector<effects::EffectWords> steps;
+    std::size_t more = 0, settings = 0;
+    for (const CLI::Option* option : order) {
+        if (option == first ? !steps.empty() : option == then && steps.empty())
+            throw WrongWords("--then comes after the first effect: vixahost apply EFFECT --then EFFECT IN OUT.");
+        if (option == first) {
+            steps.push_back({first->results().front(), {}});
+        } else if (option == then) {
+            steps.push_back({then->results().at(more++), {}});
+        } else if (option == set) {
+            const std::string& assignment = set->results().at(settings++);
+            if (steps.empty())
+                throw WrongWords("--set " + assignment + " belongs after the name of the effect that it sets.");
+            steps.back().settings.push_back(assignment);
+        }
+    }
+    return steps;
+}
+
 } // namespace
 
-void Apply(const ApplyCommand& command)
+void Run(const ApplyCommand& command)
 {
+    Job job = {command, {}};
+    // What is wrong with the words is said before the files are looked at.
+    if (command.stackFile.empty())
+        job.stack = StackOf(command.steps);
     const std::optional<media::PictureFormat> format = media::PictureFormatOf(command.output);
     const bool clipWanted = _wcsicmp(command.output.extension().c_str(), L".avi") == 0;
     if (!format && !clipWanted)
@@ -135,23 +189,66 @@ void Apply(const ApplyCommand& command)
         throw WrongWords(Show(command.input) + (clip ? " is a clip: the output must end in .avi."
                                                      : " is not an AVI clip: the output must be a picture (.png, "
                                                        ".bmp, .jpg, .tif)."));
-    if (!command.stackFile.empty()) {
-        ApplyCommand loaded = command;
-        {
-            const effects::EffectLibrary library;
-            const auto catalogue = effects::ReadCatalogue(library);
-            loaded.stack = effects::StackToRun(effects::LoadStackFile(command.stackFile, catalogue), catalogue);
-        }
-        if (loaded.stack.empty())
-            throw FailedJob("The stack file " + Show(command.stackFile) +
-                            " has no effect that is switched on; there is nothing to apply.");
-        clip ? ApplyToClip(loaded) : ApplyToPicture(loaded, *format);
-        return;
-    }
+    if (!command.stackFile.empty())
+        job.stack = StackOf(command.stackFile);
     if (clip)
-        ApplyToClip(command);
+        ApplyToClip(job);
     else
-        ApplyToPicture(command, *format);
+        ApplyToPicture(job, *format);
+}
+
+Words ApplyWords(CLI::App& program)
+{
+    struct Given
+    {
+        std::string effect, input, output, stackFile;
+        std::vector<std::string> settings, more;
+        unsigned long level = IInstructionCeiling::Avx512;
+    };
+    static const std::map<std::string, unsigned long> levels = {
+        {"plain", IInstructionCeiling::Plain},
+        {"sse2", IInstructionCeiling::Sse2},
+        {"avx2", IInstructionCeiling::Avx2},
+        {"avx512", IInstructionCeiling::Avx512},
+    };
+    CLI::App* const parser = program.add_subcommand("apply", "Sends a picture (PNG, BMP, JPEG, TIFF) or an AVI clip "
+                                                             "through one or more effects");
+    const auto given = std::make_shared<Given>();
+    const CLI::Option* const first =
+        parser->add_option("EFFECT", given->effect, "The effect's name, as `vixahost effects` lists it")->required();
+    parser->add_option("IN", given->input, "Picture or clip to read")->required();
+    const CLI::Option* const out =
+        parser->add_option("OUT", given->output, "Picture or clip to write; its ending says the picture's format");
+    parser->add_option("--stack", given->stackFile, "A stack file instead of EFFECT, as the browser saves it")
+        ->type_name("FILE");
+    const CLI::Option* const set = parser->add_option("--set", given->settings, "A parameter of the effect before it")
+                                       ->type_name("NAME=VALUE")
+                                       ->allow_extra_args(false);
+    const CLI::Option* const then =
+        parser->add_option("--then", given->more, "A further effect")->type_name("EFFECT")->allow_extra_args(false);
+    parser
+        ->add_option("--level", given->level,
+                     "The best instruction set to use, to compare times: plain, sse2, avx2, avx512")
+        ->type_name("LEVEL")
+        ->transform(CLI::CheckedTransformer(levels, CLI::ignore_case));
+    parser->footer(examples);
+    return {parser, [=] {
+                if (given->stackFile.empty()) {
+                    if (out->count() == 0)
+                        throw WrongWords(
+                            "OUT is required: vixahost apply EFFECT IN OUT (`vixahost --help` shows how it goes)");
+                    return ApplyCommand{ReadSteps(parser->parse_order(), first, then, set),
+                                        {},
+                                        Wide(given->input),
+                                        Wide(given->output),
+                                        given->level};
+                }
+                if (out->count() > 0 || then->count() > 0 || set->count() > 0)
+                    throw WrongWords("--stack FILE takes the place of EFFECT, --then and --set: vixahost apply --stack "
+                                     "FILE IN OUT.");
+                // Without EFFECT the two files are the first two words.
+                return ApplyCommand{{}, Wide(given->stackFile), Wide(given->effect), Wide(given->input), given->level};
+            }};
 }
 
 } // namespace vixahost::commands

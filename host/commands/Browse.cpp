@@ -1,11 +1,13 @@
+#include "host/commands/Browse.h"
 #include "host/base/HostError.h"
 #include "host/base/TargetFile.h"
 #include "host/base/Text.h"
 #include "host/browse/BrowseWindow.h"
-#include "host/commands/Commands.h"
+#include "host/commands/Words.h"
 #include "host/media/PictureFile.h"
 #include "host/media/WindowPicture.h"
 
+#include <cstdio>
 #include <exception>
 #include <thread>
 
@@ -13,27 +15,12 @@ namespace vixahost::commands {
 
 namespace {
 
-LANGID LanguageNamed(const std::string& code, const std::filesystem::path& libraryFile)
-{
-    std::vector<std::string> known;
-    for (const effects::Language& language : effects::FindLanguages(libraryFile)) {
-        const std::string full = LowerCase(language.code);
-        if (full == LowerCase(code) || full.substr(0, full.find('-')) == LowerCase(code))
-            return language.id;
-        known.push_back(language.code);
-    }
-    std::string list;
-    for (const std::string& one : known)
-        list += (list.empty() ? "" : ", ") + one;
-    throw WrongWords("There is no language \"" + code + "\" beside the library; there are " + list + ".");
-}
-
 void SaveScreenshot(HWND window, const std::filesystem::path& file)
 {
     if (media::PictureFormatOf(file) != media::PictureFormat::Png)
         throw WrongWords("--screenshot writes a PNG picture; give it a name that ends in .png.");
     TargetFile target(file);
-    media::WritePicture(target.Temporary(), media::PictureFormat::Png, media::PictureOf(window));
+    media::WritePicture(target.Temporary(), media::PictureFormat::Png, media::PictureOfWindow(window));
     target.Commit();
 }
 
@@ -41,7 +28,7 @@ void RunWindow(const BrowseCommand& command)
 {
     browse::BrowseWindow window({command.width, command.height});
     if (!command.language.empty())
-        window.SetLanguage(LanguageNamed(command.language, window.Work().LibraryFile()));
+        window.SetLanguage(effects::InstalledLanguage(command.language, window.Work().LibraryFile()));
     if (!command.stackFile.empty())
         window.LoadStack(command.stackFile);
     if (!command.file.empty())
@@ -69,9 +56,21 @@ void RunWindow(const BrowseCommand& command)
     }
 }
 
+// "1180x760". Throws WrongWords.
+void ReadSize(const std::string& text, BrowseCommand& command)
+{
+    if (text.empty())
+        return;
+    int length = 0;
+    if (std::sscanf(text.c_str(), "%5dx%5d%n", &command.width, &command.height, &length) != 2 ||
+        static_cast<std::size_t>(length) != text.size() || command.width < 1 || command.height < 1)
+        throw WrongWords("--size takes the window's width and height in pixels, as in --size 1180x760; \"" + text +
+                         "\" is none.");
+}
+
 } // namespace
 
-void Browse(const BrowseCommand& command)
+void Run(const BrowseCommand& command)
 {
     // The system's file dialogs want a thread of the kind that has a message loop.
     std::exception_ptr failure;
@@ -87,6 +86,28 @@ void Browse(const BrowseCommand& command)
     }).join();
     if (failure)
         std::rethrow_exception(failure);
+}
+
+Words BrowseWords(CLI::App& program)
+{
+    struct Given
+    {
+        std::string file, stack, screenshot, size, language;
+    };
+    CLI::App* const parser =
+        program.add_subcommand("browse", "Opens a window in which effects are tried on a picture or a clip");
+    const auto given = std::make_shared<Given>();
+    parser->add_option("FILE", given->file, "Picture or clip to open");
+    parser->add_option("--stack", given->stack, "A stack file to begin with")->type_name("FILE");
+    parser->add_option("--screenshot", given->screenshot, "Writes a picture of the window (.png) and ends")
+        ->type_name("FILE");
+    parser->add_option("--size", given->size, "The window's size in pixels")->type_name("WIDTHxHEIGHT");
+    parser->add_option("--language", given->language, "The effects' language, as de or pt-BR")->type_name("CODE");
+    return {parser, [given] {
+                BrowseCommand command{Wide(given->file), Wide(given->stack), Wide(given->screenshot), given->language};
+                ReadSize(given->size, command);
+                return command;
+            }};
 }
 
 } // namespace vixahost::commands

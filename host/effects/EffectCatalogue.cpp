@@ -8,7 +8,6 @@
 #include <vixavideofx/ClassIds.h>
 
 #include <algorithm>
-#include <array>
 #include <tuple>
 
 namespace vixahost::effects {
@@ -64,26 +63,6 @@ std::string IdentifierText(const GUID& classId)
     return Utf8(text);
 }
 
-// The identifier of a code such as "de-DE"; 0 for a code of no known language. A territory that the system doesn't know
-// leaves the language by itself.
-LANGID LanguageOf(const std::wstring& code)
-{
-    for (const std::wstring& name : {code, code.substr(0, code.find(L'-'))})
-        if (const LCID locale = LocaleNameToLCID(name.c_str(), 0);
-            locale != 0 && LANGIDFROMLCID(locale) != LOCALE_CUSTOM_UNSPECIFIED)
-            return LANGIDFROMLCID(locale);
-    return 0;
-}
-
-std::wstring NativeName(LANGID language)
-{
-    std::array<wchar_t, 100> name = {};
-    if (!GetLocaleInfoW(MAKELCID(language, SORT_DEFAULT), LOCALE_SNATIVELANGNAME, name.data(), name.size()))
-        return {};
-    CharUpperBuffW(name.data(), 1);
-    return name.data();
-}
-
 } // namespace
 
 std::vector<CatalogueEntry> ReadCatalogue(const EffectLibrary& library, LANGID language)
@@ -136,37 +115,14 @@ const CatalogueEntry& RequireEntry(const std::vector<CatalogueEntry>& catalogue,
     for (const CatalogueEntry& entry : catalogue)
         names.push_back(entry.englishName);
     throw WrongWords("There is no effect \"" + std::string(name) + "\"; did you mean " +
-                     Alternatives(NearestNames(name, names)) + "? `vixahost list` shows all.");
+                     Alternatives(NearestNames(name, names)) + "? `vixahost effects` lists all.");
 }
 
-std::vector<Language> FindLanguages(const std::filesystem::path& libraryFile)
+std::string FileStem(const CatalogueEntry& entry)
 {
-    std::vector<Language> languages = {{englishLanguage, "en-US", NativeName(englishLanguage)}};
-    const std::wstring prefix = libraryFile.stem().native() + L"_";
-    WIN32_FIND_DATAW found = {};
-    const auto search =
-        Opened<UniqueSearch>(FindFirstFileW((libraryFile.parent_path() / (prefix + L"*.nls")).c_str(), &found));
-    if (!search)
-        return languages;
-    do {
-        const std::wstring stem = std::filesystem::path(found.cFileName).stem().native();
-        const std::wstring code = stem.substr(std::min(prefix.size(), stem.size()));
-        const LANGID id = LanguageOf(code);
-        if (id != 0 && id != englishLanguage)
-            languages.push_back({id, Utf8(code), NativeName(id)});
-    } while (FindNextFileW(search.get(), &found));
-    // One language may have two files; only then does the code tell them apart.
-    std::vector<Language> named = languages;
-    for (Language& language : named) {
-        const auto sameName = [&](const Language& other) { return other.name == language.name; };
-        if (language.name.empty())
-            language.name = Wide(language.code);
-        else if (std::count_if(languages.begin(), languages.end(), sameName) > 1)
-            language.name += L" (" + Wide(language.code) + L")";
-    }
-    std::sort(named.begin(), named.end(),
-              [](const Language& a, const Language& b) { return lstrcmpiW(a.name.c_str(), b.name.c_str()) < 0; });
-    return named;
+    std::string stem = LowerCase(entry.englishName);
+    std::replace(stem.begin(), stem.end(), ' ', '-');
+    return stem;
 }
 
 } // namespace vixahost::effects

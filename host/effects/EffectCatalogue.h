@@ -2,14 +2,13 @@
 #pragma once
 
 #include "host/effects/EffectLibrary.h"
+#include "host/effects/Languages.h"
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace vixahost::effects {
-
-inline constexpr LANGID englishLanguage = 1033;
 
 struct CatalogueEntry
 {
@@ -37,14 +36,7 @@ const CatalogueEntry* FindEntry(const std::vector<CatalogueEntry>& catalogue, st
 // The same, but throws WrongWords that offers the nearest names when there is none.
 const CatalogueEntry& RequireEntry(const std::vector<CatalogueEntry>& catalogue, std::string_view name);
 
-// The language file that the library has for a language identifier is beside it; these are the languages found there,
-// and English. Sorted by what their speakers call them.
-struct Language
-{
-    LANGID id = englishLanguage;
-    std::string code;  // "de-DE"
-    std::wstring name; // "Deutsch"
-};
-std::vector<Language> FindLanguages(const std::filesystem::path& libraryFile);
+// "Add pixel" as "add-pixel": a file name that needs no quoting.
+std::string FileStem(const CatalogueEntry& entry);
 
 } // namespace vixahost::effects

@@ -7,6 +7,7 @@ namespace vixahost::effects {
 
 namespace {
 
+// Null: of this program.
 std::filesystem::path FileOf(HMODULE module)
 {
     std::wstring path(MAX_PATH, L'\0');
@@ -30,15 +31,7 @@ Function Export(HMODULE module, const char* name)
 
 std::filesystem::path ThisProgram()
 {
-    std::wstring path(MAX_PATH, L'\0');
-    for (;;) {
-        const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-        if (length < path.size()) {
-            path.resize(length);
-            return path;
-        }
-        path.resize(path.size() * 2);
-    }
+    return FileOf(nullptr);
 }
 
 std::filesystem::path LibraryBesideTheProgram()
@@ -60,7 +53,7 @@ EffectLibrary::EffectLibrary(const std::filesystem::path& file) : module(LoadLib
                                      "put the right one there.");
 }
 
-Microsoft::WRL::ComPtr<IBaseFilter> EffectLibrary::CreateFilter(const GUID& classId, const char* name) const
+Microsoft::WRL::ComPtr<IBaseFilter> EffectLibrary::CreateFilter(const GUID& classId, std::string_view name) const
 {
     Microsoft::WRL::ComPtr<IClassFactory> factory;
     HRESULT result = getClassObject(classId, IID_IClassFactory, &factory);

@@ -9,6 +9,7 @@
 #include <wrl/client.h>
 
 #include <filesystem>
+#include <string_view>
 
 namespace vixahost::effects {
 
@@ -26,7 +27,7 @@ public:
     explicit EffectLibrary(const std::filesystem::path& file);
 
     // A new filter for one effect. Throws FailedJob. Must be released before the library object goes.
-    Microsoft::WRL::ComPtr<IBaseFilter> CreateFilter(const GUID& classId, const char* name) const;
+    Microsoft::WRL::ComPtr<IBaseFilter> CreateFilter(const GUID& classId, std::string_view name) const;
 
     // The catalogue object of one effect. Throws FailedJob. Must be released before the library object goes.
     Microsoft::WRL::ComPtr<IEffectInfo> CatalogueOf(const GUID& classId) const;

@@ -1,7 +1,6 @@
 #include "host/effects/EffectStack.h"
 
 #include "host/base/HostError.h"
-#include "host/base/NearestNames.h"
 #include "host/base/Text.h"
 
 #include <algorithm>
@@ -41,10 +40,10 @@ std::optional<std::int32_t> ValueOf(const ParameterDescription& parameter, std::
     return value;
 }
 
-[[noreturn]] void RefuseName(std::string_view effectName, const GUID& effect, std::string_view name)
+[[noreturn]] void RefuseName(const EffectStep& step, std::string_view name)
 {
-    std::string message = "\"" + std::string(effectName) + "\" has no parameter \"" + std::string(name) + "\"; ";
-    const auto parameters = ParametersOf(effect);
+    std::string message = "\"" + step.name + "\" has no parameter \"" + std::string(name) + "\"; ";
+    const auto parameters = ParametersOf(step.classId);
     if (parameters.empty())
         throw WrongWords(message + "it takes none, so leave --set away.");
     message += "it takes ";
@@ -58,45 +57,53 @@ std::optional<std::int32_t> ValueOf(const ParameterDescription& parameter, std::
 
 } // namespace
 
-EffectStep::EffectStep(const EffectEntry& entry) : effect(&entry), block(entry.defaults.begin(), entry.defaults.end())
+EffectStep StepOf(const CatalogueEntry& entry)
 {
+    return {entry.classId, entry.englishName, entry.defaults};
 }
 
-void EffectStep::Set(std::string_view assignment)
+EffectStep StepOf(const std::vector<CatalogueEntry>& catalogue, const EffectWords& words)
 {
-    block = SetInBlock(effect->name, *effect->classId, block, assignment);
+    EffectStep step = StepOf(RequireEntry(catalogue, words.name));
+    for (const std::string& setting : words.settings)
+        SetParameter(step, setting);
+    return step;
 }
 
-std::vector<std::int32_t> SetInBlock(std::string_view effectName, const GUID& effect, std::vector<std::int32_t> block,
-                                     std::string_view assignment)
+void SetParameter(EffectStep& step, std::string_view assignment)
 {
     const std::size_t equals = assignment.find('=');
     if (equals == std::string_view::npos)
         throw WrongWords("--set takes name=value, as in --set gamma=160; \"" + std::string(assignment) +
                          "\" has no value.");
     const std::string_view name = assignment.substr(0, equals), text = assignment.substr(equals + 1);
-    for (const ParameterDescription& parameter : ParametersOf(effect)) {
+    for (const ParameterDescription& parameter : ParametersOf(step.classId)) {
         if (LowerCase(parameter.name) != LowerCase(name))
             continue;
         const std::optional<std::int32_t> value = ValueOf(parameter, text);
         if (!value)
-            throw WrongWords("\"" + std::string(effectName) + "\": " + parameter.name + " can't be \"" +
-                             std::string(text) + "\"; it takes " + RangeOf(parameter) + " (" + parameter.meaning +
-                             ").");
-        block.at(parameter.offset / sizeof(std::int32_t)) = *value;
-        return block;
+            throw WrongWords("\"" + step.name + "\": " + parameter.name + " can't be \"" + std::string(text) +
+                             "\"; it takes " + RangeOf(parameter) + " (" + parameter.meaning + ").");
+        step.block.at(parameter.offset / sizeof(std::int32_t)) = *value;
+        return;
     }
-    RefuseName(effectName, effect, name);
+    RefuseName(step, name);
 }
 
-std::string EffectStep::Settings() const
+EffectStack SwitchedOn(EffectStack stack)
+{
+    std::erase_if(stack, [](const EffectStep& step) { return !step.on; });
+    return stack;
+}
+
+std::string SettingsText(const EffectStep& step)
 {
     std::string text;
-    for (const ParameterDescription& parameter : ParametersOf(*effect->classId)) {
+    for (const ParameterDescription& parameter : ParametersOf(step.classId)) {
         if (!text.empty())
             text += ", ";
-        text +=
-            std::string(parameter.name) + "=" + ShowValue(parameter, block.at(parameter.offset / sizeof(std::int32_t)));
+        text += std::string(parameter.name) + "=" +
+                ShowValue(parameter, step.block.at(parameter.offset / sizeof(std::int32_t)));
     }
     return text;
 }

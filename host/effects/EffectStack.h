@@ -1,7 +1,7 @@
 // The effects a picture goes through, in order, each with its own parameters.
 #pragma once
 
-#include "host/effects/EffectTable.h"
+#include "host/effects/EffectCatalogue.h"
 
 #include <vixavideofx/EffectParameters.h>
 
@@ -13,36 +13,45 @@
 
 namespace vixahost::effects {
 
-class EffectStep
+// One effect with its parameters, apart from any object of the library.
+struct EffectStep
 {
-public:
-    // An effect with its default parameters. The entry must outlive the step.
-    explicit EffectStep(const EffectEntry& entry);
+    GUID classId = {};
+    std::string name;                // English
+    std::vector<std::int32_t> block; // its data block, as a property set holds it
+    bool on = true;
 
-    // Sets one parameter from "name=value"; the value is a number or one of the parameter's named values. Throws
-    // WrongWords that names the parameters there are, or the range; the step is then unchanged.
-    void Set(std::string_view assignment);
-
-    // Takes a whole block, as a settings panel has written it.
-    void SetBlock(std::span<const std::int32_t> newBlock) { block.assign(newBlock.begin(), newBlock.end()); }
-
-    const EffectEntry& Effect() const noexcept { return *effect; }
-    // The effect's data block, as its property set holds it.
-    std::span<const std::int32_t> Block() const noexcept { return block; }
-    // "gamma=160", "red=60, green=-20, blue=0", or "" for an effect without parameters.
-    std::string Settings() const;
-
-private:
-    const EffectEntry* effect;
-    std::vector<std::int32_t> block;
+    // The same effect with the same parameters.
+    friend bool operator==(const EffectStep& a, const EffectStep& b)
+    {
+        return IsEqualGUID(a.classId, b.classId) && a.block == b.block && a.on == b.on;
+    }
 };
 
 using EffectStack = std::vector<EffectStep>;
 
-// The block with one parameter set from "name=value", as EffectStep::Set does it; the English name is for the
-// complaint.
-std::vector<std::int32_t> SetInBlock(std::string_view effectName, const GUID& effect, std::vector<std::int32_t> block,
-                                     std::string_view assignment);
+// An effect with its default parameters.
+EffectStep StepOf(const CatalogueEntry& entry);
+
+// An effect as a user names it, with its "name=value" settings.
+struct EffectWords
+{
+    std::string name;
+    std::vector<std::string> settings;
+};
+
+// Throws WrongWords as RequireEntry and SetParameter do.
+EffectStep StepOf(const std::vector<CatalogueEntry>& catalogue, const EffectWords& words);
+
+// Sets one parameter from "name=value"; the value is a number or one of the parameter's named values. Throws WrongWords
+// that names the parameters there are, or the range; the step is then unchanged.
+void SetParameter(EffectStep& step, std::string_view assignment);
+
+// The steps that are switched on.
+EffectStack SwitchedOn(EffectStack stack);
+
+// "gamma=160", "red=60, green=-20, blue=0", or "" for an effect without parameters.
+std::string SettingsText(const EffectStep& step);
 
 // What a parameter takes: "45 to 220", or "both, vertical or horizontal" when only the named values are allowed.
 std::string RangeOf(const vixavideofx::ParameterDescription& parameter);

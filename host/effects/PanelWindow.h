@@ -1,35 +1,37 @@
 // A window in which the host embeds an effect's settings panel.
 #pragma once
 
-#include <windows.h>
+#include "host/base/Window.h"
+
+#include <vixavideofx/IEffectInfo.h>
 
 #include <functional>
 
 namespace vixahost::effects {
 
 // Belongs to the thread that makes it.
-class PanelWindow
+class PanelWindow : public Window
 {
 public:
     static constexpr UINT changed = WM_APP + 1; // what a panel sends on each change
 
-    // Hidden, without frame, of that many pixels. Throws FailedJob when the system makes no window.
-    PanelWindow(int width, int height);
-    ~PanelWindow();
-    PanelWindow(const PanelWindow&) = delete;
-    PanelWindow& operator=(const PanelWindow&) = delete;
+    // Of that many pixels, without frame: hidden, or a visible part of another window. Throws FailedJob when the system
+    // makes no window.
+    PanelWindow(int width, int height, HWND parent = nullptr);
 
-    HWND Handle() const noexcept { return window; }
+    // Asks an effect for its panel on a property set; answers what the library answers.
+    HRESULT ShowPanel(IEffectInfo& info, IUnknown* set, HWND* panel) const
+    {
+        return info.ShowSettingsDialog(0, hwnd, changed, set, panel);
+    }
     // Dispatches what is queued for the thread's windows.
     static void Pump();
 
     std::function<void(WPARAM, LPARAM)> onChange;
     int otherMessages = 0; // in the range of a program's own messages
 
-private:
-    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-
-    HWND window = nullptr;
+protected:
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 };
 
 } // namespace vixahost::effects

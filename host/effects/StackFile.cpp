@@ -31,7 +31,7 @@ class StackParser
 public:
     explicit StackParser(const std::vector<CatalogueEntry>& known) : catalogue(known) {}
 
-    std::vector<StackItem> Parse(std::string_view text)
+    EffectStack Parse(std::string_view text)
     {
         if (text.starts_with(byteOrderMark))
             text.remove_prefix(byteOrderMark.size());
@@ -80,8 +80,7 @@ private:
             Fail("there is no effect \"" + std::string(name) + "\"; did you mean " +
                  Alternatives(NearestNames(name, names)) + "?");
         }
-        stack.push_back({entry->classId, entry->defaults, true});
-        current = entry;
+        stack.push_back(StepOf(*entry));
     }
 
     void SwitchEffect(std::string_view value)
@@ -95,60 +94,50 @@ private:
     void SetParameter(const std::string& name, std::string_view value)
     {
         try {
-            stack.back().block =
-                SetInBlock(current->englishName, current->classId, stack.back().block, name + "=" + std::string(value));
+            effects::SetParameter(stack.back(), name + "=" + std::string(value));
         } catch (const HostError& fault) {
             Fail(fault.what());
         }
     }
 
     const std::vector<CatalogueEntry>& catalogue;
-    const CatalogueEntry* current = nullptr;
-    std::vector<StackItem> stack;
+    EffectStack stack;
     int line = 0;
 };
 
-const CatalogueEntry& EntryOf(const std::vector<CatalogueEntry>& catalogue, const GUID& classId)
-{
-    if (const CatalogueEntry* const entry = FindEntry(catalogue, classId))
-        return *entry;
-    throw FailedJob("The stack has an effect that the library doesn't know.");
-}
-
 } // namespace
 
-std::string WriteStack(const std::vector<StackItem>& stack, const std::vector<CatalogueEntry>& catalogue)
+std::string WriteStack(const EffectStack& stack)
 {
     std::string text = "# VixaVideoFX stack: the effects in order, each with its parameters.\n";
-    for (const StackItem& item : stack) {
-        text += "\neffect = " + EntryOf(catalogue, item.classId).englishName + "\n";
-        if (!item.on)
+    for (const EffectStep& step : stack) {
+        text += "\neffect = " + step.name + "\n";
+        if (!step.on)
             text += "on = no\n";
-        for (const ParameterDescription& parameter : ParametersOf(item.classId))
+        for (const ParameterDescription& parameter : ParametersOf(step.classId))
             text += std::string(parameter.name) + " = " +
-                    ShowValue(parameter, item.block.at(parameter.offset / sizeof(std::int32_t))) + "\n";
+                    ShowValue(parameter, step.block.at(parameter.offset / sizeof(std::int32_t))) + "\n";
     }
     return text;
 }
 
-std::vector<StackItem> ParseStack(std::string_view text, const std::vector<CatalogueEntry>& catalogue)
+EffectStack ParseStack(std::string_view text, const std::vector<CatalogueEntry>& catalogue)
 {
     return StackParser(catalogue).Parse(text);
 }
 
-void SaveStackFile(const std::filesystem::path& file, const std::vector<StackItem>& stack,
-                   const std::vector<CatalogueEntry>& catalogue)
+void SaveStackFile(const std::filesystem::path& file, const EffectStack& stack)
 {
     TargetFile target(file);
     std::ofstream stream(target.Temporary(), std::ios::binary);
-    stream << WriteStack(stack, catalogue);
+    stream << WriteStack(stack);
     stream.close();
     if (!stream)
         throw FailedJob("Can't write " + Show(file) + "; is the disk full or the folder protected?");
     target.Commit();
 }
 
-std::vector<StackItem> LoadStackFile(const std::filesystem::path& file, const std::vector<CatalogueEntry>& catalogue)
+EffectStack LoadStackFile(const std::filesystem::path& file, const std::vector<CatalogueEntry>& catalogue)
 {
     std::ifstream stream(file, std::ios::binary);
     if (!stream)
@@ -159,18 +148,6 @@ std::vector<StackItem> LoadStackFile(const std::filesystem::path& file, const st
     } catch (const HostError& fault) {
         throw FailedJob(Show(file) + ", " + fault.what());
     }
-}
-
-EffectStack StackToRun(const std::vector<StackItem>& stack, const std::vector<CatalogueEntry>& catalogue)
-{
-    EffectStack run;
-    for (const StackItem& item : stack) {
-        if (!item.on)
-            continue;
-        run.emplace_back(FindEffect(EntryOf(catalogue, item.classId).englishName));
-        run.back().SetBlock(item.block);
-    }
-    return run;
 }
 
 } // namespace vixahost::effects

@@ -46,15 +46,14 @@ EffectGraph::EffectGraph(const effects::EffectLibrary& library, const effects::E
     Add(source.Get(), "Source");
     IBaseFilter* last = source.Get();
     for (const effects::EffectStep& step : stack) {
-        const ComPtr<IBaseFilter> filter = library.CreateFilter(*step.Effect().classId, step.Effect().name);
+        const ComPtr<IBaseFilter> filter = library.CreateFilter(step.classId, step.name);
         ComPtr<IEffectFilter> effect;
-        Require(filter.As(&effect), "\"" + std::string(step.Effect().name) + "\" takes no parameters from a host");
+        Require(filter.As(&effect), "\"" + step.name + "\" takes no parameters from a host");
         effects.push_back(filter);
-        Require(effect->SetPropertySet(effects::DataPropertySet::Create(step.Block()).Get()),
-                "Parameters were refused");
+        Require(effect->SetPropertySet(effects::DataPropertySet::Create(step.block).Get()), "Parameters were refused");
         Require(effect->SetDuration(duration), "The length was refused");
-        Add(filter.Get(), step.Effect().name);
-        Connect(last, filter.Get(), step.Effect().name);
+        Add(filter.Get(), step.name);
+        Connect(last, filter.Get(), step.name);
         last = filter.Get();
     }
     Add(sink.Get(), "Sink");
@@ -71,16 +70,16 @@ EffectGraph::~EffectGraph()
     control->Stop();
 }
 
-void EffectGraph::Add(IBaseFilter* filter, const char* name)
+void EffectGraph::Add(IBaseFilter* filter, const std::string& name)
 {
-    Require(graph->AddFilter(filter, Wide(name).c_str()), "The graph refuses \"" + std::string(name) + "\"");
+    Require(graph->AddFilter(filter, Wide(name).c_str()), "The graph refuses \"" + name + "\"");
 }
 
-void EffectGraph::Connect(IBaseFilter* from, IBaseFilter* to, const char* name)
+void EffectGraph::Connect(IBaseFilter* from, IBaseFilter* to, const std::string& name)
 {
     const ComPtr<IPin> output = FindPin(from, PINDIR_OUTPUT), input = FindPin(to, PINDIR_INPUT);
     Require(output && input ? graph->ConnectDirect(output.Get(), input.Get(), nullptr) : VFW_E_NOT_FOUND,
-            "\"" + std::string(name) + "\" can't be connected");
+            "\"" + name + "\" can't be connected");
 }
 
 void EffectGraph::Start()

@@ -42,8 +42,8 @@ public:
     IBaseFilter* Filter(std::size_t step) const { return effects.at(step).Get(); }
 
 private:
-    void Add(IBaseFilter* filter, const char* name);
-    void Connect(IBaseFilter* from, IBaseFilter* to, const char* name);
+    void Add(IBaseFilter* filter, const std::string& name);
+    void Connect(IBaseFilter* from, IBaseFilter* to, const std::string& name);
     void WaitForEnd(const std::function<void(std::int64_t)>& onProgress);
     [[noreturn]] void Fail(HRESULT result) const;
 

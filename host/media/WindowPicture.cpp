@@ -7,7 +7,7 @@
 
 namespace vixahost::media {
 
-Picture PictureOf(HWND window)
+Picture PictureOfWindow(HWND window)
 {
     RECT outer = {}, area = {};
     GetWindowRect(window, &outer);
@@ -33,11 +33,14 @@ Picture PictureOf(HWND window)
         throw FailedJob("There is no room for a picture of the window.");
     const HGDIOBJ old = SelectObject(dc.get(), bitmap.get());
     const UniqueWindowDC source(GetWindowDC(window), {window});
-    BitBlt(dc.get(), 0, 0, picture.width, picture.height, source.get(), area.left - outer.left, area.top - outer.top,
-           SRCCOPY);
+    const bool done = BitBlt(dc.get(), 0, 0, picture.width, picture.height, source.get(), area.left - outer.left,
+                             area.top - outer.top, SRCCOPY) != FALSE;
+    const DWORD error = GetLastError();
     GdiFlush();
     std::memcpy(picture.pixels.data(), bits, picture.pixels.size());
     SelectObject(dc.get(), old);
+    if (!done)
+        throw FailedJob("The window can't be read back (system error " + std::to_string(error) + ").");
     for (std::size_t i = 3; i < picture.pixels.size(); i += 4)
         picture.pixels[i] = 255;
     return picture;

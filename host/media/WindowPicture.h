@@ -8,7 +8,7 @@
 namespace vixahost::media {
 
 // The window as it is on the screen, with its menu but without the frame, which belongs to the desktop it is shown on.
-// It must be visible.
-Picture PictureOf(HWND window);
+// It must be visible. Throws FailedJob.
+Picture PictureOfWindow(HWND window);
 
 } // namespace vixahost::media

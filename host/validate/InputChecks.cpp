@@ -1,9 +1,9 @@
 // Group "bad-input": property sets, samples and arguments that are wrong on purpose.
 #include "host/fixtures/GuardedMemory.h"
+#include "host/fixtures/PixelModel.h"
 #include "host/fixtures/PushGraph.h"
 #include "host/fixtures/RecordedSet.h"
 #include "host/validate/Contract.h"
-#include "host/validate/PixelModel.h"
 #include "host/validate/Subject.h"
 
 #include <vixavideofx/ClassIds.h>
@@ -39,7 +39,8 @@ void NullSet(Subject& library)
         parameters->SetPropertySet(&set);
         RequireResult(parameters->SetPropertySet(nullptr), S_OK, std::string(effect.name) + ": SetPropertySet(null)");
         fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, height));
-        Require(graph.Through(Ramp()) == ExpectedFrame(*effect.classId, effect.working, Ramp(), width, height),
+        Require(graph.Through(Ramp()) ==
+                    fixtures::ExpectedFrame(*effect.classId, effect.working, Ramp(), width, height),
                 std::string(effect.name) + ": SetPropertySet(null) changed the parameters");
     }
 }
@@ -72,7 +73,8 @@ void LongSet(Subject& library)
             // A set that says that it gave nothing leaves the sign of "Filter color" open; the others don't look.
             RequireResult(Parameters(filter.Get())->SetPropertySet(&set), S_OK, "SetPropertySet with a long set");
             fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, height));
-            Require(graph.Through(Ramp()) == ExpectedFrame(*effect.classId, effect.working, Ramp(), width, height),
+            Require(graph.Through(Ramp()) ==
+                        fixtures::ExpectedFrame(*effect.classId, effect.working, Ramp(), width, height),
                     std::string(effect.name) + ": a long set spoilt the parameters");
         }
 }
@@ -194,7 +196,7 @@ void TrailingBytes(Subject& library)
         Parameters(filter.Get())->SetPropertySet(&set);
         fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(3, 1));
         const Frame in = {1, 2, 3, 4, 5, 6, 7, 8, 90, 91, 92, 93};
-        Require(graph.Through(in) == ExpectedFrame(*effect, promise.working, in, 3, 1),
+        Require(graph.Through(in) == fixtures::ExpectedFrame(*effect, promise.working, in, 3, 1),
                 std::string(promise.name) + ": the four bytes beyond a multiple of eight were not left alone");
     }
 }

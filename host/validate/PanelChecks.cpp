@@ -67,8 +67,7 @@ struct Embedded
     void Open()
     {
         panel = nullptr;
-        RequireResult(info->ShowSettingsDialog(0, host.Handle(), effects::PanelWindow::changed, &set, &panel), S_OK,
-                      name + ": ShowSettingsDialog");
+        RequireResult(host.ShowPanel(*info.Get(), &set, &panel), S_OK, name + ": ShowSettingsDialog");
         Require(panel && IsWindow(panel), name + ": ShowSettingsDialog answers no window");
     }
     HWND Item(int id) const
@@ -132,9 +131,9 @@ void Arguments(Subject& library)
         const auto info = library.Info(*effect.classId);
         fixtures::RecordedSet set(effect.defaults);
         HWND window = host.Handle();
-        RequireResult(info->ShowSettingsDialog(0, host.Handle(), effects::PanelWindow::changed, nullptr, &window),
-                      E_FAIL, "ShowSettingsDialog without a property set");
-        RequireResult(info->ShowSettingsDialog(0, host.Handle(), effects::PanelWindow::changed, &set, nullptr), E_FAIL,
+        RequireResult(host.ShowPanel(*info.Get(), nullptr, &window), E_FAIL,
+                      "ShowSettingsDialog without a property set");
+        RequireResult(host.ShowPanel(*info.Get(), &set, nullptr), E_FAIL,
                       "ShowSettingsDialog without a place for the window");
     }
 }
@@ -167,11 +166,11 @@ void DiesWithTheHost(Subject& library)
         HWND panel = nullptr;
         {
             const effects::PanelWindow host(100, 100);
-            info->ShowSettingsDialog(0, host.Handle(), effects::PanelWindow::changed, &set, &panel);
+            host.ShowPanel(*info.Get(), &set, &panel);
         }
         Require(!IsWindow(panel), std::string(effect.name) + ": the panel outlives the host's window");
         const effects::PanelWindow other(100, 100);
-        RequireResult(info->ShowSettingsDialog(0, other.Handle(), effects::PanelWindow::changed, &set, &panel), S_OK,
+        RequireResult(other.ShowPanel(*info.Get(), &set, &panel), S_OK,
                       std::string(effect.name) + ": ShowSettingsDialog in another window");
         Require(GetParent(panel) == other.Handle(), std::string(effect.name) + ": the panel is not in its new window");
     }

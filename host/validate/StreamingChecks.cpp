@@ -1,8 +1,8 @@
 // Group "streaming": frames through each effect, against pixels worked out by hand and against the plain arithmetic.
+#include "host/fixtures/PixelModel.h"
 #include "host/fixtures/PushGraph.h"
 #include "host/fixtures/RecordedSet.h"
 #include "host/validate/Contract.h"
-#include "host/validate/PixelModel.h"
 #include "host/validate/Subject.h"
 
 #include <vixavideofx/ClassIds.h>
@@ -166,7 +166,7 @@ void WholeFrames(Subject& library)
             fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, height));
             const Frame in = Noise(static_cast<std::size_t>(width * std::abs(height)) * 4);
             const Frame out = graph.Through(in);
-            const Frame wanted = ExpectedFrame(*effect.classId, effect.working, in, width, height);
+            const Frame wanted = fixtures::ExpectedFrame(*effect.classId, effect.working, in, width, height);
             const auto wrong = std::mismatch(out.begin(), out.end(), wanted.begin());
             if (wrong.first != out.end()) {
                 const long pixel = static_cast<long>(wrong.first - out.begin()) / 4;
@@ -217,7 +217,7 @@ void OneCopy(Subject& library)
         fixtures::PushGraph graph(Prepared(library, *effect.classId, effect.working).Get(), fixtures::VideoType(8, 8),
                                   fixtures::PushGraph::Allocator::ReadOnly);
         const Frame original = Noise(8 * 8 * 4);
-        const Frame wanted = ExpectedFrame(*effect.classId, effect.working, original, 8, 8);
+        const Frame wanted = fixtures::ExpectedFrame(*effect.classId, effect.working, original, 8, 8);
         // More frames than there are buffers: a copy that is not given back would end the stream.
         for (int i = 1; i <= 8; ++i) {
             Frame frame = original;

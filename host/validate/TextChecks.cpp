@@ -1,6 +1,6 @@
 // Group "texts": names and groups in every language that lies beside the library.
 #include "host/base/Text.h"
-#include "host/effects/LanguageCodes.h"
+#include "host/effects/Languages.h"
 #include "host/fixtures/GuardedMemory.h"
 #include "host/validate/Contract.h"
 #include "host/validate/Subject.h"

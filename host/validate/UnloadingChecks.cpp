@@ -113,7 +113,7 @@ void AfterPanels(Subject& library)
             const effects::PanelWindow host(200, 200);
             fixtures::RecordedSet set(effect.defaults);
             HWND panel = nullptr;
-            info->ShowSettingsDialog(0, host.Handle(), effects::PanelWindow::changed, &set, &panel);
+            host.ShowPanel(*info.Get(), &set, &panel);
         }
         MayGo(library, std::string("after the panel of ") + effect.name);
     }

@@ -40,7 +40,7 @@ TEST(BrowserClip, SeeksPlaysAndIsSavedOrCancelled)
 
         SaveOrder order;
         order.source = file;
-        order.stack = effects::StackToRun({{vixavideofx::CLSID_InvertColor, {7}, true}}, session.Catalogue());
+        order.stack = {{vixavideofx::CLSID_InvertColor, "Invert color", {7}}};
         order.target = folder / L"out.avi";
         SaveJob job(order, [] {});
         EXPECT_EQ(job.Wait(), "");

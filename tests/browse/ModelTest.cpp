@@ -17,7 +17,7 @@ constexpr GUID one = {1, 0, 0, {}}, two = {2, 0, 0, {}}, three = {3, 0, 0, {}};
 std::vector<unsigned long> Row(const StackModel& stack)
 {
     std::vector<unsigned long> row;
-    for (const effects::StackItem& item : stack.Items())
+    for (const effects::EffectStep& item : stack.Items())
         row.push_back(item.classId.Data1);
     return row;
 }
@@ -28,10 +28,10 @@ TEST(StackModel, AddsAfterTheSelectionAndMovesItAlong)
 {
     StackModel stack;
     EXPECT_EQ(stack.Current(), nullptr);
-    stack.Add(one, {1});
-    stack.Add(two, {2});
+    stack.Add({one, "", {1}});
+    stack.Add({two, "", {2}});
     stack.Select(0);
-    stack.Add(three, {3});
+    stack.Add({three, "", {3}});
     EXPECT_EQ(Row(stack), (Numbers{1, 3, 2}));
     EXPECT_EQ(stack.Selected(), 1u);
     EXPECT_TRUE(stack.Move(1, 1));
@@ -53,26 +53,26 @@ TEST(StackModel, AddsAfterTheSelectionAndMovesItAlong)
 TEST(StackModel, AnEffectThatComesBackHasItsLastParameters)
 {
     StackModel stack;
-    EXPECT_TRUE(stack.Choose(one, {100}));
-    EXPECT_FALSE(stack.Choose(one, {100})) << "it is there already";
+    EXPECT_TRUE(stack.Choose({one, "", {100}}));
+    EXPECT_FALSE(stack.Choose({one, "", {100}})) << "it is there already";
     stack.SetBlock(0, {150}, 0);
-    EXPECT_TRUE(stack.Choose(two, {0}));
+    EXPECT_TRUE(stack.Choose({two, "", {0}}));
     EXPECT_EQ(stack.Current()->block, std::vector<std::int32_t>{0});
-    EXPECT_TRUE(stack.Choose(one, {100}));
+    EXPECT_TRUE(stack.Choose({one, "", {100}}));
     EXPECT_EQ(stack.Current()->block, std::vector<std::int32_t>{150});
     EXPECT_EQ(stack.Items().size(), 1u) << "choosing takes the place of the selected step";
 }
 
 TEST(StackModel, UndoesAndRedoesEveryChange)
 {
-    StackModel stack({{one, {100}, true}});
+    StackModel stack({{one, "", {100}}});
     EXPECT_FALSE(stack.CanUndo());
     const auto before = stack.Items();
     stack.SetBlock(0, {120}, 1000);
-    stack.Add(two, {2});
+    stack.Add({two, "", {2}});
     stack.Switch(0, false);
     stack.Move(0, 1);
-    stack.Replace({{three, {3}, true}});
+    stack.Replace({{three, "", {3}}});
     const auto after = stack.Items();
     EXPECT_FALSE(stack.SetBlock(0, {3}, 2000)) << "the same block again is no change";
     int steps = 0;
@@ -91,7 +91,7 @@ TEST(StackModel, UndoesAndRedoesEveryChange)
 
 TEST(StackModel, MergesWhatAHeldKeyDoesToOneStep)
 {
-    StackModel stack({{one, {0}, true}, {two, {0}, true}});
+    StackModel stack({{one, "", {0}}, {two, "", {0}}});
     for (int i = 1; i <= 20; ++i)
         stack.SetBlock(0, {i}, 1000 + 30 * static_cast<std::uint64_t>(i));
     stack.SetBlock(1, {5}, 1610);  // another step: a change of its own

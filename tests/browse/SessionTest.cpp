@@ -34,7 +34,7 @@ protected:
     static void Choose(Session& session, const GUID& effect)
     {
         const effects::CatalogueEntry& entry = *effects::FindEntry(session.Catalogue(), effect);
-        session.Change([&](StackModel& stack) { stack.Choose(entry.classId, entry.defaults); });
+        session.Change([&](StackModel& stack) { stack.Choose(effects::StepOf(entry)); });
     }
 
     static void Set(Session& session, std::vector<std::int32_t> block)
@@ -61,7 +61,7 @@ TEST_F(SessionTest, APictureFollowsItsParameters)
     EXPECT_GT(results, 1);
 
     // Twice inverted is the picture again; one of the two switched off is not.
-    session.Change([](StackModel& stack) { stack.Add(CLSID_InvertColor, {7}); });
+    session.Change([](StackModel& stack) { stack.Add({CLSID_InvertColor, "", {7}}); });
     EXPECT_EQ(*Settled(session).after, *untouched.before);
     session.Change([](StackModel& stack) { stack.Switch(0, false); });
     EXPECT_EQ(*Settled(session).after, *inverted.after);
@@ -78,7 +78,7 @@ TEST_F(SessionTest, OrderCounts)
 {
     Session session([] {});
     session.Change([](StackModel& stack) {
-        stack.Replace({{CLSID_AddPixel, {100, 100, 100, 0}, true}, {CLSID_InvertColor, {7}, true}});
+        stack.Replace({{CLSID_AddPixel, "", {100, 100, 100, 0}}, {CLSID_InvertColor, "", {7}}});
     });
     const FrameBytes addedFirst = *Settled(session).after;
     session.Change([](StackModel& stack) { stack.Move(0, 1); });
@@ -95,7 +95,7 @@ TEST_F(SessionTest, EveryEffectRunsAndTheNamesFollowTheLanguage)
     const std::wstring english = effects::FindEntry(session.Catalogue(), CLSID_SoftenFilter)->name;
     session.SetLanguage(MAKELANGID(LANG_GERMAN, SUBLANG_GERMAN));
     EXPECT_NE(effects::FindEntry(session.Catalogue(), CLSID_SoftenFilter)->name, english);
-    EXPECT_GT(effects::FindLanguages(session.LibraryFile()).size(), 20u);
+    EXPECT_GT(effects::InstalledLanguages(session.LibraryFile()).size(), 20u);
     EXPECT_THROW(session.OpenFile(L"no such picture.png"), FailedJob);
     EXPECT_TRUE(Settled(session).after) << "what was open stays open";
 }
@@ -125,7 +125,7 @@ TEST_F(SessionTest, SavesWhatItShowsOrNothing)
     const LiveResult shown = Settled(session);
     SaveOrder order;
     order.still = session.Open().Still();
-    order.stack = effects::StackToRun(session.Stack().Items(), session.Catalogue());
+    order.stack = effects::SwitchedOn(session.Stack().Items());
     order.target = L"browse-saved.png";
     bool ended = false;
     SaveJob job(order, [&] { ended = true; });

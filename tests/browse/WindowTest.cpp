@@ -139,7 +139,7 @@ protected:
     // What the preview shows.
     std::vector<std::uint8_t> Seen() const
     {
-        const media::Picture window = media::PictureOf(frame);
+        const media::Picture window = media::PictureOfWindow(frame);
         RECT client = {}, pane = {};
         GetClientRect(frame, &client);
         MapWindowPoints(frame, nullptr, reinterpret_cast<POINT*>(&client), 2);

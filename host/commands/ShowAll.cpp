@@ -1,7 +1,8 @@
+#include "host/commands/ShowAll.h"
 #include "host/base/HostError.h"
 #include "host/base/TargetFile.h"
 #include "host/base/Text.h"
-#include "host/commands/Commands.h"
+#include "host/effects/EffectCatalogue.h"
 #include "host/graph/EffectGraph.h"
 #include "host/media/ContactSheet.h"
 #include "host/media/PictureFile.h"
@@ -16,16 +17,16 @@ namespace {
 
 // Values that show what an effect does: of named values the last, else one beyond the middle of the range and one
 // before it, in turn.
-effects::EffectStep Showing(const effects::EffectEntry& effect)
+effects::EffectStep Showing(const effects::CatalogueEntry& effect)
 {
-    effects::EffectStep step(effect);
+    effects::EffectStep step = effects::StepOf(effect);
     int ranges = 0;
-    for (const auto& parameter : vixavideofx::ParametersOf(*effect.classId)) {
+    for (const auto& parameter : vixavideofx::ParametersOf(effect.classId)) {
         const std::int32_t range = parameter.maximum - parameter.minimum;
         const std::int32_t value = !parameter.choices.empty() ? parameter.choices.back().value
                                    : ranges++ % 2 == 0        ? parameter.minimum + range * 5 / 8
                                                               : parameter.minimum + range * 3 / 8;
-        step.Set(std::string(parameter.name) + "=" + std::to_string(value));
+        effects::SetParameter(step, std::string(parameter.name) + "=" + std::to_string(value));
     }
     return step;
 }
@@ -47,7 +48,7 @@ void Save(const std::filesystem::path& file, const media::Picture& picture)
 
 } // namespace
 
-void ShowAllEffects()
+void Run(const ShowAllCommand&)
 {
     const std::filesystem::path folder = L"out";
     if (!CreateDirectoryW(folder.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)
@@ -58,7 +59,7 @@ void ShowAllEffects()
     std::vector<media::SheetTile> tiles = {{"The sample picture", "", scene}};
 
     Say(Cell("effect", 18) + Cell("settings", 32) + Cell("size", 12) + "ms per frame\n");
-    for (const effects::EffectEntry& effect : effects::Effects()) {
+    for (const effects::CatalogueEntry& effect : effects::ReadCatalogue(library)) {
         const effects::EffectStep step = Showing(effect);
         media::Picture result = scene;
         media::PictureReader reader(scene, framesMeasured);
@@ -67,14 +68,14 @@ void ShowAllEffects()
         graph.Run();
         if (writer.FramesWritten() != framesMeasured)
             throw FailedJob("The filter graph lost frames.");
-        Save(folder / (effects::FileStem(step.Effect()) + ".png"), result);
+        Save(folder / (effects::FileStem(effect) + ".png"), result);
 
         char time[32];
         std::snprintf(time, sizeof time, "%12.3f", graph.MedianMilliseconds());
-        const std::string settings = step.Settings();
-        Say(Cell(effect.name, 18) + Cell(settings.empty() ? "-" : settings, 32) +
+        const std::string settings = effects::SettingsText(step);
+        Say(Cell(effect.englishName, 18) + Cell(settings.empty() ? "-" : settings, 32) +
             Cell(std::to_string(result.width) + " x " + std::to_string(result.height), 12) + time + "\n");
-        tiles.push_back({effect.name, settings, std::move(result)});
+        tiles.push_back({effect.englishName, settings, std::move(result)});
     }
     Save(folder / L"contact-sheet.png", media::DrawContactSheet("VixaVideoFX: thirteen effects", tiles));
     Say("14 pictures are in the folder out; contact-sheet.png shows all of them.\n");

@@ -1,4 +1,4 @@
-#include "tests/host/Process.h"
+#include "tests/host/commands/Process.h"
 
 #include "host/base/Handles.h"
 #include "tests/host/TestFiles.h"

@@ -32,31 +32,30 @@ protected:
 
 TEST_F(StackFile, EveryEffectComesBackAsItWas)
 {
-    std::vector<effects::StackItem> stack;
+    effects::EffectStack stack;
     for (const effects::CatalogueEntry& entry : catalogue)
-        stack.push_back({entry.classId, entry.defaults, stack.size() % 3 != 1});
-    for (effects::StackItem& item : stack)
+        stack.push_back({entry.classId, entry.englishName, entry.defaults, stack.size() % 3 != 1});
+    for (effects::EffectStep& item : stack)
         if (item.classId == CLSID_FilterColor)
             item.block = {-120, FilterColorBlock::Red};
         else if (item.classId == CLSID_ShiftEdges)
             item.block = {static_cast<std::int32_t>(ConvolutionKind::ShiftEdgesHorizontal)};
     ASSERT_EQ(stack.size(), 13u);
-    EXPECT_EQ(effects::ParseStack(effects::WriteStack(stack, catalogue), catalogue), stack);
+    EXPECT_EQ(effects::ParseStack(effects::WriteStack(stack), catalogue), stack);
 
     const std::filesystem::path file = L"st\u00E4ck \u65E5\u672C.txt";
-    effects::SaveStackFile(file, stack, catalogue);
+    effects::SaveStackFile(file, stack);
     EXPECT_EQ(effects::LoadStackFile(file, catalogue), stack);
     std::filesystem::remove(file);
 }
 
 TEST_F(StackFile, MeansTheSameInEveryLanguage)
 {
-    const std::vector<effects::StackItem> stack = {
-        {CLSID_Emboss, effects::FindEntry(catalogue, CLSID_Emboss)->defaults, true}};
-    const std::string english = effects::WriteStack(stack, catalogue);
+    const effects::EffectStack stack = {effects::StepOf(*effects::FindEntry(catalogue, CLSID_Emboss))};
+    const std::string english = effects::WriteStack(stack);
     const auto german = effects::ReadCatalogue(library, MAKELANGID(LANG_GERMAN, SUBLANG_GERMAN));
     EXPECT_NE(effects::FindEntry(german, CLSID_Emboss)->name, effects::FindEntry(catalogue, CLSID_Emboss)->name);
-    EXPECT_EQ(effects::WriteStack(stack, german), english);
+    EXPECT_EQ(effects::WriteStack({effects::StepOf(*effects::FindEntry(german, CLSID_Emboss))}), english);
     EXPECT_EQ(effects::ParseStack(english, german), stack);
 }
 
@@ -72,7 +71,7 @@ TEST_F(StackFile, TakesWhatAPersonWrites)
     EXPECT_FALSE(stack[1].on);
     EXPECT_EQ(stack[2].block, (std::vector<std::int32_t>{0, FilterColorBlock::Red}));
     EXPECT_TRUE(effects::ParseStack("", catalogue).empty());
-    EXPECT_EQ(effects::StackToRun(stack, catalogue).size(), 2u) << "what is switched off doesn't run";
+    EXPECT_EQ(effects::SwitchedOn(stack).size(), 2u) << "what is switched off doesn't run";
 }
 
 TEST_F(StackFile, SaysWhereAndWhyALineIsRefused)

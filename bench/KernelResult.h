@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <span>
 
-namespace vixahost::test {
+namespace vixahost::bench {
 
 // Changes a frame (32-bit RGB, bottom-up, `width` by `height` pixels) as the step's effect does with its parameters.
 void ApplyKernel(const effects::EffectStep& step, std::span<std::uint8_t> frame, int width, int height);
 
-} // namespace vixahost::test
+} // namespace vixahost::bench

@@ -1,4 +1,4 @@
-#include "tests/host/KernelResult.h"
+#include "bench/KernelResult.h"
 
 #include "effects/kernels/Kernels.h"
 
@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-namespace vixahost::test {
+namespace vixahost::bench {
 
 void ApplyKernel(const effects::EffectStep& step, std::span<std::uint8_t> frame, int width, int height)
 {
     const vixa::kernels::KernelSet& kernels = vixa::kernels::KernelsOf(vixa::kernels::Level::Scalar);
-    const std::string effect = step.Effect().name;
-    const auto block = step.Block();
+    const std::string& effect = step.name;
+    const auto& block = step.block;
     if (effect == "Add pixel") {
         kernels.add(frame, {block[0], block[1], block[2]});
     } else if (effect == "Filter color") {
@@ -32,4 +32,4 @@ void ApplyKernel(const effects::EffectStep& step, std::span<std::uint8_t> frame,
     }
 }
 
-} // namespace vixahost::test
+} // namespace vixahost::bench

@@ -1,4 +1,4 @@
-#include "tests/host/AllocationCount.h"
+#include "bench/AllocationCount.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -30,7 +30,7 @@ void operator delete(void* memory, std::size_t) noexcept
     std::free(memory);
 }
 
-namespace vixahost::test {
+namespace vixahost::bench {
 
 void CountAllocationsFrom(std::size_t bytes) noexcept
 {
@@ -43,4 +43,4 @@ std::size_t LargeAllocations() noexcept
     return count;
 }
 
-} // namespace vixahost::test
+} // namespace vixahost::bench

@@ -1,7 +1,8 @@
+#include "host/commands/List.h"
 #include "host/base/HostError.h"
 #include "host/base/Json.h"
 #include "host/base/Text.h"
-#include "host/commands/Commands.h"
+#include "host/commands/Words.h"
 #include "host/effects/EffectCatalogue.h"
 #include "host/effects/EffectStack.h"
 
@@ -80,7 +81,7 @@ std::string ToJson(const std::vector<effects::CatalogueEntry>& catalogue)
 
 } // namespace
 
-void ListCatalogue(const ListCommand& command)
+void Run(const ListCommand& command)
 {
     const effects::EffectLibrary library;
     const auto catalogue = effects::ReadCatalogue(library, command.language);
@@ -101,6 +102,23 @@ void ListCatalogue(const ListCommand& command)
                 Wide(DefaultsOf(entry)) + L"\n";
     }
     Say(Utf8(text));
+}
+
+Words ListWords(CLI::App& program)
+{
+    struct Given
+    {
+        std::string language;
+        bool json = false;
+    };
+    CLI::App* const parser =
+        program.add_subcommand("list", "Lists the catalogue: groups, names, sort order, kinds and defaults");
+    const auto given = std::make_shared<Given>();
+    parser->add_option("--language", given->language, "de, de-DE, pt-BR, or a number such as 1031");
+    parser->add_flag("--json", given->json, "For programs");
+    return {parser, [given] {
+                return ListCommand{effects::AnyLanguage(given->language.empty() ? "en" : given->language), given->json};
+            }};
 }
 
 } // namespace vixahost::commands

@@ -1,28 +1,9 @@
 // A window of the host's own: its class, its procedure and its object tied together.
 #pragma once
 
-#include "host/base/Handles.h"
+#include <windows.h>
 
-namespace vixahost::browse {
-
-// How controls are drawn: the system's message font and its scale.
-class Style
-{
-public:
-    Style();
-
-    void Swap(Style& other) noexcept;
-
-    HFONT Font() const noexcept { return font.get(); }
-    // Pixels for a length given at 96 dots per inch.
-    int Scale(int length) const noexcept { return MulDiv(length, dpi, 96); }
-    int LineHeight() const noexcept { return lineHeight; } // pixels of one line of text
-
-private:
-    UniqueFont font;
-    int dpi = 96;
-    int lineHeight = 16;
-};
+namespace vixahost {
 
 // The object must outlive its window; destroying the object destroys the window.
 class Window
@@ -57,8 +38,4 @@ private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
 };
 
-// A control of a system class, in the style's font. Throws FailedJob.
-HWND CreateControl(const wchar_t* className, const wchar_t* text, DWORD style, HWND parent, int id, const Style& look,
-                   DWORD exStyle = 0);
-
-} // namespace vixahost::browse
+} // namespace vixahost

@@ -3,10 +3,10 @@
 
 #include <cstddef>
 
-namespace vixahost::test {
+namespace vixahost::bench {
 
 // From now on counts, from 0, what the program itself (not a library) takes in one piece of that many bytes or more.
 void CountAllocationsFrom(std::size_t bytes) noexcept;
 std::size_t LargeAllocations() noexcept;
 
-} // namespace vixahost::test
+} // namespace vixahost::bench

@@ -1,13 +1,15 @@
+#include "host/commands/Validate.h"
 #include "host/base/HostError.h"
 #include "host/base/Json.h"
 #include "host/base/NearestNames.h"
 #include "host/base/Text.h"
-#include "host/commands/Commands.h"
+#include "host/commands/Words.h"
 #include "host/effects/EffectLibrary.h"
 #include "host/validate/Validation.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 
 namespace vixahost::commands {
 
@@ -72,7 +74,7 @@ std::string ListChecks(bool json)
 
 } // namespace
 
-void ValidateLibrary(const ValidateCommand& command)
+void Run(const ValidateCommand& command)
 {
     if (command.list)
         return Say(ListChecks(command.json));
@@ -101,9 +103,43 @@ void ValidateLibrary(const ValidateCommand& command)
                         "; docs/validator.md says what each one asks for.");
 }
 
-void RunChecksAsChild(const ChildCommand& command)
+void Run(const ChildCommand& command)
 {
     validate::RunAsChild(command.dll, command.group, command.firstCheck, reinterpret_cast<HANDLE>(command.report));
+}
+
+std::optional<ChildCommand> ReadChildWords(const std::vector<std::string>& words)
+{
+    if (words.size() != 5 || words.front() != "validate-child")
+        return std::nullopt;
+    return ChildCommand{Wide(words[1]), words[2], std::atoi(words[3].c_str()),
+                        static_cast<UINT_PTR>(std::strtoul(words[4].c_str(), nullptr, 10))};
+}
+
+Words ValidateWords(CLI::App& program)
+{
+    struct Given
+    {
+        std::string library;
+        std::vector<std::string> groups;
+        bool json = false, list = false;
+        int seconds = 20;
+    };
+    CLI::App* const parser =
+        program.add_subcommand("validate", "Checks a build of the library as a foreign host would");
+    const auto given = std::make_shared<Given>();
+    parser->add_flag("--json", given->json, "For programs");
+    parser->add_option("DLL", given->library, "The library; without it the one beside this program");
+    parser->add_option("--only", given->groups, "This group of checks only (may be repeated)")
+        ->type_name("GROUP")
+        ->allow_extra_args(false);
+    parser->add_flag("--list", given->list, "Names and describes the checks");
+    parser->add_option("--time-limit", given->seconds, "How long one check may take")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(1, 600));
+    return {parser, [given] {
+                return ValidateCommand{Wide(given->library), given->groups, given->json, given->list, given->seconds};
+            }};
 }
 
 } // namespace vixahost::commands

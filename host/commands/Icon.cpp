@@ -1,7 +1,8 @@
+#include "host/commands/Icon.h"
 #include "host/base/HostError.h"
 #include "host/base/TargetFile.h"
 #include "host/base/Text.h"
-#include "host/commands/Commands.h"
+#include "host/commands/Words.h"
 #include "host/effects/EffectCatalogue.h"
 #include "host/media/PictureFile.h"
 
@@ -46,7 +47,7 @@ void Save(const effects::CatalogueEntry& entry, const std::filesystem::path& fil
 
 } // namespace
 
-void WriteIcons(const IconCommand& command)
+void Run(const IconCommand& command)
 {
     const effects::EffectLibrary library;
     const auto catalogue = effects::ReadCatalogue(library);
@@ -55,14 +56,29 @@ void WriteIcons(const IconCommand& command)
     if (!CreateDirectoryW(command.target.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)
         throw FailedJob("The folder " + Show(command.target) + " can't be made (system error " +
                         std::to_string(GetLastError()) + ").");
-    for (const effects::CatalogueEntry& entry : catalogue) {
-        std::string name = LowerCase(entry.englishName);
-        for (char& letter : name)
-            if (letter == ' ')
-                letter = '-';
-        Save(entry, command.target / (name + ".png"));
-    }
+    for (const effects::CatalogueEntry& entry : catalogue)
+        Save(entry, command.target / (effects::FileStem(entry) + ".png"));
     Say(std::to_string(catalogue.size()) + " icons are in " + Show(std::filesystem::absolute(command.target)) + ".\n");
+}
+
+Words IconWords(CLI::App& program)
+{
+    struct Given
+    {
+        std::string effect, file, folder;
+    };
+    CLI::App* const parser = program.add_subcommand("icon", "Writes an effect's icon as PNG");
+    const auto given = std::make_shared<Given>();
+    parser->add_option("EFFECT", given->effect, "The effect's English name");
+    parser->add_option("FILE", given->file, "PNG file to write");
+    parser->add_option("--all", given->folder, "Writes every effect's icon into this folder")->type_name("DIR");
+    return {parser, [given] {
+                if (!given->folder.empty() && given->effect.empty())
+                    return IconCommand{"", Wide(given->folder)};
+                if (!given->folder.empty() || given->effect.empty() || given->file.empty())
+                    throw WrongWords("It goes: vixahost icon EFFECT FILE, or vixahost icon --all DIR.");
+                return IconCommand{given->effect, Wide(given->file)};
+            }};
 }
 
 } // namespace vixahost::commands

@@ -1,11 +1,13 @@
 // The real program from outside: its jobs, its complaints, its exit status, and what it leaves on the disk.
 #include "host/base/Text.h"
-#include "host/effects/EffectLibrary.h"
+#include "host/effects/EffectStack.h"
+#include "host/fixtures/PixelModel.h"
 #include "host/media/PictureFile.h"
 #include "host/media/PictureFrames.h"
-#include "tests/host/KernelResult.h"
-#include "tests/host/Process.h"
 #include "tests/host/TestFiles.h"
+#include "tests/host/commands/Process.h"
+
+#include <vixavideofx/ClassIds.h>
 
 #include <gtest/gtest.h>
 #include <objbase.h>
@@ -19,20 +21,18 @@ using namespace test;
 
 effects::EffectStep Step(const char* effect, std::initializer_list<const char*> settings = {})
 {
-    effects::EffectStep step(effects::FindEffect(effect));
-    for (const char* setting : settings)
-        step.Set(setting);
-    return step;
+    const effects::EffectLibrary library;
+    return effects::StepOf(effects::ReadCatalogue(library), {effect, {settings.begin(), settings.end()}});
 }
 
-// The picture after the kernels, its alpha kept.
+// The picture as it must come out, its alpha kept.
 media::Picture Expected(const media::Picture& picture, const effects::EffectStack& stack)
 {
     media::PictureReader reader(picture);
     Bytes frame(reader.Format().FrameBytes());
     reader.Read(frame);
     for (const effects::EffectStep& step : stack)
-        ApplyKernel(step, frame, picture.width, picture.height);
+        frame = fixtures::ExpectedFrame(step.classId, step.block, frame, picture.width, picture.height);
     media::Picture result = picture;
     media::PictureWriter(result).Write(frame);
     return result;
@@ -108,9 +108,9 @@ TEST_F(HostRun, AClipKeepsEverythingButItsColours)
     EXPECT_EQ(std::uint64_t{clip.rate} * 1001, std::uint64_t{clip.scale} * 30000);
     EXPECT_TRUE(clip.sound == ClipSound(recipe));
     ASSERT_EQ(clip.frames.size(), 30u);
+    const effects::EffectStep step = Step("Shift edges", {"direction=vertical"});
     for (int i = 0; i < 30; ++i) {
-        Bytes wanted = ClipFrame(recipe, i);
-        ApplyKernel(Step("Shift edges", {"direction=vertical"}), wanted, 40, 30);
+        const Bytes wanted = fixtures::ExpectedFrame(step.classId, step.block, ClipFrame(recipe, i), 40, 30);
         EXPECT_TRUE(clip.frames[static_cast<std::size_t>(i)] == wanted) << "frame " << i;
     }
 }
@@ -205,8 +205,9 @@ TEST_F(HostRun, WithoutWordsEveryEffectIsShown)
 {
     const Outcome outcome = Run({});
     ExpectDone(outcome);
-    for (const effects::EffectEntry& effect : effects::Effects())
-        EXPECT_NE(outcome.out.find(effect.name), std::string::npos) << effect.name;
+    const effects::EffectLibrary library;
+    for (const effects::CatalogueEntry& effect : effects::ReadCatalogue(library))
+        EXPECT_NE(outcome.out.find(effect.englishName), std::string::npos) << effect.englishName;
     int pictures = 0;
     for (const auto& entry : std::filesystem::directory_iterator(folder / L"out")) {
         const media::Picture picture = media::ReadPicture(entry.path());
@@ -224,7 +225,7 @@ TEST_F(HostRun, TheLibraryIsFreeWhenTheGraphIsGone)
 {
     const effects::EffectLibrary library;
     {
-        const auto filter = library.CreateFilter(*effects::FindEffect("Emboss").classId, "Emboss");
+        const auto filter = library.CreateFilter(vixavideofx::CLSID_Emboss, "Emboss");
         EXPECT_FALSE(library.CanUnload());
     }
     EXPECT_TRUE(library.CanUnload());

@@ -4,15 +4,15 @@
 //                               compared with the plain kernels' result
 //   clip_check files [FRAMES]   the same with clips on the disk, in the current directory (two of up to 2 GB)
 //   clip_check memory [FRAMES]  640 x 480 frames through all thirteen effects in series, and what memory they took
+#include "bench/AllocationCount.h"
+#include "bench/KernelResult.h"
 #include "host/base/HostError.h"
 #include "host/base/Interrupt.h"
 #include "host/base/Text.h"
-#include "host/commands/Commands.h"
+#include "host/commands/Apply.h"
 #include "host/graph/EffectGraph.h"
 #include "host/media/AviHeader.h"
 #include "host/media/ClipReader.h"
-#include "tests/host/AllocationCount.h"
-#include "tests/host/KernelResult.h"
 
 #include <windows.h>
 
@@ -33,12 +33,13 @@ using namespace vixahost;
 effects::EffectStack AllEffects()
 {
     effects::EffectStack stack;
-    for (const effects::EffectEntry& effect : effects::Effects())
-        stack.emplace_back(effect);
+    const effects::EffectLibrary library;
+    for (const effects::CatalogueEntry& entry : effects::ReadCatalogue(library))
+        stack.push_back(effects::StepOf(entry));
     const auto set = [&](const char* effect, const char* setting) {
         for (effects::EffectStep& step : stack)
-            if (step.Effect().name == std::string(effect))
-                step.Set(setting);
+            if (step.name == effect)
+                effects::SetParameter(step, setting);
     };
     set("Add pixel", "red=60");
     set("Add pixel", "green=-30");
@@ -95,12 +96,12 @@ public:
     void Compare(std::span<const std::uint8_t> original, std::span<const std::uint8_t> result)
     {
         std::memcpy(wanted.data(), original.data(), wanted.size());
-        test::ApplyKernel(effect, wanted, size.width, size.height);
+        bench::ApplyKernel(effect, wanted, size.width, size.height);
         for (std::size_t i = 0; i < wanted.size(); ++i)
             if (i % 4 < used && wanted[i] != result[i]) {
                 char text[160];
                 std::snprintf(text, sizeof text, "%s: frame %d differs at x %zu, y %zu, byte %zu: %d instead of %d",
-                              effect.Effect().name, frames, i / 4 % std::size_t(size.width),
+                              effect.name.c_str(), frames, i / 4 % std::size_t(size.width),
                               i / 4 / std::size_t(size.width), i % 4, result[i], wanted[i]);
                 throw FailedJob(text);
             }
@@ -131,8 +132,8 @@ private:
 void Report(const effects::EffectStep& step, int frames, double milliseconds)
 {
     char line[160];
-    std::snprintf(line, sizeof line, "%-18s %-32s %d frames equal, %.2f ms per frame\n", step.Effect().name,
-                  step.Settings().c_str(), frames, milliseconds);
+    std::snprintf(line, sizeof line, "%-18s %-32s %d frames equal, %.2f ms per frame\n", step.name.c_str(),
+                  effects::SettingsText(step).c_str(), frames, milliseconds);
     Say(line);
 }
 
@@ -192,6 +193,16 @@ void WriteClip(const std::filesystem::path& file, const Frames& frames, int coun
         throw FailedJob("the clip can't be written");
 }
 
+// The step as words, so that it goes the way that a user's does.
+commands::ApplyCommand ToWords(const effects::EffectStep& step)
+{
+    effects::EffectWords words = {step.name, {}};
+    for (const auto& parameter : vixavideofx::ParametersOf(step.classId))
+        words.settings.push_back(std::string(parameter.name) + "=" +
+                                 effects::ShowValue(parameter, step.block.at(parameter.offset / sizeof(std::int32_t))));
+    return {{words}, {}, L"check-in.avi", L"check-out.avi"};
+}
+
 void CheckFiles(int count)
 {
     const Frames frames(hd, count);
@@ -199,7 +210,7 @@ void CheckFiles(int count)
     std::vector<std::uint8_t> original(hd.FrameBytes()), result(hd.FrameBytes());
     for (const effects::EffectStep& step : AllEffects()) {
         const auto begin = std::chrono::steady_clock::now();
-        commands::Apply({{step}, {}, L"check-in.avi", L"check-out.avi"});
+        commands::Run(ToWords(step));
         const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - begin;
         media::ClipReader in(L"check-in.avi"), out(L"check-out.avi");
         Comparison comparison(step, hd, 3);
@@ -226,10 +237,10 @@ void CheckMemory(int count)
     Writer writer([&](std::span<const std::uint8_t>) {
         ++done;
         if (done == 100) {
-            test::CountAllocationsFrom(format.FrameBytes() / 2);
+            bench::CountAllocationsFrom(format.FrameBytes() / 2);
         }
         if (done == 100 || done == count / 2 || done == count) {
-            large = test::LargeAllocations();
+            large = bench::LargeAllocations();
             PROCESS_MEMORY_COUNTERS memory = {};
             memory.cb = sizeof memory;
             GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
