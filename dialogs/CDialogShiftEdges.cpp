@@ -1,7 +1,7 @@
 #include "dialogs/CDialogShiftEdges.h"
 
 #include "dialogs/Panel.h"
-#include "resources/StringIds.h"
+#include "resources/languages/StringIds.h"
 
 #include <vixavideofx/DataBlocks.h>
 

@@ -13,7 +13,7 @@
 #include "effects/CGammaCorrection.h"
 #include "effects/CMultiplyPixel.h"
 #include "effects/CPixelControl.h"
-#include "resources/StringIds.h"
+#include "resources/languages/StringIds.h"
 
 #include <vixavideofx/ClassIds.h>
 

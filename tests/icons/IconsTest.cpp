@@ -8,9 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <set>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace vixa::icons {
@@ -38,7 +36,7 @@ double difference(const Picture& a, const Picture& b, int left = 0)
 TEST(Icons, FilesAreWhatTheirMakerDraws)
 {
     for (const Icon& icon : icons())
-        EXPECT_EQ(contentOf(root / "resources/bitmaps" / fileName(icon)), bitmapFile(drawIcon(icon)))
+        EXPECT_EQ(contentOf(root / "resources/bitmaps" / FileName(icon)), bitmapFile(drawIcon(icon)))
             << icon.name << ": draw the icons again with the target 'icons' and look at docs/icons.png";
 }
 
@@ -46,7 +44,7 @@ TEST(Icons, FilesArePlainPicturesOf3712Bytes)
 {
     constexpr std::size_t fileHeader = 14;
     for (const Icon& icon : icons()) {
-        const auto file = contentOf(root / "resources/bitmaps" / fileName(icon));
+        const auto file = contentOf(root / "resources/bitmaps" / FileName(icon));
         ASSERT_EQ(file.size(), fileHeader + 3712) << icon.name;
         EXPECT_EQ(file[10], fileHeader + 40);
         const auto layout = bitmap::ParsePackedDib(std::as_bytes(std::span(file).subspan(fileHeader)));
@@ -57,21 +55,6 @@ TEST(Icons, FilesArePlainPicturesOf3712Bytes)
         EXPECT_EQ(layout->headerBytes, 40);
         EXPECT_EQ(layout->TotalBytes(), 3712);
     }
-}
-
-TEST(Icons, ResourceScriptNamesEachOnce)
-{
-    std::ifstream script(root / "resources/bitmaps.rc");
-    std::set<std::string> rows;
-    for (std::string line; std::getline(script, line);) {
-        const bool isRow = !line.starts_with("//");
-        EXPECT_TRUE(!isRow || rows.insert(line).second) << line;
-    }
-    std::set<std::string> expected;
-    for (const Icon& icon : icons())
-        expected.insert(std::to_string(icon.id) + " BITMAP \"resources/bitmaps/" + fileName(icon) + '"');
-    EXPECT_EQ(rows, expected);
-    EXPECT_EQ(rows.size(), 13u);
 }
 
 TEST(Icons, EffectsShowAndDiffer)

@@ -3,7 +3,7 @@
 
 #include "localisation/LanguageModule.h"
 #include "localisation/StringBlock.h"
-#include "resources/StringIds.h"
+#include "resources/languages/StringIds.h"
 
 #include <algorithm>
 #include <map>

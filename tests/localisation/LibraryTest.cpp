@@ -2,7 +2,7 @@
 #include "ModuleFixture.h"
 
 #include "localisation/LanguageModule.h"
-#include "resources/StringIds.h"
+#include "resources/languages/StringIds.h"
 
 #include <vixavideofx/ClassIds.h>
 #include <vixavideofx/IEffectInfo.h>

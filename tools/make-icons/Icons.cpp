@@ -144,12 +144,12 @@ std::vector<std::uint8_t> bitmapFile(const Picture& picture)
     return bytes;
 }
 
-std::string fileName(const Icon& icon)
+std::string FileName(const Icon& icon)
 {
     std::string name = icon.name;
     for (char& letter : name)
         letter = letter == ' ' ? '-' : letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    return name + ".bmp";
+    return std::to_string(icon.id) + "-" + name + ".bmp";
 }
 
 } // namespace vixa::icons

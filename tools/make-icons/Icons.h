@@ -17,10 +17,10 @@ struct Icon
     const char* name; // of the effect, and of the file
     // Applies the effect once to a whole picture.
     void (*apply)(Picture& picture);
-    int passes;   // how often: what is faint in a small picture is done more than once
-    int scale;    // picture pixels per icon pixel while the effect is applied: more makes its lines finer
-    int split;    // columns on the left that stay as they are
-    int softened; // times that the scene was softened before, so that it is out of focus
+    int passes;       // how often: what is faint in a small picture is done more than once
+    int scale;        // picture pixels per icon pixel while the effect is applied: more makes its lines finer
+    int split = 0;    // columns on the left that stay as they are
+    int softened = 0; // times that the scene was softened before, so that it is out of focus
 };
 
 // In the order of their ids.
@@ -32,7 +32,7 @@ Picture drawIcon(const Icon& icon);
 // A bitmap file: 14 bytes, then the 40-byte header and bottom-up rows of 24-bit pixels.
 std::vector<std::uint8_t> bitmapFile(const Picture& picture);
 
-// "soften-filter.bmp" of "Soften filter".
-std::string fileName(const Icon& icon);
+// "332-soften-filter.bmp" of "Soften filter".
+std::string FileName(const Icon& icon);
 
 } // namespace vixa::icons

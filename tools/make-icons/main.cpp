@@ -1,4 +1,5 @@
 // make-icons ROOT: writes the icons into ROOT/resources/bitmaps and their contact sheet to ROOT/docs/icons.png.
+// make-icons --scene FILE: writes the scene as no effect has touched it, a bitmap file of an icon's size.
 #include "tools/make-icons/Icons.h"
 
 #include <png.h>
@@ -7,12 +8,13 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <string_view>
 
 using namespace vixa::icons;
 
 namespace {
 
-bool write(const std::filesystem::path& path, const std::vector<std::uint8_t>& bytes)
+bool Write(const std::filesystem::path& path, const std::vector<std::uint8_t>& bytes)
 {
     std::ofstream file(path, std::ios::binary);
     file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
@@ -68,15 +70,19 @@ bool writePng(const std::filesystem::path& path, const Picture& picture)
 
 int main(int argc, char** argv)
 {
+    if (argc == 3 && std::string_view(argv[1]) == "--scene") {
+        const Icon untouched = {.id = 0, .name = "", .apply = [](Picture&) {}, .passes = 1, .scale = 1};
+        return Write(argv[2], bitmapFile(drawIcon(untouched))) ? 0 : 1;
+    }
     if (argc != 2) {
-        std::fputs("usage: make-icons ROOT\n", stderr);
+        std::fputs("usage: make-icons ROOT | --scene FILE\n", stderr);
         return 2;
     }
     const std::filesystem::path root = argv[1];
     std::filesystem::create_directories(root / "resources/bitmaps");
     for (const Icon& icon : icons())
-        if (!write(root / "resources/bitmaps" / fileName(icon), bitmapFile(drawIcon(icon)))) {
-            std::fprintf(stderr, "%s cannot be written\n", fileName(icon).c_str());
+        if (!Write(root / "resources/bitmaps" / FileName(icon), bitmapFile(drawIcon(icon)))) {
+            std::fprintf(stderr, "%s cannot be written\n", FileName(icon).c_str());
             return 1;
         }
     if (!writePng(root / "docs/icons.png", contactSheet())) {
