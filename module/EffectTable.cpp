@@ -219,6 +219,7 @@ constexpr bool Agrees(const EffectRow& row)
            });
 }
 static_assert(std::ranges::all_of(rows, Agrees));
+static_assert(count == std::size(effectParameters));
 
 // No row has an init routine. None describes itself to the filter mapper either: the effects are the host's own, found
 // through its categories, and must not turn up in a graph that is built automatically.

@@ -61,6 +61,8 @@ inline constexpr ParameterDescription gammaCorrection[] = {
 inline constexpr ParameterDescription shiftEdges[] = {
     {"direction", offsetof(ConvolutionBlock, kind), 7, 10, directionChoices, true, "where the edges move"}};
 
+inline constexpr std::span<const ParameterDescription> none;
+
 } // namespace parameters
 
 struct EffectParameters
@@ -69,15 +71,10 @@ struct EffectParameters
     std::span<const ParameterDescription> parameters;
 };
 
-// The effects that have parameters.
-inline constexpr EffectParameters effectParameters[] = {
-    {CLSID_AddPixel, parameters::addPixel},
-    {CLSID_FilterColor, parameters::filterColor},
-    {CLSID_InvertColor, parameters::invertColor},
-    {CLSID_MultiplyPixel, parameters::multiplyPixel},
-    {CLSID_GammaCorrection, parameters::gammaCorrection},
-    {CLSID_ShiftEdges, parameters::shiftEdges},
-};
+// Every effect of the library.
+#define VIXA_PARAMETERS_OF(name, description, ...) {CLSID_##name, parameters::description},
+inline constexpr EffectParameters effectParameters[] = {VIXA_EFFECTS(VIXA_PARAMETERS_OF)};
+#undef VIXA_PARAMETERS_OF
 
 // Whether two identifiers are the same, also in constant expressions.
 constexpr bool SameId(const GUID& a, const GUID& b)

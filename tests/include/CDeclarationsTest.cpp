@@ -13,6 +13,7 @@ namespace c {
 #define CINTERFACE
 #undef VIXAVIDEOFX_VIXAVIDEOFX_H
 #undef VIXAVIDEOFX_CLASSIDS_H
+#undef VIXA_EFFECTS
 #include <vixavideofx/VixaVideoFX.h>
 } // namespace c
 
