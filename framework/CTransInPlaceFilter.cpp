@@ -58,8 +58,20 @@ HRESULT CTransInPlaceFilter::CompleteConnect(PIN_DIRECTION direction, IPin*)
     CBasePin& other = direction == PINDIR_INPUT ? static_cast<CBasePin&>(*m_pOutput) : *m_pInput;
     if (!other.IsConnected() || TypesMatch())
         return S_OK;
-    const CMediaType type(connected.CurrentMediaType());
-    return ReconnectPin(&other, &type);
+    // The graph brings this pin back because of the other one's type, and tries types that it was not told.
+    if (reconnecting)
+        return VFW_E_TYPE_NOT_ACCEPTED;
+    return Reconnect(other, CMediaType(connected.CurrentMediaType()));
+}
+
+HRESULT CTransInPlaceFilter::Reconnect(CBasePin& pin, const CMediaType& type) noexcept
+{
+    if (reconnecting)
+        return S_OK;
+    reconnecting = true;
+    const HRESULT result = ReconnectPin(&pin, &type);
+    reconnecting = false;
+    return FAILED(result) ? result : S_OK;
 }
 
 bool CTransInPlaceFilter::UsingDifferentAllocators() const noexcept

@@ -5,9 +5,15 @@
 #include "framework/CTransInPlaceOutputPin.h"
 #include "framework/CTransformFilter.h"
 
-// A derived class supplies CheckInputType and Transform(sample). Both pins carry the same type and, whenever the
-// negotiation allows, the same allocator, so that the very sample that comes in goes out. A sample is copied, once,
+// A derived class supplies CheckInputType and Transform(sample). Both pins carry the same type and, whenever upstream
+// and downstream agree, the same allocator, so that the very sample that comes in goes out. A sample is copied, once,
 // only when the allocators differ.
+//
+// Allocators are agreed on in this order. The input is connected first, with what upstream finds without a sink. When
+// the output is connected, it takes downstream's allocator, or its own, and the graph is asked to reconnect the input:
+// upstream is then offered downstream's allocator and sees downstream's requirements, and what it chooses is passed on
+// downstream. If downstream refuses that, or if samples may not be changed where they lie, the output keeps another
+// allocator and samples are copied. A graph may reconnect at once or later: streaming works in between as well.
 class CTransInPlaceFilter : public CTransformFilter
 {
     friend class CTransInPlaceInputPin;
@@ -25,7 +31,8 @@ public:
     // The input allocator's count and size, else one buffer of one byte. E_FAIL when the allocator grants less.
     HRESULT DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request) override;
     HRESULT GetMediaType(int index, CMediaType* type) override; // E_UNEXPECTED, never called
-    // VFW_E_NOT_IN_GRAPH outside a graph. Has the graph reconnect the other pin when its type must follow.
+    // VFW_E_NOT_IN_GRAPH outside a graph. Has the graph reconnect the other pin when its type must follow;
+    // VFW_E_TYPE_NOT_ACCEPTED when this pin is the one that has to.
     HRESULT CompleteConnect(PIN_DIRECTION direction, IPin* receivePin) override;
     HRESULT Receive(IMediaSample* sample) override;
 
@@ -43,7 +50,12 @@ protected:
     CTransInPlaceOutputPin* OutputPin() const noexcept { return static_cast<CTransInPlaceOutputPin*>(m_pOutput.get()); }
     // Upstream's buffers may not be changed where they lie.
     bool MustCopy() const noexcept { return m_bModifiesData && m_pInput->IsReadOnly(); }
+    // Asks the graph to connect that pin again with that type, unless it is being asked already.
+    HRESULT Reconnect(CBasePin& pin, const CMediaType& type) noexcept;
     bool TypesMatch() const noexcept { return m_pInput->CurrentMediaType() == m_pOutput->CurrentMediaType(); }
 
     const bool m_bModifiesData;
+
+private:
+    bool reconnecting = false; // guarded by the filter lock
 };

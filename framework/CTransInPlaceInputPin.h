@@ -15,16 +15,13 @@ public:
     // The filter and the downstream pin, when connected, must both take the type.
     HRESULT CheckMediaType(const CMediaType* type) override;
 
-    // The downstream pin's allocator, when connected.
+    // The downstream pin's allocator, when it is connected and has one; else this pin's own.
     HRESULT STDMETHODCALLTYPE GetAllocator(IMemAllocator** allocator) noexcept override;
-    // Passes the allocator on downstream. One that is read-only is not passed on by a filter that modifies data: the
-    // output gets another of the same sizes.
+    // As the base, and lets the output follow. A failure, when the output can agree on nothing, leaves what was.
     HRESULT STDMETHODCALLTYPE NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) noexcept override;
     // The downstream pin's; E_NOTIMPL while there is none.
     HRESULT STDMETHODCALLTYPE GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) noexcept override;
 
 private:
-    HRESULT GiveOutputItsOwnAllocator(IMemAllocator* upstream);
-
     CTransInPlaceFilter* const m_pTIPFilter;
 };

@@ -1,16 +1,7 @@
 #include "framework/CTransInPlaceOutputPin.h"
 
+#include "framework/Answered.h"
 #include "framework/CTransInPlaceFilter.h"
-
-namespace {
-
-bool Satisfies(const ALLOCATOR_PROPERTIES& has, const ALLOCATOR_PROPERTIES& needed) noexcept
-{
-    return has.cBuffers >= needed.cBuffers && has.cbBuffer >= needed.cbBuffer && has.cbPrefix >= needed.cbPrefix &&
-           (needed.cbAlign <= 1 || has.cbAlign % needed.cbAlign == 0);
-}
-
-} // namespace
 
 CTransInPlaceOutputPin::CTransInPlaceOutputPin(LPCTSTR objectName, CTransInPlaceFilter* filter, HRESULT* result,
                                                LPCWSTR name) noexcept
@@ -24,7 +15,9 @@ HRESULT CTransInPlaceOutputPin::EnumMediaTypes(IEnumMediaTypes** types) noexcept
         return E_POINTER;
     *types = nullptr;
     const ComPtr<IPin> upstream = m_pTIPFilter->m_pInput->Peer();
-    return upstream ? upstream->EnumMediaTypes(types) : VFW_E_NOT_CONNECTED;
+    if (!upstream)
+        return VFW_E_NOT_CONNECTED;
+    return vixa::Answered([&] { return upstream->EnumMediaTypes(types); });
 }
 
 HRESULT CTransInPlaceOutputPin::CheckMediaType(const CMediaType* type)
@@ -43,22 +36,36 @@ HRESULT CTransInPlaceOutputPin::CheckMediaType(const CMediaType* type)
     return upstream ? upstream->QueryAccept(type) : S_OK;
 }
 
+HRESULT CTransInPlaceOutputPin::DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request)
+{
+    // Upstream has set that one up. It is to be used as it is, or not at all: copies do not go where they come from.
+    if (allocator == m_pTIPFilter->InputPin()->PeekAllocator())
+        return m_pTIPFilter->MustCopy() ? VFW_E_NO_ALLOCATOR : S_OK;
+    return CTransformOutputPin::DecideBufferSize(allocator, request);
+}
+
 HRESULT CTransInPlaceOutputPin::DecideAllocator(IMemInputPin* pin, IMemAllocator** allocator)
 {
-    CTransInPlaceInputPin& input = *m_pTIPFilter->InputPin();
-    IMemAllocator* const upstream = input.PeekAllocator();
-    if (pin && upstream && input.IsConnected() && !m_pTIPFilter->MustCopy()) {
-        ALLOCATOR_PROPERTIES needed = {};
-        ALLOCATOR_PROPERTIES has = {};
-        pin->GetAllocatorRequirements(&needed);
-        if (SUCCEEDED(upstream->GetProperties(&has)) && Satisfies(has, needed) &&
-            SUCCEEDED(pin->NotifyAllocator(upstream, input.IsReadOnly()))) {
-            upstream->AddRef();
-            *allocator = upstream;
-            return S_OK;
-        }
-    }
+    // The input has been reconnected while this connection is made, and downstream knows what was agreed on.
+    if (m_pAllocator)
+        return m_pAllocator.CopyTo(allocator);
     return CTransformOutputPin::DecideAllocator(pin, allocator);
+}
+
+HRESULT CTransInPlaceOutputPin::FollowInput()
+{
+    const ComPtr<IMemInputPin> downstream = m_pInputPin;
+    if (!downstream)
+        return S_OK;
+    const CTransInPlaceInputPin& input = *m_pTIPFilter->InputPin();
+    ComPtr<IMemAllocator> chosen(input.PeekAllocator());
+    if (m_pTIPFilter->MustCopy() || FAILED(downstream->NotifyAllocator(chosen.Get(), input.IsReadOnly()))) {
+        const HRESULT result = CTransformOutputPin::DecideAllocator(downstream.Get(), chosen.ReleaseAndGetAddressOf());
+        if (FAILED(result))
+            return result;
+    }
+    m_pAllocator = chosen;
+    return S_OK;
 }
 
 HRESULT CTransInPlaceOutputPin::CompleteConnect(IPin* receivePin)
@@ -66,10 +73,11 @@ HRESULT CTransInPlaceOutputPin::CompleteConnect(IPin* receivePin)
     const HRESULT result = CTransformOutputPin::CompleteConnect(receivePin);
     if (FAILED(result))
         return result;
-    // Upstream is asked once more when it could use the allocator that this side has settled for.
+    // Types that differ have had the input reconnected, or will have.
     CTransInPlaceInputPin& input = *m_pTIPFilter->InputPin();
-    if (!input.IsConnected() || !m_pTIPFilter->UsingDifferentAllocators() || m_pTIPFilter->MustCopy())
+    if (!input.IsConnected() || !m_pTIPFilter->UsingDifferentAllocators() || !m_pTIPFilter->TypesMatch())
         return result;
-    const CMediaType type(CurrentMediaType());
-    return m_pTIPFilter->ReconnectPin(&input, &type);
+    const HRESULT reconnected = m_pTIPFilter->Reconnect(input, CMediaType(CurrentMediaType()));
+    // A graph that does not reconnect leaves a filter that copies; one that could not has lost the input.
+    return FAILED(reconnected) && !input.IsConnected() ? reconnected : result;
 }

@@ -15,12 +15,16 @@ public:
     // The filter and the upstream pin, when connected, must both take the type. While samples are copied and the filter
     // is not stopped only the present type is taken: the input's buffers are sized already.
     HRESULT CheckMediaType(const CMediaType* type) override;
-    // The input's allocator when it may be written to and the downstream pin takes it; else as the base.
+    // The input's allocator is not set up anew, and is refused (VFW_E_NO_ALLOCATOR) where samples must be copied.
+    HRESULT DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request) override;
+    // As the base, unless the input has led to an allocator already.
     HRESULT DecideAllocator(IMemInputPin* pin, IMemAllocator** allocator) override;
-    // Has the graph reconnect the input when the downstream pin's allocator should be used there too.
+    // Has the graph reconnect the input when it uses another allocator.
     HRESULT CompleteConnect(IPin* receivePin) override;
 
-    void SetAllocator(IMemAllocator* allocator) noexcept { m_pAllocator = allocator; }
+    // The input's allocator has changed: it is passed on downstream. Where that cannot be, the output gets another one
+    // of the same sizes, as the base decides. Does nothing while unconnected; a failure leaves the present one.
+    HRESULT FollowInput();
     // Without references.
     IMemInputPin* ConnectedIMemInputPin() const noexcept { return m_pInputPin.Get(); }
     IMemAllocator* PeekAllocator() const noexcept { return m_pAllocator.Get(); }

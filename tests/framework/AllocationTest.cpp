@@ -14,76 +14,161 @@ bool ArrivesInPlace(Chain& chain)
     EXPECT_HRESULT_SUCCEEDED(chain.graph->Run());
     const ComPtr<IMediaSample> sample = chain.Sample(40);
     EXPECT_EQ(S_OK, chain.source->pin.Deliver(sample.Get()));
-    EXPECT_EQ(1u, chain.sink->pin.arrivals.size());
-    if (chain.sink->pin.arrivals.size() != 1)
-        return false;
-    EXPECT_EQ(41, chain.sink->pin.arrivals[0].bytes[0]) << "what arrives has been transformed";
+    if (chain.sink->pin.arrivals.empty())
+        return ADD_FAILURE() << "nothing arrived", false;
+    const Arrival& last = chain.sink->pin.arrivals.back();
+    EXPECT_EQ(41, last.bytes[0]) << "what arrives has been transformed";
     BYTE* bytes = nullptr;
     sample->GetPointer(&bytes);
-    const bool inPlace = chain.sink->pin.arrivals[0].sample == sample.Get();
+    const bool inPlace = last.sample == sample.Get();
     EXPECT_EQ(inPlace ? 41 : 40, bytes[0]) << "a read-only sample must stay as it was";
     EXPECT_HRESULT_SUCCEEDED(chain.graph->Stop());
     return inPlace;
 }
 
-TEST(Allocation, SourceFirstNeedsNoReconnection)
-{
-    for (const auto mode : {SourcePin::Allocator::Peers, SourcePin::Allocator::Own}) {
-        Chain chain;
-        chain.source->pin.mode = mode;
-        ASSERT_EQ(S_OK, chain.Connect());
-        EXPECT_FALSE(chain.probe->UsingDifferentAllocators());
-        EXPECT_EQ(chain.source->pin.PeekAllocator(), chain.sink->pin.PeekAllocator());
-        EXPECT_EQ(1, chain.source->pin.decisions);
-        EXPECT_TRUE(ArrivesInPlace(chain));
-    }
-}
+using Mode = SourcePin::Allocator;
 
-// The input comes last, as after a disconnection: downstream's allocator and requirements are passed up.
-TEST(Allocation, DownstreamsAllocatorIsPassedUp)
+// How the output and the input of a chain come to be connected.
+enum class Order
 {
-    for (const auto mode : {SourcePin::Allocator::Peers, SourcePin::Allocator::Own}) {
-        Chain chain;
-        chain.source->pin.mode = mode;
-        chain.sink->pin.needs = {2, 0, 64, 8};
-        ASSERT_EQ(S_OK, chain.Connect());
+    SourceFirst,
+    SinkFirst,
+    SinkAgain
+};
+
+void Connect(Chain& chain, Order order)
+{
+    ASSERT_EQ(S_OK, chain.Connect());
+    if (order == Order::SinkFirst) {
         chain.source->pin.Disconnect();
         chain.probe->in().Disconnect();
-        chain.source->pin.seen = {};
-        ComPtr<IMemAllocator> offered, sinks;
-        EXPECT_EQ(S_OK, chain.probe->in().GetAllocator(&offered));
-        EXPECT_EQ(S_OK, chain.sink->pin.GetAllocator(&sinks));
-        EXPECT_EQ(sinks.Get(), offered.Get());
         ASSERT_EQ(S_OK, chain.graph->Connect(chain.source->pin, chain.probe->in()));
-        EXPECT_EQ(64, chain.source->pin.seen.cbAlign);
-        EXPECT_EQ(8, chain.source->pin.seen.cbPrefix);
-        EXPECT_EQ(mode == SourcePin::Allocator::Peers, sinks.Get() == chain.source->pin.PeekAllocator());
-        EXPECT_TRUE(ArrivesInPlace(chain));
+    } else if (order == Order::SinkAgain) {
+        chain.probe->out().Disconnect();
+        chain.sink->pin.Disconnect();
+        ASSERT_EQ(S_OK, chain.graph->Connect(chain.probe->out(), chain.sink->pin));
     }
 }
 
-// What the sink needs is more than the allocator has that was agreed on before there was a sink.
-TEST(Allocation, UnsuitableAllocatorIsReplacedByReconnection)
+// Upstream is offered downstream's allocator and told of its needs; what upstream decides on is used on both sides.
+TEST(Allocation, UpstreamChoosesKnowingDownstream)
 {
-    Chain chain;
-    chain.sink->pin.needs = {1, 0, 4096, 0};
-    ASSERT_EQ(S_OK, chain.Connect());
-    EXPECT_EQ(2, chain.source->pin.decisions) << "the graph reconnected the input";
-    EXPECT_EQ(4096, chain.source->pin.seen.cbAlign);
-    EXPECT_FALSE(chain.probe->UsingDifferentAllocators());
-    EXPECT_TRUE(ArrivesInPlace(chain));
+    for (const Mode mode : {Mode::Peers, Mode::Own}) {
+        for (const Order order : {Order::SourceFirst, Order::SinkFirst, Order::SinkAgain}) {
+            Chain chain;
+            chain.source->pin.mode = mode;
+            ComPtr<IMemAllocator> sinks;
+            ASSERT_EQ(S_OK, chain.sink->pin.GetAllocator(&sinks));
+            chain.sink->pin.offers = sinks;
+            if (mode == Mode::Own)
+                chain.sink->pin.needs = {2, 0, 4096, 8};
+            Connect(chain, order);
+            EXPECT_EQ(std::max(chain.sink->pin.needs.cbAlign, 1L), chain.source->pin.seen.cbAlign);
+            EXPECT_EQ(chain.sink->pin.needs.cbPrefix, chain.source->pin.seen.cbPrefix);
+            EXPECT_EQ(mode == Mode::Peers, sinks.Get() == chain.source->pin.PeekAllocator());
+            EXPECT_EQ(chain.source->pin.PeekAllocator(), chain.sink->pin.PeekAllocator());
+            EXPECT_TRUE(ArrivesInPlace(chain));
+        }
+    }
 }
 
-TEST(Allocation, RefusedAllocatorIsReplacedByReconnection)
+TEST(Allocation, AnotherSinkBringsItsOwnAllocator)
+{
+    Held<Sink> second;
+    {
+        Chain chain;
+        ASSERT_HRESULT_SUCCEEDED(chain.graph->Add(second.get()));
+        ASSERT_EQ(S_OK, chain.Connect());
+        const ComPtr<IMemAllocator> first(chain.sink->pin.PeekAllocator());
+        EXPECT_EQ(first.Get(), chain.source->pin.PeekAllocator());
+        chain.probe->out().Disconnect();
+        chain.sink->pin.Disconnect();
+        second->pin.takesAllocator = [&](IMemAllocator* offered) { return offered != first.Get(); };
+        ASSERT_EQ(S_OK, chain.graph->Connect(chain.probe->out(), second->pin));
+        EXPECT_EQ(second->pin.PeekAllocator(), chain.source->pin.PeekAllocator());
+        EXPECT_FALSE(chain.probe->UsingDifferentAllocators());
+        EXPECT_EQ(0, second->pin.refusals) << "it was handed what may die with the first";
+        chain.graph.reset();
+        EXPECT_EQ(0u, second.Release());
+    }
+}
+
+// A graph of another maker: it reconnects when it finds the time, or never, or without being told a type.
+struct ForeignGraph : IFilterGraph2
+{
+    ComPtr<IPin> pin;
+    CMediaType type;
+    HRESULT answer = S_OK;
+    IGraphBuilder* reconnects = nullptr; // at once
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override
+    {
+        *ppv = IsEqualIID(riid, IID_IFilterGraph2) && !reconnects ? this : nullptr;
+        return *ppv ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE ReconnectEx(IPin* again, const AM_MEDIA_TYPE* as) override
+    {
+        pin = again;
+        type.Set(*as);
+        return answer;
+    }
+    HRESULT STDMETHODCALLTYPE Reconnect(IPin* again) override { return reconnects->Reconnect(again); }
+    HRESULT STDMETHODCALLTYPE AddFilter(IBaseFilter*, LPCWSTR) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE RemoveFilter(IBaseFilter*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE EnumFilters(IEnumFilters**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE FindFilterByName(LPCWSTR, IBaseFilter**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE ConnectDirect(IPin*, IPin*, const AM_MEDIA_TYPE*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Disconnect(IPin*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE SetDefaultSyncSource() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Connect(IPin*, IPin*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Render(IPin*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE RenderFile(LPCWSTR, LPCWSTR) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE AddSourceFilter(LPCWSTR, LPCWSTR, IBaseFilter**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE SetLogFile(DWORD_PTR) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Abort() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE ShouldOperationContinue() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE AddSourceFilterForMoniker(IMoniker*, IBindCtx*, LPCWSTR, IBaseFilter**) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE RenderEx(IPin*, DWORD, DWORD*) override { return E_NOTIMPL; }
+};
+
+TEST(Allocation, StreamsBeforeALateGraphReconnects)
+{
+    for (const HRESULT answer : {S_OK, E_FAIL}) {
+        Chain chain;
+        ForeignGraph late;
+        late.answer = answer;
+        chain.probe->JoinFilterGraph(&late, nullptr);
+        ASSERT_EQ(S_OK, chain.Connect());
+        EXPECT_EQ(static_cast<IPin*>(&chain.probe->in()), late.pin.Get());
+        EXPECT_FALSE(ArrivesInPlace(chain)) << "not agreed with downstream yet";
+        ComPtr<IFilterGraph2> graph;
+        ASSERT_EQ(S_OK, (*chain.graph)->QueryInterface(IID_IFilterGraph2, &graph));
+        ASSERT_EQ(S_OK, graph->ReconnectEx(late.pin.Get(), &late.type));
+        EXPECT_TRUE(ArrivesInPlace(chain));
+        late.pin.Reset();
+        chain.probe->JoinFilterGraph(nullptr, nullptr);
+    }
+}
+
+TEST(Allocation, ReconnectionWithoutATypeKeepsTheType)
 {
     Chain chain;
-    ComPtr<IMemAllocator> only;
-    ASSERT_EQ(S_OK, chain.sink->pin.GetAllocator(&only));
-    chain.sink->pin.takesAllocator = [&](IMemAllocator* offered) { return offered == only.Get(); };
-    ASSERT_EQ(S_OK, chain.Connect());
-    EXPECT_EQ(2, chain.source->pin.decisions);
-    EXPECT_EQ(only.Get(), chain.source->pin.PeekAllocator());
-    EXPECT_TRUE(ArrivesInPlace(chain));
+    ForeignGraph early;
+    ComPtr<IGraphBuilder> graph(chain.graph->operator->());
+    early.reconnects = graph.Get();
+    chain.probe->JoinFilterGraph(&early, nullptr);
+    chain.source->pin.types = {VideoType(8, 4), VideoType(16, 4)};
+    ASSERT_EQ(S_OK, chain.graph->Connect(chain.source->pin, chain.probe->in()));
+    ASSERT_EQ(S_OK, chain.graph->Connect(chain.probe->out(), chain.sink->pin, &chain.source->pin.types[1]));
+    EXPECT_TRUE(chain.source->pin.CurrentMediaType() == chain.source->pin.types[1]);
+    EXPECT_TRUE(chain.sink->pin.CurrentMediaType() == chain.source->pin.types[1]);
+    EXPECT_FALSE(chain.probe->UsingDifferentAllocators());
+    chain.probe->JoinFilterGraph(nullptr, nullptr);
 }
 
 TEST(Allocation, BuffersAreAskedForAsUpstreamHasThem)
@@ -196,19 +281,19 @@ TEST(Allocation, CopiesOfForeignSamples)
     chain.graph->Stop();
 }
 
-TEST(Allocation, ReadOnlySamplesAreCopiedOnce)
+// Samples that may not be changed where they lie, and allocators that the other side does not take.
+TEST(Allocation, CopiesAreMadeOnceWhereTheyMustBe)
 {
-    using Mode = SourcePin::Allocator;
-    for (const Mode mode : {Mode::OwnReadOnly, Mode::PeersReadOnly}) {
-        for (const bool sinkFirst : {false, true}) {
+    for (const Mode mode : {Mode::OwnReadOnly, Mode::PeersReadOnly, Mode::Own}) {
+        for (const Order order : {Order::SourceFirst, Order::SinkFirst, Order::SinkAgain}) {
             Chain chain;
             chain.source->pin.mode = mode;
-            ASSERT_EQ(S_OK, chain.Connect());
-            if (sinkFirst) {
-                chain.source->pin.Disconnect();
-                chain.probe->in().Disconnect();
-                ASSERT_EQ(S_OK, chain.graph->Connect(chain.source->pin, chain.probe->in()));
-            }
+            ComPtr<IMemAllocator> sinks;
+            ASSERT_EQ(S_OK, chain.sink->pin.GetAllocator(&sinks));
+            chain.sink->pin.offers = sinks;
+            if (mode != Mode::PeersReadOnly)
+                chain.sink->pin.takesAllocator = [&](IMemAllocator* offered) { return offered == sinks.Get(); };
+            Connect(chain, order);
             EXPECT_TRUE(chain.probe->UsingDifferentAllocators());
             EXPECT_NE(chain.source->pin.PeekAllocator(), chain.sink->pin.PeekAllocator());
             ALLOCATOR_PROPERTIES properties = {};

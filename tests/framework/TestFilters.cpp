@@ -56,6 +56,8 @@ SourcePin::SourcePin(CBaseFilter* filter, CCritSec* pinLock)
 
 HRESULT SourcePin::CheckMediaType(const CMediaType* type)
 {
+    if (whenAsked)
+        whenAsked(*type);
     for (const CMediaType& known : types)
         if (known == *type)
             return S_OK;
@@ -79,7 +81,6 @@ HRESULT SourcePin::DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTI
 
 HRESULT SourcePin::DecideAllocator(IMemInputPin* peer, IMemAllocator** allocator)
 {
-    ++decisions;
     if (mode == Allocator::Peers)
         return CBaseOutputPin::DecideAllocator(peer, allocator);
     ALLOCATOR_PROPERTIES needed = {};
@@ -161,9 +162,17 @@ HRESULT SinkPin::Inactive()
     return result;
 }
 
+HRESULT SinkPin::GetAllocator(IMemAllocator** allocator) noexcept
+{
+    return offers ? offers.CopyTo(allocator) : CBaseInputPin::GetAllocator(allocator);
+}
+
 HRESULT SinkPin::NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) noexcept
 {
-    return takesAllocator(allocator) ? CBaseInputPin::NotifyAllocator(allocator, readOnly) : E_FAIL;
+    if (takesAllocator(allocator))
+        return CBaseInputPin::NotifyAllocator(allocator, readOnly);
+    ++refusals;
+    return E_FAIL;
 }
 
 HRESULT SinkPin::GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) noexcept

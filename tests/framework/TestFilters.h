@@ -74,7 +74,7 @@ public:
     Allocator mode = Allocator::Peers;
     ALLOCATOR_PROPERTIES wanted = {3, 8 * 4 * 4, 1, 0};
     ALLOCATOR_PROPERTIES seen = {}; // the requirements when the allocator was decided
-    std::atomic<int> decisions = 0;
+    std::function<void(const CMediaType&)> whenAsked;
     std::atomic<int> qualityMessages = 0;
     std::atomic<int> pushed = 0;
     HRESULT activeResult = S_OK;
@@ -117,6 +117,7 @@ public:
     HRESULT GetMediaType(int index, CMediaType* type) override;
     HRESULT CompleteConnect(IPin* pin) override;
     HRESULT Inactive() override;
+    HRESULT STDMETHODCALLTYPE GetAllocator(IMemAllocator** allocator) noexcept override;
     HRESULT STDMETHODCALLTYPE NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) noexcept override;
     HRESULT STDMETHODCALLTYPE GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) noexcept override;
     HRESULT STDMETHODCALLTYPE Receive(IMediaSample* sample) noexcept override;
@@ -129,6 +130,8 @@ public:
     std::vector<CMediaType> types;
     std::function<bool(const CMediaType&)> accepts = [](const CMediaType&) { return true; };
     std::function<bool(IMemAllocator*)> takesAllocator = [](IMemAllocator*) { return true; };
+    int refusals = 0; // of allocators
+    ComPtr<IMemAllocator> offers; // whatever was agreed on; else as the base
     ALLOCATOR_PROPERTIES needs = {};
     HRESULT completeResult = S_OK;
     HRESULT receiveResult = S_OK;
