@@ -248,15 +248,17 @@ HRESULT CBaseFilter::NotifyEvent(long code, LONG_PTR parameter1, LONG_PTR parame
         return E_NOTIMPL;
     if (code == EC_COMPLETE)
         parameter2 = reinterpret_cast<LONG_PTR>(static_cast<IBaseFilter*>(this));
-    return sink->Notify(code, parameter1, parameter2);
+    return vixa::Answered([&] { return sink->Notify(code, parameter1, parameter2); });
 }
 
 HRESULT CBaseFilter::ReconnectPin(IPin* pin, const AM_MEDIA_TYPE* type) noexcept
 {
     if (!m_pGraph)
         return VFW_E_NOT_IN_GRAPH;
-    ComPtr<IFilterGraph2> graph;
-    if (SUCCEEDED(m_pGraph->QueryInterface(IID_IFilterGraph2, reinterpret_cast<void**>(graph.GetAddressOf()))))
-        return graph->ReconnectEx(pin, type);
-    return m_pGraph->Reconnect(pin);
+    return vixa::Answered([&] {
+        ComPtr<IFilterGraph2> graph;
+        if (SUCCEEDED(m_pGraph->QueryInterface(IID_IFilterGraph2, reinterpret_cast<void**>(graph.GetAddressOf()))))
+            return graph->ReconnectEx(pin, type);
+        return m_pGraph->Reconnect(pin);
+    });
 }

@@ -64,6 +64,9 @@ HRESULT CBaseInputPin::NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) 
     if (!allocator)
         return E_POINTER;
     CAutoLock lock(m_pLock);
+    // A thread that waits for a buffer of the old one would not be woken by a stop.
+    if (!IsStopped() && !m_bCanReconnectWhenActive)
+        return VFW_E_NOT_STOPPED;
     m_pAllocator = allocator;
     m_bReadOnly = readOnly != FALSE;
     return S_OK;
@@ -158,6 +161,9 @@ HRESULT CBaseInputPin::ReceiveMultiple(IMediaSample** samples, LONG count, LONG*
 
 HRESULT CBaseInputPin::ReceiveCanBlock() noexcept
 {
+    const vixa::Asking asking(asker);
+    if (asking.Again())
+        return S_OK;
     return vixa::Answered([&] {
         bool sends = false;
         for (int index = 0; index < m_pFilter->GetPinCount(); ++index) {
@@ -196,11 +202,14 @@ HRESULT CBaseInputPin::EndFlush() noexcept
 
 HRESULT CBaseInputPin::PassNotify(Quality& quality) noexcept
 {
-    if (IQualityControl* const sink = m_pQSink)
-        return sink->Notify(m_pFilter, quality);
-    const ComPtr<IPin> peer = Peer();
-    ComPtr<IQualityControl> upstream;
-    if (!peer || FAILED(peer->QueryInterface(IID_IQualityControl, reinterpret_cast<void**>(upstream.GetAddressOf()))))
-        return VFW_E_NOT_FOUND;
-    return upstream->Notify(m_pFilter, quality);
+    return vixa::Answered([&]() -> HRESULT {
+        if (IQualityControl* const sink = m_pQSink)
+            return sink->Notify(m_pFilter, quality);
+        const ComPtr<IPin> peer = Peer();
+        ComPtr<IQualityControl> upstream;
+        if (!peer ||
+            FAILED(peer->QueryInterface(IID_IQualityControl, reinterpret_cast<void**>(upstream.GetAddressOf()))))
+            return VFW_E_NOT_FOUND;
+        return upstream->Notify(m_pFilter, quality);
+    });
 }

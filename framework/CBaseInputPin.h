@@ -25,6 +25,7 @@ public:
     // IMemInputPin.
     // The pin's allocator, made when first asked for. E_OUTOFMEMORY.
     HRESULT STDMETHODCALLTYPE GetAllocator(IMemAllocator** allocator) noexcept override;
+    // VFW_E_NOT_STOPPED while samples may come, unless the pin can be reconnected then.
     HRESULT STDMETHODCALLTYPE NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) noexcept override;
     HRESULT STDMETHODCALLTYPE GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) noexcept override; // E_NOTIMPL
     // Reads the sample's properties (SampleProps). A type that is attached becomes the connection's when this pin takes

@@ -60,7 +60,10 @@ HRESULT CBasePin::CheckConnect(IPin* pin)
     const HRESULT result = pin->QueryDirection(&direction);
     if (FAILED(result))
         return result;
-    return direction == m_dir ? VFW_E_INVALID_DIRECTION : S_OK;
+    if (direction == m_dir)
+        return VFW_E_INVALID_DIRECTION;
+    const bool sends = m_dir == PINDIR_OUTPUT;
+    return vixa::WouldCloseARing(sends ? this : pin, sends ? pin : this) ? VFW_E_CIRCULAR_GRAPH : S_OK;
 }
 
 HRESULT CBasePin::BreakConnect()

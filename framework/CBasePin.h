@@ -3,6 +3,7 @@
 
 #include "framework/CBaseFilter.h"
 #include "framework/CEnumMediaTypes.h"
+#include "framework/Rings.h"
 
 // A copy of a text in task memory, which is the caller's. E_OUTOFMEMORY.
 HRESULT AMGetWideString(LPCWSTR text, LPWSTR* copy) noexcept;
@@ -27,7 +28,8 @@ public:
     virtual HRESULT CheckMediaType(const CMediaType* type) = 0;
     // Takes the connection's type over; E_OUTOFMEMORY.
     virtual HRESULT SetMediaType(const CMediaType* type);
-    // Whether that pin may be a peer at all: VFW_E_INVALID_DIRECTION.
+    // Whether that pin may be a peer at all: VFW_E_INVALID_DIRECTION, VFW_E_CIRCULAR_GRAPH when samples could come
+    // back.
     virtual HRESULT CheckConnect(IPin* pin);
     // Undoes CheckConnect and CompleteConnect; also called after an attempt that failed.
     virtual HRESULT BreakConnect();
@@ -103,6 +105,7 @@ protected:
     REFERENCE_TIME m_tStart = 0;
     REFERENCE_TIME m_tStop = MAXLONGLONG;
     double m_dRate = 1.0;
+    vixa::Asking::Mark asker = 0;
 
 private:
     void SetConnected(IPin* pin) noexcept;

@@ -14,8 +14,9 @@ HRESULT CTransInPlaceInputPin::EnumMediaTypes(IEnumMediaTypes** types) noexcept
     if (!types)
         return E_POINTER;
     *types = nullptr;
+    const vixa::Asking asking(asker);
     const ComPtr<IPin> downstream = m_pTIPFilter->m_pOutput->Peer();
-    if (!downstream)
+    if (!downstream || asking.Again())
         return VFW_E_NOT_CONNECTED;
     return vixa::Answered([&] { return downstream->EnumMediaTypes(types); });
 }
@@ -25,8 +26,9 @@ HRESULT CTransInPlaceInputPin::CheckMediaType(const CMediaType* type)
     const HRESULT result = m_pTIPFilter->CheckInputType(type);
     if (result != S_OK)
         return result;
+    const vixa::Asking asking(asker);
     const ComPtr<IPin> downstream = m_pTIPFilter->m_pOutput->Peer();
-    return downstream ? downstream->QueryAccept(type) : S_OK;
+    return downstream && !asking.Again() ? downstream->QueryAccept(type) : S_OK;
 }
 
 HRESULT CTransInPlaceInputPin::GetAllocator(IMemAllocator** allocator) noexcept
@@ -35,8 +37,10 @@ HRESULT CTransInPlaceInputPin::GetAllocator(IMemAllocator** allocator) noexcept
         return E_POINTER;
     *allocator = nullptr;
     CAutoLock lock(m_pLock);
+    const vixa::Asking asking(asker);
     const ComPtr<IMemInputPin> downstream(m_pTIPFilter->OutputPin()->ConnectedIMemInputPin());
-    if (downstream && SUCCEEDED(vixa::Answered([&] { return downstream->GetAllocator(allocator); })) && *allocator)
+    if (downstream && !asking.Again() &&
+        SUCCEEDED(vixa::Answered([&] { return downstream->GetAllocator(allocator); })) && *allocator)
         return S_OK;
     return CTransformInputPin::GetAllocator(allocator);
 }
@@ -49,7 +53,9 @@ HRESULT CTransInPlaceInputPin::NotifyAllocator(IMemAllocator* allocator, BOOL re
     HRESULT result = CTransformInputPin::NotifyAllocator(allocator, readOnly);
     if (FAILED(result))
         return result;
-    result = vixa::Answered([&] { return m_pTIPFilter->OutputPin()->FollowInput(); });
+    const vixa::Asking asking(asker);
+    if (!asking.Again())
+        result = vixa::Answered([&] { return m_pTIPFilter->OutputPin()->FollowInput(); });
     if (FAILED(result)) {
         m_pAllocator.Swap(before);
         m_bReadOnly = readOnlyBefore;
@@ -62,8 +68,9 @@ HRESULT CTransInPlaceInputPin::GetAllocatorRequirements(ALLOCATOR_PROPERTIES* pr
     if (!properties)
         return E_POINTER;
     CAutoLock lock(m_pLock);
+    const vixa::Asking asking(asker);
     const ComPtr<IMemInputPin> downstream(m_pTIPFilter->OutputPin()->ConnectedIMemInputPin());
-    if (!downstream)
+    if (!downstream || asking.Again())
         return E_NOTIMPL;
     return vixa::Answered([&] { return downstream->GetAllocatorRequirements(properties); });
 }

@@ -14,8 +14,9 @@ HRESULT CTransInPlaceOutputPin::EnumMediaTypes(IEnumMediaTypes** types) noexcept
     if (!types)
         return E_POINTER;
     *types = nullptr;
+    const vixa::Asking asking(asker);
     const ComPtr<IPin> upstream = m_pTIPFilter->m_pInput->Peer();
-    if (!upstream)
+    if (!upstream || asking.Again())
         return VFW_E_NOT_CONNECTED;
     return vixa::Answered([&] { return upstream->EnumMediaTypes(types); });
 }
@@ -32,8 +33,9 @@ HRESULT CTransInPlaceOutputPin::CheckMediaType(const CMediaType* type)
     const HRESULT result = m_pTIPFilter->CheckInputType(type);
     if (result != S_OK)
         return result;
+    const vixa::Asking asking(asker);
     const ComPtr<IPin> upstream = m_pTIPFilter->m_pInput->Peer();
-    return upstream ? upstream->QueryAccept(type) : S_OK;
+    return upstream && !asking.Again() ? upstream->QueryAccept(type) : S_OK;
 }
 
 HRESULT CTransInPlaceOutputPin::DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request)

@@ -112,6 +112,8 @@ struct ForeignGraph : IFilterGraph2
     {
         pin = again;
         type.Set(*as);
+        if (answer == E_UNEXPECTED)
+            throw 1;
         return answer;
     }
     HRESULT STDMETHODCALLTYPE Reconnect(IPin* again) override { return reconnects->Reconnect(again); }
@@ -138,7 +140,7 @@ struct ForeignGraph : IFilterGraph2
 
 TEST(Allocation, StreamsBeforeALateGraphReconnects)
 {
-    for (const HRESULT answer : {S_OK, E_FAIL}) {
+    for (const HRESULT answer : {S_OK, E_FAIL, E_UNEXPECTED}) {
         Chain chain;
         ForeignGraph late;
         late.answer = answer;
@@ -370,7 +372,7 @@ TEST(Allocation, AChainOfFiltersSharesOneAllocator)
     }
 }
 
-TEST(Allocation, NullPointersAreAnswered)
+TEST(Allocation, NullPointersAndWrongStatesAreAnswered)
 {
     Chain chain;
     CTransInPlaceInputPin& in = chain.probe->in();
@@ -384,6 +386,13 @@ TEST(Allocation, NullPointersAreAnswered)
             ASSERT_EQ(S_OK, chain.Connect());
         }
     }
+    // A frame may wait for a buffer of the present one.
+    ComPtr<IMemAllocator> another;
+    ASSERT_EQ(S_OK, CreateMemoryAllocator(&another));
+    ASSERT_HRESULT_SUCCEEDED(chain.graph->Run());
+    EXPECT_EQ(VFW_E_NOT_STOPPED, in.NotifyAllocator(another.Get(), FALSE));
+    EXPECT_EQ(chain.source->pin.PeekAllocator(), in.PeekAllocator());
+    EXPECT_EQ(chain.source->pin.PeekAllocator(), chain.sink->pin.PeekAllocator());
 }
 
 } // namespace

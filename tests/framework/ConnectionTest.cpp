@@ -155,6 +155,38 @@ TEST(Connection, FailedAttemptsLeaveNothingBehind)
     EXPECT_EQ(S_OK, chain.probe->out().Connect(&chain.sink->pin, nullptr));
 }
 
+TEST(Connection, RingsAreRefused)
+{
+    Held<Probe> second;
+    {
+        Chain chain;
+        ASSERT_HRESULT_SUCCEEDED(chain.graph->Add(second.get()));
+        const CMediaType& type = chain.source->pin.types[0];
+        CTransInPlaceInputPin& in = chain.probe->in();
+        EXPECT_EQ(VFW_E_CIRCULAR_GRAPH, in.ReceiveConnection(&chain.probe->out(), &type));
+        // The second's output is not told of its connection, so the first's closes the ring.
+        ASSERT_EQ(S_OK, in.ReceiveConnection(&second->out(), &type));
+        EXPECT_EQ(VFW_E_CIRCULAR_GRAPH, chain.probe->out().Connect(&second->in(), &type));
+        EXPECT_EQ(S_OK, in.Disconnect());
+        chain.graph.reset();
+        EXPECT_EQ(0u, second.Release());
+    }
+}
+
+// Neighbours that turn every question round and ask back.
+TEST(Connection, QuestionsComeToAnEnd)
+{
+    Chain chain;
+    ASSERT_EQ(S_OK, chain.Connect());
+    CTransInPlaceInputPin& in = chain.probe->in();
+    CTransInPlaceOutputPin& out = chain.probe->out();
+    chain.source->pin.whenAsked = [&](const CMediaType& type) { EXPECT_EQ(S_OK, in.QueryAccept(&type)); };
+    chain.sink->pin.accepts = [&](const CMediaType& type) { return out.QueryAccept(&type) == S_OK; };
+    EXPECT_EQ(S_OK, in.QueryAccept(&chain.source->pin.types[0]));
+    EXPECT_EQ(S_OK, out.QueryAccept(&chain.source->pin.types[0]));
+    chain.source->pin.whenAsked = nullptr;
+}
+
 // A type whose sizes lie is copied as far as it can be: a block that is claimed and missing counts as none.
 TEST(Connection, HostileTypesAreRefused)
 {

@@ -229,9 +229,10 @@ TEST_F(Streaming, QualityMessagesGoUpstream)
         HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) noexcept override { return E_NOINTERFACE; }
         ULONG STDMETHODCALLTYPE AddRef() noexcept override { return 2; }
         ULONG STDMETHODCALLTYPE Release() noexcept override { return 1; }
-        HRESULT STDMETHODCALLTYPE Notify(IBaseFilter*, Quality) noexcept override
+        HRESULT STDMETHODCALLTYPE Notify(IBaseFilter*, Quality) override
         {
-            ++count;
+            if (++count > 1)
+                throw count;
             return S_OK;
         }
         HRESULT STDMETHODCALLTYPE SetSink(IQualityControl*) noexcept override { return E_NOTIMPL; }
@@ -250,7 +251,8 @@ TEST_F(Streaming, QualityMessagesGoUpstream)
     chain.probe->qualityResult = S_FALSE;
     EXPECT_EQ(S_OK, in.SetSink(&manager));
     EXPECT_EQ(S_OK, control->Notify(chain.sink.get(), late));
-    EXPECT_EQ(1, manager.count);
+    EXPECT_EQ(E_UNEXPECTED, control->Notify(chain.sink.get(), late)) << "it threw";
+    EXPECT_EQ(2, manager.count);
     EXPECT_EQ(1, chain.source->pin.qualityMessages);
     EXPECT_EQ(S_OK, in.SetSink(nullptr));
     EXPECT_EQ(E_NOTIMPL, in.Notify(chain.sink.get(), late)) << "an input is not where a sink complains";
