@@ -153,16 +153,16 @@ HRESULT CBaseAllocator::Alloc()
 
 void CBaseAllocator::PutFree(CMediaSample* sample) noexcept
 {
-    sample->m_pNext = m_free;
-    m_free = sample;
+    sample->m_pNext = freeSamples;
+    freeSamples = sample;
     ++m_lFree;
 }
 
 CMediaSample* CBaseAllocator::TakeFree() noexcept
 {
-    CMediaSample* const sample = m_free;
+    CMediaSample* const sample = freeSamples;
     if (sample) {
-        m_free = sample->m_pNext;
+        freeSamples = sample->m_pNext;
         sample->m_pNext = nullptr;
         --m_lFree;
     }

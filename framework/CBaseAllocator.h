@@ -47,7 +47,7 @@ protected:
     // They look again for a buffer, or see that there will be none.
     void WakeWaiters() noexcept;
 
-    CMediaSample* m_free = nullptr; // the buffers at home, a list through m_pNext
+    CMediaSample* freeSamples = nullptr; // the buffers at home, a list through m_pNext
     LONG m_lFree = 0;
     LONG m_lAllocated = 0;
     LONG m_lWaiting = 0;

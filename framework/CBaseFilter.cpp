@@ -30,7 +30,7 @@ HRESULT CBaseFilter::StreamTime(CRefTime& streamTime)
     const HRESULT result = clock->GetTime(&now);
     if (FAILED(result))
         return result;
-    CAutoLock lock(&m_clockLock);
+    CAutoLock lock(&clockLock);
     streamTime = now - m_tStart;
     return S_OK;
 }
@@ -119,7 +119,7 @@ HRESULT CBaseFilter::Run(REFERENCE_TIME start) noexcept
 {
     CAutoLock lock(m_pLock);
     {
-        CAutoLock clockLock(&m_clockLock);
+        CAutoLock guard(&clockLock);
         m_tStart = start;
     }
     if (m_State == State_Stopped) {
@@ -149,7 +149,7 @@ HRESULT CBaseFilter::SetSyncSource(IReferenceClock* clock) noexcept
 {
     ComPtr<IReferenceClock> given(clock);
     CAutoLock lock(m_pLock);
-    CAutoLock clockLock(&m_clockLock);
+    CAutoLock guard(&clockLock);
     m_pClock.Swap(given);
     return S_OK;
 }
@@ -158,7 +158,7 @@ HRESULT CBaseFilter::GetSyncSource(IReferenceClock** clock) noexcept
 {
     if (!clock)
         return E_POINTER;
-    CAutoLock lock(&m_clockLock);
+    CAutoLock lock(&clockLock);
     return m_pClock.CopyTo(clock);
 }
 

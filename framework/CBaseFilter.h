@@ -94,5 +94,5 @@ protected:
 private:
     // Taken last, for the clock and the start only: a streaming thread asks for the time and may not wait for the
     // filter lock.
-    CCritSec m_clockLock;
+    CCritSec clockLock;
 };

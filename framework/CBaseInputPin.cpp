@@ -79,7 +79,7 @@ HRESULT CBaseInputPin::GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties
 
 void CBaseInputPin::ReadProperties(IMediaSample& sample)
 {
-    m_attachedType.reset();
+    attachedType.reset();
     m_SampleProps = {};
     ComPtr<IMediaSample2> sample2;
     if (SUCCEEDED(sample.QueryInterface(IID_IMediaSample2, reinterpret_cast<void**>(sample2.GetAddressOf()))) &&
@@ -103,7 +103,7 @@ void CBaseInputPin::ReadProperties(IMediaSample& sample)
         flags |= AM_SAMPLE_STOPVALID;
     AM_MEDIA_TYPE* type = nullptr;
     if (sample.GetMediaType(&type) == S_OK && type) {
-        m_attachedType.reset(type);
+        attachedType.reset(type);
         m_SampleProps.pMediaType = type;
         flags |= AM_SAMPLE_TYPECHANGED;
     }

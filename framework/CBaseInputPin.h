@@ -59,5 +59,5 @@ private:
     void ReadProperties(IMediaSample& sample);
     HRESULT TakeAttachedType();
 
-    UniqueMediaType m_attachedType; // what m_SampleProps points to when the sample only hands out copies
+    UniqueMediaType attachedType; // what m_SampleProps points to when the sample only hands out copies
 };

@@ -49,7 +49,7 @@ HRESULT CBasePin::SetMediaType(const CMediaType* type)
     const HRESULT result = copy.Set(*type);
     if (FAILED(result))
         return result;
-    CAutoLock lock(&m_connectionLock);
+    CAutoLock lock(&connectionLock);
     m_mt = std::move(copy);
     return S_OK;
 }
@@ -104,7 +104,7 @@ HRESULT CBasePin::Inactive()
 
 ComPtr<IPin> CBasePin::Peer() noexcept
 {
-    CAutoLock lock(&m_connectionLock);
+    CAutoLock lock(&connectionLock);
     return m_Connected;
 }
 
@@ -112,7 +112,7 @@ void CBasePin::SetConnected(IPin* pin) noexcept
 {
     // The old peer goes outside the lock: that may be its last reference.
     ComPtr<IPin> peer(pin);
-    CAutoLock lock(&m_connectionLock);
+    CAutoLock lock(&connectionLock);
     m_Connected.Swap(peer);
 }
 
@@ -274,7 +274,7 @@ HRESULT CBasePin::ConnectionMediaType(AM_MEDIA_TYPE* type) noexcept
 {
     if (!type)
         return E_POINTER;
-    CAutoLock lock(&m_connectionLock);
+    CAutoLock lock(&connectionLock);
     if (m_Connected)
         return CopyMediaType(type, &m_mt);
     *type = AM_MEDIA_TYPE{};

@@ -114,5 +114,5 @@ private:
 
     // Guards the peer and the type; taken last and only for a copy. A streaming thread asks for both, and changes the
     // type, and may not wait for the filter lock.
-    CCritSec m_connectionLock;
+    CCritSec connectionLock;
 };

@@ -8,16 +8,16 @@
 class CCritSec
 {
 public:
-    CCritSec() noexcept { InitializeCriticalSection(&m_section); }
+    CCritSec() noexcept { InitializeCriticalSection(&section); }
     CCritSec(const CCritSec&) = delete;
     CCritSec& operator=(const CCritSec&) = delete;
-    ~CCritSec() { DeleteCriticalSection(&m_section); }
+    ~CCritSec() { DeleteCriticalSection(&section); }
 
-    void Lock() noexcept { EnterCriticalSection(&m_section); }
-    void Unlock() noexcept { LeaveCriticalSection(&m_section); }
+    void Lock() noexcept { EnterCriticalSection(&section); }
+    void Unlock() noexcept { LeaveCriticalSection(&section); }
 
 private:
-    CRITICAL_SECTION m_section;
+    CRITICAL_SECTION section;
 };
 
 // Holds a lock for the length of a block.

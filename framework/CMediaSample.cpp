@@ -61,7 +61,7 @@ void CMediaSample::Clear() noexcept
     m_dwFlags = 0;
     m_dwTypeSpecificFlags = 0;
     m_dwStreamId = AM_STREAM_MEDIA;
-    m_mediaTimeValid = false;
+    mediaTimeValid = false;
     m_lActual = m_cbBuffer;
 }
 
@@ -186,7 +186,7 @@ HRESULT CMediaSample::GetMediaTime(LONGLONG* start, LONGLONG* end) noexcept
 {
     if (!start || !end)
         return E_POINTER;
-    if (!m_mediaTimeValid)
+    if (!mediaTimeValid)
         return VFW_E_MEDIA_TIME_NOT_SET;
     *start = m_MediaStart;
     *end = m_MediaEnd;
@@ -196,14 +196,14 @@ HRESULT CMediaSample::GetMediaTime(LONGLONG* start, LONGLONG* end) noexcept
 HRESULT CMediaSample::SetMediaTime(LONGLONG* start, LONGLONG* end) noexcept
 {
     if (!start) {
-        m_mediaTimeValid = false;
+        mediaTimeValid = false;
         return S_OK;
     }
     if (!end)
         return E_POINTER;
     m_MediaStart = *start;
     m_MediaEnd = *end;
-    m_mediaTimeValid = true;
+    mediaTimeValid = true;
     return S_OK;
 }
 

@@ -67,7 +67,7 @@ protected:
     REFERENCE_TIME m_End = 0;
     LONGLONG m_MediaStart = 0;
     LONGLONG m_MediaEnd = 0;
-    bool m_mediaTimeValid = false;
+    bool mediaTimeValid = false;
     AM_MEDIA_TYPE* m_pMediaType = nullptr;
     DWORD m_dwStreamId = AM_STREAM_MEDIA;
     vixa::RefCount references{0};

@@ -34,7 +34,7 @@ HRESULT CMemAllocator::Alloc()
     if (FAILED(result))
         return result;
     if (result == S_FALSE)
-        return m_buffer ? S_OK : VFW_E_SIZENOTSET;
+        return buffer ? S_OK : VFW_E_SIZENOTSET;
     ReallyFree();
     const HRESULT made = MakeBuffers();
     if (FAILED(made)) {
@@ -61,12 +61,12 @@ HRESULT CMemAllocator::MakeBuffers() noexcept
     const ULONGLONG total = prefix + static_cast<ULONGLONG>(m_lAlignment);
     if (stride > (static_cast<ULONGLONG>(MAXLONG) - std::min(total, static_cast<ULONGLONG>(MAXLONG))) / count)
         return E_OUTOFMEMORY;
-    m_buffer.reset(static_cast<BYTE*>(
+    buffer.reset(static_cast<BYTE*>(
         VirtualAlloc(nullptr, static_cast<SIZE_T>(total + stride * count), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE)));
-    if (!m_buffer)
+    if (!buffer)
         return E_OUTOFMEMORY;
-    const ULONGLONG address = reinterpret_cast<ULONG_PTR>(m_buffer.get());
-    BYTE* next = m_buffer.get() + static_cast<SIZE_T>(roundUp(address) - address + prefix);
+    const ULONGLONG address = reinterpret_cast<ULONG_PTR>(buffer.get());
+    BYTE* next = buffer.get() + static_cast<SIZE_T>(roundUp(address) - address + prefix);
     for (; m_lAllocated < m_lCount; ++m_lAllocated, next += static_cast<SIZE_T>(stride)) {
         const auto sample = new (std::nothrow) CMediaSample(this, next, m_lSize);
         if (!sample)
@@ -81,7 +81,7 @@ void CMemAllocator::ReallyFree() noexcept
     while (const std::unique_ptr<CMediaSample> sample{TakeFree()}) {
     }
     m_lAllocated = 0;
-    m_buffer.reset();
+    buffer.reset();
 }
 
 HRESULT CreateMemoryAllocator(IMemAllocator** allocator) noexcept

@@ -32,7 +32,7 @@ private:
     {
         void operator()(BYTE* memory) const noexcept { VirtualFree(memory, 0, MEM_RELEASE); }
     };
-    std::unique_ptr<BYTE, VirtualFreeDeleter> m_buffer;
+    std::unique_ptr<BYTE, VirtualFreeDeleter> buffer;
 };
 
 // A new allocator with one reference, the caller's. E_OUTOFMEMORY.

@@ -21,7 +21,7 @@ CBasePin* CTransformFilter::GetPin(int index)
 
 bool CTransformFilter::PinsExist() noexcept
 {
-    CAutoLock lock(&m_pinsLock);
+    CAutoLock lock(&pinsLock);
     return m_pInput != nullptr;
 }
 

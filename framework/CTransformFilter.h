@@ -76,13 +76,13 @@ private:
     HRESULT PauseFromStopped();
 
     // Taken last, while the pins are made: whoever first asks for one may hold any lock.
-    CCritSec m_pinsLock;
+    CCritSec pinsLock;
 };
 
 template <typename Input, typename Output, typename Filter>
 CBasePin* CTransformFilter::PinAt(int index, Filter* filter) noexcept
 {
-    CAutoLock lock(&m_pinsLock);
+    CAutoLock lock(&pinsLock);
     if (!m_pInput) {
         HRESULT result = S_OK;
         std::unique_ptr<Input> input(new (std::nothrow) Input(nullptr, filter, &result, L"Input"));

@@ -16,7 +16,7 @@ HRESULT CTransformOutputPin::NonDelegatingQueryInterface(REFIID riid, void** ppv
     if (!IsEqualIID(riid, IID_IMediaPosition) && !IsEqualIID(riid, IID_IMediaSeeking))
         return CBaseOutputPin::NonDelegatingQueryInterface(riid, ppv);
     *ppv = nullptr;
-    CAutoLock lock(&m_positionLock);
+    CAutoLock lock(&positionLock);
     const HRESULT result = m_pPosition ? S_OK : MakePosition();
     return FAILED(result) ? result : m_pPosition->QueryInterface(riid, ppv);
 }

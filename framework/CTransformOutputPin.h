@@ -33,6 +33,6 @@ protected:
 private:
     HRESULT MakePosition() noexcept;
 
-    CCritSec m_positionLock;
+    CCritSec positionLock;
     ComPtr<IUnknown> m_pPosition; // made when first asked for
 };

@@ -14,7 +14,7 @@ public:
     FilterMapper& operator=(const FilterMapper&) = delete;
     ~FilterMapper();
 
-    HRESULT Status() const noexcept { return m_status; }
+    HRESULT Status() const noexcept { return status; }
 
     // Enters a filter, replacing an older entry, or removes it. Removing what is not there is a success.
     HRESULT Enter(const AMOVIESETUP_FILTER& setup, bool registering) noexcept;
@@ -25,10 +25,10 @@ public:
 private:
     HRESULT EnterOld(const AMOVIESETUP_FILTER& setup) noexcept;
 
-    bool m_initialised;
-    ComPtr<IFilterMapper2> m_mapper2;
-    ComPtr<IFilterMapper> m_mapper;
-    HRESULT m_status; // initialised with the mappers, so after them
+    bool initialised;
+    ComPtr<IFilterMapper2> mapper2;
+    ComPtr<IFilterMapper> mapper;
+    HRESULT status; // initialised with the mappers, so after them
 };
 
 } // namespace vixa

@@ -41,12 +41,12 @@ void Connect(Chain& chain, Order order)
     ASSERT_EQ(S_OK, chain.Connect());
     if (order == Order::SinkFirst) {
         chain.source->pin.Disconnect();
-        chain.probe->in().Disconnect();
-        ASSERT_EQ(S_OK, chain.graph->Connect(chain.source->pin, chain.probe->in()));
+        chain.probe->In().Disconnect();
+        ASSERT_EQ(S_OK, chain.graph->Connect(chain.source->pin, chain.probe->In()));
     } else if (order == Order::SinkAgain) {
-        chain.probe->out().Disconnect();
+        chain.probe->Out().Disconnect();
         chain.sink->pin.Disconnect();
-        ASSERT_EQ(S_OK, chain.graph->Connect(chain.probe->out(), chain.sink->pin));
+        ASSERT_EQ(S_OK, chain.graph->Connect(chain.probe->Out(), chain.sink->pin));
     }
 }
 
@@ -81,10 +81,10 @@ TEST(Allocation, AnotherSinkBringsItsOwnAllocator)
         ASSERT_EQ(S_OK, chain.Connect());
         const ComPtr<IMemAllocator> first(chain.sink->pin.PeekAllocator());
         EXPECT_EQ(first.Get(), chain.source->pin.PeekAllocator());
-        chain.probe->out().Disconnect();
+        chain.probe->Out().Disconnect();
         chain.sink->pin.Disconnect();
         second->pin.takesAllocator = [&](IMemAllocator* offered) { return offered != first.Get(); };
-        ASSERT_EQ(S_OK, chain.graph->Connect(chain.probe->out(), second->pin));
+        ASSERT_EQ(S_OK, chain.graph->Connect(chain.probe->Out(), second->pin));
         EXPECT_EQ(second->pin.PeekAllocator(), chain.source->pin.PeekAllocator());
         EXPECT_FALSE(chain.probe->UsingDifferentAllocators());
         EXPECT_EQ(0, second->pin.refusals) << "it was handed what may die with the first";
@@ -146,7 +146,7 @@ TEST(Allocation, StreamsBeforeALateGraphReconnects)
         late.answer = answer;
         chain.probe->JoinFilterGraph(&late, nullptr);
         ASSERT_EQ(S_OK, chain.Connect());
-        EXPECT_EQ(static_cast<IPin*>(&chain.probe->in()), late.pin.Get());
+        EXPECT_EQ(static_cast<IPin*>(&chain.probe->In()), late.pin.Get());
         EXPECT_FALSE(ArrivesInPlace(chain)) << "not agreed with downstream yet";
         ComPtr<IFilterGraph2> graph;
         ASSERT_EQ(S_OK, (*chain.graph)->QueryInterface(IID_IFilterGraph2, &graph));
@@ -165,8 +165,8 @@ TEST(Allocation, ReconnectionWithoutATypeKeepsTheType)
     early.reconnects = graph.Get();
     chain.probe->JoinFilterGraph(&early, nullptr);
     chain.source->pin.types = {VideoType(8, 4), VideoType(16, 4)};
-    ASSERT_EQ(S_OK, chain.graph->Connect(chain.source->pin, chain.probe->in()));
-    ASSERT_EQ(S_OK, chain.graph->Connect(chain.probe->out(), chain.sink->pin, &chain.source->pin.types[1]));
+    ASSERT_EQ(S_OK, chain.graph->Connect(chain.source->pin, chain.probe->In()));
+    ASSERT_EQ(S_OK, chain.graph->Connect(chain.probe->Out(), chain.sink->pin, &chain.source->pin.types[1]));
     EXPECT_TRUE(chain.source->pin.CurrentMediaType() == chain.source->pin.types[1]);
     EXPECT_TRUE(chain.sink->pin.CurrentMediaType() == chain.source->pin.types[1]);
     EXPECT_FALSE(chain.probe->UsingDifferentAllocators());
@@ -265,7 +265,7 @@ TEST(Allocation, CopiesOfForeignSamples)
     inner->SetSyncPoint(TRUE);
     inner->SetMediaType(&type);
     PlainSample sample(inner.Get());
-    EXPECT_EQ(S_OK, chain.probe->in().Receive(&sample));
+    EXPECT_EQ(S_OK, chain.probe->In().Receive(&sample));
     const Arrival& arrival = chain.sink->pin.arrivals.at(0);
     EXPECT_EQ(4, arrival.bytes[0]);
     EXPECT_EQ(100, arrival.properties.tStart);
@@ -274,11 +274,11 @@ TEST(Allocation, CopiesOfForeignSamples)
 
     for (const LONG lie : std::initializer_list<LONG>{8L * 4 * 4 + 1, -1L, -MAXLONG - 1, LONG{MAXLONG}}) {
         sample.length = lie;
-        EXPECT_EQ(E_UNEXPECTED, chain.probe->in().Receive(&sample)) << lie;
+        EXPECT_EQ(E_UNEXPECTED, chain.probe->In().Receive(&sample)) << lie;
     }
     sample.length = 100; // fits the copy, not the sample
     sample.size = 99;
-    EXPECT_EQ(E_UNEXPECTED, chain.probe->in().Receive(&sample));
+    EXPECT_EQ(E_UNEXPECTED, chain.probe->In().Receive(&sample));
     EXPECT_EQ(1, chain.sink->pin.received);
     chain.graph->Stop();
 }
@@ -355,9 +355,9 @@ TEST(Allocation, AChainOfFiltersSharesOneAllocator)
         Chain chain;
         ASSERT_HRESULT_SUCCEEDED(chain.graph->Add(second.get()));
         chain.sink->pin.needs = {1, 0, 512, 0};
-        ASSERT_EQ(S_OK, chain.graph->Connect(chain.source->pin, chain.probe->in()));
-        ASSERT_EQ(S_OK, chain.graph->Connect(chain.probe->out(), second->in()));
-        ASSERT_EQ(S_OK, chain.graph->Connect(second->out(), chain.sink->pin));
+        ASSERT_EQ(S_OK, chain.graph->Connect(chain.source->pin, chain.probe->In()));
+        ASSERT_EQ(S_OK, chain.graph->Connect(chain.probe->Out(), second->In()));
+        ASSERT_EQ(S_OK, chain.graph->Connect(second->Out(), chain.sink->pin));
         EXPECT_FALSE(chain.probe->UsingDifferentAllocators());
         EXPECT_FALSE(second->UsingDifferentAllocators());
         EXPECT_EQ(chain.source->pin.PeekAllocator(), chain.sink->pin.PeekAllocator());
@@ -375,7 +375,7 @@ TEST(Allocation, AChainOfFiltersSharesOneAllocator)
 TEST(Allocation, NullPointersAndWrongStatesAreAnswered)
 {
     Chain chain;
-    CTransInPlaceInputPin& in = chain.probe->in();
+    CTransInPlaceInputPin& in = chain.probe->In();
     for (int connected = 0; connected < 2; ++connected) {
         EXPECT_EQ(E_POINTER, in.GetAllocator(nullptr));
         EXPECT_EQ(E_POINTER, in.NotifyAllocator(nullptr, FALSE));

@@ -10,8 +10,8 @@ TEST(Connection, RefusalsCarryTheirReason)
 {
     Chain chain;
     SourcePin& from = chain.source->pin;
-    CTransInPlaceInputPin& in = chain.probe->in();
-    CTransInPlaceOutputPin& out = chain.probe->out();
+    CTransInPlaceInputPin& in = chain.probe->In();
+    CTransInPlaceOutputPin& out = chain.probe->Out();
     const CMediaType rgb24 = VideoType(8, 4, MEDIASUBTYPE_RGB24);
 
     EXPECT_EQ(E_POINTER, from.Connect(nullptr, nullptr));
@@ -75,9 +75,9 @@ TEST(Connection, NeedsAGraphAndATransport)
 {
     Held<Source> source;
     Held<Probe> probe;
-    EXPECT_EQ(VFW_E_NOT_IN_GRAPH, source->pin.Connect(&probe->in(), nullptr));
+    EXPECT_EQ(VFW_E_NOT_IN_GRAPH, source->pin.Connect(&probe->In(), nullptr));
     EXPECT_FALSE(source->pin.IsConnected());
-    EXPECT_FALSE(probe->in().IsConnected());
+    EXPECT_FALSE(probe->In().IsConnected());
     ASSERT_EQ(1u, probe->completed.size());
     EXPECT_EQ(PINDIR_INPUT, probe->completed[0].first);
 
@@ -112,23 +112,23 @@ TEST(Connection, TriesThePeersTypesThenItsOwn)
     // The types in the middle of the list that fit a partial one.
     CMediaType partial(&MEDIATYPE_Video);
     partial.SetSubtype(&MEDIASUBTYPE_RGB32);
-    ASSERT_EQ(S_OK, from.Connect(&chain.probe->in(), &partial));
+    ASSERT_EQ(S_OK, from.Connect(&chain.probe->In(), &partial));
     EXPECT_TRUE(from.CurrentMediaType() == from.types[1]);
 
     // The sink's own preference comes before that of the output, and the input has to follow.
     chain.sink->pin.types = {VideoType(16, 4)};
-    ASSERT_EQ(S_OK, chain.probe->out().Connect(&chain.sink->pin, nullptr));
-    EXPECT_TRUE(chain.probe->out().CurrentMediaType() == from.types[2]);
-    EXPECT_TRUE(chain.probe->in().CurrentMediaType() == from.types[2]) << "reconnected through the graph";
+    ASSERT_EQ(S_OK, chain.probe->Out().Connect(&chain.sink->pin, nullptr));
+    EXPECT_TRUE(chain.probe->Out().CurrentMediaType() == from.types[2]);
+    EXPECT_TRUE(chain.probe->In().CurrentMediaType() == from.types[2]) << "reconnected through the graph";
     EXPECT_TRUE(from.CurrentMediaType() == from.types[2]);
     EXPECT_FALSE(chain.probe->UsingDifferentAllocators());
 
     // And the other way round: the sink stays, the input comes back with another type.
     chain.sink->pin.types.clear();
     ASSERT_EQ(S_OK, from.Disconnect());
-    ASSERT_EQ(S_OK, chain.probe->in().Disconnect());
-    ASSERT_EQ(S_OK, from.Connect(&chain.probe->in(), &from.types[1]));
-    EXPECT_TRUE(chain.probe->out().CurrentMediaType() == from.types[1]);
+    ASSERT_EQ(S_OK, chain.probe->In().Disconnect());
+    ASSERT_EQ(S_OK, from.Connect(&chain.probe->In(), &from.types[1]));
+    EXPECT_TRUE(chain.probe->Out().CurrentMediaType() == from.types[1]);
     EXPECT_TRUE(chain.sink->pin.CurrentMediaType() == from.types[1]);
 }
 
@@ -136,23 +136,23 @@ TEST(Connection, FailedAttemptsLeaveNothingBehind)
 {
     Chain chain;
     chain.sink->pin.completeResult = VFW_E_NO_CLOCK;
-    ASSERT_EQ(S_OK, chain.graph->Connect(chain.source->pin, chain.probe->in()));
-    EXPECT_EQ(VFW_E_NO_CLOCK, chain.probe->out().Connect(&chain.sink->pin, nullptr))
+    ASSERT_EQ(S_OK, chain.graph->Connect(chain.source->pin, chain.probe->In()));
+    EXPECT_EQ(VFW_E_NO_CLOCK, chain.probe->Out().Connect(&chain.sink->pin, nullptr))
         << "the first reason that says more";
-    EXPECT_FALSE(chain.probe->out().IsConnected());
+    EXPECT_FALSE(chain.probe->Out().IsConnected());
     EXPECT_FALSE(chain.sink->pin.IsConnected());
-    EXPECT_EQ(nullptr, chain.probe->out().ConnectedIMemInputPin());
+    EXPECT_EQ(nullptr, chain.probe->Out().ConnectedIMemInputPin());
     chain.sink->pin.completeResult = S_OK;
     chain.sink->pin.accepts = [](const CMediaType& type) { return type.GetSampleSize() == 1; };
-    EXPECT_EQ(VFW_E_NO_ACCEPTABLE_TYPES, chain.probe->out().Connect(&chain.sink->pin, nullptr));
+    EXPECT_EQ(VFW_E_NO_ACCEPTABLE_TYPES, chain.probe->Out().Connect(&chain.sink->pin, nullptr));
     chain.sink->pin.accepts = [](const CMediaType&) -> bool { throw std::bad_alloc(); };
-    EXPECT_EQ(E_OUTOFMEMORY, chain.probe->out().Connect(&chain.sink->pin, nullptr));
+    EXPECT_EQ(E_OUTOFMEMORY, chain.probe->Out().Connect(&chain.sink->pin, nullptr));
     chain.sink->pin.accepts = [](const CMediaType&) { return true; };
     chain.sink->pin.takesAllocator = [](IMemAllocator*) { return false; };
-    EXPECT_HRESULT_FAILED(chain.probe->out().Connect(&chain.sink->pin, nullptr));
+    EXPECT_HRESULT_FAILED(chain.probe->Out().Connect(&chain.sink->pin, nullptr));
     EXPECT_FALSE(chain.sink->pin.IsConnected());
     chain.sink->pin.takesAllocator = [](IMemAllocator*) { return true; };
-    EXPECT_EQ(S_OK, chain.probe->out().Connect(&chain.sink->pin, nullptr));
+    EXPECT_EQ(S_OK, chain.probe->Out().Connect(&chain.sink->pin, nullptr));
 }
 
 TEST(Connection, RingsAreRefused)
@@ -162,11 +162,11 @@ TEST(Connection, RingsAreRefused)
         Chain chain;
         ASSERT_HRESULT_SUCCEEDED(chain.graph->Add(second.get()));
         const CMediaType& type = chain.source->pin.types[0];
-        CTransInPlaceInputPin& in = chain.probe->in();
-        EXPECT_EQ(VFW_E_CIRCULAR_GRAPH, in.ReceiveConnection(&chain.probe->out(), &type));
+        CTransInPlaceInputPin& in = chain.probe->In();
+        EXPECT_EQ(VFW_E_CIRCULAR_GRAPH, in.ReceiveConnection(&chain.probe->Out(), &type));
         // The second's output is not told of its connection, so the first's closes the ring.
-        ASSERT_EQ(S_OK, in.ReceiveConnection(&second->out(), &type));
-        EXPECT_EQ(VFW_E_CIRCULAR_GRAPH, chain.probe->out().Connect(&second->in(), &type));
+        ASSERT_EQ(S_OK, in.ReceiveConnection(&second->Out(), &type));
+        EXPECT_EQ(VFW_E_CIRCULAR_GRAPH, chain.probe->Out().Connect(&second->In(), &type));
         EXPECT_EQ(S_OK, in.Disconnect());
         chain.graph.reset();
         EXPECT_EQ(0u, second.Release());
@@ -178,8 +178,8 @@ TEST(Connection, QuestionsComeToAnEnd)
 {
     Chain chain;
     ASSERT_EQ(S_OK, chain.Connect());
-    CTransInPlaceInputPin& in = chain.probe->in();
-    CTransInPlaceOutputPin& out = chain.probe->out();
+    CTransInPlaceInputPin& in = chain.probe->In();
+    CTransInPlaceOutputPin& out = chain.probe->Out();
     chain.source->pin.whenAsked = [&](const CMediaType& type) { EXPECT_EQ(S_OK, in.QueryAccept(&type)); };
     chain.sink->pin.accepts = [&](const CMediaType& type) { return out.QueryAccept(&type) == S_OK; };
     EXPECT_EQ(S_OK, in.QueryAccept(&chain.source->pin.types[0]));
@@ -196,10 +196,10 @@ TEST(Connection, HostileTypesAreRefused)
     lying.subtype = MEDIASUBTYPE_RGB32;
     lying.formattype = FORMAT_VideoInfo;
     lying.cbFormat = sizeof(VIDEOINFOHEADER);
-    EXPECT_EQ(S_FALSE, chain.probe->in().QueryAccept(&lying));
-    EXPECT_EQ(VFW_E_TYPE_NOT_ACCEPTED, chain.probe->in().ReceiveConnection(&chain.source->pin, &lying));
+    EXPECT_EQ(S_FALSE, chain.probe->In().QueryAccept(&lying));
+    EXPECT_EQ(VFW_E_TYPE_NOT_ACCEPTED, chain.probe->In().ReceiveConnection(&chain.source->pin, &lying));
     lying.cbFormat = 0xFFFFFFFF;
-    EXPECT_EQ(S_FALSE, chain.probe->in().QueryAccept(&lying));
+    EXPECT_EQ(S_FALSE, chain.probe->In().QueryAccept(&lying));
 }
 
 } // namespace

@@ -18,8 +18,8 @@ TEST(Enumerators, PinsInOrderWithTheirIdentifiers)
         EXPECT_EQ(E_POINTER, pins->Next(1, nullptr, &count));
         EXPECT_EQ(S_FALSE, pins->Next(3, found, &count));
         ASSERT_EQ(2u, count);
-        EXPECT_EQ(static_cast<IPin*>(&probe->in()), found[0]);
-        EXPECT_EQ(static_cast<IPin*>(&probe->out()), found[1]);
+        EXPECT_EQ(static_cast<IPin*>(&probe->In()), found[0]);
+        EXPECT_EQ(static_cast<IPin*>(&probe->Out()), found[1]);
 
         const LPCWSTR ids[] = {L"In", L"Out"};
         for (int i = 0; i < 2; ++i) {
@@ -44,7 +44,7 @@ TEST(Enumerators, PinsInOrderWithTheirIdentifiers)
         ComPtr<IEnumPins> copy;
         ASSERT_EQ(S_OK, pins->Clone(&copy));
         EXPECT_EQ(S_OK, copy->Next(1, found, nullptr));
-        EXPECT_EQ(static_cast<IPin*>(&probe->out()), found[0]) << "a copy stands where the original does";
+        EXPECT_EQ(static_cast<IPin*>(&probe->Out()), found[0]) << "a copy stands where the original does";
         found[0]->Release();
         EXPECT_EQ(S_FALSE, pins->Skip(0xFFFFFFFF));
     }
@@ -119,9 +119,9 @@ TEST(Enumerators, InPlacePinsOfferTheOtherSidesTypes)
     chain.source->pin.types = {VideoType(8, 4), VideoType(16, 4)};
     chain.sink->pin.types = {VideoType(8, 4)};
     ComPtr<IEnumMediaTypes> types;
-    EXPECT_EQ(VFW_E_NOT_CONNECTED, chain.probe->in().EnumMediaTypes(&types));
-    EXPECT_EQ(VFW_E_NOT_CONNECTED, chain.probe->out().EnumMediaTypes(&types));
-    EXPECT_EQ(E_POINTER, chain.probe->in().EnumMediaTypes(nullptr));
+    EXPECT_EQ(VFW_E_NOT_CONNECTED, chain.probe->In().EnumMediaTypes(&types));
+    EXPECT_EQ(VFW_E_NOT_CONNECTED, chain.probe->Out().EnumMediaTypes(&types));
+    EXPECT_EQ(E_POINTER, chain.probe->In().EnumMediaTypes(nullptr));
     ASSERT_EQ(S_OK, chain.Connect());
     const auto countTypes = [](IPin& pin) {
         ComPtr<IEnumMediaTypes> offered;
@@ -131,8 +131,8 @@ TEST(Enumerators, InPlacePinsOfferTheOtherSidesTypes)
             ++count;
         return count;
     };
-    EXPECT_EQ(2, countTypes(chain.probe->out()));
-    EXPECT_EQ(1, countTypes(chain.probe->in()));
+    EXPECT_EQ(2, countTypes(chain.probe->Out()));
+    EXPECT_EQ(1, countTypes(chain.probe->In()));
 }
 
 } // namespace

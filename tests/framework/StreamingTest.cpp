@@ -20,8 +20,8 @@ protected:
 
     Chain chain;
     SinkPin& sink = chain.sink->pin;
-    CTransInPlaceInputPin& in = chain.probe->in();
-    CTransInPlaceOutputPin& out = chain.probe->out();
+    CTransInPlaceInputPin& in = chain.probe->In();
+    CTransInPlaceOutputPin& out = chain.probe->Out();
 };
 
 TEST_F(Streaming, ReceiveInWrongStates)

@@ -76,8 +76,8 @@ TEST(Stress, QuestionsFromEveryThread)
                 action();
         });
     };
-    CTransInPlaceInputPin& in = chain.probe->in();
-    CTransInPlaceOutputPin& out = chain.probe->out();
+    CTransInPlaceInputPin& in = chain.probe->In();
+    CTransInPlaceOutputPin& out = chain.probe->Out();
     std::thread threads[] = {
         loop([&] {
             in.BeginFlush();

@@ -351,13 +351,13 @@ Chain::~Chain()
 
 HRESULT Chain::Connect()
 {
-    const HRESULT result = graph->Connect(source->pin, probe->in());
-    return FAILED(result) ? result : graph->Connect(probe->out(), sink->pin);
+    const HRESULT result = graph->Connect(source->pin, probe->In());
+    return FAILED(result) ? result : graph->Connect(probe->Out(), sink->pin);
 }
 
 HRESULT Chain::Disconnect()
 {
-    for (CBasePin* pin : std::initializer_list<CBasePin*>{&sink->pin, &probe->out(), &probe->in(), &source->pin}) {
+    for (CBasePin* pin : std::initializer_list<CBasePin*>{&sink->pin, &probe->Out(), &probe->In(), &source->pin}) {
         const HRESULT result = pin->Disconnect();
         if (FAILED(result))
             return result;

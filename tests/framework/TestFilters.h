@@ -130,7 +130,7 @@ public:
     std::vector<CMediaType> types;
     std::function<bool(const CMediaType&)> accepts = [](const CMediaType&) { return true; };
     std::function<bool(IMemAllocator*)> takesAllocator = [](IMemAllocator*) { return true; };
-    int refusals = 0; // of allocators
+    int refusals = 0;             // of allocators
     ComPtr<IMemAllocator> offers; // whatever was agreed on; else as the base
     ALLOCATOR_PROPERTIES needs = {};
     HRESULT completeResult = S_OK;
@@ -176,8 +176,8 @@ public:
     using CTransInPlaceFilter::Transform;
     HRESULT Transform(IMediaSample* sample) override;
 
-    CTransInPlaceInputPin& in() { return static_cast<CTransInPlaceInputPin&>(*GetPin(0)); }
-    CTransInPlaceOutputPin& out() { return static_cast<CTransInPlaceOutputPin&>(*GetPin(1)); }
+    CTransInPlaceInputPin& In() { return static_cast<CTransInPlaceInputPin&>(*GetPin(0)); }
+    CTransInPlaceOutputPin& Out() { return static_cast<CTransInPlaceOutputPin&>(*GetPin(1)); }
 
     std::function<HRESULT(IMediaSample*)> transform; // instead of the addition
     HRESULT qualityResult = S_FALSE;

@@ -52,7 +52,7 @@ TEST(Unknown, FacesShareOneIdentityAndOneCount)
     EXPECT_EQ(E_POINTER, identity->QueryInterface(IID_IUnknown, nullptr));
     EXPECT_EQ(E_POINTER, identity->QueryInterface(IID_IBaseFilter, nullptr));
     EXPECT_EQ(E_POINTER, identity->QueryInterface(IID_IMemAllocator, nullptr));
-    EXPECT_EQ(E_POINTER, probe->out().QueryInterface(IID_IMediaSeeking, nullptr));
+    EXPECT_EQ(E_POINTER, probe->Out().QueryInterface(IID_IMediaSeeking, nullptr));
 
     CLSID classId = {};
     EXPECT_EQ(S_OK, probe->GetClassID(&classId));
@@ -128,13 +128,13 @@ TEST(Unknown, OutputPassesSeekingUpstream)
         ComPtr<IMediaSeeking> seeking;
         ComPtr<IMediaPosition> position;
         ASSERT_EQ(S_OK,
-                  probe->out().QueryInterface(IID_IMediaSeeking, reinterpret_cast<void**>(seeking.GetAddressOf())));
+                  probe->Out().QueryInterface(IID_IMediaSeeking, reinterpret_cast<void**>(seeking.GetAddressOf())));
         ASSERT_EQ(S_OK,
-                  probe->out().QueryInterface(IID_IMediaPosition, reinterpret_cast<void**>(position.GetAddressOf())));
+                  probe->Out().QueryInterface(IID_IMediaPosition, reinterpret_cast<void**>(position.GetAddressOf())));
         LONGLONG now = 0;
         EXPECT_HRESULT_FAILED(seeking->GetCurrentPosition(&now)) << "nothing is connected upstream";
         ComPtr<IUnknown> identity, back;
-        probe->out().QueryInterface(IID_IUnknown, reinterpret_cast<void**>(identity.GetAddressOf()));
+        probe->Out().QueryInterface(IID_IUnknown, reinterpret_cast<void**>(identity.GetAddressOf()));
         seeking.As(&back);
         EXPECT_EQ(identity.Get(), back.Get());
     }
