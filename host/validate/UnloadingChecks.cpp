@@ -1,4 +1,5 @@
 // Group "unloading": when the library may go, and that it goes.
+#include "framework/Handles.h"
 #include "host/effects/PanelWindow.h"
 #include "host/fixtures/PushGraph.h"
 #include "host/fixtures/RecordedSet.h"
@@ -6,6 +7,10 @@
 #include "host/validate/Subject.h"
 
 #include <vixavideofx/ClassIds.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
 
 namespace vixahost::validate {
 
@@ -136,20 +141,46 @@ void Cycles(Subject& library)
     }
 }
 
-void LanguageFilesGo(Subject& library)
+// How many handles this process has open. Where the system does not count them, the highest of some new ones grows with
+// their number.
+long OpenHandles()
 {
-    library.Unload();
-    DWORD before = 0, after = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &before);
-    for (int i = 0; i < 5; ++i) {
+    DWORD count = 0;
+    if (GetProcessHandleCount(GetCurrentProcess(), &count) && count != 0)
+        return static_cast<long>(count);
+    std::vector<vixa::UniqueEvent> events(300);
+    ULONG_PTR highest = 0;
+    for (vixa::UniqueEvent& event : events) {
+        event.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));
+        highest = std::max(highest, reinterpret_cast<ULONG_PTR>(event.get()));
+    }
+    return static_cast<long>(highest / 4);
+}
+
+// The first index of thread-local storage that is free; a process has about a thousand.
+long FreeThreadIndex()
+{
+    const DWORD index = TlsAlloc();
+    TlsFree(index);
+    return static_cast<long>(index);
+}
+
+void LoadsLeaveNothing(Subject& library)
+{
+    constexpr int loads = 20;
+    const auto load = [&] {
         ULONG length = 0;
         library.Info(CLSID_Emboss)->GetEffectName(0x0407, nullptr, &length);
         library.Unload();
-        if (i == 0)
-            GetProcessHandleCount(GetCurrentProcess(), &before);
-    }
-    GetProcessHandleCount(GetCurrentProcess(), &after);
-    Require(after <= before + 2, "four loads leave " + std::to_string(after - before) + " open handles behind");
+    };
+    load(); // what the system keeps of a first time is no leak
+    const long handles = OpenHandles(), index = FreeThreadIndex();
+    for (int i = 0; i < loads; ++i)
+        load();
+    const long handlesLeft = OpenHandles() - handles, indicesLeft = FreeThreadIndex() - index;
+    Require(handlesLeft < loads / 2 && indicesLeft < loads / 2,
+            std::to_string(loads) + " loads leave " + std::to_string(handlesLeft) + " open handles and " +
+                std::to_string(indicesLeft) + " indices of thread-local storage behind");
 }
 
 constexpr Check checks[] = {
@@ -162,7 +193,7 @@ constexpr Check checks[] = {
     {"unloading", "after-streaming", "After a graph has run, the library may go.", AfterStreaming},
     {"unloading", "after-panels", "After a panel was open, the library may go.", AfterPanels},
     {"unloading", "cycles", "Twenty loads and unloads in one process work and leave nothing.", Cycles},
-    {"unloading", "handles", "Loads with a language leave no handles open.", LanguageFilesGo},
+    {"unloading", "handles", "Loads leave no handles and no thread-local storage behind.", LoadsLeaveNothing},
 };
 
 } // namespace
