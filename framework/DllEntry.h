@@ -6,9 +6,12 @@
 // The module's own handle; the module sets it at attach, before it calls DllEntryPoint.
 extern HINSTANCE g_hInst;
 
-// To be called at DLL_PROCESS_ATTACH (switches thread notifications off, then runs every row's init routine with TRUE)
-// and at DLL_PROCESS_DETACH (runs them with FALSE). TRUE for every reason.
-// Not extern "C": the C runtime's own start-up calls a routine of that plain name, and would call this one as well.
+// To be called at DLL_PROCESS_ATTACH (asks not to be told of threads, then runs every row's init routine with TRUE) and
+// at DLL_PROCESS_DETACH (runs them with FALSE). TRUE for every reason.
+// The platform goes on telling: it refuses that wish to a module with thread-local storage, which the C run-time
+// library gives to all that this compiler makes. That is right, because that library must hear of a thread's end to
+// clear up after it. Nothing here may rely on either: for threads this routine does nothing. Not extern "C": the C
+// runtime's own start-up calls a routine of that plain name, and would call this one as well.
 BOOL WINAPI DllEntryPoint(HINSTANCE instance, ULONG reason, LPVOID reserved) noexcept;
 
 // Writes (TRUE) or deletes (FALSE) the class keys of every row of the table under HKEY_CLASSES_ROOT, and enters or
