@@ -330,7 +330,7 @@ RGBQUAD* STDMETHODCALLTYPE GDIBitmap::GetPaletteForWrite() noexcept
 
 bool STDMETHODCALLTYPE GDIBitmap::MakeUnique() noexcept
 {
-    if (data->refCount <= 1)
+    if (data->references.Get() <= 1)
         return true;
     if (data->bitmap && !data->bits) {
         if (data->compatible)

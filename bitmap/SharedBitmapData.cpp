@@ -40,10 +40,7 @@ ComPtr<SharedBitmapData> Owned(SharedBitmapData* record) noexcept
 
 ULONG SharedBitmapData::Release() noexcept
 {
-    const LONG left = --refCount;
-    if (left == 0)
-        delete this;
-    return static_cast<ULONG>(left);
+    return references.Drop([this] { delete this; });
 }
 
 ComPtr<SharedBitmapData> SharedBitmapData::MakeEmpty() noexcept

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "framework/Handles.h"
+#include "framework/RefCount.h"
 
 #include <windows.h>
 
@@ -9,14 +10,14 @@
 
 #include <memory>
 
-// Counted by the bitmaps that share it, not thread-safe. The last Release gives bitmap and header back.
+// Counted by the bitmaps that share it; only the count is thread-safe. The last Release gives bitmap and header back.
 struct SharedBitmapData
 {
     vixa::UniqueBitmap bitmap;    // null when empty
     std::unique_ptr<BYTE[]> info; // BITMAPINFOHEADER and colour table
     void* bits = nullptr;         // pixels of a DIB section, owned by `bitmap`; null for a device-compatible bitmap
     bool compatible = false;      // made for the screen without a bit depth
-    LONG refCount = 1;
+    vixa::RefCount references{1};
 
     // The record of an empty bitmap, with one reference. Never null: when memory is short, a record that the whole
     // process shares.
@@ -26,7 +27,7 @@ struct SharedBitmapData
     // A copy of what a bitmap handle shows, at its own depth; null on failure. The handle stays the caller's.
     static Microsoft::WRL::ComPtr<SharedBitmapData> MakeFrom(HBITMAP source) noexcept;
 
-    ULONG AddRef() noexcept { return static_cast<ULONG>(++refCount); }
+    ULONG AddRef() noexcept { return references.Add(); }
     ULONG Release() noexcept;
 
     BITMAPINFO* Info() const noexcept { return reinterpret_cast<BITMAPINFO*>(info.get()); }

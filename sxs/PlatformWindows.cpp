@@ -67,16 +67,11 @@ std::uint32_t ProgramPath(wchar_t* buffer, std::uint32_t capacity, std::int32_t&
 
 bool ReadWholeFile(const std::wstring& path, std::size_t limit, std::string& bytes)
 {
-    struct FileDeleter
-    {
-        void operator()(HANDLE handle) const noexcept { CloseHandle(handle); }
-    };
-    const HANDLE opened =
-        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (opened == INVALID_HANDLE_VALUE)
+    const UniqueFile file =
+        Opened(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                           OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file)
         return false;
-    const std::unique_ptr<void, FileDeleter> file(opened);
     // A pipe or a console could keep the reader waiting.
     LARGE_INTEGER size;
     if (GetFileType(file.get()) != FILE_TYPE_DISK || !GetFileSizeEx(file.get(), &size) ||
