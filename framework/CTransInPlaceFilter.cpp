@@ -116,8 +116,9 @@ IMediaSample* CTransInPlaceFilter::Copy(IMediaSample* source)
     BYTE* sourceBytes = nullptr;
     BYTE* targetBytes = nullptr;
     const LONG length = source->GetActualDataLength();
+    const LONG room = source->GetSize(); // 0 or less: not told
     // A length beyond either buffer is a lie that must not be followed.
-    if (length < 0 || length > source->GetSize() || length > target->GetSize())
+    if (length < 0 || (room > 0 && length > room) || length > target->GetSize())
         return nullptr;
     if (length > 0) {
         if (FAILED(source->GetPointer(&sourceBytes)) || FAILED(target->GetPointer(&targetBytes)) || !sourceBytes ||

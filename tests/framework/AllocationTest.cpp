@@ -280,6 +280,9 @@ TEST(Allocation, CopiesOfForeignSamples)
     sample.size = 99;
     EXPECT_EQ(E_UNEXPECTED, chain.probe->In().Receive(&sample));
     EXPECT_EQ(1, chain.sink->pin.received);
+    sample.size = 0; // not told
+    EXPECT_EQ(S_OK, chain.probe->In().Receive(&sample));
+    EXPECT_EQ(100u, chain.sink->pin.arrivals.at(1).bytes.size());
     chain.graph->Stop();
 }
 

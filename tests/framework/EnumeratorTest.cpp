@@ -47,32 +47,11 @@ TEST(Enumerators, PinsInOrderWithTheirIdentifiers)
         EXPECT_EQ(static_cast<IPin*>(&probe->Out()), found[0]) << "a copy stands where the original does";
         found[0]->Release();
         EXPECT_EQ(S_FALSE, pins->Skip(0xFFFFFFFF));
+        pins->Reset();
+        probe->IncrementPinVersion();
+        EXPECT_EQ(VFW_E_ENUM_OUT_OF_SYNC, pins->Next(1, found, nullptr));
     }
     EXPECT_EQ(0u, probe.Release());
-    EXPECT_EQ(0, CBaseObject::ObjectsActive());
-}
-
-TEST(Enumerators, PinsThatChangePutItOutOfSync)
-{
-    Held<Source> source;
-    source->pinCount = 0;
-    {
-        ComPtr<IEnumPins> pins, copy;
-        ASSERT_EQ(S_OK, source->EnumPins(&pins));
-        source->pinCount = 1;
-        source->IncrementPinVersion();
-        IPin* pin = nullptr;
-        ULONG count = 9;
-        EXPECT_EQ(VFW_E_ENUM_OUT_OF_SYNC, pins->Next(1, &pin, &count));
-        EXPECT_EQ(0u, count);
-        EXPECT_EQ(VFW_E_ENUM_OUT_OF_SYNC, pins->Skip(1));
-        EXPECT_EQ(VFW_E_ENUM_OUT_OF_SYNC, pins->Clone(&copy));
-        EXPECT_EQ(S_OK, pins->Reset());
-        EXPECT_EQ(S_OK, pins->Next(1, &pin, &count));
-        EXPECT_EQ(static_cast<IPin*>(&source->pin), pin);
-        pin->Release();
-    }
-    EXPECT_EQ(0u, source.Release());
     EXPECT_EQ(0, CBaseObject::ObjectsActive());
 }
 

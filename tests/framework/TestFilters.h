@@ -91,12 +91,11 @@ class Source : public CBaseFilter
 {
 public:
     Source();
-    int GetPinCount() override { return pinCount; }
+    int GetPinCount() override { return 1; }
     CBasePin* GetPin(int index) override { return index == 0 ? &pin : nullptr; }
 
     CCritSec lock;
     SourcePin pin;
-    int pinCount = 1;
 };
 
 struct Arrival
