@@ -32,23 +32,12 @@ const MessageMapEntry* CDialogInvert::GetMessageMap()
 
 void CDialogInvert::OnInitDialog(WPARAM focusControl)
 {
-    const HWND dialog = vixa::DialogOf(focusControl);
-    red.Attach(GetDlgItem(dialog, Red));
-    green.Attach(GetDlgItem(dialog, Green));
-    blue.Attach(GetDlgItem(dialog, Blue));
-    label.Attach(GetDlgItem(dialog, Label));
-
-    CreateToolTip(dialog);
-    AddToolTip(dialog, Red, IDS_TIP_INVERT_RED, IDS_TIP_INVERT_RED);
-    AddToolTip(dialog, Green, IDS_TIP_INVERT_GREEN, IDS_TIP_INVERT_GREEN);
-    AddToolTip(dialog, Blue, IDS_TIP_INVERT_BLUE, IDS_TIP_INVERT_BLUE);
-    InstallMessageHook();
-
-    label.SetText(vixa::PanelText(GetInstance(), IDS_SELECT_COLOR).c_str());
-    red.SetText(vixa::PanelText(GetInstance(), IDS_RED).c_str());
-    green.SetText(vixa::PanelText(GetInstance(), IDS_GREEN).c_str());
-    blue.SetText(vixa::PanelText(GetInstance(), IDS_BLUE).c_str());
-    vixa::WidenToTexts(dialog);
+    SetUp(focusControl, {
+                            {Red, &red, IDS_RED, IDS_TIP_INVERT_RED, IDS_TIP_INVERT_RED},
+                            {Green, &green, IDS_GREEN, IDS_TIP_INVERT_GREEN, IDS_TIP_INVERT_GREEN},
+                            {Blue, &blue, IDS_BLUE, IDS_TIP_INVERT_BLUE, IDS_TIP_INVERT_BLUE},
+                            {Label, &label, IDS_SELECT_COLOR},
+                        });
 }
 
 void CDialogInvert::OnCommand(LPARAM lParam, WPARAM)
@@ -57,14 +46,12 @@ void CDialogInvert::OnCommand(LPARAM lParam, WPARAM)
         !vixa::IsFrom(lParam, blue.GetHwnd()))
         return;
     const auto bit = [](CBaseCheckBox& box, std::int32_t value) { return box.GetCheck() == BST_CHECKED ? value : 0; };
-    vixa::WriteBlock(params, InvertBlock{bit(red, InvertBlock::Red) | bit(green, InvertBlock::Green) |
-                                         bit(blue, InvertBlock::Blue)});
-    NotifyParent();
+    StoreBlock(InvertBlock{bit(red, InvertBlock::Red) | bit(green, InvertBlock::Green) | bit(blue, InvertBlock::Blue)});
 }
 
 void CDialogInvert::LoadValues()
 {
-    const auto block = vixa::TryReadBlock<InvertBlock>(params);
+    const auto block = TryReadBlock<InvertBlock>();
     if (!block)
         return;
     const auto check = [&](std::int32_t value) { return block->mask & value ? BST_CHECKED : BST_UNCHECKED; };

@@ -2,8 +2,6 @@
 #pragma once
 
 #include "dialogs/EffectPanel.h"
-#include "ui/CBaseCheckBox.h"
-#include "ui/CBaseText.h"
 
 class CDialogInvert : public EffectPanel
 {

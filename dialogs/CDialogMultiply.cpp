@@ -31,19 +31,13 @@ const MessageMapEntry* CDialogMultiply::GetMessageMap()
 
 void CDialogMultiply::OnInitDialog(WPARAM focusControl)
 {
-    const HWND dialog = vixa::DialogOf(focusControl);
-    slider.Attach(GetDlgItem(dialog, Slider));
-    valueText.Attach(GetDlgItem(dialog, ValueText));
-    label.Attach(GetDlgItem(dialog, Label));
-
-    CreateToolTip(dialog);
-    AddToolTip(dialog, Slider, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
-    InstallMessageHook();
-
-    label.SetText(vixa::PanelText(GetInstance(), IDS_MULTIPLY_FACTOR).c_str());
+    SetUp(focusControl, {
+                            {Slider, &slider, 0, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY},
+                            {ValueText, &valueText, 0, 0, 0, L"2.00"},
+                            {Label, &label, IDS_MULTIPLY_FACTOR},
+                        });
     ResetControls();
     slider.SetPageSize(15);
-    vixa::WidenToTexts(dialog);
 }
 
 void CDialogMultiply::OnHScroll(LPARAM lParam, WPARAM wParam)
@@ -52,8 +46,7 @@ void CDialogMultiply::OnHScroll(LPARAM lParam, WPARAM wParam)
         ShowFactor();
     if (!vixa::SettlesValue(wParam))
         return;
-    vixa::WriteBlock(params, MultiplyBlock{slider.GetPos()});
-    NotifyParent();
+    StoreBlock(MultiplyBlock{slider.GetPos()});
 }
 
 void CDialogMultiply::ResetControls()
@@ -66,7 +59,7 @@ void CDialogMultiply::ResetControls()
 
 void CDialogMultiply::LoadValues()
 {
-    const auto block = vixa::TryReadBlock<MultiplyBlock>(params);
+    const auto block = TryReadBlock<MultiplyBlock>();
     if (!block)
         return;
     slider.SetPos(block->factor);

@@ -41,37 +41,26 @@ const MessageMapEntry* CDialogSelectAddPixel::GetMessageMap()
 
 void CDialogSelectAddPixel::OnInitDialog(WPARAM focusControl)
 {
-    const HWND dialog = vixa::DialogOf(focusControl);
-    redSlider.Attach(GetDlgItem(dialog, RedSlider));
-    greenSlider.Attach(GetDlgItem(dialog, GreenSlider));
-    blueSlider.Attach(GetDlgItem(dialog, BlueSlider));
-    redValue.Attach(GetDlgItem(dialog, RedValue));
-    greenValue.Attach(GetDlgItem(dialog, GreenValue));
-    blueValue.Attach(GetDlgItem(dialog, BlueValue));
-    redLabel.Attach(GetDlgItem(dialog, RedLabel));
-    greenLabel.Attach(GetDlgItem(dialog, GreenLabel));
-    blueLabel.Attach(GetDlgItem(dialog, BlueLabel));
-    moveAll.Attach(GetDlgItem(dialog, MoveAll));
-
-    CreateToolTip(dialog);
-    for (int control : {RedSlider, GreenSlider, BlueSlider})
-        AddToolTip(dialog, static_cast<std::uint32_t>(control), IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
-    AddToolTip(dialog, MoveAll, IDS_TIP_MOVE_ALL_SLIDERS, IDS_TIP_MOVE_ALL_SLIDERS);
-    InstallMessageHook();
-
+    SetUp(focusControl,
+          {
+              {RedSlider, &redSlider, 0, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY},
+              {GreenSlider, &greenSlider, 0, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY},
+              {BlueSlider, &blueSlider, 0, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY},
+              {RedValue, &redValue, 0, 0, 0, L"-255"},
+              {GreenValue, &greenValue, 0, 0, 0, L"-255"},
+              {BlueValue, &blueValue, 0, 0, 0, L"-255"},
+              {RedLabel, &redLabel, IDS_RED},
+              {GreenLabel, &greenLabel, IDS_GREEN},
+              {BlueLabel, &blueLabel, IDS_BLUE},
+              {MoveAll, &moveAll, IDS_MOVE_ALL_SLIDERS, IDS_TIP_MOVE_ALL_SLIDERS, IDS_TIP_MOVE_ALL_SLIDERS},
+          });
     links.clear();
     links.push_back(std::make_unique<SliderLink>(SliderLink{redSlider, redValue}));
     links.push_back(std::make_unique<SliderLink>(SliderLink{greenSlider, greenValue}));
     links.push_back(std::make_unique<SliderLink>(SliderLink{blueSlider, blueValue}));
-
-    redLabel.SetText(vixa::PanelText(GetInstance(), IDS_RED).c_str());
-    greenLabel.SetText(vixa::PanelText(GetInstance(), IDS_GREEN).c_str());
-    blueLabel.SetText(vixa::PanelText(GetInstance(), IDS_BLUE).c_str());
     for (const auto& link : links)
         link->slider.SetPageSize(15);
-    moveAll.SetText(vixa::PanelText(GetInstance(), IDS_MOVE_ALL_SLIDERS).c_str());
     ResetControls();
-    vixa::WidenToTexts(dialog);
 }
 
 void CDialogSelectAddPixel::OnHScroll(LPARAM lParam, WPARAM wParam)
@@ -89,9 +78,7 @@ void CDialogSelectAddPixel::OnHScroll(LPARAM lParam, WPARAM wParam)
     }
     if (!vixa::SettlesValue(wParam))
         return;
-    vixa::WriteBlock(params,
-                     AddBlock{redSlider.GetPos(), greenSlider.GetPos(), blueSlider.GetPos(), moveAll.GetCheck()});
-    NotifyParent();
+    StoreBlock(AddBlock{redSlider.GetPos(), greenSlider.GetPos(), blueSlider.GetPos(), moveAll.GetCheck()});
 }
 
 void CDialogSelectAddPixel::ResetControls()
@@ -106,7 +93,7 @@ void CDialogSelectAddPixel::ResetControls()
 
 void CDialogSelectAddPixel::LoadValues()
 {
-    const auto block = vixa::TryReadBlock<AddBlock>(params);
+    const auto block = TryReadBlock<AddBlock>();
     if (!block)
         return;
     blueSlider.SetPos(block->blueDelta);

@@ -34,17 +34,13 @@ const MessageMapEntry* CDialogSelectColor::GetMessageMap()
 
 void CDialogSelectColor::OnInitDialog(WPARAM focusControl)
 {
-    const HWND dialog = vixa::DialogOf(focusControl);
-    slider.Attach(GetDlgItem(dialog, Slider));
-    colourList.Attach(GetDlgItem(dialog, ColourList));
-    valueText.Attach(GetDlgItem(dialog, ValueText));
-    colourLabel.Attach(GetDlgItem(dialog, ColourLabel));
-    intensityLabel.Attach(GetDlgItem(dialog, IntensityLabel));
-
-    CreateToolTip(dialog);
-    AddToolTip(dialog, Slider, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
-    AddToolTip(dialog, ColourList, IDS_TIP_SELECT_COLOR, IDS_SELECT_COLOR);
-    InstallMessageHook();
+    SetUp(focusControl, {
+                            {Slider, &slider, 0, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY},
+                            {ColourList, &colourList, 0, IDS_TIP_SELECT_COLOR, IDS_SELECT_COLOR},
+                            {ValueText, &valueText, 0, 0, 0, L"-255"},
+                            {ColourLabel, &colourLabel, IDS_SELECT_COLOR},
+                            {IntensityLabel, &intensityLabel, IDS_SELECT_INTENSITY},
+                        });
 
     slider.SetRangeMax(255);
     slider.SetRangeMin(-255);
@@ -64,11 +60,13 @@ void CDialogSelectColor::OnInitDialog(WPARAM focusControl)
         if (index >= 0)
             SendMessageW(colourList.GetHwnd(), CB_SETITEMDATA, static_cast<WPARAM>(index), entry.colour);
     }
-    colourLabel.SetText(vixa::PanelText(GetInstance(), IDS_SELECT_COLOR).c_str());
-    intensityLabel.SetText(vixa::PanelText(GetInstance(), IDS_SELECT_INTENSITY).c_str());
+    // Its colours are chosen, not typed: a typed name would leave none selected.
+    COMBOBOXINFO list{};
+    list.cbSize = sizeof list;
+    if (GetComboBoxInfo(colourList.GetHwnd(), &list))
+        SendMessageW(list.hwndItem, EM_SETREADONLY, TRUE, 0);
     ResetControls();
     slider.SetPageSize(15);
-    vixa::WidenToTexts(dialog);
 }
 
 void CDialogSelectColor::OnHScroll(LPARAM lParam, WPARAM wParam)
@@ -86,8 +84,7 @@ void CDialogSelectColor::OnColourChosen()
 
 void CDialogSelectColor::StoreValues()
 {
-    vixa::WriteBlock(params, FilterColorBlock{slider.GetPos(), SelectedColour()});
-    NotifyParent();
+    StoreBlock(FilterColorBlock{slider.GetPos(), SelectedColour()});
 }
 
 void CDialogSelectColor::ResetControls()
@@ -98,7 +95,7 @@ void CDialogSelectColor::ResetControls()
 
 void CDialogSelectColor::LoadValues()
 {
-    const auto block = vixa::TryReadBlock<FilterColorBlock>(params);
+    const auto block = TryReadBlock<FilterColorBlock>();
     if (!block)
         return;
     slider.SetPos(block->intensity);

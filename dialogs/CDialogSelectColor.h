@@ -2,9 +2,6 @@
 #pragma once
 
 #include "dialogs/EffectPanel.h"
-#include "ui/CBaseListBox.h"
-#include "ui/CBaseSlider.h"
-#include "ui/CBaseText.h"
 
 #include <cstdint>
 

@@ -33,37 +33,28 @@ const MessageMapEntry* CDialogSelectGamma::GetMessageMap()
 
 void CDialogSelectGamma::OnInitDialog(WPARAM focusControl)
 {
-    const HWND dialog = vixa::DialogOf(focusControl);
-    slider.Attach(GetDlgItem(dialog, Slider));
-    title.Attach(GetDlgItem(dialog, Title));
-    rightLabel.Attach(GetDlgItem(dialog, RightLabel));
-    leftLabel.Attach(GetDlgItem(dialog, LeftLabel));
-
-    CreateToolTip(dialog);
-    AddToolTip(dialog, Slider, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY);
-    InstallMessageHook();
-
-    title.SetText(vixa::PanelText(GetInstance(), IDS_GAMMA_LABEL).c_str());
-    rightLabel.SetText(vixa::PanelText(GetInstance(), IDS_BRIGHTER).c_str());
-    leftLabel.SetText(vixa::PanelText(GetInstance(), IDS_DARKER).c_str());
+    const HWND dialog = SetUp(focusControl, {
+                                                {Slider, &slider, 0, IDS_TIP_SLIDER, IDS_SELECT_INTENSITY},
+                                                {Title, &title, IDS_GAMMA_LABEL},
+                                                {RightLabel, &rightLabel, IDS_BRIGHTER},
+                                                {LeftLabel, &leftLabel, IDS_DARKER},
+                                            });
     ResetControls();
     slider.SetPageSize(3);
     // Nothing draws it and nothing answers it; hidden, it takes no place in the tab order either.
     ShowWindow(GetDlgItem(dialog, UnusedButton), SW_HIDE);
-    vixa::WidenToTexts(dialog);
 }
 
 void CDialogSelectGamma::OnHScroll(LPARAM, WPARAM wParam)
 {
     if (!vixa::SettlesValue(wParam))
         return;
-    vixa::WriteBlock(params, GammaBlock{slider.GetPos()});
-    NotifyParent();
+    StoreBlock(GammaBlock{slider.GetPos()});
 }
 
 void CDialogSelectGamma::LoadValues()
 {
-    if (const auto block = vixa::TryReadBlock<GammaBlock>(params))
+    if (const auto block = TryReadBlock<GammaBlock>())
         slider.SetPos(block->gamma);
 }
 

@@ -2,8 +2,6 @@
 #pragma once
 
 #include "dialogs/EffectPanel.h"
-#include "ui/CBaseSlider.h"
-#include "ui/CBaseText.h"
 
 class CDialogSelectGamma : public EffectPanel
 {

@@ -32,19 +32,12 @@ const MessageMapEntry* CDialogShiftEdges::GetMessageMap()
 
 void CDialogShiftEdges::OnInitDialog(WPARAM focusControl)
 {
-    const HWND dialog = vixa::DialogOf(focusControl);
-    horizontal.Attach(GetDlgItem(dialog, Horizontal));
-    vertical.Attach(GetDlgItem(dialog, Vertical));
-
-    CreateToolTip(dialog);
-    AddToolTip(dialog, Horizontal, IDS_TIP_SHIFT_HORIZONTAL, IDS_TIP_SHIFT_HORIZONTAL);
-    AddToolTip(dialog, Vertical, IDS_TIP_SHIFT_VERTICAL, IDS_TIP_SHIFT_VERTICAL);
-    InstallMessageHook();
-
-    SetDlgItemTextW(dialog, DirectionGroup, vixa::PanelText(GetInstance(), IDS_CHOOSE_DIRECTION).c_str());
-    horizontal.SetText(vixa::PanelText(GetInstance(), IDS_HORIZONTAL).c_str());
-    vertical.SetText(vixa::PanelText(GetInstance(), IDS_VERTICAL).c_str());
-    vixa::WidenToTexts(dialog);
+    SetUp(focusControl,
+          {
+              {Horizontal, &horizontal, IDS_HORIZONTAL, IDS_TIP_SHIFT_HORIZONTAL, IDS_TIP_SHIFT_HORIZONTAL},
+              {Vertical, &vertical, IDS_VERTICAL, IDS_TIP_SHIFT_VERTICAL, IDS_TIP_SHIFT_VERTICAL},
+              {DirectionGroup, {}, IDS_CHOOSE_DIRECTION},
+          });
 }
 
 void CDialogShiftEdges::OnCommand(LPARAM lParam, WPARAM)
@@ -62,14 +55,13 @@ void CDialogShiftEdges::OnCommand(LPARAM lParam, WPARAM)
         horizontal.SetCheck(BST_CHECKED);
         vertical.SetCheck(BST_CHECKED);
     }
-    vixa::WriteBlock(params, ConvolutionBlock{static_cast<std::int32_t>(kind)});
-    NotifyParent();
+    StoreBlock(ConvolutionBlock{static_cast<std::int32_t>(kind)});
 }
 
 void CDialogShiftEdges::LoadValues()
 {
     ClearChecks();
-    const auto block = vixa::TryReadBlock<ConvolutionBlock>(params);
+    const auto block = TryReadBlock<ConvolutionBlock>();
     if (!block)
         return;
     const auto kind = static_cast<ConvolutionKind>(block->kind);

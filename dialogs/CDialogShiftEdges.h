@@ -2,7 +2,6 @@
 #pragma once
 
 #include "dialogs/EffectPanel.h"
-#include "ui/CBaseCheckBox.h"
 
 class CDialogShiftEdges : public EffectPanel
 {

@@ -3,12 +3,20 @@
 
 #include "dialogs/CColourEffects.h"
 #include "framework/CBaseObject.h"
+#include "parameters/BlockReader.h"
+#include "ui/CBaseCheckBox.h"
+#include "ui/CBaseListBox.h"
+#include "ui/CBaseSlider.h"
+#include "ui/CBaseText.h"
 #include "ui/CBaseWnd.h"
 
 #include <vixavideofx/PropertySets.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <memory>
+#include <optional>
+#include <variant>
 
 class EffectPanel : public CBaseWnd
 {
@@ -28,6 +36,43 @@ public:
     // to `parent` on each change; one that exists keeps its own. `*window` is null when no window can be made, or when
     // the host destroys it while its values are read.
     void Show(HINSTANCE library, HWND parent, UINT notifyMessage, IDataPropertySet* propertySet, HWND* window);
+
+protected:
+    // One control of a panel: the wrapper that drives it; the text that it shows and those of its tooltip, as string
+    // resources, 0 for none; and the widest of the values that it shows.
+    struct Control
+    {
+        int id = 0;
+        std::variant<std::monostate, CBaseText*, CBaseSlider*, CBaseListBox*, CBaseCheckBox*> wrapper;
+        UINT label = 0;
+        UINT tip = 0;
+        UINT tipTitle = 0;
+        const wchar_t* widest = nullptr;
+    };
+
+    // What WM_INITDIALOG asks of every panel with controls: attaches the wrappers, makes tooltips and message hook,
+    // shows the labels, and gives the controls the room they need. `focusControl` is the message's wParam.
+    HWND SetUp(WPARAM focusControl, std::initializer_list<Control> controls);
+
+    // The block of the property set: none when there is no set, when reading fails or gives nothing. What a short read
+    // leaves out is 0.
+    template <typename Block>
+    std::optional<Block> TryReadBlock() const noexcept
+    {
+        if (!params)
+            return std::nullopt;
+        const auto read = vixa::ReadBlock(*static_cast<IDataPropertySet*>(params), Block{});
+        return read.HasData() ? std::optional(read.block) : std::nullopt;
+    }
+
+    // Writes the block, when there is a property set, and tells the host: a handler's last step.
+    template <typename Block>
+    void StoreBlock(const Block& block)
+    {
+        if (params)
+            static_cast<IDataPropertySet*>(params)->SetData(&block, sizeof block);
+        NotifyParent();
+    }
 
 private:
     const std::uint32_t dialogTemplate;

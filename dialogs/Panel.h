@@ -1,13 +1,8 @@
-// What the settings panels have in common: their texts, their data blocks, and which slider messages count.
+// What the settings panels have in common: their texts, the room these need, and which slider messages count.
 #pragma once
-
-#include "parameters/BlockReader.h"
-
-#include <vixavideofx/PropertySets.h>
 
 #include <windows.h>
 
-#include <optional>
 #include <string>
 
 namespace vixa {
@@ -21,15 +16,10 @@ std::wstring PanelText(HINSTANCE library, UINT id);
 // A trackbar position as its value text shows it.
 std::wstring PositionText(int position);
 
-// The dialog around the control that WM_INITDIALOG names.
-inline HWND DialogOf(WPARAM focusControl)
-{
-    return GetParent(reinterpret_cast<HWND>(focusControl));
-}
-
-// Widens the panel's labels and check boxes whose texts are too long for the template's sizes, as far as the panel and
-// the controls beside them leave room. Texts that fit stay as they are.
-void WidenToTexts(HWND dialog);
+// Grows the panel's texts and check boxes to the right and its trackbars downwards where the template's sizes are too
+// small for what they hold now, as far as the panel and the controls beside or below leave room. What fits stays as it
+// is.
+void FitControls(HWND dialog);
 
 inline bool IsFrom(LPARAM lParam, HWND control)
 {
@@ -39,23 +29,5 @@ inline bool IsFrom(LPARAM lParam, HWND control)
 // Whether a trackbar's message settles a value. While the thumb is dragged only the shown number follows; the drag ends
 // with a message of its own.
 bool SettlesValue(WPARAM scrollRequest);
-
-// The block of a property set: none when there is no set, when reading fails or gives nothing. What a short read leaves
-// out is 0.
-template <typename Block>
-std::optional<Block> TryReadBlock(IUnknown* params) noexcept
-{
-    if (!params)
-        return std::nullopt;
-    const auto read = ReadBlock(*static_cast<IDataPropertySet*>(params), Block{});
-    return read.HasData() ? std::optional(read.block) : std::nullopt;
-}
-
-template <typename Block>
-void WriteBlock(IUnknown* params, const Block& block)
-{
-    if (params)
-        static_cast<IDataPropertySet*>(params)->SetData(&block, sizeof block);
-}
 
 } // namespace vixa

@@ -21,7 +21,7 @@ int GdiObjects()
 // new slots behind all that live.
 int UserObjects()
 {
-    constexpr int probes = 1500;
+    constexpr int probes = 400;
     HWND windows[probes];
     int highest = 0;
     for (HWND& window : windows) {
@@ -166,7 +166,7 @@ TEST(Lifetime, SliderMovesCostNoMemory)
     const std::size_t before = HeapBytes();
     const int gdi = GdiObjects();
     host.notifications = 0;
-    const int moves = Repetitions(10000, 2000);
+    const int moves = Repetitions(10000, 1000);
     move(moves);
     EXPECT_EQ(host.notifications, moves);
     EXPECT_LE(HeapBytes(), before + 2000);

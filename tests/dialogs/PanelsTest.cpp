@@ -266,6 +266,12 @@ TEST_F(Panels, AColourIsWrittenWhenItIsChosen)
     panel.Release();
     EXPECT_EQ(Written(panel.set), (Blocks{{12, 0}}));
     EXPECT_EQ(panel.Text(1003), L"Blue");
+
+    // Typing chooses nothing: a typed name would leave no colour selected.
+    SendMessageW(info.hwndItem, WM_CHAR, L'R', 0);
+    SendMessageW(info.hwndItem, WM_KEYDOWN, VK_DELETE, 0);
+    EXPECT_EQ(panel.Text(1003), L"Blue");
+    EXPECT_EQ(Written(panel.set), Blocks{});
 }
 
 TEST_F(Panels, TheColourStaysWithItsEntryInAnyOrder)
@@ -443,7 +449,7 @@ TEST_F(Panels, AReadThatGivesNothingLeavesTheControls)
 
     // A block that is longer than the panel's harms nothing, a shorter one reads as 0 at its end.
     multiply.set.reportedSize = -1;
-    multiply.set.block.assign(50000, 7);
+    multiply.set.block.assign(10000, 7);
     multiply.Reload();
     EXPECT_EQ(multiply.Text(1030), L"0.07");
     colour.set.reportedSize = -1;

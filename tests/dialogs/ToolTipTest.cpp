@@ -53,6 +53,7 @@ void ExpectToolTip(HostWindow& host, RecordingSet::Block block, int id, const wc
     Spoken::title.clear();
     Spoken::panelProcedure = Spoken::Replace(panel.window, Spoken::OnPanel);
     Spoken::tipProcedure = Spoken::Replace(tip, Spoken::OnTip);
+    SendMessageW(tip, TTM_SETDELAYTIME, TTDT_INITIAL, MAKELPARAM(30, 0)); // a user's half second is long here
     panel.MoveTo(host.hwnd, 400, 300);
     EXPECT_FALSE(IsWindowVisible(tip));
     RECT area;
