@@ -3,9 +3,9 @@
 #include "bench/Cases.h"
 #include "bench/Report.h"
 #include "bench/Series.h"
-#include "tests/support/EffectGraph.h"
+#include "host/fixtures/PushGraph.h"
+#include "host/fixtures/RecordedSet.h"
 #include "tests/support/Library.h"
-#include "tests/support/TestPropertySet.h"
 
 #include <algorithm>
 #include <chrono>
@@ -40,14 +40,10 @@ class RunningEffect
 public:
     RunningEffect(const test::Library& library, const Case& measured, Size size)
         : filter_(library.Create(ClassOf(measured.effect))),
-          graph_(filter_.Get(), test::VideoType(size.width, size.height))
+          graph_(filter_.Get(), vixahost::fixtures::VideoType(size.width, size.height))
     {
-        if (FAILED(graph_.connected))
-            throw std::runtime_error("the graph refuses " + measured.effect);
-        graph_.sink->pin->keep = false;
-        test::TestPropertySet settings;
-        settings.block.resize(measured.block.size() * sizeof(std::int32_t));
-        std::memcpy(settings.block.data(), measured.block.data(), settings.block.size());
+        graph_.Seen().keepsContent = false;
+        vixahost::fixtures::RecordedSet settings(measured.block);
         test::ComPtr<IEffectFilter> effect;
         filter_.As(&effect);
         effect->SetPropertySet(&settings);
@@ -55,13 +51,13 @@ public:
 
     void Receive(kernels::Frame frame)
     {
-        test::TestSample sample(frame);
+        vixahost::fixtures::HandSample sample(frame);
         graph_.Send(&sample);
     }
 
 private:
     test::ComPtr<IBaseFilter> filter_;
-    test::EffectGraph graph_;
+    vixahost::fixtures::PushGraph graph_;
 };
 
 // Frames so small that the kernel is a small part of the cost, many at a time because the clock is coarse.

@@ -24,7 +24,7 @@ HRESULT DataPropertySet::QueryInterface(REFIID riid, void** object) noexcept
     return S_OK;
 }
 
-HRESULT DataPropertySet::GetData(void* buffer, int* size) noexcept
+HRESULT DataPropertySet::GetData(void* buffer, int* size)
 {
     if (!buffer || !size)
         return E_POINTER;

@@ -28,8 +28,8 @@ public:
         return references.Drop([this] { delete this; });
     }
 
-    // E_POINTER when an argument is null, E_FAIL while the set is empty.
-    HRESULT STDMETHODCALLTYPE GetData(void* buffer, int* size) noexcept override;
+    // E_POINTER when an argument is null, E_FAIL while the set is empty. Throws nothing; a derived set may.
+    HRESULT STDMETHODCALLTYPE GetData(void* buffer, int* size) override;
     // E_INVALIDARG for a negative size or missing data, E_OUTOFMEMORY; the old block then stays.
     HRESULT STDMETHODCALLTYPE SetData(const void* data, int size) noexcept override;
 

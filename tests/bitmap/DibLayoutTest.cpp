@@ -1,7 +1,7 @@
 // Header arithmetic and the check of packed DIBs that come from outside.
 #include "bitmap/DibLayout.h"
+#include "host/fixtures/GuardedMemory.h"
 #include "tests/bitmap/PackedDibs.h"
-#include "tests/support/GuardedBytes.h"
 
 #include <gtest/gtest.h>
 
@@ -67,7 +67,7 @@ TEST(DibLayout, ReadsPackedDibsUpToTheirLastByte)
                           {7, 7, 24, 9},
                           {4, 4, 32, 0}}) {
         const Bytes bytes = PackedDib(c.width, c.height, c.bitCount, c.colors);
-        const ::test::GuardedBytes block(bytes);
+        const ::vixahost::fixtures::GuardedMemory block(bytes);
         const auto layout = ParsePackedDib(std::as_bytes(block.Bytes()));
         ASSERT_TRUE(layout) << c.width << " x " << c.height << " at " << c.bitCount;
         EXPECT_EQ(layout->width, c.width);
@@ -94,7 +94,7 @@ TEST(DibLayout, ReadsHeadersWithMoreFields)
 TEST(DibLayout, RefusesHostileData)
 {
     for (const HostileDib& hostile : HostileDibs()) {
-        const ::test::GuardedBytes block(hostile.bytes);
+        const ::vixahost::fixtures::GuardedMemory block(hostile.bytes);
         EXPECT_FALSE(ParsePackedDib(std::as_bytes(block.Bytes()))) << hostile.what;
     }
 }

@@ -2,9 +2,9 @@
 #include "bitmap/GDIBitmap.h"
 #include "bitmap/ExportPicture.h"
 #include "bitmap/OsFamily.h"
+#include "host/fixtures/GuardedMemory.h"
 #include "tests/bitmap/MemoryBitmap.h"
 #include "tests/bitmap/PackedDibs.h"
-#include "tests/support/GuardedBytes.h"
 
 #include <gtest/gtest.h>
 
@@ -135,7 +135,7 @@ TEST(GDIBitmap, ABufferThatIsTooSmallStaysAsItIs)
     }
     EXPECT_EQ(buffer, Bytes(6952, std::byte{0xCD}));
     EXPECT_FALSE(bitmap.ExportDib(buffer.data(), nullptr));
-    const ::test::GuardedBytes exact(6952);
+    const ::vixahost::fixtures::GuardedMemory exact(6952);
     size = 6952;
     EXPECT_TRUE(bitmap.ExportDib(exact.data(), &size));
 }
@@ -162,7 +162,7 @@ TEST(GDIBitmap, HostileDataLeavesItEmpty)
     for (const HostileDib& hostile : HostileDibs()) {
         GDIBitmap bitmap;
         ASSERT_TRUE(bitmap.Create({2, 2}, 24));
-        const ::test::GuardedBytes block(hostile.bytes);
+        const ::vixahost::fixtures::GuardedMemory block(hostile.bytes);
         EXPECT_FALSE(bitmap.LoadDib(block.data(), static_cast<int>(hostile.bytes.size()))) << hostile.what;
         if (!hostile.bytes.empty()) {
             EXPECT_TRUE(bitmap.IsEmpty()) << hostile.what;
@@ -256,7 +256,7 @@ TEST(GDIBitmap, CopiesFromOtherKindsOfBitmap)
     EXPECT_FALSE(bitmap.SharesStorageWith(&other));
     EXPECT_EQ(other.released, 2);
     // A stride that is not its own must not count: the rows below end at a page that faults.
-    const ::test::GuardedBytes rows(40);
+    const ::vixahost::fixtures::GuardedMemory rows(40);
     std::ranges::fill(rows.Bytes(), std::uint8_t{7});
     other.borrowedBits = rows.data();
     other.stride = 4000;

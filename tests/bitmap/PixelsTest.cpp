@@ -2,7 +2,7 @@
 #include "bitmap/Pixels.h"
 #include "bitmap/DibLayout.h"
 #include "bitmap/OsFamily.h"
-#include "tests/support/GuardedBytes.h"
+#include "host/fixtures/GuardedMemory.h"
 
 #include <gtest/gtest.h>
 
@@ -38,7 +38,7 @@ public:
 
 private:
     DibLayout layout;
-    ::test::GuardedBytes block;
+    ::vixahost::fixtures::GuardedMemory block;
 };
 
 TEST(Pixels, ReadColoursFromTheTop)

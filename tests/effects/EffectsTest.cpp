@@ -1,11 +1,12 @@
 // Every effect on hand-worked numbers.
-#include "tests/support/EffectGraph.h"
+#include "host/fixtures/PushGraph.h"
+#include "host/fixtures/RecordedSet.h"
 #include "tests/support/Library.h"
-#include "tests/support/TestPropertySet.h"
 
 #include <vixavideofx/ClassIds.h>
 
 using namespace test;
+using namespace vixahost::fixtures;
 using namespace vixavideofx;
 
 namespace {
@@ -25,18 +26,17 @@ protected:
         ComPtr<IEffectFilter> effect;
         EXPECT_EQ(filter.As(&effect), S_OK);
         if (block.size() > 0) {
-            TestPropertySet set(block);
+            RecordedSet set(block);
             EXPECT_EQ(effect->SetPropertySet(&set), S_OK);
             EXPECT_EQ(set.references, 1u);
             EXPECT_EQ(set.queries, 0);
             EXPECT_EQ(set.writes, 0);
         }
         effect.Reset();
-        EffectGraph graph(filter.Get(), VideoType(width ? width : static_cast<LONG>(frame.size() / 4), height));
-        EXPECT_EQ(graph.connected, S_OK);
+        PushGraph graph(filter.Get(), VideoType(width ? width : static_cast<LONG>(frame.size() / 4), height));
         EXPECT_EQ(graph.Send(frame), S_OK);
-        EXPECT_EQ(graph.sink->pin->received, 1);
-        EXPECT_EQ(graph.sink->pin->content, frame) << "another buffer was delivered";
+        EXPECT_EQ(graph.Seen().samples, 1);
+        EXPECT_EQ(graph.Seen().content, frame) << "another buffer was delivered";
         return frame;
     }
 
@@ -82,15 +82,14 @@ TEST_F(Effects, GammaReportsAMissingBuffer)
     const auto filter = library.Create(CLSID_GammaCorrection);
     ComPtr<IEffectFilter> effect;
     filter.As(&effect);
-    EffectGraph graph(filter.Get(), VideoType(2, 1));
-    ASSERT_EQ(graph.connected, S_OK);
-    TestSample none;
+    PushGraph graph(filter.Get(), VideoType(2, 1));
+    HandSample none;
     none.pointerResult = E_POINTER;
     EXPECT_EQ(graph.Send(&none), S_OK) << "the identity looks at no buffer";
-    TestPropertySet set{150};
+    RecordedSet set{150};
     effect->SetPropertySet(&set);
     EXPECT_EQ(graph.Send(&none), E_FAIL);
-    EXPECT_EQ(graph.sink->pin->received, 1);
+    EXPECT_EQ(graph.Seen().samples, 1);
 }
 
 TEST_F(Effects, Multiply)

@@ -1,13 +1,14 @@
 // Frames and property sets that lie. Guard pages turn a byte too far into a crash of the test program.
-#include "tests/support/EffectGraph.h"
-#include "tests/support/GuardedBytes.h"
+#include "host/fixtures/GuardedMemory.h"
+#include "host/fixtures/PushGraph.h"
+#include "host/fixtures/RecordedSet.h"
 #include "tests/support/Library.h"
-#include "tests/support/TestPropertySet.h"
 
 #include <algorithm>
 #include <climits>
 
 using namespace test;
+using namespace vixahost::fixtures;
 using namespace vixavideofx;
 
 namespace {
@@ -19,20 +20,20 @@ protected:
     static void TearDownTestSuite() { CoUninitialize(); }
 
     // A block that makes each effect do something.
-    static TestPropertySet Working(std::size_t effect)
+    static RecordedSet Working(std::size_t effect)
     {
         switch (effect) {
         case 0:
-            return TestPropertySet{40, -30, 20, 0};
+            return RecordedSet{40, -30, 20, 0};
         case 1:
-            return TestPropertySet{40, 0};
+            return RecordedSet{40, 0};
         case 2:
-            return TestPropertySet{7};
+            return RecordedSet{7};
         case 3:
         case 4:
-            return TestPropertySet{150};
+            return RecordedSet{150};
         default:
-            return TestPropertySet{static_cast<std::int32_t>(effect) - 4};
+            return RecordedSet{static_cast<std::int32_t>(effect) - 4};
         }
     }
 
@@ -51,21 +52,20 @@ TEST_F(Hostile, AFrameTooWideForItsRowsPassesUnchanged)
 {
     auto set = Working(12);
     const auto filter = Create(12, &set);
-    EffectGraph graph(filter.Get(), VideoType(0x10000001, 1));
-    ASSERT_EQ(graph.connected, S_OK);
-    graph.sink->pin->keep = false;
-    GuardedBytes frame(256, GuardedBytes::Guard::Behind);
+    PushGraph graph(filter.Get(), VideoType(0x10000001, 1));
+    graph.Seen().keepsContent = false;
+    GuardedMemory frame(256, GuardedMemory::Guard::Behind);
     std::ranges::fill(frame.Bytes(), std::uint8_t{100});
-    TestSample sample(frame.Bytes());
+    HandSample sample(frame.Bytes());
     sample.size = LONG_MAX;
     EXPECT_EQ(graph.Send(&sample), S_OK);
-    EXPECT_EQ(graph.sink->pin->received, 1);
+    EXPECT_EQ(graph.Seen().samples, 1);
     EXPECT_TRUE(std::ranges::all_of(frame.Bytes(), [](auto byte) { return byte == 100; }));
 }
 
 TEST_F(Hostile, FailedAndPartialReads)
 {
-    const auto apply = [&](REFCLSID clsid, TestPropertySet& set, std::vector<std::uint8_t> frame) {
+    const auto apply = [&](REFCLSID clsid, RecordedSet& set, std::vector<std::uint8_t> frame) {
         const auto filter = library.Create(clsid);
         ComPtr<IEffectFilter> parameters;
         filter.As(&parameters);
@@ -73,7 +73,7 @@ TEST_F(Hostile, FailedAndPartialReads)
         EXPECT_EQ(parameters->SetPropertySet(&set), S_OK);
         set.answer = answer;
         EXPECT_EQ(parameters->SetPropertySet(&set), S_OK) << "whatever GetData answers";
-        EffectGraph graph(filter.Get(), VideoType(static_cast<LONG>(frame.size() / 12), 3));
+        PushGraph graph(filter.Get(), VideoType(static_cast<LONG>(frame.size() / 12), 3));
         graph.Send(frame);
         return frame;
     };
@@ -81,7 +81,7 @@ TEST_F(Hostile, FailedAndPartialReads)
     using Bytes = std::vector<std::uint8_t>;
 
     // A failed read that writes nothing keeps what was there.
-    TestPropertySet add{10, 20, 30, 0};
+    RecordedSet add{10, 20, 30, 0};
     add.answer = [](void*, int*) { return E_FAIL; };
     const auto kept = apply(CLSID_AddPixel, add, frame);
     EXPECT_EQ(Bytes(kept.begin(), kept.begin() + 4), (Bytes{130, 120, 110, 100}));
@@ -94,7 +94,7 @@ TEST_F(Hostile, FailedAndPartialReads)
     EXPECT_EQ(Bytes(landed.begin(), landed.begin() + 4), (Bytes{130, 120, 150, 100}));
 
     // "Filter color" takes the sign only from a read that succeeded with at least one byte.
-    TestPropertySet colour{-40, 0};
+    RecordedSet colour{-40, 0};
     colour.answer = [](void* buffer, int*) {
         *static_cast<std::int32_t*>(buffer) = 60;
         return S_OK; // size stays 0
@@ -108,7 +108,7 @@ TEST_F(Hostile, FailedAndPartialReads)
     EXPECT_EQ(apply(CLSID_FilterColor, colour, frame)[0], 160);
 
     // A convolution whose kind can't be read, or is none, keeps its kernel but neither divides nor offsets.
-    TestPropertySet soften{8};
+    RecordedSet soften{8};
     soften.answer = [](void*, int*) { return E_FAIL; };
     EXPECT_EQ(apply(CLSID_SoftenFilter, soften, Bytes(36, 1))[16], 99);
     soften.answer = [](void* buffer, int*) {
@@ -116,7 +116,7 @@ TEST_F(Hostile, FailedAndPartialReads)
         return S_OK;
     };
     EXPECT_EQ(apply(CLSID_SoftenFilter, soften, Bytes(36, 2))[16], 198);
-    TestPropertySet emboss{2};
+    RecordedSet emboss{2};
     emboss.answer = [](void*, int*) { return E_FAIL; };
     EXPECT_EQ(apply(CLSID_Emboss, emboss, frame)[16], 0) << "no offset any more";
 }
@@ -125,11 +125,11 @@ TEST_F(Hostile, FailedAndPartialReads)
 // other one runs inside GetData; on another thread it would be the same.
 TEST_F(Hostile, AReadTakesBackNothingThatCameMeanwhile)
 {
-    const auto outcome = [&](REFCLSID clsid, TestPropertySet meanwhile, HRESULT answer, std::int32_t written) {
+    const auto outcome = [&](REFCLSID clsid, RecordedSet meanwhile, HRESULT answer, std::int32_t written) {
         const auto filter = library.Create(clsid);
         ComPtr<IEffectFilter> parameters;
         filter.As(&parameters);
-        TestPropertySet slow;
+        RecordedSet slow;
         slow.answer = [&](void* buffer, int* size) {
             EXPECT_EQ(parameters->SetPropertySet(&meanwhile), S_OK);
             if (SUCCEEDED(answer)) {
@@ -139,7 +139,7 @@ TEST_F(Hostile, AReadTakesBackNothingThatCameMeanwhile)
             return answer;
         };
         EXPECT_EQ(parameters->SetPropertySet(&slow), S_OK);
-        EffectGraph graph(filter.Get(), VideoType(2, 1));
+        PushGraph graph(filter.Get(), VideoType(2, 1));
         std::vector<std::uint8_t> frame(8, 100);
         graph.Send(frame);
         return std::vector<int>(frame.begin(), frame.begin() + 3);

@@ -1,7 +1,7 @@
 // Effects while the film runs: in place, with parameters that change, and without growing.
-#include "tests/support/EffectGraph.h"
+#include "host/fixtures/PushGraph.h"
+#include "host/fixtures/RecordedSet.h"
 #include "tests/support/Library.h"
-#include "tests/support/TestPropertySet.h"
 
 #include "effects/kernels/Kernels.h"
 
@@ -12,9 +12,11 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <thread>
 
 using namespace test;
+using namespace vixahost::fixtures;
 using namespace vixavideofx;
 
 namespace {
@@ -29,14 +31,13 @@ protected:
 TEST_F(Streaming, TheSampleThatCameInGoesOut)
 {
     for (const auto& effect : effects) {
-        EffectGraph graph(library.Create(effect.clsid).Get(), VideoType(16, 16));
-        ASSERT_EQ(graph.connected, S_OK) << effect.name;
+        PushGraph graph(library.Create(effect.clsid).Get(), VideoType(16, 16));
         std::vector<std::uint8_t> frame(16 * 16 * 4);
-        TestSample sample(frame);
+        HandSample sample(frame);
         sample.start = 123;
         sample.end = 456;
         EXPECT_EQ(graph.Send(&sample), S_OK);
-        EXPECT_EQ(graph.sink->pin->last, &sample) << effect.name;
+        EXPECT_EQ(graph.Seen().last, &sample) << effect.name;
         EXPECT_EQ(sample.changes, 0);
     }
 }
@@ -44,18 +45,17 @@ TEST_F(Streaming, TheSampleThatCameInGoesOut)
 TEST_F(Streaming, AReadOnlySourceCostsOneCopy)
 {
     for (const auto& effect : effects) {
-        EffectGraph graph(library.Create(effect.clsid).Get(), VideoType(16, 16), true);
-        ASSERT_EQ(graph.connected, S_OK) << effect.name;
+        PushGraph graph(library.Create(effect.clsid).Get(), VideoType(16, 16), PushGraph::Allocator::ReadOnly);
         const std::vector<std::uint8_t> original(16 * 16 * 4, 100);
         // More frames than the output's allocator has buffers: a copy that is not given back would end the stream.
         for (int i = 1; i <= 10; ++i) {
             auto frame = original;
-            TestSample sample(frame);
+            HandSample sample(frame);
             EXPECT_EQ(graph.Send(&sample), S_OK);
-            EXPECT_NE(graph.sink->pin->last, &sample) << effect.name;
+            EXPECT_NE(graph.Seen().last, &sample) << effect.name;
             EXPECT_EQ(frame, original) << "the source's own bytes were changed";
-            EXPECT_EQ(graph.sink->pin->received, i);
-            EXPECT_EQ(graph.sink->pin->content.size(), original.size());
+            EXPECT_EQ(graph.Seen().samples, i);
+            EXPECT_EQ(graph.Seen().content.size(), original.size());
             EXPECT_EQ(sample.changes, 0);
         }
     }
@@ -67,14 +67,14 @@ TEST_F(Streaming, AFrameNeverSeesAMixture)
     const auto filter = library.Create(CLSID_AddPixel);
     ComPtr<IEffectFilter> parameters;
     filter.As(&parameters);
-    TestPropertySet first{10, 10, 10, 10};
+    RecordedSet first{10, 10, 10, 10};
     parameters->SetPropertySet(&first);
-    EffectGraph graph(filter.Get(), VideoType(32, 2));
-    graph.sink->pin->keep = false;
+    PushGraph graph(filter.Get(), VideoType(32, 2));
+    graph.Seen().keepsContent = false;
 
     std::atomic<bool> done = false;
     std::thread changer([&] {
-        TestPropertySet sets[] = {{10, 10, 10, 10}, {-90, -90, -90, -90}, {100, 100, 100, 100}};
+        RecordedSet sets[] = {{10, 10, 10, 10}, {-90, -90, -90, -90}, {100, 100, 100, 100}};
         for (std::size_t i = 0; !done; ++i)
             parameters->SetPropertySet(&sets[i % 3]);
     });
@@ -96,14 +96,14 @@ TEST_F(Streaming, AConvolutionNeverSeesAMixture)
     const auto filter = library.Create(CLSID_Emboss);
     ComPtr<IEffectFilter> parameters;
     filter.As(&parameters);
-    TestPropertySet first{2};
+    RecordedSet first{2};
     parameters->SetPropertySet(&first);
-    EffectGraph graph(filter.Get(), VideoType(8, 8));
-    graph.sink->pin->keep = false;
+    PushGraph graph(filter.Get(), VideoType(8, 8));
+    graph.Seen().keepsContent = false;
 
     std::atomic<bool> done = false;
     std::thread changer([&] {
-        TestPropertySet sets[] = {{2}, {8}, {6}};
+        RecordedSet sets[] = {{2}, {8}, {6}};
         for (std::size_t i = 0; !done; ++i)
             parameters->SetPropertySet(&sets[i % 3]);
     });
@@ -124,18 +124,18 @@ TEST_F(Streaming, ParametersDoNotWaitForAFrame)
     const auto filter = library.Create(CLSID_AddPixel);
     ComPtr<IEffectFilter> parameters;
     filter.As(&parameters);
-    TestPropertySet set{1, 1, 1, 0};
+    RecordedSet set{1, 1, 1, 0};
     // GetData runs while no lock of the effect is held: a frame may pass meanwhile, on this very thread.
-    EffectGraph graph(filter.Get(), VideoType(4, 2));
+    PushGraph graph(filter.Get(), VideoType(4, 2));
     std::vector<std::uint8_t> frame(32, 100);
     set.answer = [&](void* buffer, int* size) {
         graph.Send(frame);
-        std::memcpy(buffer, set.block.data(), set.block.size());
-        *size = static_cast<int>(set.block.size());
+        std::memcpy(buffer, set.Block().data(), 4 * sizeof(std::int32_t));
+        *size = 4 * sizeof(std::int32_t);
         return S_OK;
     };
     EXPECT_EQ(parameters->SetPropertySet(&set), S_OK);
-    EXPECT_EQ(graph.sink->pin->received, 1);
+    EXPECT_EQ(graph.Seen().samples, 1);
     EXPECT_EQ(frame[0], 100) << "the parameters count from the next frame on";
 }
 
@@ -151,14 +151,14 @@ TEST_F(Streaming, TenThousandFramesCostNoMemory)
     const auto filter = library.Create(CLSID_SoftenFilter);
     ComPtr<IEffectFilter> parameters;
     filter.As(&parameters);
-    EffectGraph graph(filter.Get(), VideoType(160, 120));
-    graph.sink->pin->keep = false;
+    PushGraph graph(filter.Get(), VideoType(160, 120));
+    graph.Seen().keepsContent = false;
     std::vector<std::uint8_t> frame(160 * 120 * 4, 100);
     SIZE_T before = 0;
     for (int i = 0; i < 10100; ++i) {
         if (i == 100)
             before = privateBytes();
-        TestPropertySet set{i % 12};
+        RecordedSet set{i % 12};
         parameters->SetPropertySet(&set);
         graph.Send(frame);
     }
@@ -186,9 +186,9 @@ TEST_F(Streaming, EqualsTheKernels)
             const auto filter = library.Create(CLSID_Emboss);
             ComPtr<IEffectFilter> parameters;
             filter.As(&parameters);
-            TestPropertySet set{kind};
+            RecordedSet set{kind};
             parameters->SetPropertySet(&set);
-            EffectGraph graph(filter.Get(), VideoType(width, height));
+            PushGraph graph(filter.Get(), VideoType(width, height));
             graph.Send(frame);
             EXPECT_TRUE(frame == expected) << "kind " << kind << ", " << width << " x " << height;
         }
@@ -204,7 +204,7 @@ TEST_F(Streaming, EveryInstructionSetGivesTheSamePicture)
         ASSERT_EQ(filter.As(&ceiling), S_OK);
         ComPtr<IEffectInfo> info;
         ASSERT_EQ(library.Factory(effect.clsid).As(&info), S_OK);
-        TestPropertySet set;
+        RecordedSet set;
         info->SetDefaults(&set);
         info.Reset();
         ComPtr<IEffectFilter> parameters;
@@ -217,7 +217,7 @@ TEST_F(Streaming, EveryInstructionSetGivesTheSamePicture)
         EXPECT_EQ(ceiling->GetLevel(nullptr), E_POINTER);
         EXPECT_EQ(ceiling->SetCeiling(4), E_INVALIDARG);
 
-        EffectGraph graph(filter.Get(), VideoType(67, 21));
+        PushGraph graph(filter.Get(), VideoType(67, 21));
         std::vector<std::uint8_t> original(67 * 21 * 4);
         unsigned seed = 7;
         for (auto& byte : original)

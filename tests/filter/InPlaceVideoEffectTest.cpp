@@ -1,9 +1,10 @@
 #include "filter/InPlaceVideoEffect.h"
 
-#include "tests/support/EffectGraph.h"
+#include "host/fixtures/PushGraph.h"
 #include "tests/support/Library.h"
 
 using namespace test;
+using namespace vixahost::fixtures;
 
 namespace {
 
@@ -80,40 +81,36 @@ TEST_F(InPlace, RecordsTheGeometryWhenBothPinsAreConnected)
     EXPECT_EQ(probe->pixelAspect, 0.0);
     EXPECT_EQ(probe->duration, 50'000'000);
     {
-        EffectGraph graph(probe.Get(), VideoType(720, 576));
-        ASSERT_EQ(graph.connected, S_OK);
+        PushGraph graph(probe.Get(), VideoType(720, 576));
         EXPECT_EQ(probe->width, 720);
         EXPECT_EQ(probe->height, 576);
         EXPECT_EQ(probe->stride, 2880);
         EXPECT_EQ(probe->pixelAspect, 1.0);
         EXPECT_GE(probe->formats, 1);
-        graph.control->Stop();
-        graph.graph->Disconnect(graph.output.Get());
+        graph.Control()->Stop();
+        graph.Manager()->Disconnect(graph.Output());
         EXPECT_EQ(probe->width, 720) << "a broken connection leaves the geometry";
         const int formats = probe->formats;
-        graph.graph->Disconnect(graph.source->pin.get());
-        graph.graph->Disconnect(graph.input.Get());
-        ASSERT_EQ(graph.graph->ConnectDirect(graph.source->pin.get(), graph.input.Get(), nullptr), S_OK);
+        graph.Manager()->Disconnect(graph.Upstream());
+        graph.Manager()->Disconnect(graph.Input());
+        ASSERT_EQ(graph.Manager()->ConnectDirect(graph.Upstream(), graph.Input(), nullptr), S_OK);
         EXPECT_EQ(probe->formats, formats) << "one pin alone records nothing";
     }
     {
-        EffectGraph graph(probe.Get(), VideoType2(720, 576, 4, 3));
-        ASSERT_EQ(graph.connected, S_OK);
+        PushGraph graph(probe.Get(), VideoType2(720, 576, 4, 3));
         EXPECT_DOUBLE_EQ(probe->pixelAspect, 4.0 * 576 / (3.0 * 720));
     }
     {
-        EffectGraph graph(probe.Get(), VideoType2(720, -576, 4, 3));
+        PushGraph graph(probe.Get(), VideoType2(720, -576, 4, 3));
         EXPECT_DOUBLE_EQ(probe->pixelAspect, -4.0 * 576 / (3.0 * 720));
         EXPECT_EQ(probe->height, -576);
     }
     {
-        EffectGraph graph(probe.Get(), VideoType2(0, 0, 0, 0)); // 0 / 0 is not a number, and not a crash
-        EXPECT_EQ(graph.connected, S_OK);
+        PushGraph graph(probe.Get(), VideoType2(0, 0, 0, 0)); // 0 / 0 is not a number, and not a crash
         EXPECT_NE(probe->pixelAspect, probe->pixelAspect);
     }
     {
-        EffectGraph graph(probe.Get(), VideoType(0x60000000, 1));
-        EXPECT_EQ(graph.connected, S_OK);
+        PushGraph graph(probe.Get(), VideoType(0x60000000, 1));
         EXPECT_EQ(probe->width, 0x60000000);
     }
 }
@@ -121,11 +118,10 @@ TEST_F(InPlace, RecordsTheGeometryWhenBothPinsAreConnected)
 TEST_F(InPlace, DroppedAndFailedFrames)
 {
     ComPtr<Probe> probe = new Probe;
-    EffectGraph graph(probe.Get(), VideoType(4, 4));
-    ASSERT_EQ(graph.connected, S_OK);
+    PushGraph graph(probe.Get(), VideoType(4, 4));
     std::vector<std::uint8_t> frame(64);
     ComPtr<IMediaEvent> events;
-    graph.graph->QueryInterface(IID_IMediaEvent, reinterpret_cast<void**>(events.GetAddressOf()));
+    graph.Manager()->QueryInterface(IID_IMediaEvent, reinterpret_cast<void**>(events.GetAddressOf()));
     const auto qualityChanges = [&] {
         int count = 0;
         long code = 0;
@@ -140,15 +136,15 @@ TEST_F(InPlace, DroppedAndFailedFrames)
     probe->answer = S_FALSE;
     EXPECT_EQ(graph.Send(frame), S_OK);
     EXPECT_EQ(graph.Send(frame), S_OK);
-    EXPECT_EQ(graph.sink->pin->received, 0);
+    EXPECT_EQ(graph.Seen().samples, 0);
     EXPECT_EQ(qualityChanges(), 1);
 
     probe->answer = E_ABORT;
     EXPECT_EQ(graph.Send(frame), E_ABORT);
-    EXPECT_EQ(graph.sink->pin->received, 0);
+    EXPECT_EQ(graph.Seen().samples, 0);
     probe->answer = S_OK;
     EXPECT_EQ(graph.Send(frame), S_OK);
-    EXPECT_EQ(graph.sink->pin->received, 1);
+    EXPECT_EQ(graph.Seen().samples, 1);
     EXPECT_EQ(probe->frames, 4);
 }
 
@@ -238,8 +234,8 @@ TEST_F(InPlace, PinsOfEveryEffect)
         EXPECT_EQ(input->QueryAccept(&static_cast<const AM_MEDIA_TYPE&>(VideoType(4, 4, MEDIASUBTYPE_RGB24))), S_FALSE);
 
         // Outside a graph a connection is refused.
-        ComPtr<TestSource> source = new TestSource(VideoType(4, 4), false);
-        EXPECT_EQ(source->pin->Connect(input.Get(), nullptr), VFW_E_NOT_IN_GRAPH) << effect.name;
+        const auto source = vixahost::graph::FrameSource::Create(VideoType(4, 4));
+        EXPECT_EQ(source->GetPin(0)->Connect(input.Get(), nullptr), VFW_E_NOT_IN_GRAPH) << effect.name;
         EXPECT_EQ(input->ConnectedTo(&none), VFW_E_NOT_CONNECTED);
     }
 }

@@ -1,12 +1,12 @@
 #include "filter/SampleBytes.h"
 
-#include "tests/support/TestSample.h"
+#include "host/fixtures/HandSample.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
 
-using namespace test;
+using namespace vixahost::fixtures;
 
 namespace {
 
@@ -21,14 +21,14 @@ TEST(SampleBytes, LengthsThatLieAndSizesThatAreNotTold)
                  {-1, 16, 16, 16}, {LONG_MIN, 16, 16, 16}, {0, 0, 0, 0},          {0, -1, 0, 0}};
     std::uint8_t bytes[16];
     for (const auto& c : cases) {
-        TestSample sample(bytes);
+        HandSample sample(bytes);
         sample.size = c.size;
         sample.length = c.length;
         EXPECT_EQ(vixa::BufferOf(&sample).size(), c.buffer) << c.size << ", " << c.length;
         EXPECT_EQ(vixa::ValidBytesOf(&sample).size(), c.valid) << c.size << ", " << c.length;
         EXPECT_EQ(vixa::BufferOf(&sample).data(), bytes);
     }
-    TestSample failing(bytes), null;
+    HandSample failing(bytes), null;
     failing.pointerResult = E_UNEXPECTED;
     null.size = null.length = 16;
     for (IMediaSample* sample : {static_cast<IMediaSample*>(&failing), static_cast<IMediaSample*>(&null),

@@ -1,7 +1,7 @@
 // The convolutions against numbers worked out by hand and properties of their kernels, at every level that the machine
 // has.
+#include "host/fixtures/GuardedMemory.h"
 #include "tests/kernels/Helpers.h"
-#include "tests/support/GuardedBytes.h"
 
 #include <gtest/gtest.h>
 
@@ -127,7 +127,7 @@ TEST_P(Convolution, ANegativeHeightIsTheSamePicture)
 TEST_P(Convolution, WhatDoesNotFitIsLeftAlone)
 {
     const Bytes original = RandomBytes(4 * 5 * 6, 5);
-    const ::test::GuardedBytes guarded(original.size());
+    const ::vixahost::fixtures::GuardedMemory guarded(original.size());
     const auto unchanged = [&](std::int32_t width, std::int32_t height, const ConvolutionParameters& parameters,
                                std::size_t scratchBytes) {
         const Frame frame = guarded.Bytes();

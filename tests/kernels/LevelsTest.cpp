@@ -1,6 +1,6 @@
 // Every level gives the scalar form's bytes, whatever the sizes, contents, addresses and parameters.
+#include "host/fixtures/GuardedMemory.h"
 #include "tests/kernels/Helpers.h"
-#include "tests/support/GuardedBytes.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 namespace vixa::kernels::test {
 namespace {
 
-using Guard = ::test::GuardedBytes::Guard;
+using Guard = ::vixahost::fixtures::GuardedMemory::Guard;
 
 // The first byte in which two frames differ and the pixels around it, before and after; empty when they are equal.
 std::string Difference(const Bytes& before, Frame expected, Frame actual, std::size_t width)
@@ -89,7 +89,7 @@ protected:
         return testing::AssertionSuccess();
     }
 
-    ::test::GuardedBytes guarded_{1 << 18};
+    ::vixahost::fixtures::GuardedMemory guarded_{1 << 18};
 };
 
 // Where a level is missing, its forms go untested: let the log say so.

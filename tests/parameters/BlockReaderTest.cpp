@@ -1,13 +1,15 @@
 #include "parameters/BlockReader.h"
 
+#include "host/fixtures/RecordedSet.h"
 #include "tests/support/DebugText.h"
-#include "tests/support/TestPropertySet.h"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <stdexcept>
 
 using namespace test;
+using namespace vixahost::fixtures;
 using vixa::ReadBlock;
 
 namespace {
@@ -52,7 +54,7 @@ bool IsAccessible(const void* address)
 
 TEST(BlockReader, TheRoomEndsInAnInaccessiblePageAlsoWithinAnotherRead)
 {
-    TestPropertySet set;
+    RecordedSet set;
     std::vector<void*> rooms;
     set.answer = [&](void* room, int*) {
         EXPECT_FALSE(IsAccessible(static_cast<char*>(room) + roomBytes));
@@ -72,7 +74,7 @@ TEST(BlockReader, OnlyWhatGetDataGaveIsLaidOver)
 {
     // The set writes the first number and answers; meanwhile both numbers have become others.
     const auto laidOver = [](HRESULT result, int size, std::int32_t written) {
-        TestPropertySet set;
+        RecordedSet set;
         set.answer = [&](void* room, int* reported) {
             static_cast<Pair*>(room)->first = written;
             *reported = size;
@@ -92,7 +94,7 @@ TEST(BlockReader, OnlyWhatGetDataGaveIsLaidOver)
 
 TEST(BlockReader, NeedsNoFreeAddressSpace)
 {
-    TestPropertySet set{1, 2}, nested{3, 4};
+    RecordedSet set{1, 2}, nested{3, 4};
     HRESULT inner = S_OK;
     set.answer = [&](void* room, int* size) {
         inner = ReadBlock(nested, Pair{}).answer.result;
@@ -115,7 +117,7 @@ TEST(BlockReader, NeedsNoFreeAddressSpace)
 
 TEST(BlockReader, AnExceptionOfTheHostEndsHere)
 {
-    TestPropertySet set{7, 8};
+    RecordedSet set{7, 8};
     void* room = nullptr;
     set.answer = [&](void* buffer, int* size) -> HRESULT {
         room = buffer;
