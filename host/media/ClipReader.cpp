@@ -3,11 +3,12 @@
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
 #include "host/media/AviHeader.h"
+#include "host/media/DibSize.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
+#include <optional>
 #include <string>
 
 namespace vixahost::media {
@@ -72,16 +73,20 @@ void ClipReader::ReadFormat()
     if (header.biSize < sizeof(BITMAPINFOHEADER) || header.biSize > static_cast<DWORD>(bytes) || width <= 0 ||
         height == 0)
         throw FailedJob(Show(path) + " is a damaged AVI clip; get a whole copy of it.");
-    if (width > std::numeric_limits<std::int32_t>::max() / 4 / height)
+    if (!DibBytes(width, height, 32))
         throw FailedJob(Show(path) + " has frames that don't fit a 32-bit program; make it smaller first.");
     format = {static_cast<int>(width), static_cast<int>(height), information.dwRate, information.dwScale};
-    if (header.biCompression != BI_RGB)
+    if (header.biCompression != BI_RGB) {
         OpenDecoder();
-    else if (header.biBitCount > 32)
-        throw FailedJob(Show(path) + " has frames of an unknown depth; convert it to 24 or 32 bits first.");
-    else
-        stored.resize((static_cast<std::size_t>(width) * header.biBitCount + 31) / 32 * 4 *
-                      static_cast<std::size_t>(height));
+    } else {
+        const std::optional<std::size_t> frameBytes = DibBytes(width, height, header.biBitCount);
+        if (!frameBytes)
+            throw FailedJob(Show(path) + " has frames of an unknown depth; convert it to 24 or 32 bits first.");
+        // Nothing is allocated for a frame that the file can't hold.
+        if (*frameBytes > std::filesystem::file_size(path))
+            throw FailedJob(Show(path) + " is a damaged AVI clip; get a whole copy of it.");
+        stored.resize(*frameBytes);
+    }
     header.biClrUsed = std::min<DWORD>(header.biClrUsed, 256);
 }
 

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <objbase.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace vixahost {
@@ -158,6 +159,11 @@ TEST_F(ClipFile, DamagedAndForeignClipsAreRefused)
     Bytes timeless = whole;
     std::fill_n(timeless.begin() + 12 + 12 + 64 + 12 + 8 + 24, 4, std::uint8_t{0}); // the rate in the first strh
     refused(timeless, "no rate");
+    // A row of this many pixels has 4 bytes when its bits are counted in 32 bits.
+    Bytes wide = whole;
+    const std::uint8_t format[] = {'s', 't', 'r', 'f'}, size[] = {1, 0, 0, 8, 1, 0, 0, 0};
+    std::ranges::copy(size, std::ranges::search(wide, format).begin() + 8 + 4);
+    refused(wide, "a frame larger than its file");
     recipe = {};
     recipe.frames = 0;
     refused(MakeClip(recipe), "no frames");
