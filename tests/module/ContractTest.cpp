@@ -1,4 +1,4 @@
-// The library's entry points as a foreign host uses them.
+// Factory and catalogue object, either of which may die first, also while threads ask for the other.
 #include "tests/support/Library.h"
 
 #include <vixavideofx/IEffectInfo.h>
@@ -15,66 +15,6 @@ namespace {
 class Contract : public LibraryTest
 {
 };
-
-TEST_F(Contract, ClassObjects)
-{
-    void* const untouched = &library;
-    void* object = untouched;
-
-    // The interface is judged before the class.
-    EXPECT_EQ(library.getClassObject(effects[0].clsid, IID_IEffectInfo, &object), E_NOINTERFACE);
-    EXPECT_EQ(library.getClassObject(IID_IUnknown, IID_IEffectInfo, &object), E_NOINTERFACE);
-    EXPECT_EQ(library.getClassObject(IID_IUnknown, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
-    EXPECT_EQ(object, untouched);
-    EXPECT_EQ(library.getClassObject(effects[0].clsid, IID_IClassFactory, nullptr), E_POINTER);
-
-    for (const auto& effect : effects) {
-        ComPtr<IUnknown> factory;
-        ASSERT_EQ(library.getClassObject(effect.clsid, IID_IUnknown, reinterpret_cast<void**>(factory.GetAddressOf())),
-                  S_OK)
-            << effect.name;
-        // The factory itself: it can be called as a class factory without another query.
-        auto* const asFactory = static_cast<IClassFactory*>(factory.Get());
-        ComPtr<IBaseFilter> filter;
-        EXPECT_EQ(asFactory->CreateInstance(nullptr, IID_IBaseFilter, reinterpret_cast<void**>(filter.GetAddressOf())),
-                  S_OK);
-        EXPECT_EQ(library.canUnloadNow(), S_FALSE);
-    }
-}
-
-TEST_F(Contract, CreateInstance)
-{
-    const auto factory = library.Factory(vixavideofx::CLSID_Emboss);
-    void* object = &library;
-    EXPECT_EQ(factory->CreateInstance(nullptr, IID_IUnknown, nullptr), E_POINTER);
-    EXPECT_EQ(factory->CreateInstance(factory.Get(), IID_IBaseFilter, &object), E_NOINTERFACE) << "aggregation";
-    EXPECT_EQ(factory->CreateInstance(nullptr, IID_IClassFactory, &object), E_NOINTERFACE) << "a failed query";
-    EXPECT_EQ(object, nullptr);
-}
-
-TEST_F(Contract, FactoryInterfacesAndCounts)
-{
-    auto factory = library.Factory(vixavideofx::CLSID_SoftenFilter);
-    EXPECT_EQ(factory->AddRef(), 2u);
-    EXPECT_EQ(factory->Release(), 1u);
-    void* object = &library;
-    EXPECT_EQ(factory->QueryInterface(IID_IBaseFilter, &object), E_NOINTERFACE);
-    EXPECT_EQ(object, nullptr);
-    EXPECT_EQ(factory->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
-    EXPECT_EQ(factory.Detach()->Release(), 0u);
-}
-
-TEST_F(Contract, ServerLocksKeepTheLibrary)
-{
-    auto factory = library.Factory(vixavideofx::CLSID_Emboss);
-    EXPECT_EQ(factory->LockServer(TRUE), S_OK);
-    auto other = library.Factory(vixavideofx::CLSID_AddPixel);
-    factory.Reset();
-    EXPECT_EQ(library.canUnloadNow(), S_FALSE);
-    EXPECT_EQ(other->LockServer(FALSE), S_OK);
-    other.Reset();
-    EXPECT_EQ(library.canUnloadNow(), S_OK);
-}
 
 TEST_F(Contract, FactoryAndCatalogueObjectFindEachOther)
 {
