@@ -5,7 +5,7 @@
 #include "host/base/Text.h"
 #include "host/effects/DataPropertySet.h"
 
-#include <vixavideofx/ClassIds.h>
+#include <vixavideofx/EffectParameters.h>
 
 #include <algorithm>
 #include <tuple>
@@ -15,11 +15,6 @@ namespace vixahost::effects {
 using namespace vixavideofx;
 
 namespace {
-
-constexpr const GUID* effects[] = {
-    &CLSID_AddPixel,    &CLSID_FilterColor, &CLSID_InvertColor,    &CLSID_MultiplyPixel, &CLSID_GammaCorrection,
-    &CLSID_DetectEdges, &CLSID_Emboss,      &CLSID_EnhanceDetails, &CLSID_EnhanceEdges,  &CLSID_EnhanceFocus,
-    &CLSID_LightEdges,  &CLSID_ShiftEdges,  &CLSID_SoftenFilter};
 
 void Require(HRESULT result)
 {
@@ -68,10 +63,10 @@ std::string IdentifierText(const GUID& classId)
 std::vector<CatalogueEntry> ReadCatalogue(const EffectLibrary& library, LANGID language)
 {
     std::vector<CatalogueEntry> catalogue;
-    for (const GUID* const classId : effects) {
+    for (const EffectParameters& effect : effectParameters) {
         CatalogueEntry entry;
-        entry.classId = *classId;
-        entry.info = library.CatalogueOf(*classId);
+        entry.classId = effect.effect;
+        entry.info = library.CatalogueOf(effect.effect);
         entry.englishName = Utf8(TextOf(*entry.info.Get(), &IEffectInfo::GetEffectName, englishLanguage));
         Require(entry.info->GetGroupId(&entry.groupId));
         Require(entry.info->GetSortKey(&entry.sortKey));
