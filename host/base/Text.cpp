@@ -60,6 +60,25 @@ std::string LowerCase(std::string_view text)
     return result;
 }
 
+std::string Excerpt(std::string_view utf8, std::size_t limit)
+{
+    const auto moves = [](wchar_t letter) {
+        return letter < 0x20 || (letter >= 0x7F && letter < 0xA0) || (letter >= 0x200B && letter <= 0x200F) ||
+               (letter >= 0x2028 && letter <= 0x202E) || (letter >= 0x2060 && letter <= 0x206F) || letter == 0xFEFF;
+    };
+    // No character takes more than four bytes; what is behind one that is cut in two is cut off below.
+    std::wstring text = Wide(utf8.substr(0, (limit + 1) * 4));
+    const bool cut = text.size() > limit;
+    if (cut)
+        text.resize(limit > 0 && IS_HIGH_SURROGATE(text[limit - 1]) ? limit - 1 : limit);
+    for (wchar_t& letter : text)
+        if (letter == L'\t' || letter == L'\n' || letter == L'\r')
+            letter = L' ';
+        else if (moves(letter))
+            letter = 0xFFFD;
+    return Utf8(text) + (cut ? "..." : "");
+}
+
 bool IsTerminal(HANDLE output) noexcept
 {
     DWORD mode = 0;

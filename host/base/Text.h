@@ -22,6 +22,10 @@ std::string Show(HRESULT result);
 // Lower-case ASCII letters; other bytes stay.
 std::string LowerCase(std::string_view text);
 
+// Foreign text for a message: at most `limit` characters with "..." in place of the rest, without anything that moves a
+// cursor or turns the reading direction. Line breaks and tabs become blanks.
+std::string Excerpt(std::string_view utf8, std::size_t limit = 60);
+
 // True when the handle is a terminal (a console), not a file, pipe or device.
 bool IsTerminal(HANDLE output) noexcept;
 

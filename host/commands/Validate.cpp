@@ -105,15 +105,14 @@ void Run(const ValidateCommand& command)
 
 void Run(const ChildCommand& command)
 {
-    validate::RunAsChild(command.dll, command.group, command.firstCheck, reinterpret_cast<HANDLE>(command.report));
+    validate::RunAsChild(command.dll, command.group, command.firstCheck);
 }
 
 std::optional<ChildCommand> ReadChildWords(const std::vector<std::string>& words)
 {
-    if (words.size() != 5 || words.front() != "validate-child")
+    if (words.size() != 4 || words.front() != "validate-child")
         return std::nullopt;
-    return ChildCommand{Wide(words[1]), words[2], std::atoi(words[3].c_str()),
-                        static_cast<UINT_PTR>(std::strtoul(words[4].c_str(), nullptr, 10))};
+    return ChildCommand{Wide(words[1]), words[2], std::atoi(words[3].c_str())};
 }
 
 Words ValidateWords(CLI::App& program)

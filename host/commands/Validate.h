@@ -1,8 +1,6 @@
 // vixahost validate, and the processes that it starts
 #pragma once
 
-#include <windows.h>
-
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -27,7 +25,6 @@ struct ChildCommand
     std::filesystem::path dll;
     std::string group;
     int firstCheck;
-    UINT_PTR report; // an inherited pipe handle
 };
 void Run(const ChildCommand& command);
 

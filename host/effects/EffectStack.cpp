@@ -42,7 +42,7 @@ std::optional<std::int32_t> ValueOf(const ParameterDescription& parameter, std::
 
 [[noreturn]] void RefuseName(const EffectStep& step, std::string_view name)
 {
-    std::string message = "\"" + step.name + "\" has no parameter \"" + std::string(name) + "\"; ";
+    std::string message = "\"" + step.name + "\" has no parameter \"" + Excerpt(name) + "\"; ";
     const auto parameters = ParametersOf(step.classId);
     if (parameters.empty())
         throw WrongWords(message + "it takes none, so leave --set away.");
@@ -74,7 +74,7 @@ void SetParameter(EffectStep& step, std::string_view assignment)
 {
     const std::size_t equals = assignment.find('=');
     if (equals == std::string_view::npos)
-        throw WrongWords("--set takes name=value, as in --set gamma=160; \"" + std::string(assignment) +
+        throw WrongWords("--set takes name=value, as in --set gamma=160; \"" + Excerpt(assignment) +
                          "\" has no value.");
     const std::string_view name = assignment.substr(0, equals), text = assignment.substr(equals + 1);
     for (const ParameterDescription& parameter : ParametersOf(step.classId)) {
@@ -82,7 +82,7 @@ void SetParameter(EffectStep& step, std::string_view assignment)
             continue;
         const std::optional<std::int32_t> value = ValueOf(parameter, text);
         if (!value)
-            throw WrongWords("\"" + step.name + "\": " + parameter.name + " can't be \"" + std::string(text) +
+            throw WrongWords("\"" + step.name + "\": " + parameter.name + " can't be \"" + Excerpt(text) +
                              "\"; it takes " + RangeOf(parameter) + " (" + parameter.meaning + ").");
         step.block.at(parameter.offset / sizeof(std::int32_t)) = *value;
         return;

@@ -56,13 +56,13 @@ private:
             return;
         const std::size_t equals = content.find('=');
         if (equals == std::string_view::npos)
-            Fail("\"" + std::string(content) + "\" is no line of a stack; write name = value, or # before a remark.");
+            Fail("\"" + Excerpt(content) + "\" is no line of a stack; write name = value, or # before a remark.");
         const std::string name = LowerCase(Trim(content.substr(0, equals)));
         const std::string_view value = Trim(content.substr(equals + 1));
         if (name == effectWord)
             BeginEffect(value);
         else if (stack.empty())
-            Fail("\"" + name + "\" stands before the first effect; begin with a line such as effect = " +
+            Fail("\"" + Excerpt(name) + "\" stands before the first effect; begin with a line such as effect = " +
                  (catalogue.empty() ? std::string("NAME") : catalogue.front().englishName) + ".");
         else if (name == onWord)
             SwitchEffect(value);
@@ -77,7 +77,7 @@ private:
             std::vector<std::string> names;
             for (const CatalogueEntry& known : catalogue)
                 names.push_back(known.englishName);
-            Fail("there is no effect \"" + std::string(name) + "\"; did you mean " +
+            Fail("there is no effect \"" + Excerpt(name) + "\"; did you mean " +
                  Alternatives(NearestNames(name, names)) + "?");
         }
         stack.push_back(StepOf(*entry));
@@ -87,7 +87,7 @@ private:
     {
         const std::string word = LowerCase(value);
         if (word != "yes" && word != "no")
-            Fail("on is yes or no, not \"" + std::string(value) + "\".");
+            Fail("on is yes or no, not \"" + Excerpt(value) + "\".");
         stack.back().on = word == "yes";
     }
 

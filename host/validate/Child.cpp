@@ -1,26 +1,49 @@
 // The child process: one group's checks on one copy of the library.
-#include "host/base/Text.h"
+#include "host/base/HostError.h"
 #include "host/fixtures/PushGraph.h"
+#include "host/validate/Report.h"
 #include "host/validate/Subject.h"
 #include "host/validate/Validation.h"
 
-#include <chrono>
+#include <atomic>
+#include <cinttypes>
 #include <cstdio>
 
 namespace vixahost::validate {
 
 namespace {
 
-HANDLE pipe = nullptr;
+// What the parent said before the library was loaded.
+ReportKey key;
+HANDLE report = nullptr;
+std::atomic_flag writing;
+unsigned long lines = 0; // guarded by `writing`, like the buffer
+char line[maxLine];
 
-void Report(std::string line)
+void Report(Statement::Kind kind, int check, Status status = Status::Success, const char* reason = "") noexcept
 {
-    for (char& letter : line)
-        if (letter == '\n' || letter == '\r')
-            letter = ' ';
-    line += '\n';
+    // A thread of the library may crash while this line is written; one that crashes in here has nobody to wait for.
+    for (int i = 0; writing.test_and_set() && i < 1000; ++i)
+        Sleep(1);
+    const std::string_view text = WriteLine(line, key, lines++, kind, check, status, reason);
     DWORD written = 0;
-    WriteFile(pipe, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+    WriteFile(report, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+    writing.clear();
+}
+
+// Standard input holds the key and the report's handle, in numbers. Nothing of it stays where the library can look them
+// up: not in the command line, not in the environment, not in the stream.
+bool ReadOrders()
+{
+    char orders[maxOrders] = "";
+    DWORD got = 0;
+    ReadFile(GetStdHandle(STD_INPUT_HANDLE), orders, sizeof orders - 1, &got, nullptr);
+    std::uint64_t handle = 0;
+    const bool understood =
+        std::sscanf(orders, "%" SCNx64 " %" SCNx64 " %" SCNx64, key.data(), key.data() + 1, &handle) == 3;
+    SecureZeroMemory(orders, sizeof orders);
+    report = reinterpret_cast<HANDLE>(static_cast<UINT_PTR>(handle));
+    return std::freopen("NUL", "r", stdin) && understood && SetHandleInformation(report, HANDLE_FLAG_INHERIT, 0);
 }
 
 // "VixaVideoFX.dll+0x1234".
@@ -47,19 +70,18 @@ void DescribePlace(const void* address, char* text, std::size_t size)
 LONG WINAPI LastWords(EXCEPTION_POINTERS* fault)
 {
     const EXCEPTION_RECORD& record = *fault->ExceptionRecord;
-    char place[MAX_PATH + 32], line[MAX_PATH + 128];
+    static char place[MAX_PATH + 32], words[MAX_PATH + 128]; // little of the stack may be left
     DescribePlace(record.ExceptionAddress, place, sizeof place);
     if (record.ExceptionCode == EXCEPTION_ACCESS_VIOLATION && record.NumberParameters >= 2)
-        std::snprintf(line, sizeof line, "crash access violation at %s, %s address 0x%08lX\n", place,
+        std::snprintf(words, sizeof words, "access violation at %s, %s address 0x%08lX", place,
                       record.ExceptionInformation[0] == 1   ? "writing to"
                       : record.ExceptionInformation[0] == 8 ? "executing"
                                                             : "reading from",
                       static_cast<unsigned long>(record.ExceptionInformation[1]));
     else
-        std::snprintf(line, sizeof line, "crash exception 0x%08lX at %s\n",
-                      static_cast<unsigned long>(record.ExceptionCode), place);
-    DWORD written = 0;
-    WriteFile(pipe, line, static_cast<DWORD>(strlen(line)), &written, nullptr);
+        std::snprintf(words, sizeof words, "exception 0x%08lX at %s", static_cast<unsigned long>(record.ExceptionCode),
+                      place);
+    Report(Statement::Kind::Crashes, 0, Status::Success, words);
     TerminateProcess(GetCurrentProcess(), 3);
     return EXCEPTION_EXECUTE_HANDLER;
 }
@@ -82,24 +104,21 @@ Finding RunOne(const Check& check, Subject& library)
 
 } // namespace
 
-void RunAsChild(const std::filesystem::path& library, const std::string& group, int firstCheck, HANDLE report)
+void RunAsChild(const std::filesystem::path& library, const std::string& group, int firstCheck)
 {
-    pipe = report;
+    if (!ReadOrders())
+        throw WrongWords("validate-child is for `vixahost validate` alone.");
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
     SetUnhandledExceptionFilter(LastWords);
     Subject subject(library);
     const auto checks = ChecksOf(group);
-    for (auto i = static_cast<std::size_t>(firstCheck); i < checks.size(); ++i) {
-        Report("begin " + std::to_string(i));
-        const auto start = std::chrono::steady_clock::now();
-        const Finding finding = RunOne(*checks[i], subject);
-        const auto spent =
-            std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
-        Report("end " + std::to_string(static_cast<int>(finding.status)) + " " + std::to_string(spent.count()) + " " +
-               finding.reason);
+    for (int i = firstCheck; i < static_cast<int>(checks.size()); ++i) {
+        Report(Statement::Kind::Begins, i);
+        const Finding finding = RunOne(*checks[static_cast<std::size_t>(i)], subject);
+        Report(Statement::Kind::Ends, i, finding.status, finding.reason.c_str());
     }
     subject.Unload();
-    Report("over");
+    Report(Statement::Kind::Over, 0);
 }
 
 } // namespace vixahost::validate

@@ -3,39 +3,97 @@
 #include "host/base/Handles.h"
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
+#include "host/validate/Report.h"
 
 #include <algorithm>
+#include <cinttypes>
+#include <cstddef>
 #include <cstdio>
 
 namespace vixahost::validate {
 
 namespace {
 
-// A child process and the reading end of its reports.
-class Child
+// The two ends of a pipe of which a child inherits one.
+struct Pipe
 {
-public:
-    Child(const ValidationRequest& request, const std::string& group, int firstCheck)
+    enum class Inherited
+    {
+        Reading,
+        Writing
+    };
+    explicit Pipe(Inherited end)
     {
         SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
         HANDLE read = nullptr, write = nullptr;
         if (!CreatePipe(&read, &write, &inherited, 1 << 16))
             throw FailedJob("The system gives no pipe (system error " + std::to_string(GetLastError()) + ").");
-        reports.reset(read);
-        const UniquePipe writingEnd(write);
-        SetHandleInformation(read, HANDLE_FLAG_INHERIT, 0);
+        reading.reset(read);
+        writing.reset(write);
+        SetHandleInformation(end == Inherited::Reading ? write : read, HANDLE_FLAG_INHERIT, 0);
+    }
+    UniquePipe reading, writing;
+};
+
+// What a new process inherits: these handles and no others, so that the library under test can't write into this
+// program's own output.
+struct OnlyHandles
+{
+    explicit OnlyHandles(std::span<HANDLE> handles)
+    {
+        SIZE_T size = 0;
+        InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+        room.resize(size);
+        list = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(room.data());
+        if (!InitializeProcThreadAttributeList(list, 1, 0, &size))
+            throw FailedJob("There is no room for what a process inherits.");
+        UpdateProcThreadAttribute(list, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, handles.data(), handles.size_bytes(),
+                                  nullptr, nullptr);
+    }
+    ~OnlyHandles() { DeleteProcThreadAttributeList(list); }
+    OnlyHandles(const OnlyHandles&) = delete;
+    OnlyHandles& operator=(const OnlyHandles&) = delete;
+
+    LPPROC_THREAD_ATTRIBUTE_LIST list = nullptr;
+
+private:
+    std::vector<std::byte> room;
+};
+
+// A child process and the reading end of its report. What the library prints goes nowhere.
+class Child
+{
+public:
+    Child(const ValidationRequest& request, const std::string& group, std::size_t firstCheck, const ReportKey& key)
+        : reader(key)
+    {
+        Pipe report(Pipe::Inherited::Writing), orders(Pipe::Inherited::Reading);
+        SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+        const auto nowhere = Opened<UniqueFile>(CreateFileW(L"NUL", GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                                            &inherited, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
         std::wstring words = L"\"" + request.program.wstring() + L"\" validate-child \"" + request.dll.wstring() +
-                             L"\" " + Wide(group) + L" " + std::to_wstring(firstCheck) + L" " +
-                             std::to_wstring(reinterpret_cast<UINT_PTR>(write));
-        STARTUPINFOW start = {};
-        start.cb = sizeof start;
+                             L"\" " + Wide(group) + L" " + std::to_wstring(firstCheck);
+        HANDLE handles[] = {orders.reading.get(), report.writing.get(), nowhere.get()};
+        const OnlyHandles only(handles);
+        STARTUPINFOEXW start = {};
+        start.StartupInfo.cb = sizeof start;
+        start.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
+        start.StartupInfo.hStdInput = orders.reading.get();
+        start.StartupInfo.hStdOutput = start.StartupInfo.hStdError = nowhere.get();
+        start.lpAttributeList = only.list;
         PROCESS_INFORMATION made = {};
-        if (!CreateProcessW(request.program.c_str(), words.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
-                            &made))
+        if (!CreateProcessW(request.program.c_str(), words.data(), nullptr, nullptr, TRUE, EXTENDED_STARTUPINFO_PRESENT,
+                            nullptr, nullptr, &start.StartupInfo, &made))
             throw FailedJob("No process can be started for the checks (system error " + std::to_string(GetLastError()) +
                             "): " + Show(request.program));
         const UniqueThread firstThread(made.hThread);
         process.reset(made.hProcess);
+        char text[maxOrders];
+        const int length = std::snprintf(text, sizeof text, "%" PRIx64 " %" PRIx64 " %" PRIx64 "\n", key[0], key[1],
+                                         std::uint64_t{reinterpret_cast<UINT_PTR>(report.writing.get())});
+        DWORD written = 0;
+        WriteFile(orders.writing.get(), text, static_cast<DWORD>(length), &written, nullptr);
+        reports = std::move(report.reading);
     }
     ~Child()
     {
@@ -48,34 +106,32 @@ public:
     enum class Answer
     {
         Line,
+        Foreign,
         Ended,
         TimeIsOver
     };
 
-    // The next line of the report, if it comes within the time.
-    Answer Next(std::string& line, DWORD milliseconds)
+    // The next line of the report, if it comes before the deadline, in milliseconds of GetTickCount64.
+    Answer Next(Statement& statement, ULONGLONG deadline)
     {
-        for (const DWORD begin = GetTickCount();;) {
-            if (const std::size_t end = pending.find('\n'); end != std::string::npos) {
-                line = pending.substr(0, end);
-                pending.erase(0, end + 1);
-                return Answer::Line;
-            }
+        for (;;) {
+            if (const auto found = reader.Next(statement); found != ReportReader::Found::Nothing)
+                return found == ReportReader::Found::Line ? Answer::Line : Answer::Foreign;
+            if (GetTickCount64() >= deadline)
+                return Answer::TimeIsOver;
             // Asked before the pipe is looked into: what the process wrote before its end is still in it.
             const bool ended = WaitForSingleObject(process.get(), 0) != WAIT_TIMEOUT;
             DWORD waiting = 0;
             if (PeekNamedPipe(reports.get(), nullptr, 0, nullptr, &waiting, nullptr) && waiting > 0) {
-                std::string part(waiting, '\0');
+                char part[maxLine];
                 DWORD got = 0;
-                ReadFile(reports.get(), part.data(), waiting, &got, nullptr);
-                pending.append(part, 0, got);
-                continue;
-            }
-            if (ended)
+                ReadFile(reports.get(), part, std::min<DWORD>(waiting, sizeof part), &got, nullptr);
+                reader.Take({part, got});
+            } else if (ended) {
                 return Answer::Ended;
-            if (GetTickCount() - begin >= milliseconds)
-                return Answer::TimeIsOver;
-            Sleep(2);
+            } else {
+                Sleep(2);
+            }
         }
     }
     void End()
@@ -93,8 +149,11 @@ public:
 private:
     UniquePipe reports;
     UniqueProcess process;
-    std::string pending;
+    ReportReader reader;
 };
+
+// How long a process may take to begin its first check. None of the library's code runs before.
+constexpr ULONGLONG startMilliseconds = 60'000;
 
 struct Run
 {
@@ -103,10 +162,10 @@ struct Run
     std::vector<Result> results;
     std::size_t told = 0; // how many results `done` has heard of
 
-    void Add(const Check* check, Status status, std::string reason, int milliseconds)
+    void Add(const Check* check, Status status, std::string reason, ULONGLONG since)
     {
         Tell(); // the last result may still change, at its process's end
-        results.push_back({check, status, std::move(reason), milliseconds});
+        results.push_back({check, status, std::move(reason), static_cast<int>(GetTickCount64() - since)});
     }
     void Tell()
     {
@@ -118,65 +177,82 @@ struct Run
     // One child's life. Answers the index of the check with which the next one begins.
     std::size_t Attend(const std::string& group, const std::vector<const Check*>& checks, std::size_t first)
     {
-        Child child(request, group, static_cast<int>(first));
-        const auto limit = static_cast<DWORD>(request.secondsPerCheck) * 1000;
+        Child child(request, group, first, RandomKey());
+        const ULONGLONG limit = static_cast<ULONGLONG>(request.secondsPerCheck) * 1000;
         std::size_t current = first;
-        std::string line, words;
-        for (DWORD begun = GetTickCount();;) {
-            const auto answer = child.Next(line, limit);
-            const int spent = static_cast<int>(GetTickCount() - begun);
-            if (answer == Child::Answer::TimeIsOver) {
-                child.End();
-                const std::string seconds = std::to_string(request.secondsPerCheck);
-                if (current < checks.size())
-                    Add(checks[current], Status::Crashed, "no end after " + seconds + " s; the process was ended",
-                        spent);
-                else
-                    Replace("the process does not end after the last check");
-                return current + 1;
+        bool running = false; // the current check has begun
+        Statement said;
+        std::string words; // of a crash
+        ULONGLONG since = GetTickCount64(), deadline = since + startMilliseconds;
+        // What ends the process also ends the check that it was at, or spoils the last one.
+        const auto stop = [&](Status status, const std::string& reason) {
+            child.End();
+            if (current < checks.size())
+                Add(checks[current], status, reason, since);
+            else
+                Spoil(status, "after the last check: " + reason);
+            return current + 1;
+        };
+        for (;;) {
+            switch (child.Next(said, deadline)) {
+            case Child::Answer::TimeIsOver:
+                return stop(Status::Crashed, "no end after " + std::to_string((GetTickCount64() - since) / 1000) +
+                                                 " s; the process was ended");
+            case Child::Answer::Ended:
+                return stop(Status::Crashed, words.empty() ? "the process ended by itself with status " +
+                                                                 std::to_string(child.ExitCode())
+                                                           : words);
+            case Child::Answer::Foreign:
+                return stop(Status::Failed, "somebody else wrote into the check's report: \"" + said.reason + "\"");
+            case Child::Answer::Line:
+                break;
             }
-            if (answer == Child::Answer::Ended) {
-                if (words.empty())
-                    words = "the process ended by itself with status " + std::to_string(child.ExitCode());
-                if (current < checks.size())
-                    Add(checks[current], Status::Crashed, words, spent);
-                else
-                    Replace("after the last check: " + words);
-                return current + 1;
-            }
-            int status = 0, milliseconds = 0, reasonAt = 0;
-            if (line.starts_with("begin ")) {
-                begun = GetTickCount();
-            } else if (line.starts_with("crash ")) {
-                words = line.substr(6);
-            } else if (line == "over") {
-                return Finish(child, limit);
-            } else if (std::sscanf(line.c_str(), "end %d %d %n", &status, &milliseconds, &reasonAt) >= 2 &&
-                       current < checks.size()) {
-                Add(checks[current++], static_cast<Status>(status),
-                    line.substr(std::min(line.size(), static_cast<std::size_t>(reasonAt))), milliseconds);
+            const bool isCurrent = current < checks.size() && said.check == static_cast<int>(current);
+            if (said.kind == Statement::Kind::Crashes) {
+                words = said.reason;
+            } else if (said.kind == Statement::Kind::Begins && isCurrent && !running) {
+                running = true;
+                since = GetTickCount64();
+                deadline = since + limit;
+            } else if (said.kind == Statement::Kind::Ends && isCurrent && running) {
+                running = false;
+                Add(checks[current++], said.status, said.reason, since);
+                since = GetTickCount64();
+                deadline = since + limit;
+            } else if (said.kind == Statement::Kind::Over && current == checks.size()) {
+                return Finish(child, GetTickCount64() + limit);
+            } else {
+                return stop(Status::Failed, "the checking process reports out of turn");
             }
         }
     }
 
     // What the library does while the process ends belongs to the last check as well.
-    std::size_t Finish(Child& child, DWORD limit)
+    std::size_t Finish(Child& child, ULONGLONG deadline)
     {
-        std::string line;
-        const auto answer = child.Next(line, limit);
-        if (answer == Child::Answer::TimeIsOver) {
+        Statement said;
+        switch (child.Next(said, deadline)) {
+        case Child::Answer::TimeIsOver:
             child.End();
-            Replace("the process does not end after the last check");
-        } else if (answer == Child::Answer::Line && line.starts_with("crash ")) {
-            Replace("at the process's end: " + line.substr(6));
+            Spoil(Status::Crashed, "the process does not end after the last check");
+            break;
+        case Child::Answer::Foreign:
+            child.End();
+            Spoil(Status::Failed, "somebody else wrote into the report after the last check: \"" + said.reason + "\"");
+            break;
+        case Child::Answer::Line:
+            Spoil(Status::Crashed, "at the process's end: " + said.reason);
+            break;
+        case Child::Answer::Ended:
+            break;
         }
         return std::string::npos;
     }
 
-    void Replace(const std::string& reason)
+    void Spoil(Status status, const std::string& reason)
     {
         if (!results.empty() && results.back().status != Status::Crashed) {
-            results.back().status = Status::Crashed;
+            results.back().status = status;
             results.back().reason = reason;
         }
     }

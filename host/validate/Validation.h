@@ -15,7 +15,7 @@ struct Result
     const Check* check;
     Status status;
     std::string reason; // empty for a success
-    int milliseconds;
+    int milliseconds;   // by the parent's clock
 };
 
 struct ValidationRequest
@@ -26,12 +26,14 @@ struct ValidationRequest
     int secondsPerCheck = 20;        // a check that takes longer counts as crashed, and its process is ended
 };
 
-// One child a group, and a new one after each crash. `done` is called for each check as it ends, in order. Throws
-// FailedJob when no child can be started.
+// One child a group, and a new one after each crash and after each report that somebody else wrote in. Every check of
+// the groups gets one result. `done` is called for each check as it ends, in order. Throws FailedJob when no child can
+// be started.
 std::vector<Result> Validate(const ValidationRequest& request, const std::function<void(const Result&)>& done);
 
-// The child's side: runs one group's checks from the given one on and reports through a pipe that it inherited.
-void RunAsChild(const std::filesystem::path& library, const std::string& group, int firstCheck, HANDLE report);
+// The child's side: runs one group's checks from the given one on. Standard input says where the report goes and how it
+// is signed; throws WrongWords when it doesn't.
+void RunAsChild(const std::filesystem::path& library, const std::string& group, int firstCheck);
 
 // The checks of one group; empty for a name that is none.
 std::vector<const Check*> ChecksOf(std::string_view group);

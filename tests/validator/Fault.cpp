@@ -67,6 +67,7 @@ enum : int
     GetIcon = 8,
     SetDefaults = 12,
     ShowSettingsDialog = 13,
+    GetVersion = 15,
 };
 
 [[maybe_unused]] void* old = nullptr;
@@ -244,6 +245,71 @@ void Break()
 {
     old = *Slot(GetEffectName);
     Put(Slot(GetEffectName), reinterpret_cast<void*>(Unterminated));
+}
+
+#elif defined(VIXA_FAULT_FLOOD) || defined(VIXA_FAULT_STATUS)
+
+// To whoever listens: the library looks for the report of the checks among the open handles.
+void Say(const char* text)
+{
+    for (UINT_PTR handle = 4; handle < 4096; handle += 4)
+        if (DWORD written = 0; GetFileType(reinterpret_cast<HANDLE>(handle)) == FILE_TYPE_PIPE)
+            WriteFile(reinterpret_cast<HANDLE>(handle), text, static_cast<DWORD>(std::strlen(text)), &written, nullptr);
+}
+HRESULT STDMETHODCALLTYPE TellingVersion(IUnknown*, ULONG* version)
+{
+#if defined(VIXA_FAULT_FLOOD)
+    char line[5000];
+    std::memset(line, '!', sizeof line - 1);
+    for (line[sizeof line - 1] = '\0';;)
+        Say(line); // it has no end
+#endif
+    Say("0123456789abcdef 9 1 4 7 all is well\n");
+    *version = 1;
+    return S_OK;
+}
+void Break()
+{
+    Put(Slot(GetVersion), reinterpret_cast<void*>(TellingVersion));
+}
+
+#elif defined(VIXA_FAULT_REPEAT) || defined(VIXA_FAULT_FORGE)
+
+// Between the host and its report: each line is written twice, or a failure becomes a success.
+using Writing = BOOL WINAPI(HANDLE, const void*, DWORD, DWORD*, OVERLAPPED*);
+BOOL WINAPI Meddling(HANDLE file, const void* data, DWORD size, DWORD* written, OVERLAPPED* overlapped)
+{
+    char line[4096] = {};
+    std::memcpy(line, data, size < sizeof line ? size : sizeof line - 1);
+#if defined(VIXA_FAULT_FORGE)
+    if (char* const failure = std::strstr(line, " 1 4 3 "))
+        failure[5] = '0';
+#else
+    Old<Writing>(old)(file, line, size, written, overlapped);
+#endif
+    return Old<Writing>(old)(file, line, size, written, overlapped);
+}
+HRESULT STDMETHODCALLTYPE MeddlingVersion(IUnknown*, ULONG* version)
+{
+    auto* const host = reinterpret_cast<BYTE*>(GetModuleHandleW(nullptr));
+    const auto* const headers =
+        reinterpret_cast<IMAGE_NT_HEADERS*>(host + reinterpret_cast<IMAGE_DOS_HEADER*>(host)->e_lfanew);
+    const auto& imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IAT];
+    old = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "WriteFile"));
+    for (auto** entry = reinterpret_cast<void**>(host + imports.VirtualAddress);
+         reinterpret_cast<BYTE*>(entry) < host + imports.VirtualAddress + imports.Size; ++entry)
+        if (*entry == old)
+            Put(entry, reinterpret_cast<void*>(Meddling));
+#if defined(VIXA_FAULT_FORGE)
+    *version = 2;
+#else
+    *version = 1;
+#endif
+    return S_OK;
+}
+void Break()
+{
+    Put(Slot(GetVersion), reinterpret_cast<void*>(MeddlingVersion));
 }
 
 #else // the fault is in the table of exports

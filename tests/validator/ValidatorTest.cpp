@@ -1,4 +1,5 @@
 // The validator on the product, which it must pass, and on broken builds of it, each of which it must catch by name.
+#include "host/validate/Report.h"
 #include "host/validate/Validation.h"
 
 #include "host/effects/EffectLibrary.h"
@@ -56,6 +57,10 @@ constexpr Fault faults[] = {
     {"OVERRUN", "bad-input/guard-behind", Status::Crashed, "access violation"},
     {"HANG", "bad-input/failing-set", Status::Crashed, "no end after 2 s"},
     {"UNLOAD", "unloading/objects", Status::Failed, "DllCanUnloadNow"},
+    {"FLOOD", "catalogue/versions", Status::Failed, "\"!!!!!!!!"},
+    {"STATUS", "catalogue/versions", Status::Failed, "all is well\""},
+    {"FORGE", "catalogue/versions", Status::Failed, "somebody else wrote"},
+    {"REPEAT", "catalogue/no-description", Status::Failed, "somebody else wrote"},
 };
 
 class BrokenLibrary : public testing::TestWithParam<Fault>
@@ -83,6 +88,38 @@ TEST_P(BrokenLibrary, IsCaughtByTheCheckMeantForIt)
 
 INSTANTIATE_TEST_SUITE_P(All, BrokenLibrary, testing::ValuesIn(faults),
                          [](const auto& fault) { return std::string(fault.param.name); });
+
+TEST(Report, OnlyTheNextLineOfTheKeysOwnerCounts)
+{
+    const ReportKey key = {0x0706050403020100, 0x0F0E0D0C0B0A0908};
+    EXPECT_EQ(Signature(key, std::string_view("\0\1\2\3\4\5\6\7\x8\x9\xA\xB\xC\xD\xE", 15)), 0xA129CA6149BE45E5);
+    char line[maxLine];
+    using Kind = Statement::Kind;
+    const auto found = [&](std::initializer_list<std::string_view> lines) {
+        ReportReader reader(key);
+        Statement said;
+        auto result = ReportReader::Found::Nothing;
+        for (const std::string_view text : lines) {
+            reader.Take(text);
+            result = reader.Next(said);
+        }
+        return result == ReportReader::Found::Foreign ? "foreign: " + said.reason : said.reason;
+    };
+    const std::string begin(WriteLine(line, key, 0, Kind::Begins, 7));
+    const std::string end(WriteLine(line, key, 1, Kind::Ends, 7, Status::Failed, "a\nreason"));
+    EXPECT_EQ(found({begin, end.substr(0, 9), end.substr(9)}), "a reason");
+    EXPECT_TRUE(found({begin, begin}).starts_with("foreign")) << "repeated";
+    EXPECT_TRUE(found({end}).starts_with("foreign")) << "one is missing";
+    EXPECT_TRUE(found({std::string(maxLine, '\n')}).starts_with("foreign"));
+    EXPECT_TRUE(found({std::string(maxLine, 'x')}).starts_with("foreign"));
+    for (const auto status : {Status::Crashed, static_cast<Status>(9)})
+        EXPECT_TRUE(found({WriteLine(line, key, 0, Kind::Ends, 7, status, "x")}).starts_with("foreign"));
+    EXPECT_TRUE(found({WriteLine(line, key, 0, static_cast<Kind>(4), 7)}).starts_with("foreign"));
+    EXPECT_TRUE(found({WriteLine(line, {1, 2}, 0, Kind::Begins, 7)}).starts_with("foreign"));
+    const std::string reason(2 * maxLine, 'y');
+    EXPECT_EQ(found({WriteLine(line, key, 0, Kind::Ends, 7, Status::Failed, reason.c_str())}),
+              reason.substr(0, maxReason) + "...");
+}
 
 TEST(Validator, AFileThatIsNoLibrary)
 {

@@ -88,6 +88,14 @@ TEST_F(StackFile, SaysWhereAndWhyALineIsRefused)
     };
     for (const auto& [text, expected] : wrong)
         EXPECT_TRUE(RE::PartialMatch(FaultOf(text), RE(expected))) << text << " -> " << FaultOf(text);
+    for (const char* line :
+         {"%", "%=", "effect=%", "effect=Emboss\non=%", "effect=Emboss\n%=1", "effect=Gamma correction\ngamma=%"}) {
+        std::string text = line;
+        text.replace(text.find('%'), 1, "\x1B[31m" + std::string(100'000, 'x'));
+        const std::string fault = FaultOf(text);
+        EXPECT_LT(fault.size(), 300u) << line;
+        EXPECT_EQ(fault.find('\x1B'), std::string::npos) << line;
+    }
     EXPECT_THROW(effects::LoadStackFile(L"no such stack.txt", catalogue), FailedJob);
 }
 
