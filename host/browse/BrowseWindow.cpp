@@ -275,7 +275,7 @@ void BrowseWindow::ShowResult()
 {
     resultPosted = false;
     const LiveResult result = session->Latest();
-    if (!result.after)
+    if (!result.after && result.failure.empty())
         return;
     shownNumber = result.number;
     preview->Show(session->Open().Format(), result);

@@ -2,17 +2,36 @@
 
 #include "host/base/HostError.h"
 #include "host/effects/DataPropertySet.h"
+#include "host/media/Bands.h"
+#include "host/media/Room.h"
 
 #include <vixavideofx/IEffectFilter.h>
 
-#include <cstring>
+#include <algorithm>
+#include <new>
+#include <span>
 
 namespace vixahost::browse {
 
 // What the owner's thread and the graph's streaming thread share.
 struct LiveGraph::Exchange
 {
+    Exchange(const media::FrameFormat& frames, int reach, std::function<void()> notify)
+        : format(frames), bands(frames.width, frames.height, reach), onResult(std::move(notify))
+    {
+    }
+
+    // The bytes of some rows of a frame.
+    template <typename Bytes>
+    auto Rows(Bytes& frame, int begin, int end) const
+    {
+        const std::size_t row = static_cast<std::size_t>(format.width) * 4;
+        return std::span(frame).subspan(static_cast<std::size_t>(begin) * row,
+                                        static_cast<std::size_t>(end - begin) * row);
+    }
+
     media::FrameFormat format;
+    media::Bands bands;
     std::function<void()> onResult;
 
     mutable std::mutex lock;
@@ -39,24 +58,35 @@ class LiveGraph::Reader : public media::FrameReader
 {
 public:
     explicit Reader(Exchange& shared) : exchange(shared) {}
-    media::FrameFormat Format() const override { return exchange.format; }
+    media::FrameFormat Format() const override
+    {
+        media::FrameFormat piece = exchange.format;
+        piece.height = exchange.bands.Rows();
+        return piece;
+    }
+    int FramesAPicture() const override { return exchange.bands.Count(); }
     bool Read(std::span<std::uint8_t> frame) override
     {
-        SharedFrame next;
-        {
+        if (band == 0) {
             std::unique_lock hold(exchange.lock);
             exchange.changed.wait(hold, [&] { return exchange.waiting || exchange.ending; });
             if (exchange.ending)
                 return false;
-            next = exchange.underWay = std::move(exchange.waiting);
+            source = exchange.underWay = std::move(exchange.waiting);
             exchange.waiting.reset();
         }
-        std::memcpy(frame.data(), next->data(), frame.size());
+        const int first = exchange.bands.At(band).first;
+        std::ranges::copy(exchange.Rows(*source, first, first + exchange.bands.Rows()), frame.begin());
+        band = (band + 1) % exchange.bands.Count();
+        if (band == 0)
+            source.reset();
         return true;
     }
 
 private:
     Exchange& exchange;
+    SharedFrame source; // of the bands that are being read
+    int band = 0;
 };
 
 class LiveGraph::Writer : public media::FrameWriter
@@ -65,32 +95,51 @@ public:
     explicit Writer(Exchange& shared) : exchange(shared) {}
     void Write(std::span<const std::uint8_t> frame) override
     {
-        std::shared_ptr<FrameBytes> buffer;
-        {
-            const std::lock_guard hold(exchange.lock);
-            buffer = exchange.FreeBuffer();
+        if (band == 0)
+            MakeBuffer();
+        const media::Bands::Band now = exchange.bands.At(band);
+        if (buffer) {
+            const auto rows = exchange.Rows(frame, now.keepBegin - now.first, now.keepEnd - now.first);
+            std::ranges::copy(rows, exchange.Rows(*buffer, now.keepBegin, now.keepEnd).begin());
         }
-        std::memcpy(buffer->data(), frame.data(), frame.size());
+        band = (band + 1) % exchange.bands.Count();
+        if (band != 0)
+            return;
         {
             const std::lock_guard hold(exchange.lock);
             exchange.latest.before = std::move(exchange.underWay);
             exchange.latest.after = std::move(buffer);
+            exchange.latest.failure = failure;
             ++exchange.latest.number;
             exchange.underWay.reset();
         }
+        buffer.reset();
         exchange.onResult();
     }
 
 private:
+    // None when there is no memory: the frame then passes without a result.
+    void MakeBuffer()
+    {
+        failure.clear();
+        try {
+            const std::lock_guard hold(exchange.lock);
+            buffer = exchange.FreeBuffer();
+        } catch (const std::bad_alloc&) {
+            failure = media::NoRoomFor(exchange.format.width, exchange.format.height).what();
+        }
+    }
+
     Exchange& exchange;
+    std::shared_ptr<FrameBytes> buffer; // of the bands that are being written
+    std::string failure;
+    int band = 0;
 };
 
 LiveGraph::LiveGraph(const effects::EffectLibrary& library, const media::FrameFormat& format,
                      const effects::EffectStack& stack, REFERENCE_TIME duration, std::function<void()> onResult)
-    : exchange(std::make_shared<Exchange>())
+    : exchange(std::make_shared<Exchange>(format, effects::ReachOf(stack), std::move(onResult)))
 {
-    exchange->format = format;
-    exchange->onResult = std::move(onResult);
     reader = std::make_unique<Reader>(*exchange);
     writer = std::make_unique<Writer>(*exchange);
     graph = std::make_unique<graph::EffectGraph>(library, stack, *reader, *writer, duration);

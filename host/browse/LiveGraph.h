@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 namespace vixahost::browse {
@@ -20,13 +21,15 @@ struct LiveResult
 {
     SharedFrame before, after;
     std::uint64_t number = 0;
+    std::string failure; // why the newest frame can't be shown; empty when it is shown
 };
 
 // Used on one thread, in which COM must be running; the library must outlive it.
 class LiveGraph
 {
 public:
-    // `onResult` is called on the graph's thread after each frame and must not wait for the owner's thread.
+    // `onResult` is called on the graph's thread after each frame and must not wait for the owner's thread. A large
+    // frame goes through in bands; one that comes while parameters change may have both, and is followed by the next.
     LiveGraph(const effects::EffectLibrary& library, const media::FrameFormat& format,
               const effects::EffectStack& stack, REFERENCE_TIME duration, std::function<void()> onResult);
     ~LiveGraph();

@@ -5,9 +5,11 @@
 #include "host/media/AviHeader.h"
 #include "host/media/PictureFile.h"
 #include "host/media/PictureFrames.h"
+#include "host/media/Room.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 
 namespace vixahost::browse {
 
@@ -39,16 +41,25 @@ void Medium::TakePicture()
 {
     media::PictureReader reader(picture);
     format = reader.Format();
-    auto bytes = std::make_shared<FrameBytes>(format.FrameBytes());
+    auto bytes = NewFrame();
     reader.Read(*bytes);
     still = std::move(bytes);
+}
+
+std::shared_ptr<FrameBytes> Medium::NewFrame() const
+{
+    try {
+        return std::make_shared<FrameBytes>(format.FrameBytes());
+    } catch (const std::bad_alloc&) {
+        throw media::NoRoomFor(format.width, format.height);
+    }
 }
 
 SharedFrame Medium::Frame(std::int64_t index)
 {
     if (!clip)
         return still;
-    auto bytes = std::make_shared<FrameBytes>(format.FrameBytes());
+    auto bytes = NewFrame();
     clip->Seek(std::clamp<std::int64_t>(index, 0, count - 1));
     clip->Read(*bytes);
     return bytes;

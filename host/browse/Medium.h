@@ -32,6 +32,7 @@ public:
 
 private:
     void TakePicture();
+    std::shared_ptr<FrameBytes> NewFrame() const; // throws FailedJob when there is no memory
 
     std::filesystem::path path;
     std::string name;

@@ -1,6 +1,7 @@
 #include "host/browse/PreviewPane.h"
 
 #include "host/base/HostError.h"
+#include "host/base/Text.h"
 
 #include <windowsx.h>
 
@@ -159,7 +160,9 @@ void PreviewPane::Paint(HDC target)
                             {place.left + place.width, place.top, client.right, place.top + place.height}};
     for (const RECT& margin : margins)
         FillRect(dc, &margin, ground);
-    if (result.before && result.after && place.width > 0) {
+    if (!result.failure.empty()) {
+        DrawFailure(client);
+    } else if (result.before && result.after && place.width > 0) {
         const int x = DividerX(place);
         GdiFlush();
         DrawFrame({*result.before, format.width, format.height}, place, place.left, x, buffer);
@@ -175,6 +178,19 @@ void PreviewPane::Paint(HDC target)
         DrawLabel(L"After", x + gap, place.top + gap, false);
     }
     BitBlt(target, 0, 0, client.right, client.bottom, dc, 0, 0, SRCCOPY);
+}
+
+// In the picture's place.
+void PreviewPane::DrawFailure(RECT area)
+{
+    const HDC dc = bufferDC.get();
+    const HGDIOBJ old = SelectObject(dc, style.Font());
+    FillRect(dc, &area, GetSysColorBrush(COLOR_WINDOW));
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
+    InflateRect(&area, -style.Scale(16), -style.Scale(16));
+    DrawTextW(dc, Wide(result.failure).c_str(), -1, &area, DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
+    SelectObject(dc, old);
 }
 
 // White on black beside the divider, left away where the picture has no room for it.

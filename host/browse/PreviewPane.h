@@ -30,6 +30,7 @@ public:
 private:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void Paint(HDC target);
+    void DrawFailure(RECT area);
     void DrawLabel(const wchar_t* text, int x, int y, bool toTheLeft);
     void MakeBuffer(int width, int height);
     bool OnKey(WPARAM key);

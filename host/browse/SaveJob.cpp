@@ -22,6 +22,7 @@ class CancellableReader : public media::FrameReader
 public:
     CancellableReader(media::FrameReader& frames, const std::atomic<bool>& flag) : reader(frames), cancelled(flag) {}
     media::FrameFormat Format() const override { return reader.Format(); }
+    int FramesAPicture() const override { return reader.FramesAPicture(); }
     bool Read(std::span<std::uint8_t> frame) override
     {
         if (cancelled)
@@ -83,12 +84,10 @@ void SaveJob::SavePicture()
     total = 1;
     TargetFile target(order.target);
     const effects::EffectLibrary library;
-    media::PictureReader picture(order.still);
-    CancellableReader reader(picture, cancelled);
-    media::Picture result = order.still;
-    media::PictureWriter writer(result);
-    graph::EffectGraph(library, order.stack, reader, writer, reader.Format().TimeOf(1)).Run();
-    media::WritePicture(target.Temporary(), *media::PictureFormatOf(order.target), result);
+    media::BandedPicture bands(order.still, effects::ReachOf(order.stack));
+    CancellableReader reader(bands, cancelled);
+    graph::EffectGraph(library, order.stack, reader, bands, reader.Format().TimeOf(1)).Run();
+    media::WritePicture(target.Temporary(), *media::PictureFormatOf(order.target), order.still);
     if (cancelled)
         throw FailedJob("Stopped before the end; nothing was written.");
     target.Commit();

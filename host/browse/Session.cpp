@@ -26,10 +26,13 @@ void Session::OpenFile(const std::filesystem::path& file)
 {
     auto opened = std::make_unique<Medium>(file);
     SharedFrame first = opened->Frame(0);
+    effects::EffectStack steps = effects::SwitchedOn(stack.Items());
+    auto fresh = std::make_unique<LiveGraph>(library, opened->Format(), steps, opened->Duration(), onResult);
     medium = std::move(opened);
     frame = std::move(first);
     player = {medium->Format(), medium->FrameCount()};
-    BuildGraph();
+    running = std::move(steps);
+    graph = std::move(fresh);
     Push();
 }
 

@@ -98,15 +98,13 @@ void ApplyToPicture(const Job& job, media::PictureFormat format)
     media::Picture picture = media::ReadPicture(job.command.input);
     TargetFile target(job.command.output);
     double milliseconds = 0;
-    media::PictureReader reader(picture);
     {
         const effects::EffectLibrary library;
-        // Reader and writer share the picture: the one frame is read before it is written.
-        media::PictureWriter writer(picture);
-        graph::EffectGraph graph(library, job.stack, reader, writer, reader.Format().TimeOf(1));
+        media::BandedPicture bands(picture, effects::ReachOf(job.stack));
+        graph::EffectGraph graph(library, job.stack, bands, bands, bands.Format().TimeOf(1));
         LowerLevel(graph, job);
         graph.Run();
-        if (writer.FramesWritten() != 1)
+        if (!bands.Whole())
             throw FailedJob("The filter graph gave no picture.");
         milliseconds = graph.MedianMilliseconds();
     }
@@ -114,7 +112,7 @@ void ApplyToPicture(const Job& job, media::PictureFormat format)
     if (Interrupted())
         throw FailedJob("Stopped before the end; nothing was written.");
     target.Commit();
-    ReportDone(job, reader.Format(), 1, milliseconds);
+    ReportDone(job, {picture.width, picture.height}, 1, milliseconds);
 }
 
 void ApplyToClip(const Job& job)

@@ -47,6 +47,13 @@ EffectStep StepOf(const std::vector<CatalogueEntry>& catalogue, const EffectWord
 // that names the parameters there are, or the range; the step is then unchanged.
 void SetParameter(EffectStep& step, std::string_view assignment);
 
+// How many rows away the stack's effects look, all together: a convolution takes its row's neighbours, and none looks
+// farther.
+inline int ReachOf(const EffectStack& stack)
+{
+    return static_cast<int>(stack.size());
+}
+
 // The steps that are switched on.
 EffectStack SwitchedOn(EffectStack stack);
 

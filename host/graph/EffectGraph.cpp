@@ -4,6 +4,8 @@
 #include "host/base/Interrupt.h"
 #include "host/base/Text.h"
 #include "host/effects/DataPropertySet.h"
+#include "host/media/DibSize.h"
+#include "host/media/Room.h"
 
 #include <vixavideofx/IEffectFilter.h>
 
@@ -34,8 +36,10 @@ ComPtr<IPin> FindPin(IBaseFilter* filter, PIN_DIRECTION wanted)
 
 EffectGraph::EffectGraph(const effects::EffectLibrary& library, const effects::EffectStack& stack,
                          media::FrameReader& reader, media::FrameWriter& writer, REFERENCE_TIME duration)
-    : taker(writer, reader.Format(), timer)
+    : timer(reader.FramesAPicture()), taker(writer, reader.Format(), timer), format(reader.Format())
 {
+    if (!media::DibBytes(format.width, format.height, 32))
+        throw media::NoRoomFor(format.width, format.height);
     constexpr const char* noGraph = "The system's filter graph can't be had";
     Require(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&graph)), noGraph);
     Require(graph.As(&control), noGraph);
@@ -67,7 +71,7 @@ EffectGraph::EffectGraph(const effects::EffectLibrary& library, const effects::E
 
 EffectGraph::~EffectGraph()
 {
-    control->Stop();
+    Stop();
 }
 
 void EffectGraph::Add(IBaseFilter* filter, const std::string& name)
@@ -88,16 +92,25 @@ void EffectGraph::Start()
         Fail(result);
 }
 
-void EffectGraph::Stop() noexcept
+// Each filter first, from the end. A graph of which one filter could not start counts itself as stopped: asked to stop
+// it does nothing, the filters that had started before stay as they are, and taking the graph apart never ends.
+void EffectGraph::Stop() const noexcept
 {
-    control->Stop();
+    if (sink)
+        sink->Stop();
+    for (auto effect = effects.rbegin(); effect != effects.rend(); ++effect)
+        (*effect)->Stop();
+    if (source)
+        source->Stop();
+    if (control)
+        control->Stop();
 }
 
 void EffectGraph::Run(const std::function<void(std::int64_t)>& onProgress)
 {
     Start();
     WaitForEnd(onProgress);
-    control->Stop();
+    Stop();
     if (onProgress)
         onProgress(taker.FramesWritten());
 }
@@ -108,7 +121,7 @@ void EffectGraph::WaitForEnd(const std::function<void(std::int64_t)>& onProgress
     Require(events->GetEventHandle(&handle), "The graph reports no events");
     for (;;) {
         if (Interrupted()) {
-            control->Stop();
+            Stop();
             throw FailedJob("Stopped before the end; nothing was written.");
         }
         WaitForSingleObject(reinterpret_cast<HANDLE>(handle), 100);
@@ -129,11 +142,13 @@ void EffectGraph::WaitForEnd(const std::function<void(std::int64_t)>& onProgress
 
 void EffectGraph::Fail(HRESULT result) const
 {
-    control->Stop();
+    Stop();
     if (source->Failure())
         std::rethrow_exception(source->Failure());
     if (taker.Failure())
         std::rethrow_exception(taker.Failure());
+    if (result == E_OUTOFMEMORY)
+        throw media::NoRoomFor(format.width, format.height);
     throw FailedJob("The filter graph failed (" + Show(result) + ").");
 }
 

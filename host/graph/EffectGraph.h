@@ -30,10 +30,11 @@ public:
     // after the user has interrupted the process.
     void Run(const std::function<void(std::int64_t)>& onProgress = {});
 
-    // Sets the graph running and returns; it runs until Stop, or until the reader ends. Throws as Run does.
+    // Sets the graph running and returns; it runs until Stop, or until the reader ends. Throws as Run does, also when
+    // there is no memory for a frame.
     void Start();
     // A reader that waits inside Read must have been woken before: Stop waits for the streaming thread.
-    void Stop() noexcept;
+    void Stop() const noexcept;
 
     // The time that the effects took for a frame, in milliseconds.
     double MedianMilliseconds() const { return timer.Median(); }
@@ -54,6 +55,7 @@ private:
     ComPtr<IMediaEvent> events;
     ComPtr<FrameSource> source;
     ComPtr<FrameSink> sink;
+    media::FrameFormat format;
     std::vector<ComPtr<IBaseFilter>> effects;
 };
 

@@ -40,7 +40,7 @@ public:
 
     HRESULT DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request) override
     {
-        request->cBuffers = std::max(request->cBuffers, 2L);
+        request->cBuffers = std::max(request->cBuffers, 1L); // a frame is back before the next one is read
         request->cbBuffer = std::max(request->cbBuffer, offer.bufferBytes);
         request->cbAlign = std::max(request->cbAlign, 1L);
         ALLOCATOR_PROPERTIES actual = {};

@@ -8,18 +8,27 @@
 
 namespace vixahost::graph {
 
-// Used by the streaming thread while the graph runs, read when it has stopped. Keeps the first `room` frames' times,
+// Used by the streaming thread while the graph runs, read when it has stopped. Keeps the first `room` pictures' times,
 // so that a long clip allocates nothing.
 class PassTimer
 {
 public:
-    explicit PassTimer(std::size_t room = 256) { passes.reserve(room); }
+    // A picture that goes through in several frames takes the sum of their times.
+    explicit PassTimer(int framesAPicture = 1, std::size_t room = 256) : frames(framesAPicture)
+    {
+        passes.reserve(room);
+    }
 
     void Begin() noexcept { begin = Clock::now(); }
     void End()
     {
+        spent += std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+        if (++frame < frames)
+            return;
         if (passes.size() < passes.capacity())
-            passes.push_back(std::chrono::duration<double, std::milli>(Clock::now() - begin).count());
+            passes.push_back(spent);
+        frame = 0;
+        spent = 0;
     }
 
     // Milliseconds; 0 when no frame has passed.
@@ -36,6 +45,8 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    int frames, frame = 0;
+    double spent = 0;
     Clock::time_point begin = {};
     std::vector<double> passes;
 };

@@ -9,14 +9,15 @@
 namespace vixahost::media {
 
 // The bytes of a DIB's pixels: |height| rows (negative: from the top) of `width` pixels of `bits` bits, each row padded
-// to 4 bytes. None for a picture without pixels, for a depth that no DIB has, and for 2 GiB or more, which a 32-bit
-// program can't hold in one piece.
-constexpr std::optional<std::size_t> DibBytes(std::int64_t width, std::int64_t height, unsigned bits) noexcept
+// to 4 bytes. None for a picture without pixels, for a depth that no DIB has, and for more than `most` bytes: 2 GiB
+// are out of reach of a media sample, which counts its bytes in 32 bits with a sign.
+constexpr std::optional<std::size_t> DibBytes(std::int64_t width, std::int64_t height, unsigned bits,
+                                              std::int64_t most = std::numeric_limits<std::int32_t>::max()) noexcept
 {
-    constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
-    if (height < 0 && height >= -most)
+    constexpr std::int64_t longest = std::numeric_limits<std::int32_t>::max();
+    if (height < 0 && height >= -longest)
         height = -height;
-    if (width <= 0 || width > most || height <= 0 || height > most)
+    if (width <= 0 || width > longest || height <= 0 || height > longest)
         return std::nullopt;
     if (bits != 1 && bits != 4 && bits != 8 && bits != 16 && bits != 24 && bits != 32)
         return std::nullopt;
@@ -26,10 +27,18 @@ constexpr std::optional<std::size_t> DibBytes(std::int64_t width, std::int64_t h
     return static_cast<std::size_t>(row * height);
 }
 
+// The bytes of a picture of 32 bits a pixel that stays in this program's own memory; none where no program of this
+// width can address them.
+constexpr std::optional<std::size_t> PictureBytes(std::int64_t width, std::int64_t height) noexcept
+{
+    return DibBytes(width, height, 32, std::numeric_limits<std::ptrdiff_t>::max());
+}
+
 // The numbers with which a product of 32 bits comes round to something small.
 static_assert(DibBytes(0x08000001, 1, 32) == 0x20000004 && !DibBytes(0x20000001, 1, 32) &&
               !DibBytes(1, 0x20000000, 32));
 static_assert(DibBytes(17, -3, 24) == 156 && !DibBytes(0, 1, 32) && !DibBytes(1, std::int64_t{-1} << 31, 1) &&
               !DibBytes(8, 8, 2));
+static_assert(PictureBytes(30000, 30000).has_value() == (sizeof(void*) > 4) && !PictureBytes(0x7FFFFFFF, 0x7FFFFFFF));
 
 } // namespace vixahost::media

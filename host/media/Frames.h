@@ -36,6 +36,8 @@ class FrameReader
 public:
     virtual ~FrameReader() = default;
     virtual FrameFormat Format() const = 0;
+    // How many frames, one after the other, make up one picture.
+    virtual int FramesAPicture() const { return 1; }
     // Fills `frame` (Format().FrameBytes() bytes) with the next frame; false when there is none. Throws HostError.
     virtual bool Read(std::span<std::uint8_t> frame) = 0;
 };

@@ -2,7 +2,9 @@
 
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
+#include "host/media/DibSize.h"
 #include "host/media/Orientation.h"
+#include "host/media/Room.h"
 
 #include <wincodec.h>
 #include <wrl/client.h>
@@ -10,7 +12,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <limits>
+#include <new>
 
 namespace vixahost::media {
 
@@ -48,13 +50,15 @@ const FormatRow& RowOf(PictureFormat format)
     return *std::find_if(std::begin(formats), std::end(formats), [&](const auto& row) { return row.format == format; });
 }
 
-// Turns a failure of a codec into the host's own.
+// Turns a failure of a codec into the host's own. Short memory becomes std::bad_alloc, whoever was short of it.
 class Step
 {
 public:
     Step(const char* verbText, const std::filesystem::path& path) : verb(verbText), file(path) {}
     void operator()(HRESULT result, const char* advice) const
     {
+        if (result == E_OUTOFMEMORY)
+            throw std::bad_alloc();
         if (FAILED(result))
             throw FailedJob(std::string("Can't ") + verb + " " + Show(file) + " (" + Show(result) + "); " + advice);
     }
@@ -78,9 +82,23 @@ ComPtr<IWICImagingFactory> Factory()
 unsigned OrientationOfFile(const std::filesystem::path& file)
 {
     // A camera writes what it knows in front of the pixels, all but TIFF, where it may stand anywhere.
-    std::ifstream stream(file, std::ios::binary);
-    const std::vector<char> bytes{std::istreambuf_iterator<char>(stream), {}};
+    std::ifstream stream(file, std::ios::binary | std::ios::ate);
+    std::vector<char> bytes(static_cast<std::size_t>(std::max<std::streamoff>(stream.tellg(), 0)));
+    stream.seekg(0);
+    stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     return OrientationOf({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+}
+
+// Codecs and converters keep a copy of what is asked for at once: pixels come and go in pieces of about this size.
+constexpr std::size_t pieceBytes = std::size_t{4} << 20;
+
+// Calls take(first row, rows) until the picture is through.
+template <typename Take>
+void InPieces(const Picture& picture, Take take)
+{
+    const int most = std::max(static_cast<int>(pieceBytes / picture.RowBytes()), 1);
+    for (int y = 0, rows = 0; y < picture.height; y += rows)
+        take(y, rows = std::min(most, picture.height - y));
 }
 
 } // namespace
@@ -94,7 +112,10 @@ std::optional<PictureFormat> PictureFormatOf(const std::filesystem::path& file)
     return std::nullopt;
 }
 
-Picture ReadPicture(const std::filesystem::path& file)
+namespace {
+
+// `width` and `height` are set as soon as they are known.
+Picture ReadThroughCodec(const std::filesystem::path& file, UINT& width, UINT& height)
 {
     const Step read("read", file);
     constexpr const char* damaged = "the file is damaged or cut short: get a whole copy of it.";
@@ -109,32 +130,36 @@ Picture ReadPicture(const std::filesystem::path& file)
                      [&](const FormatRow& known) { return IsEqualGUID(*known.container, container); }))
         throw FailedJob(Show(file) + " is a picture of a format that isn't supported; convert it to PNG, BMP, JPEG or "
                                      "TIFF first.");
+    // Before the pixels: the whole file is in memory for this.
+    const unsigned orientation = IsEqualGUID(container, GUID_ContainerFormatBmp) ? 1 : OrientationOfFile(file);
     ComPtr<IWICBitmapFrameDecode> frame;
     read(decoder->GetFrame(0, &frame), damaged);
     ComPtr<IWICBitmapSource> source;
     read(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(), &source), damaged);
 
-    UINT width = 0, height = 0;
     read(source->GetSize(&width, &height), damaged);
-    constexpr std::uint64_t largest = std::numeric_limits<std::int32_t>::max();
-    if (width == 0 || height == 0 || std::uint64_t{width} * height * 4 > largest)
+    if (!DibBytes(width, 1, 32) || !PictureBytes(width, height)) // codecs count a row in 32 bits
         throw FailedJob(Show(file) + " measures " + std::to_string(width) + " x " + std::to_string(height) +
-                        " pixels, which doesn't fit a 32-bit program; make it smaller first.");
+                        " pixels, which doesn't fit a " + std::to_string(8 * sizeof(void*)) +
+                        "-bit program; make it smaller first.");
 
     Picture picture(static_cast<int>(width), static_cast<int>(height));
-    read(source->CopyPixels(nullptr, static_cast<UINT>(picture.RowBytes()), static_cast<UINT>(picture.pixels.size()),
-                            picture.pixels.data()),
-         damaged);
+    InPieces(picture, [&](int y, int rows) {
+        const WICRect piece = {0, y, picture.width, rows};
+        const std::size_t bytes = picture.RowBytes() * static_cast<std::size_t>(rows);
+        read(
+            source->CopyPixels(&piece, static_cast<UINT>(picture.RowBytes()), static_cast<UINT>(bytes), picture.Row(y)),
+            damaged);
+    });
     double dpiX = 0, dpiY = 0;
     if (SUCCEEDED(frame->GetResolution(&dpiX, &dpiY)) && dpiX > 0 && dpiY > 0) {
         picture.dpiX = dpiX;
         picture.dpiY = dpiY;
     }
-    const unsigned orientation = OrientationOfFile(file);
-    return orientation == 1 ? picture : TurnUpright(picture, orientation);
+    return orientation == 1 ? std::move(picture) : TurnUpright(picture, orientation);
 }
 
-void WritePicture(const std::filesystem::path& file, PictureFormat format, const Picture& picture)
+void WriteThroughCodec(const std::filesystem::path& file, PictureFormat format, const Picture& picture)
 {
     const Step write("write", file);
     constexpr const char* advice = "is the disk full or the folder protected?";
@@ -163,20 +188,47 @@ void WritePicture(const std::filesystem::path& file, PictureFormat format, const
     write(frame->SetSize(static_cast<UINT>(picture.width), static_cast<UINT>(picture.height)), advice);
     write(frame->SetResolution(picture.dpiX, picture.dpiY), advice);
     const bool alpha = row.alpha && HasAlpha(picture);
-    GUID pixelFormat = alpha ? GUID_WICPixelFormat32bppBGRA : GUID_WICPixelFormat24bppBGR;
+    const GUID wanted = alpha ? GUID_WICPixelFormat32bppBGRA : GUID_WICPixelFormat24bppBGR;
+    GUID pixelFormat = wanted;
     write(frame->SetPixelFormat(&pixelFormat), advice);
+    if (!IsEqualGUID(pixelFormat, wanted)) // every codec of these formats takes it
+        write(WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT, "take another format.");
 
-    ComPtr<IWICBitmap> bitmap;
-    write(factory->CreateBitmapFromMemory(
-              static_cast<UINT>(picture.width), static_cast<UINT>(picture.height),
-              alpha ? GUID_WICPixelFormat32bppBGRA : GUID_WICPixelFormat32bppBGR, static_cast<UINT>(picture.RowBytes()),
-              static_cast<UINT>(picture.pixels.size()), const_cast<BYTE*>(picture.pixels.data()), &bitmap),
-          advice);
-    ComPtr<IWICBitmapSource> source;
-    write(WICConvertBitmapSource(pixelFormat, bitmap.Get(), &source), advice);
-    write(frame->WriteSource(source.Get(), nullptr), advice);
+    const std::size_t pixelBytes = alpha ? 4 : 3, rowBytes = static_cast<std::size_t>(picture.width) * pixelBytes;
+    std::vector<std::uint8_t> piece;
+    InPieces(picture, [&](int y, int rows) {
+        piece.resize(rowBytes * static_cast<std::size_t>(rows));
+        std::uint8_t* out = piece.data();
+        for (const std::uint8_t* in = picture.Row(y); out != piece.data() + piece.size(); in += 4, out += pixelBytes)
+            std::copy_n(in, pixelBytes, out);
+        write(frame->WritePixels(static_cast<UINT>(rows), static_cast<UINT>(rowBytes), static_cast<UINT>(piece.size()),
+                                 piece.data()),
+              advice);
+    });
     write(frame->Commit(), advice);
     write(encoder->Commit(), advice);
+}
+
+} // namespace
+
+Picture ReadPicture(const std::filesystem::path& file)
+{
+    UINT width = 0, height = 0;
+    try {
+        return ReadThroughCodec(file, width, height);
+    } catch (const std::bad_alloc&) {
+    }
+    // Measured when everything has been given back.
+    throw width > 0 ? NoRoomFor(static_cast<int>(width), static_cast<int>(height)) : NoRoomFor(Show(file));
+}
+
+void WritePicture(const std::filesystem::path& file, PictureFormat format, const Picture& picture)
+{
+    try {
+        return WriteThroughCodec(file, format, picture);
+    } catch (const std::bad_alloc&) {
+    }
+    throw NoRoomFor(picture.width, picture.height);
 }
 
 bool HasAlpha(const Picture& picture)

@@ -1,6 +1,7 @@
 // A picture as the frames of a graph, and a graph's frames as a picture.
 #pragma once
 
+#include "host/media/Bands.h"
 #include "host/media/Frames.h"
 #include "host/media/Picture.h"
 
@@ -32,6 +33,26 @@ public:
 private:
     Picture& picture;
     int frames = 0;
+};
+
+// Both ends of a graph for one picture of any size: it goes through in bands, and the results replace its colours; its
+// alpha stays. A band is written before the next one is read, so besides the picture only a band's rows are in memory.
+class BandedPicture : public FrameReader, public FrameWriter
+{
+public:
+    // The picture must outlive this. `reach`: see Bands.
+    BandedPicture(Picture& target, int reach, std::size_t most = bandBytes);
+    FrameFormat Format() const override { return {picture.width, bands.Rows(), 25, 1}; }
+    int FramesAPicture() const override { return bands.Count(); }
+    bool Read(std::span<std::uint8_t> band) override;
+    void Write(std::span<const std::uint8_t> band) override;
+    bool Whole() const noexcept { return written == bands.Count(); }
+
+private:
+    Picture& picture;
+    Bands bands;
+    int read = 0, written = 0;
+    std::vector<std::uint8_t> overlap; // the next band's first rows as they were before this band's result
 };
 
 } // namespace vixahost::media

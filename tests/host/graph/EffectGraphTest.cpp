@@ -1,0 +1,80 @@
+// The host's graph: pictures in bands, and a graph that can't start.
+#include "host/graph/EffectGraph.h"
+#include "host/base/HostError.h"
+#include "host/fixtures/PixelModel.h"
+#include "host/media/PictureFrames.h"
+#include "tests/host/TestFiles.h"
+
+#include <vixavideofx/ClassIds.h>
+
+#include <gtest/gtest.h>
+#include <objbase.h>
+
+namespace vixahost {
+namespace {
+
+using namespace test;
+using namespace vixavideofx;
+
+class Graph : public testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))); }
+    void TearDown() override { CoUninitialize(); }
+
+    effects::EffectLibrary library;
+};
+
+TEST_F(Graph, BandsGiveTheBytesOfTheWholePicture)
+{
+    // Neighbours of neighbours, and effects that leave an odd last pixel alone.
+    const effects::EffectStack stacks[] = {{{CLSID_Emboss, "", {2}}},
+                                           {{CLSID_AddPixel, "", {90, -20, 7, 0}}, {CLSID_SoftenFilter, "", {8}}},
+                                           {{CLSID_SoftenFilter, "", {8}},
+                                            {CLSID_InvertColor, "", {7}},
+                                            {CLSID_Emboss, "", {2}},
+                                            {CLSID_SoftenFilter, "", {8}}}};
+    for (const auto& [width, height] : {std::pair{17, 41}, {16, 41}, {17, 40}, {3, 9}, {17, 1}})
+        for (const effects::EffectStack& stack : stacks)
+            for (const int rows : {1, 7, 12, 39}) {
+                SCOPED_TRACE(testing::Message() << width << " x " << height << ", " << stack.size()
+                                                << " effects, about " << rows << " rows a band");
+                media::Picture picture = TestPicture(width, height, 5), wanted = picture;
+                Bytes frame(picture.pixels.size());
+                media::PictureReader(picture).Read(frame);
+                for (const effects::EffectStep& step : stack)
+                    frame = fixtures::ExpectedFrame(step.classId, step.block, frame, width, height);
+                media::PictureWriter(wanted).Write(frame);
+
+                media::BandedPicture bands(picture, effects::ReachOf(stack), picture.RowBytes() * std::size_t(rows));
+                graph::EffectGraph(library, stack, bands, bands, bands.Format().TimeOf(1)).Run();
+                EXPECT_TRUE(bands.Whole());
+                EXPECT_EQ(bands.FramesAPicture() > 1, height > std::max(rows, 2 * int(stack.size()) + 2));
+                EXPECT_TRUE(picture.pixels == wanted.pixels);
+            }
+}
+
+TEST_F(Graph, OneThatCannotStartEndsAtOnceAndSaysWhy)
+{
+    if (sizeof(void*) > 4)
+        GTEST_SKIP() << "every buffer that a sample can have is to be had";
+    struct Nothing : media::FrameReader, media::FrameWriter
+    {
+        media::FrameFormat Format() const override { return {0x1FFFFFFF, 1, 25, 1}; }
+        bool Read(std::span<std::uint8_t>) override { return false; }
+        void Write(std::span<const std::uint8_t>) override {}
+    } nothing;
+    graph::EffectGraph graph(library, {{CLSID_Emboss, "", {2}}}, nothing, nothing, 1);
+    try {
+        graph.Run();
+        ADD_FAILURE() << "it ran";
+    } catch (const FailedJob& fault) {
+        EXPECT_NE(
+            std::string(fault.what()).find("Not enough memory for a picture of 536870911 x 1 pixels; the largest"),
+            std::string::npos)
+            << fault.what();
+    }
+}
+
+} // namespace
+} // namespace vixahost
