@@ -3,9 +3,12 @@
 #include "bench/Cases.h"
 #include "bench/Report.h"
 #include "bench/Series.h"
+#include "host/effects/EffectCatalogue.h"
 #include "host/fixtures/PushGraph.h"
 #include "host/fixtures/RecordedSet.h"
-#include "tests/support/Library.h"
+
+#include <vixavideofx/ClassIds.h>
+#include <vixavideofx/IEffectFilter.h>
 
 #include <algorithm>
 #include <chrono>
@@ -15,6 +18,7 @@
 
 using namespace vixa;
 using namespace vixa::bench;
+using vixahost::effects::EffectLibrary;
 
 namespace {
 
@@ -25,11 +29,11 @@ double Since(Clock::time_point start)
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-const GUID& ClassOf(const std::string& effect)
+Microsoft::WRL::ComPtr<IBaseFilter> CreateFilter(const EffectLibrary& library, const std::string& effect)
 {
-    for (const test::Effect& known : test::effects) {
-        if (effect.starts_with(known.name))
-            return known.clsid;
+    for (const vixahost::effects::CatalogueEntry& known : vixahost::effects::ReadCatalogue(library)) {
+        if (effect.starts_with(known.englishName))
+            return library.CreateFilter(known.classId, known.englishName);
     }
     throw std::logic_error("no class for " + effect);
 }
@@ -38,13 +42,13 @@ const GUID& ClassOf(const std::string& effect)
 class RunningEffect
 {
 public:
-    RunningEffect(const test::Library& library, const Case& measured, Size size)
-        : filter_(library.Create(ClassOf(measured.effect))),
+    RunningEffect(const EffectLibrary& library, const Case& measured, Size size)
+        : filter_(CreateFilter(library, measured.effect)),
           graph_(filter_.Get(), vixahost::fixtures::VideoType(size.width, size.height))
     {
         graph_.Seen().keepsContent = false;
         vixahost::fixtures::RecordedSet settings(measured.block);
-        test::ComPtr<IEffectFilter> effect;
+        Microsoft::WRL::ComPtr<IEffectFilter> effect;
         filter_.As(&effect);
         effect->SetPropertySet(&settings);
     }
@@ -56,12 +60,12 @@ public:
     }
 
 private:
-    test::ComPtr<IBaseFilter> filter_;
+    Microsoft::WRL::ComPtr<IBaseFilter> filter_;
     vixahost::fixtures::PushGraph graph_;
 };
 
 // Frames so small that the kernel is a small part of the cost, many at a time because the clock is coarse.
-void MeasureOverhead(const test::Library& library, Report& report)
+void MeasureOverhead(const EffectLibrary& library, Report& report)
 {
     constexpr Size small = {64, 64};
     constexpr int calls = 2000, rounds = 40;
@@ -92,8 +96,8 @@ void MeasureStart(Report& report)
     std::vector<double> times;
     for (int round = 0; round < rounds; ++round) {
         const auto start = Clock::now();
-        const test::Library library;
-        const auto filter = library.Create(vixavideofx::CLSID_AddPixel);
+        const EffectLibrary library;
+        const auto filter = library.CreateFilter(vixavideofx::CLSID_AddPixel, "Add pixel");
         times.push_back(Since(start));
     }
     report.Add("LoadLibrary to the first filter, first time", times.front() * 1e3, "milliseconds");
@@ -102,7 +106,7 @@ void MeasureStart(Report& report)
     report.Add("LoadLibrary to the first filter, median", times[times.size() / 2] * 1e3, "milliseconds");
 }
 
-void MeasureSize(Size size, const Options& options, const test::Library& library, Report& report)
+void MeasureSize(Size size, const Options& options, const EffectLibrary& library, Report& report)
 {
     TestFrame frame(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height) * 4);
     std::vector<std::uint8_t> scratch(kernels::ConvolutionScratchBytes(size.width));
@@ -132,9 +136,7 @@ int main(int count, char** words)
         CoInitializeEx(nullptr, COINIT_MULTITHREADED);
         Report report("Filters, 32-bit library", options.json);
         MeasureStart(report);
-        const test::Library library;
-        if (!library.module)
-            throw std::runtime_error("VixaVideoFX.dll is not beside this program");
+        const EffectLibrary library;
         MeasureOverhead(library, report);
         for (const Size size : options.sizes)
             MeasureSize(size, options, library, report);

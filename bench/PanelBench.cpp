@@ -11,7 +11,7 @@ constexpr int moves = 10000;
 
 // The median and the 99th percentile of `moves` calls, in microseconds; what lies above is the machine's other work.
 template <typename Call>
-std::pair<double, double> timed(Call call)
+std::pair<double, double> Timed(Call call)
 {
     LARGE_INTEGER frequency, before, after;
     QueryPerformanceFrequency(&frequency);
@@ -35,16 +35,16 @@ int main()
     HostWindow host;
     MultiplyPanel multiply(host, {100});
     AddPanel add(host, {0, 0, 0, 1});
-    const auto bare = timed([&](int position) { multiply.put(1029, position); });
-    const auto panel = timed([&](int position) {
-        multiply.put(1029, position);
-        multiply.scroll(1029, TB_LINEDOWN);
+    const auto bare = Timed([&](int position) { multiply.Put(1029, position); });
+    const auto panel = Timed([&](int position) {
+        multiply.Put(1029, position);
+        multiply.Scroll(1029, TB_LINEDOWN);
     });
-    const auto linked = timed([&](int position) {
-        add.put(1007, position);
-        add.scroll(1007, TB_LINEDOWN);
+    const auto linked = Timed([&](int position) {
+        add.Put(1007, position);
+        add.Scroll(1007, TB_LINEDOWN);
     });
-    const bool complete = multiply.set.writes.size() == moves && add.set.writes.size() == moves;
+    const bool complete = multiply.set.writes == moves && add.set.writes == moves;
     std::printf("bare message to the slider    median %7.1f us, 99 %% below %8.1f us\n", bare.first, bare.second);
     std::printf("move written, one slider      median %7.1f us, 99 %% below %8.1f us, ratio %.2f\n", panel.first,
                 panel.second, panel.first / bare.first);

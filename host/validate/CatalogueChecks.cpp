@@ -78,9 +78,11 @@ void NoDescription(Subject& library)
 void NoSecondBitmap(Subject& library)
 {
     for (const Promise& effect : Promises()) {
-        ULONG size = 0, value = 0;
-        RequireResult(library.Info(*effect.classId)->GetSecondBitmap(nullptr, &size, &value), E_FAIL,
+        BYTE room = 0;
+        ULONG size = 1, value = 7;
+        RequireResult(library.Info(*effect.classId)->GetSecondBitmap(&room, &size, &value), E_FAIL,
                       std::string(effect.name) + ": GetSecondBitmap");
+        RequireNumber(value, 7, std::string(effect.name) + ": the value that GetSecondBitmap refused");
     }
 }
 

@@ -106,7 +106,7 @@ void ShortFormats(Subject& library)
     for (const bool second : {false, true}) {
         CMediaType type = second ? fixtures::VideoType2(32, 32) : fixtures::VideoType(32, 32);
         const CMediaType whole = type;
-        type.SetFormat(whole.Format(), 40);
+        type.SetFormat(whole.Format(), whole.FormatLength() - 1);
         RequireResult(Offer(library, type), VFW_E_TYPE_NOT_ACCEPTED, "the offer of a type with a short header");
         type.ResetFormatBuffer();
         RequireResult(Offer(library, type), VFW_E_TYPE_NOT_ACCEPTED, "the offer of a type without a header");

@@ -135,6 +135,9 @@ void Arguments(Subject& library)
                       "ShowSettingsDialog without a property set");
         RequireResult(host.ShowPanel(*info.Get(), &set, nullptr), E_FAIL,
                       "ShowSettingsDialog without a place for the window");
+        RequireResult(info->ShowSettingsDialog(0, nullptr, WM_APP, &set, &window), E_FAIL,
+                      "ShowSettingsDialog without a parent");
+        Require(window == nullptr, "ShowSettingsDialog without a parent answers a window");
     }
 }
 
@@ -374,7 +377,7 @@ void Translated(Subject& library)
 
 constexpr Check checks[] = {
     {"panels", "opens", "Every panel opens silently as a child of the host's window.", Opens},
-    {"panels", "arguments", "Without a property set or a place for the window: E_FAIL.", Arguments},
+    {"panels", "arguments", "Without a property set, a place for the window or a parent: E_FAIL.", Arguments},
     {"panels", "reused", "An open panel is handed out again.", Reused},
     {"panels", "reopened", "A closed panel is made anew.", Reopened},
     {"panels", "dies-with-the-host", "A panel goes with the host's window and comes back in another.", DiesWithTheHost},

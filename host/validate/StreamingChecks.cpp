@@ -297,6 +297,9 @@ void TwoFilters(Subject& library)
         RequireNumber(first.Through(Frame(8, 128))[0], 181, "128 at a gamma of 2.00");
         RequireNumber(second.Through(Frame(8, 128))[0], 55, "128 at a gamma of 0.45");
     }
+    fixtures::RecordedSet set(Block{200});
+    Parameters(dark.Get())->SetPropertySet(&set);
+    RequireNumber(second.Through(Frame(8, 128))[0], 181, "128 after the gamma changed to 2.00");
 }
 
 constexpr Check checks[] = {

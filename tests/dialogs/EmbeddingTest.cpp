@@ -1,10 +1,8 @@
 // The built library's panels in hosts that let go early, have several threads, watch their own messages, or unload. The
 // program itself uses no common controls: what a panel's windows need is the library's business.
-#include "tests/dialogs/RecordingSet.h"
-#include "tests/support/Library.h"
+#include "host/fixtures/RecordedSet.h"
+#include "tests/support/LibraryTest.h"
 #include "tests/ui/HostWindow.h"
-
-#include <vixavideofx/IEffectInfo.h>
 
 #include <atomic>
 #include <functional>
@@ -13,7 +11,9 @@
 #include <vector>
 
 using namespace test;
+using namespace vixahost::fixtures;
 using namespace vixavideofx;
+using vixahost::effects::EffectLibrary;
 
 namespace {
 
@@ -48,9 +48,9 @@ BOOL CALLBACK UseControl(HWND control, LPARAM)
 // One effect's panel in a host's window, the catalogue object and all.
 struct Embedded
 {
-    Embedded(const Library& library, REFCLSID effect, HostWindow& inHost) : host(inHost)
+    Embedded(const EffectLibrary& library, REFCLSID effect, HostWindow& inHost)
+        : host(inHost), info(library.CatalogueOf(effect))
     {
-        EXPECT_EQ(library.Factory(effect).As(&info), S_OK);
     }
     HRESULT Show()
     {
@@ -59,7 +59,7 @@ struct Embedded
     }
     HRESULT ShowUnguarded(IEffectInfo* shown)
     {
-        const HRESULT result = shown->ShowSettingsDialog(0, host.hwnd, HostWindow::changed, &set, &panel);
+        const HRESULT result = host.ShowPanel(*shown, &set, &panel);
         ShowWindow(panel, SW_SHOW);
         return result;
     }
@@ -67,7 +67,7 @@ struct Embedded
 
     HostWindow& host;
     ComPtr<IEffectInfo> info;
-    RecordingSet set{{1, 2, 3, 0}};
+    RecordedSet set{1, 2, 3, 0};
     HWND panel = nullptr;
 };
 
@@ -80,7 +80,8 @@ TEST_F(Embedding, ObjectsOfOtherThreadsDoNotDisturbAPanel)
     std::vector<std::thread> workers;
     for (int i = 0; i < 3; ++i)
         workers.emplace_back([&] {
-            const auto factory = library.Factory(CLSID_InvertColor);
+            ComPtr<IClassFactory> factory;
+            library.CatalogueOf(CLSID_InvertColor).As(&factory);
             while (!stop) {
                 ComPtr<IEffectInfo> info;
                 ULONG key = 0;
@@ -125,8 +126,8 @@ TEST_F(Embedding, TwoThreadsHaveTheirOwnPanels)
                 DestroyWindow(panel.panel);
             }
         }
-        EXPECT_GE(panel.set.writes.size(), 3u * rounds);
-        EXPECT_EQ(host.notifications, static_cast<int>(panel.set.writes.size()));
+        EXPECT_GE(panel.set.writes, 3 * rounds);
+        EXPECT_EQ(host.notifications, panel.set.writes);
     };
     std::thread second(work, CLSID_InvertColor);
     work(CLSID_MultiplyPixel);
@@ -135,38 +136,38 @@ TEST_F(Embedding, TwoThreadsHaveTheirOwnPanels)
 
 TEST_F(Embedding, AHostMayLetGoInsideItsOwnCalls)
 {
-    for (const Effect& effect : effects) {
+    for (const Promise& effect : Promises()) {
         // When its property set is written, by a panel and by the defaults.
         HostWindow host;
         {
-            Embedded panel(library, effect.clsid, host);
+            Embedded panel(library, *effect.classId, host);
             ASSERT_EQ(panel.Show(), S_OK);
             panel.set.onWrite = [&] {
                 if (panel.info) {
                     panel.info.Reset();
-                    EXPECT_EQ(library.canUnloadNow(), S_FALSE) << effect.name << ": the panel is still at work";
+                    EXPECT_FALSE(library.CanUnload()) << effect.name << ": the panel is still at work";
                 }
             };
             panel.Use();
             EXPECT_EQ(host.notifications, 0) << effect.name << ": nobody is told by an object that is gone";
-            EXPECT_LE(panel.set.writes.size(), 1u) << effect.name;
+            EXPECT_LE(panel.set.writes, 1) << effect.name;
         }
         {
-            Embedded panel(library, effect.clsid, host);
+            Embedded panel(library, *effect.classId, host);
             ASSERT_EQ(panel.Show(), S_OK);
             panel.set.onWrite = [&] {
                 panel.info.Reset();
-                EXPECT_EQ(library.canUnloadNow(), S_FALSE) << effect.name;
+                EXPECT_FALSE(library.CanUnload()) << effect.name;
             };
             EXPECT_EQ(panel.info->SetDefaults(&panel.set), S_OK);
         }
         // While the panel is made, and while it reads.
         for (const bool whileMade : {true, false}) {
-            Embedded panel(library, effect.clsid, host);
+            Embedded panel(library, *effect.classId, host);
             const auto letGo = [&] {
                 if (panel.info) {
                     panel.info.Reset();
-                    EXPECT_EQ(library.canUnloadNow(), S_FALSE) << effect.name;
+                    EXPECT_FALSE(library.CanUnload()) << effect.name;
                 }
             };
             if (whileMade)
@@ -177,11 +178,11 @@ TEST_F(Embedding, AHostMayLetGoInsideItsOwnCalls)
             EXPECT_EQ(result, panel.panel ? S_OK : E_FAIL) << effect.name;
             host.onParentNotify = nullptr;
             panel.info.Reset();
-            const std::size_t written = panel.set.writes.size();
+            const int written = panel.set.writes;
             panel.Use();
-            EXPECT_EQ(panel.set.writes.size(), written) << effect.name;
+            EXPECT_EQ(panel.set.writes, written) << effect.name;
         }
-        EXPECT_EQ(library.canUnloadNow(), S_OK) << effect.name;
+        EXPECT_TRUE(library.CanUnload()) << effect.name;
     }
 }
 
@@ -211,10 +212,10 @@ TEST_F(Embedding, AnObjectMayBeReleasedByAnotherThread)
         std::thread([&] { panel.info.Reset(); }).join(); // while this thread does not look after its messages
         HostWindow::Pump();
         panel.Use();
-        EXPECT_EQ(panel.set.writes.size(), 0u);
+        EXPECT_EQ(panel.set.writes, 0);
         EXPECT_FALSE(IsWindowVisible(panel.panel));
     }
-    std::thread([&] { EXPECT_EQ(library.canUnloadNow(), S_OK); }).join();
+    std::thread([&] { EXPECT_TRUE(library.CanUnload()); }).join();
 }
 
 int seen;
@@ -294,10 +295,10 @@ TEST(Unloading, IsSafeWhileMessagesArrive)
     for (int i = 0; i < 3 * Ways; ++i) {
         HostWindow host;
         {
-            const Library library;
+            const EffectLibrary library;
             std::vector<std::unique_ptr<Embedded>> panels;
-            for (const Effect& effect : effects) {
-                panels.push_back(std::make_unique<Embedded>(library, effect.clsid, host));
+            for (const Promise& effect : Promises()) {
+                panels.push_back(std::make_unique<Embedded>(library, *effect.classId, host));
                 ASSERT_EQ(panels.back()->Show(), S_OK);
             }
             Disturb(host.hwnd);
@@ -320,7 +321,7 @@ TEST(Unloading, IsSafeWhileMessagesArrive)
             }
             if (i % Ways != Leaked) {
                 panels.clear();
-                EXPECT_EQ(library.canUnloadNow(), S_OK);
+                EXPECT_TRUE(library.CanUnload());
             }
         }
         ASSERT_EQ(GetModuleHandleW(L"VixaVideoFX.dll"), nullptr);

@@ -92,9 +92,9 @@ std::string Narrow(const std::wstring& text)
 }
 
 template <typename Panel>
-void ExpectAllFits(HostWindow& host, RecordingSet::Block block, LANGID language)
+void ExpectAllFits(HostWindow& host, const Block& block, LANGID language)
 {
-    const Panel panel(host, std::move(block));
+    const Panel panel(host, block);
     for (HWND control = GetWindow(panel.window, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
         const int id = GetDlgCtrlID(control);
         if (SendMessageW(control, TBM_GETRANGEMAX, 0, 0)) {

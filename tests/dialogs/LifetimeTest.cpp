@@ -158,7 +158,7 @@ TEST(Lifetime, SliderMovesCostNoMemory)
         for (int i = 0; i < count; ++i) {
             panel.Put(1007, i % 511 - 255);
             panel.Scroll(1007, TB_LINEDOWN);
-            panel.set.writes.clear();
+            panel.set.history.clear();
         }
         HostWindow::Pump();
     };

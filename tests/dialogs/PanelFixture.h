@@ -9,9 +9,9 @@
 #include "dialogs/CDialogSelectColor.h"
 #include "dialogs/CDialogSelectGamma.h"
 #include "dialogs/CDialogShiftEdges.h"
+#include "host/fixtures/RecordedSet.h"
 #include "localisation/LanguageFiles.h"
 #include "localisation/ModuleBase.h"
-#include "tests/dialogs/RecordingSet.h"
 #include "tests/ui/HostWindow.h"
 
 #include <commctrl.h>
@@ -19,6 +19,9 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+
+using vixahost::fixtures::RecordedSet;
+using Block = std::vector<std::int32_t>;
 
 // The program itself as the library: it has the library's resources, and the language files stand beside it.
 class TestModule final : public ModuleBase
@@ -38,7 +41,7 @@ template <typename Dialog>
 class Panel
 {
 public:
-    explicit Panel(HostWindow& inHost, RecordingSet::Block initial) : host(inHost), set(std::move(initial))
+    explicit Panel(HostWindow& inHost, const Block& initial) : host(inHost), set(initial)
     {
         window = Show(&set);
         ShowWindow(window, SW_SHOW);
@@ -52,8 +55,12 @@ public:
         owner.Show(vixa::MakePanel<Dialog>, GetModuleHandleW(nullptr), host.hwnd, HostWindow::changed, values, &shown);
         return shown;
     }
-    // Shows what the set holds now.
     void Reload() { Show(&set); }
+    void Reload(const Block& block)
+    {
+        set.Store(block);
+        Reload();
+    }
 
     HWND Control(int id) const { return GetDlgItem(window, id); }
     std::wstring Text(int id) const
@@ -110,7 +117,7 @@ public:
     void Put(int id, int value) const { SendMessageW(Control(id), TBM_SETPOS, TRUE, value); }
 
     HostWindow& host;
-    RecordingSet set;
+    RecordedSet set;
     vixa::PanelOwner owner;
     HWND window = nullptr;
 

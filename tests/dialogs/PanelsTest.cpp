@@ -3,20 +3,21 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace {
 
-using Block = RecordingSet::Block;
 using Blocks = std::vector<Block>;
 
 class Panels : public testing::Test
 {
 protected:
     // The blocks written since the last call; there must have been a notification for each, without data.
-    Blocks Written(RecordingSet& set)
+    Blocks Written(RecordedSet& set)
     {
-        EXPECT_EQ(static_cast<int>(set.writes.size()), std::exchange(host.notifications, 0));
+        EXPECT_EQ(static_cast<int>(set.history.size()), std::exchange(host.notifications, 0));
         EXPECT_TRUE(host.dataless);
-        return std::exchange(set.writes, {});
+        return std::exchange(set.history, {});
     }
     TestModule module;
     HostWindow host;
@@ -51,9 +52,9 @@ TEST_F(Panels, OpeningShowsTheBlockAndWritesNothing)
         EXPECT_EQ(GetParent(window), host.hwnd);
         EXPECT_TRUE(IsWindowVisible(window));
     }
-    EXPECT_EQ(colour.set.writes.size() + add.set.writes.size() + invert.set.writes.size() + multiply.set.writes.size() +
-                  gamma.set.writes.size() + shift.set.writes.size(),
-              0u);
+    EXPECT_EQ(colour.set.writes + add.set.writes + invert.set.writes + multiply.set.writes + gamma.set.writes +
+                  shift.set.writes,
+              0);
     EXPECT_EQ(host.notifications, 0);
 }
 
@@ -178,7 +179,7 @@ TEST_F(Panels, DraggingShowsEveryMoveAndWritesAtItsEnd)
         const int now = panel.Position(1029);
         EXPECT_GT(now, 100);
         EXPECT_EQ(panel.Text(1030), (now < 110 ? L"1.0" : L"1.") + std::to_wstring(now - 100));
-        EXPECT_EQ(panel.set.writes.size(), 0u) << "nothing is written during the drag";
+        EXPECT_EQ(panel.set.history.size(), 0u) << "nothing is written during the drag";
     }
     panel.Release();
     EXPECT_GE(ends.count, 1u);
@@ -217,7 +218,7 @@ TEST_F(Panels, EveryScrollRequestButTheThumbsSettles)
     colour.Show(nullptr);
     colour.Scroll(1005, TB_ENDTRACK);
     EXPECT_EQ(host.notifications, 1);
-    EXPECT_EQ(colour.set.writes.size(), 0u);
+    EXPECT_EQ(colour.set.history.size(), 0u);
 }
 
 TEST_F(Panels, FactorsReadAsTwoPlaceDecimals)
@@ -232,8 +233,7 @@ TEST_F(Panels, FactorsReadAsTwoPlaceDecimals)
                                 {109, L"1.09"},
                                 {150, L"1.50"},
                                 {200, L"2.00"}}) {
-        panel.set.block = {factor};
-        panel.Reload();
+        panel.Reload({factor});
         EXPECT_EQ(panel.Text(1030), text);
     }
     panel.owner.Reset();
@@ -295,8 +295,7 @@ TEST_F(Panels, TheColourStaysWithItsEntryInAnyOrder)
     EXPECT_EQ(panel.Text(1003), L"Azul");
     EXPECT_EQ(panel.Text(1014), L"0");
 
-    panel.set.block = {0, 7}; // no such colour
-    panel.Reload();
+    panel.Reload({0, 7}); // no such colour
     EXPECT_EQ(SendMessageW(combo, CB_GETCURSEL, 0, 0), CB_ERR);
     panel.Scroll(1005, TB_ENDTRACK);
     EXPECT_EQ(Written(panel.set), (Blocks{{0, -1}}));
@@ -315,8 +314,7 @@ TEST_F(Panels, InversionFollowsItsBoxes)
     EXPECT_EQ(Written(panel.set), (Blocks{{3}}));
     SendMessageW(panel.window, WM_COMMAND, 1020, 0); // from no box of it
     EXPECT_EQ(Written(panel.set), Blocks{});
-    panel.set.block = {-4}; // only the bits count
-    panel.Reload();
+    panel.Reload({-4}); // only the bits count
     EXPECT_TRUE(panel.Checked(1020) && !panel.Checked(1021) && !panel.Checked(1022));
     panel.owner.Reset();
     EXPECT_FALSE(panel.Checked(1020) || panel.Checked(1021) || panel.Checked(1022));
@@ -342,8 +340,7 @@ TEST_F(Panels, ShiftingKeepsADirection)
                                               {0, true, true},
                                               {-1, true, true},
                                               {8, true, true}}) {
-        panel.set.block = {kind};
-        panel.Reload();
+        panel.Reload({kind});
         EXPECT_EQ(panel.Checked(1038), horizontal) << kind;
         EXPECT_EQ(panel.Checked(1039), vertical) << kind;
     }
@@ -385,7 +382,7 @@ TEST_F(Panels, AllSlidersMoveTogetherAsFarAsEachCan)
     EXPECT_EQ(Written(panel.set), (Blocks{{-240, -240, -240, 1}}));
 
     // Moves are measured from what was loaded, not from what another instance had.
-    RecordingSet other({50, 60, 70, 1});
+    RecordedSet other({50, 60, 70, 1});
     panel.Show(&other);
     panel.Put(1007, 51);
     panel.Scroll(1007, TB_ENDTRACK);
@@ -422,14 +419,15 @@ TEST_F(Panels, AReadThatGivesNothingLeavesTheControls)
     MultiplyPanel multiply(host, {50});
     GammaPanel gamma(host, {60});
     const auto failings = [](auto& panel) {
-        panel.set.block.assign(panel.set.block.size(), 0);
-        panel.set.readResult = E_FAIL;
-        panel.Reload();
-        panel.set.readResult = S_OK;
-        for (int size : {0}) {
-            panel.set.reportedSize = size;
+        for (const HRESULT result : {E_FAIL, S_OK}) {
+            panel.set.answer = [result](void* buffer, int* size) {
+                std::memset(buffer, 0, 4);
+                *size = 0;
+                return result;
+            };
             panel.Reload();
         }
+        panel.set.answer = nullptr;
         panel.Show(nullptr);
     };
     failings(colour);
@@ -448,13 +446,9 @@ TEST_F(Panels, AReadThatGivesNothingLeavesTheControls)
     EXPECT_FALSE(shift.Checked(1038) || shift.Checked(1039)) << "unknown directions show as none";
 
     // A block that is longer than the panel's harms nothing, a shorter one reads as 0 at its end.
-    multiply.set.reportedSize = -1;
-    multiply.set.block.assign(10000, 7);
-    multiply.Reload();
+    multiply.Reload(Block(10000, 7));
     EXPECT_EQ(multiply.Text(1030), L"0.07");
-    colour.set.reportedSize = -1;
-    colour.set.block = {9};
-    colour.Reload();
+    colour.Reload({9});
     EXPECT_EQ(colour.Text(1014) + colour.Text(1003), L"9Blue");
 }
 
@@ -462,13 +456,13 @@ TEST_F(Panels, AReusedPanelBelongsToItsNewPropertySet)
 {
     GammaPanel panel(host, {70});
     const HWND window = panel.window;
-    RecordingSet other({180});
+    RecordedSet other({180});
     EXPECT_EQ(panel.Show(&other), window);
     EXPECT_EQ(panel.Position(1034), 180);
     panel.Key(1034, VK_RIGHT);
     EXPECT_EQ(Written(other), (Blocks{{181}, {181}}));
-    EXPECT_EQ(panel.set.writes.size(), 0u);
-    EXPECT_EQ(panel.set.block, (Block{70}));
+    EXPECT_EQ(panel.set.history.size(), 0u);
+    EXPECT_EQ(panel.set.Block(), (Block{70}));
 }
 
 TEST_F(Panels, TwoPanelsKeepApart)
@@ -482,14 +476,14 @@ TEST_F(Panels, TwoPanelsKeepApart)
         gamma.Key(1034, VK_LEFT);
         second.Key(1029, VK_LEFT);
     }
-    EXPECT_EQ(first.set.block, (Block{13}));
-    EXPECT_EQ(second.set.block, (Block{17}));
-    EXPECT_EQ(gamma.set.block, (Block{97}));
+    EXPECT_EQ(first.set.Block(), (Block{13}));
+    EXPECT_EQ(second.set.Block(), (Block{17}));
+    EXPECT_EQ(gamma.set.Block(), (Block{97}));
     EXPECT_EQ(first.Text(1030) + second.Text(1030), L"0.130.17");
     DestroyWindow(first.window);
     second.Key(1029, VK_LEFT);
-    EXPECT_EQ(second.set.block, (Block{16}));
-    EXPECT_EQ(first.set.block, (Block{13}));
+    EXPECT_EQ(second.set.Block(), (Block{16}));
+    EXPECT_EQ(first.set.Block(), (Block{13}));
 }
 
 } // namespace

@@ -43,9 +43,9 @@ BOOL CALLBACK FindToolTip(HWND window, LPARAM found)
 }
 
 template <typename Panel>
-void ExpectToolTip(HostWindow& host, RecordingSet::Block block, int id, const wchar_t* title, const wchar_t* text)
+void ExpectToolTip(HostWindow& host, const Block& block, int id, const wchar_t* title, const wchar_t* text)
 {
-    Panel panel(host, std::move(block));
+    Panel panel(host, block);
     HWND tip = nullptr;
     EnumThreadWindows(GetCurrentThreadId(), FindToolTip, reinterpret_cast<LPARAM>(&tip));
     ASSERT_NE(tip, nullptr);

@@ -2,7 +2,7 @@
 #include "host/fixtures/GuardedMemory.h"
 #include "host/fixtures/PushGraph.h"
 #include "host/fixtures/RecordedSet.h"
-#include "tests/support/Library.h"
+#include "tests/support/LibraryTest.h"
 
 #include <algorithm>
 #include <climits>
@@ -13,46 +13,47 @@ using namespace vixavideofx;
 
 namespace {
 
+using Bytes = std::vector<std::uint8_t>;
+
 class Hostile : public LibraryTest
 {
-protected:
-    static void SetUpTestSuite() { CoInitializeEx(nullptr, COINIT_MULTITHREADED); }
-    static void TearDownTestSuite() { CoUninitialize(); }
-
-    // A block that makes each effect do something.
-    static RecordedSet Working(std::size_t effect)
-    {
-        switch (effect) {
-        case 0:
-            return RecordedSet{40, -30, 20, 0};
-        case 1:
-            return RecordedSet{40, 0};
-        case 2:
-            return RecordedSet{7};
-        case 3:
-        case 4:
-            return RecordedSet{150};
-        default:
-            return RecordedSet{static_cast<std::int32_t>(effect) - 4};
-        }
-    }
-
-    ComPtr<IBaseFilter> Create(std::size_t effect, IDataPropertySet* set)
-    {
-        const auto filter = library.Create(effects[effect].clsid);
-        ComPtr<IEffectFilter> parameters;
-        filter.As(&parameters);
-        EXPECT_EQ(parameters->SetPropertySet(set), S_OK);
-        return filter;
-    }
 };
+
+TEST_F(Hostile, WithoutAValidBlockColoursStay)
+{
+    Bytes frame(5 * 4 * 4);
+    for (std::size_t i = 0; i < frame.size(); ++i)
+        frame[i] = static_cast<std::uint8_t>(i * 3);
+    for (const Promise& effect : Promises()) {
+        Bytes expected = frame;
+        for (std::size_t i = 3; *effect.classId == CLSID_MultiplyPixel && i < expected.size(); i += 4)
+            expected[i] = 0;
+        PushGraph graph(Filter(*effect.classId).Get(), VideoType(5, 4));
+        EXPECT_EQ(graph.Through(frame), expected) << effect.name;
+    }
+    RecordedSet none{11};
+    PushGraph graph(Filter(CLSID_SoftenFilter, &none).Get(), VideoType(5, 4));
+    EXPECT_EQ(graph.Through(frame), frame) << "a kind that is none";
+}
+
+TEST_F(Hostile, FramesWithoutPixelsOrBytesArePassedOn)
+{
+    RecordedSet emboss{2};
+    for (const auto& [width, height] : {std::pair{5L, 0L}, {-2L, 2L}}) {
+        PushGraph graph(Filter(CLSID_Emboss, &emboss).Get(), VideoType(width, height));
+        EXPECT_EQ(graph.Through(Bytes(16, 90)), Bytes(16, 90));
+    }
+    PushGraph graph(Filter(CLSID_GammaCorrection).Get(), VideoType(2, 1));
+    HandSample sample;
+    sample.pointerResult = E_POINTER;
+    EXPECT_EQ(graph.Send(&sample), S_OK) << "no gamma looks at no buffer";
+}
 
 // A type and a sample that claim a frame whose saved rows no memory could hold.
 TEST_F(Hostile, AFrameTooWideForItsRowsPassesUnchanged)
 {
-    auto set = Working(12);
-    const auto filter = Create(12, &set);
-    PushGraph graph(filter.Get(), VideoType(0x10000001, 1));
+    RecordedSet set{8};
+    PushGraph graph(Filter(CLSID_SoftenFilter, &set).Get(), VideoType(0x10000001, 1));
     graph.Seen().keepsContent = false;
     GuardedMemory frame(256, GuardedMemory::Guard::Behind);
     std::ranges::fill(frame.Bytes(), std::uint8_t{100});
@@ -65,20 +66,16 @@ TEST_F(Hostile, AFrameTooWideForItsRowsPassesUnchanged)
 
 TEST_F(Hostile, FailedAndPartialReads)
 {
-    const auto apply = [&](REFCLSID clsid, RecordedSet& set, std::vector<std::uint8_t> frame) {
-        const auto filter = library.Create(clsid);
-        ComPtr<IEffectFilter> parameters;
-        filter.As(&parameters);
+    const auto apply = [&](REFCLSID clsid, RecordedSet& set, Bytes frame) {
         auto answer = std::exchange(set.answer, nullptr);
-        EXPECT_EQ(parameters->SetPropertySet(&set), S_OK);
+        const auto filter = Filter(clsid, &set);
         set.answer = answer;
-        EXPECT_EQ(parameters->SetPropertySet(&set), S_OK) << "whatever GetData answers";
+        EXPECT_EQ(ParametersOf(filter)->SetPropertySet(&set), S_OK) << "whatever GetData answers";
         PushGraph graph(filter.Get(), VideoType(static_cast<LONG>(frame.size() / 12), 3));
         graph.Send(frame);
         return frame;
     };
-    const std::vector<std::uint8_t> frame(36, 100);
-    using Bytes = std::vector<std::uint8_t>;
+    const Bytes frame(36, 100);
 
     // A failed read that writes nothing keeps what was there.
     RecordedSet add{10, 20, 30, 0};
@@ -126,9 +123,8 @@ TEST_F(Hostile, FailedAndPartialReads)
 TEST_F(Hostile, AReadTakesBackNothingThatCameMeanwhile)
 {
     const auto outcome = [&](REFCLSID clsid, RecordedSet meanwhile, HRESULT answer, std::int32_t written) {
-        const auto filter = library.Create(clsid);
-        ComPtr<IEffectFilter> parameters;
-        filter.As(&parameters);
+        const auto filter = Filter(clsid);
+        const auto parameters = ParametersOf(filter);
         RecordedSet slow;
         slow.answer = [&](void* buffer, int* size) {
             EXPECT_EQ(parameters->SetPropertySet(&meanwhile), S_OK);
@@ -140,7 +136,7 @@ TEST_F(Hostile, AReadTakesBackNothingThatCameMeanwhile)
         };
         EXPECT_EQ(parameters->SetPropertySet(&slow), S_OK);
         PushGraph graph(filter.Get(), VideoType(2, 1));
-        std::vector<std::uint8_t> frame(8, 100);
+        Bytes frame(8, 100);
         graph.Send(frame);
         return std::vector<int>(frame.begin(), frame.begin() + 3);
     };
@@ -155,16 +151,16 @@ TEST_F(Hostile, AReadTakesBackNothingThatCameMeanwhile)
 
 TEST_F(Hostile, AHostMayLetGoOfTheFilterInsideGetData)
 {
-    for (std::size_t effect = 0; effect < 6; ++effect) {
-        auto set = Working(effect);
-        ComPtr<IEffectFilter> filter = library.Create<IEffectFilter>(effects[effect].clsid);
+    for (const Promise& effect : Promises()) {
+        RecordedSet set;
+        auto filter = ParametersOf(Filter(*effect.classId));
         set.answer = [&](void*, int*) {
             filter.Reset();
-            EXPECT_EQ(library.canUnloadNow(), S_FALSE) << "gone while its own call runs";
+            EXPECT_FALSE(library.CanUnload()) << effect.name << ": gone while its own call runs";
             return S_OK;
         };
         EXPECT_EQ(filter->SetPropertySet(&set), S_OK);
-        EXPECT_EQ(library.canUnloadNow(), S_OK);
+        EXPECT_TRUE(library.CanUnload());
     }
 }
 

@@ -108,8 +108,8 @@ TEST_F(Panels, PanelsOpenedWhileOthersAreBusyGetTheirOwnMessages)
     std::shared_ptr<TestPanel> second, third;
     // The second is opened inside a notification of the first; while it is made, the first receives messages, and a
     // third is opened.
-    host.onChange = [&] {
-        host.onChange = nullptr;
+    host.onNotified = [&] {
+        host.onNotified = nullptr;
         host.onParentNotify = [&](WPARAM) { Press(first->Control(TestPanel::slider), VK_RIGHT); };
         second = Make();
         second->whileCreated = [&] {
@@ -204,7 +204,7 @@ TEST_F(Panels, APanelMayEndInsideItsOwnNotification)
 {
     // Its window is destroyed.
     auto panel = Open();
-    host.onChange = [&] { DestroyWindow(panel->GetHwnd()); };
+    host.onNotified = [&] { DestroyWindow(panel->GetHwnd()); };
     SendMessageW(panel->Control(TestPanel::box), BM_CLICK, 0, 0);
     EXPECT_EQ(panel->boxes, 1);
     EXPECT_EQ(panel->GetHwnd(), nullptr);
@@ -213,7 +213,7 @@ TEST_F(Panels, APanelMayEndInsideItsOwnNotification)
     auto next = Open();
     const HWND orphan = next->GetHwnd();
     host.notifications = 0;
-    host.onChange = [&] {
+    host.onNotified = [&] {
         next->Retire();
         next->NotifyParent();
     };
@@ -225,7 +225,7 @@ TEST_F(Panels, APanelMayEndInsideItsOwnNotification)
     // The object is released and the host window destroyed: it lives until its handler is done.
     auto last = Open();
     const std::weak_ptr<TestPanel> life = last;
-    host.onChange = [&] {
+    host.onNotified = [&] {
         last.reset();
         EXPECT_FALSE(life.expired());
         host.Destroy();

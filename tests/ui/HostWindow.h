@@ -1,10 +1,9 @@
 // What hosts are made of in tests of panels.
 #pragma once
 
-#include <windows.h>
+#include "host/effects/PanelWindow.h"
 
 #include <cstdlib>
-#include <functional>
 
 // How often a test of endurance repeats: the full count with VIXA_FULL_COUNTS set, which takes minutes.
 inline int Repetitions(int full, int usual)
@@ -12,38 +11,18 @@ inline int Repetitions(int full, int usual)
     return std::getenv("VIXA_FULL_COUNTS") ? full : usual;
 }
 
-// A host's window as a program that embeds panels has it: visible, counts one notification message, runs the message
-// loop.
-class HostWindow
+// A host's window as a program that embeds panels has it: visible, counts what panels notify, runs the message loop.
+class HostWindow final : public vixahost::effects::PanelWindow
 {
 public:
-    static constexpr UINT changed = WM_APP + 77;
-
-    HostWindow()
+    HostWindow() : PanelWindow(500, 400)
     {
-        static const ATOM registered = [] {
-            WNDCLASSW windowClass{};
-            windowClass.lpfnWndProc = Procedure;
-            windowClass.hInstance = GetModuleHandleW(nullptr);
-            windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
-            windowClass.lpszClassName = L"PanelHost";
-            return RegisterClassW(&windowClass);
-        }();
-        (void)registered;
-        hwnd = CreateWindowExW(0, L"PanelHost", L"Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 500, 400, nullptr,
-                               nullptr, GetModuleHandleW(nullptr), this);
+        ShowWindow(hwnd, SW_SHOW);
         SetForegroundWindow(hwnd);
     }
-    ~HostWindow() { Destroy(); }
-    HostWindow(const HostWindow&) = delete;
-    HostWindow& operator=(const HostWindow&) = delete;
+    using PanelWindow::hwnd;
 
-    void Destroy()
-    {
-        if (hwnd)
-            DestroyWindow(hwnd);
-        hwnd = nullptr;
-    }
+    void Destroy() const { DestroyWindow(hwnd); }
 
     // Dispatches what is queued; with a panel, its dialog keys (tab and the like) too.
     static void Pump(HWND panel = nullptr)
@@ -68,29 +47,24 @@ public:
         return done();
     }
 
-    HWND hwnd = nullptr;
     int notifications = 0;
     bool dataless = true;                       // every notification had both parameters 0
-    std::function<void()> onChange;             // runs inside each notification
+    std::function<void()> onNotified;           // runs inside each notification
     std::function<void(WPARAM)> onParentNotify; // runs inside each WM_PARENTNOTIFY
 
 private:
-    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override
     {
-        if (message == WM_NCCREATE)
-            SetWindowLongPtrW(window, GWLP_USERDATA,
-                              reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams));
-        auto* host = reinterpret_cast<HostWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-        if (host && message == changed) {
-            ++host->notifications;
-            host->dataless = host->dataless && wParam == 0 && lParam == 0;
-            if (const auto run = host->onChange) // a copy: it may replace itself
+        if (message == changed) {
+            ++notifications;
+            dataless = dataless && wParam == 0 && lParam == 0;
+            if (const auto run = onNotified) // a copy: it may replace itself
                 run();
             return 0;
         }
-        if (host && message == WM_PARENTNOTIFY)
-            if (const auto run = host->onParentNotify)
+        if (message == WM_PARENTNOTIFY)
+            if (const auto run = onParentNotify)
                 run(wParam);
-        return DefWindowProcW(window, message, wParam, lParam);
+        return PanelWindow::OnMessage(message, wParam, lParam);
     }
 };

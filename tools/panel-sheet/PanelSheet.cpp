@@ -2,6 +2,7 @@
 #include "host/media/PictureFile.h"
 #include "tests/dialogs/PanelFixture.h"
 
+#include <cstring>
 #include <exception>
 #include <iostream>
 #include <list>
