@@ -15,6 +15,12 @@ public:
         return sink.taker.Accepts(*type) ? S_OK : VFW_E_TYPE_NOT_ACCEPTED;
     }
 
+    HRESULT STDMETHODCALLTYPE NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) noexcept override
+    {
+        const bool taken = !allocator || sink.taker.TakesAllocator(*allocator);
+        return taken ? CBaseInputPin::NotifyAllocator(allocator, readOnly) : VFW_E_NO_ALLOCATOR;
+    }
+
     HRESULT STDMETHODCALLTYPE Receive(IMediaSample* sample) noexcept override
     {
         const HRESULT result = CBaseInputPin::Receive(sample);

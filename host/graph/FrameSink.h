@@ -15,6 +15,8 @@ class SampleTaker
 public:
     virtual ~SampleTaker() = default;
     virtual bool Accepts(const CMediaType& type) const = 0;
+    // Whether the samples may come from this allocator; told of each that upstream decides on.
+    virtual bool TakesAllocator(IMemAllocator& /*allocator*/) noexcept { return true; }
     // A failure is the sample's result to the filter that delivers it; the stream then ends.
     virtual HRESULT Take(IMediaSample& sample) noexcept = 0;
     virtual void OnEndOfStream() noexcept {}

@@ -56,10 +56,12 @@ public:
             return CBaseOutputPin::DecideAllocator(peer, agreed);
         ALLOCATOR_PROPERTIES request = {};
         peer->GetAllocatorRequirements(&request);
-        HRESULT result = InitAllocator(agreed);
+        HRESULT result = offer.allocator == FrameSource::Allocator::SharedReadOnly ? peer->GetAllocator(agreed)
+                                                                                   : InitAllocator(agreed);
         if (SUCCEEDED(result))
             result = DecideBufferSize(*agreed, &request);
-        return SUCCEEDED(result) ? peer->NotifyAllocator(*agreed, TRUE) : result;
+        const BOOL readOnly = offer.allocator != FrameSource::Allocator::Own;
+        return SUCCEEDED(result) ? peer->NotifyAllocator(*agreed, readOnly) : result;
     }
 
     HRESULT Active() override

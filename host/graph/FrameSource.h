@@ -24,8 +24,10 @@ public:
 
     enum class Allocator
     {
-        Shared,
-        ReadOnly // the source insists on its own and lets nobody write to it
+        Shared,         // downstream's
+        SharedReadOnly, // downstream's, and nobody may write to it
+        Own,            // the source insists on its own
+        ReadOnly        // the source insists on its own and lets nobody write to it
     };
     // Sends nothing by itself: its owner hands samples to the next filter's input pin.
     static ComPtr<FrameSource> Create(const CMediaType& type, Allocator allocator = Allocator::Shared);

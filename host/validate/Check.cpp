@@ -27,9 +27,9 @@ std::span<const Check> AllChecks()
 {
     static const std::vector<Check> all = [] {
         std::vector<Check> checks;
-        for (const auto group :
-             {LoadingChecks, ExportChecks, FactoryChecks, IdentityChecks, CatalogueChecks, TextChecks, IconChecks,
-              DefaultsChecks, PanelChecks, FilterChecks, StreamingChecks, InputChecks, UnloadingChecks}) {
+        for (const auto group : {LoadingChecks, ExportChecks, FactoryChecks, IdentityChecks, CatalogueChecks,
+                                 TextChecks, IconChecks, DefaultsChecks, PanelChecks, EmbeddingChecks, FilterChecks,
+                                 ConnectionChecks, StreamingChecks, InputChecks, UnloadingChecks}) {
             const auto part = group();
             checks.insert(checks.end(), part.begin(), part.end());
         }

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
+#include <functional>
 
 namespace vixahost::validate {
 
@@ -54,6 +55,97 @@ void FailingSet(Subject& library)
         RequireResult(Parameters(filter.Get())->SetPropertySet(&set), S_OK,
                       std::string(effect.name) + ": SetPropertySet with a set that can't be read");
         Require(set.reads <= 2, std::string(effect.name) + ": the failing set was read over and over");
+    }
+}
+
+// What a frame of equal bytes becomes after an honest block, if there is one, and then a set that answers like this.
+using Answer = std::function<HRESULT(IEffectFilter& filter, void* buffer, int* size)>;
+Frame AfterReads(Subject& library, const GUID& effect, const std::vector<std::int32_t>& honest, const Answer& answer,
+                 std::uint8_t value = 100)
+{
+    const auto filter = library.Filter(effect);
+    const auto parameters = Parameters(filter.Get());
+    fixtures::RecordedSet first(honest), second;
+    second.answer = [&](void* buffer, int* size) { return answer(*parameters.Get(), buffer, size); };
+    for (fixtures::RecordedSet* const set : {&first, &second})
+        RequireResult(parameters->SetPropertySet(set), S_OK, "SetPropertySet, whatever GetData answers");
+    fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(3, 3));
+    return graph.Through(Frame(36, value));
+}
+
+void RequireBytes(const Frame& frame, std::size_t at, const Frame& wanted, const std::string& what)
+{
+    for (std::size_t i = 0; i < wanted.size(); ++i)
+        RequireNumber(frame[at + i], wanted[i], what + ": byte " + std::to_string(at + i));
+}
+
+// Writes one value, says that it gave so many bytes, and answers that.
+Answer Gives(std::int32_t value, int bytes, HRESULT result)
+{
+    return [=](IEffectFilter&, void* buffer, int* size) {
+        std::memcpy(buffer, &value, sizeof value);
+        if (bytes > 0)
+            *size = bytes;
+        return result;
+    };
+}
+
+void PartialReads(Subject& library)
+{
+    const Answer fails = [](IEffectFilter&, void*, int*) { return E_FAIL; };
+    RequireBytes(AfterReads(library, CLSID_AddPixel, {10, 20, 30, 0}, fails), 0, {130, 120, 110, 100},
+                 "a failed read keeps what was there");
+    RequireBytes(AfterReads(library, CLSID_AddPixel, {10, 20, 30, 0}, Gives(50, 0, E_FAIL)), 0, {130, 120, 150, 100},
+                 "what a failing read wrote has landed");
+    RequireBytes(AfterReads(library, CLSID_FilterColor, {-40, 0}, Gives(60, 0, S_OK)), 0, {40},
+                 "\"Filter color\" keeps the sign when a read gives nothing");
+    RequireBytes(AfterReads(library, CLSID_FilterColor, {-40, 0}, Gives(60, 1, S_OK)), 0, {160},
+                 "\"Filter color\" takes the sign from a read that gives a byte");
+    RequireBytes(AfterReads(library, CLSID_SoftenFilter, {8}, fails, 1), 16, {99},
+                 "a convolution whose kind can't be read keeps its kernel and doesn't divide");
+    RequireBytes(AfterReads(library, CLSID_SoftenFilter, {8}, Gives(11, 0, S_OK), 2), 16, {198},
+                 "a convolution whose kind is none keeps its kernel and doesn't divide");
+    RequireBytes(AfterReads(library, CLSID_Emboss, {2}, fails), 16, {0}, "a kind that can't be read has no offset");
+}
+
+// A read that fails or gives less while another one completes must not bring back what it found at its start. Here the
+// other one runs inside GetData; on another thread it would be the same.
+void ReadsInOrder(Subject& library)
+{
+    const auto require = [&](const GUID& effect, std::vector<std::int32_t> meanwhile, const Answer& answer,
+                             const Frame& wanted) {
+        HRESULT between = E_FAIL;
+        const Answer slow = [&](IEffectFilter& filter, void* buffer, int* size) {
+            fixtures::RecordedSet set(meanwhile);
+            between = filter.SetPropertySet(&set);
+            return answer(filter, buffer, size);
+        };
+        const Frame frame = AfterReads(library, effect, {}, slow);
+        RequireResult(between, S_OK, "SetPropertySet inside GetData");
+        RequireBytes(frame, 0, wanted, std::string(PromiseOf(effect).name) + " after a slow read");
+    };
+    const Answer fails = [](IEffectFilter&, void*, int*) { return E_FAIL; };
+    require(CLSID_AddPixel, {10, 20, 30, 0}, fails, {130, 120, 110});
+    require(CLSID_AddPixel, {10, 20, 30, 0}, Gives(50, 4, S_OK), {130, 120, 150});
+    require(CLSID_FilterColor, {-40, 0}, fails, {60, 100, 100});
+    require(CLSID_FilterColor, {-40, 0}, Gives(50, 4, S_OK), {150, 100, 100});
+    require(CLSID_GammaCorrection, {200}, fails, {160, 160, 160});
+}
+
+void LetsGoInRead(Subject& library)
+{
+    for (const Promise& effect : Promises()) {
+        auto parameters = Parameters(library.Filter(*effect.classId).Get());
+        fixtures::RecordedSet set;
+        bool stays = false;
+        set.answer = [&](void*, int*) {
+            parameters.Reset();
+            stays = library.CanUnload() == S_FALSE;
+            return S_OK;
+        };
+        RequireResult(parameters.Get()->SetPropertySet(&set), S_OK, "SetPropertySet");
+        Require(stays, std::string(effect.name) + ": DllCanUnloadNow lets the library go under its own call");
+        RequireResult(library.CanUnload(), S_OK, std::string(effect.name) + ": DllCanUnloadNow afterwards");
     }
 }
 
@@ -164,6 +256,47 @@ void HugeFrames(Subject& library)
         }
 }
 
+// A type and a sample that claim a frame whose saved rows no memory could hold.
+void UnsavableRows(Subject& library)
+{
+    for (const Promise& effect : Promises()) {
+        if (effect.group == 3)
+            continue;
+        const auto filter = library.Filter(*effect.classId);
+        fixtures::RecordedSet set(effect.working);
+        Parameters(filter.Get())->SetPropertySet(&set);
+        fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(0x10000001, 1));
+        graph.Seen().keepsContent = false;
+        const fixtures::GuardedMemory memory(256, fixtures::GuardedMemory::Guard::Behind);
+        std::fill(memory.Bytes().begin(), memory.Bytes().end(), std::uint8_t{100});
+        fixtures::HandSample sample(memory.Bytes());
+        sample.size = LONG_MAX;
+        RequireResult(graph.Send(&sample), S_OK, std::string(effect.name) + ": Receive");
+        RequireNumber(graph.Seen().samples, 1, std::string(effect.name) + ": samples delivered");
+        RequireBytes({memory.Bytes().begin(), memory.Bytes().end()}, 0, Frame(256, 100), effect.name);
+    }
+}
+
+// Samples of other makers that don't tell how large their buffer is.
+void UnknownSize(Subject& library)
+{
+    for (const Promise& effect : Promises()) {
+        const auto filter = library.Filter(*effect.classId);
+        fixtures::RecordedSet set(effect.working);
+        Parameters(filter.Get())->SetPropertySet(&set);
+        fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, height));
+        graph.Seen().keepsContent = false;
+        for (const long size : {0L, -1L}) {
+            Frame frame = Ramp();
+            fixtures::HandSample sample(frame);
+            sample.size = size;
+            RequireResult(graph.Send(&sample), S_OK, std::string(effect.name) + ": Receive");
+            Require(frame == fixtures::ExpectedFrame(*effect.classId, effect.working, Ramp(), width, height),
+                    std::string(effect.name) + ": a frame with GetSize " + std::to_string(size) + " comes out wrong");
+        }
+    }
+}
+
 void NoBuffer(Subject& library)
 {
     for (const Promise& effect : Promises()) {
@@ -268,6 +401,10 @@ constexpr Check checks[] = {
     {"bad-input", "null-set", "SetPropertySet(null) is S_OK and changes nothing.", NullSet},
     {"bad-input", "failing-set", "A property set that can't be read is S_OK and is not asked again and again.",
      FailingSet},
+    {"bad-input", "partial-reads", "What a failed or short read wrote counts, and the rest stays.", PartialReads},
+    {"bad-input", "reads-in-order", "A slow read that fails or is short undoes nothing that was set meanwhile.",
+     ReadsInOrder},
+    {"bad-input", "lets-go-in-read", "A host may let go of a filter inside GetData.", LetsGoInRead},
     {"bad-input", "long-set", "A property set with 64 KiB, or with a lying size, spoils nothing.", LongSet},
     {"bad-input", "extreme-values", "Values far out of range stay within the frame.", ExtremeValues},
     {"bad-input", "guard-behind", "No byte behind a frame is touched.", GuardBehind},
@@ -275,6 +412,8 @@ constexpr Check checks[] = {
     {"bad-input", "short-samples", "A sample smaller than the frame is not overrun.", ShortSamples},
     {"bad-input", "lying-lengths", "A data length beyond the buffer, or below 0, is not believed.", LyingLengths},
     {"bad-input", "huge-frames", "Absurd frame sizes do not lead outside the sample.", HugeFrames},
+    {"bad-input", "unsavable-rows", "A frame too wide for any memory passes unchanged.", UnsavableRows},
+    {"bad-input", "unknown-size", "A sample that does not tell its buffer's size is processed.", UnknownSize},
     {"bad-input", "no-buffer", "A sample without a buffer passes; \"Gamma correction\" answers E_FAIL.", NoBuffer},
     {"bad-input", "null-sample", "Receive(null) answers E_POINTER.", NullSample},
     {"bad-input", "trailing-bytes", "Effects that work on eight bytes leave the rest alone.", TrailingBytes},

@@ -4,6 +4,7 @@
 #include "host/fixtures/GuardedMemory.h"
 #include "host/validate/Contract.h"
 #include "host/validate/Subject.h"
+#include "host/validate/Threads.h"
 
 #include <vixavideofx/ClassIds.h>
 
@@ -98,22 +99,30 @@ void AllFiles(Subject& library)
 }
 
 // What a language file itself holds, read without the library.
+std::wstring TextIn(const UniqueModule& file, UINT id)
+{
+    WCHAR text[256] = {};
+    return {text, static_cast<std::size_t>(LoadStringW(file.get(), id, text, 256))};
+}
+
+UniqueModule OpenFile(Subject& library, const effects::LanguageCode& language)
+{
+    UniqueModule file(LoadLibraryExW(FileOf(library, language).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+    Require(file != nullptr, std::string(language.code) + ": the language file can't be read");
+    return file;
+}
+
 void FromTheFile(Subject& library)
 {
     const auto present = RequirePresent(library);
     for (const effects::LanguageCode& language : present) {
-        const UniqueModule file(LoadLibraryExW(FileOf(library, language).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
-        Require(file != nullptr, std::string(language.code) + ": the language file can't be read");
-        const auto held = [&](UINT id) {
-            WCHAR text[256] = {};
-            return std::wstring(text, static_cast<std::size_t>(LoadStringW(file.get(), id, text, 256)));
-        };
+        const UniqueModule file = OpenFile(library, language);
         for (const Promise& effect : Promises()) {
             const auto info = library.Info(*effect.classId);
             const std::string what = std::string(language.code) + ": ";
-            Same(NameOf(info.Get(), language.id, what + effect.name), held(effect.nameId),
+            Same(NameOf(info.Get(), language.id, what + effect.name), TextIn(file, effect.nameId),
                  what + "the name of " + effect.name);
-            Same(GroupOf(info.Get(), what + effect.name), held(effect.groupNameId),
+            Same(GroupOf(info.Get(), what + effect.name), TextIn(file, effect.groupNameId),
                  what + "the group of " + effect.name);
         }
     }
@@ -194,6 +203,46 @@ void BackAndForth(Subject& library)
     Same(NameOf(info.Get(), english, "English"), L"Soften filter", "the English name after a hundred switches");
 }
 
+// Hosts ask on several threads, each in its language: a name is of the language that was asked for, a group's of
+// either.
+void TwoThreads(Subject& library)
+{
+    std::vector<effects::LanguageCode> languages;
+    std::vector<std::wstring> names, groups;
+    const Promise& emboss = PromiseOf(CLSID_Emboss);
+    for (const effects::LanguageCode& language : RequirePresent(library)) {
+        const UniqueModule file = OpenFile(library, language);
+        const std::wstring name = TextIn(file, emboss.nameId), group = TextIn(file, emboss.groupNameId);
+        if (languages.size() < 2 && (names.empty() || (name != names[0] && group != groups[0]))) {
+            languages.push_back(language);
+            names.push_back(name);
+            groups.push_back(group);
+        }
+    }
+    if (languages.size() < 2)
+        Skip("no two language files with different texts lie beside the library");
+    {
+        const ComPtr<IEffectInfo> infos[] = {library.Info(CLSID_Emboss), library.Info(CLSID_Emboss)};
+        NameOf(infos[0].Get(), languages[0].id, languages[0].code);
+        OnTwoThreads([&](int thread) {
+            const auto own = static_cast<std::size_t>(thread);
+            for (int i = 0; i < 300; ++i) {
+                WCHAR text[256] = {};
+                RequireResult(infos[own]->GetEffectName(languages[own].id, text, nullptr), S_OK, "GetEffectName");
+                Same(text, names[own], std::string(languages[own].code) + ": the name of Emboss");
+                RequireResult(infos[own]->GetGroupName(0, text, nullptr), S_OK, "GetGroupName");
+                Require(text == groups[0] || text == groups[1],
+                        "the group's name is \"" + Utf8(text) + "\", which is of neither language");
+            }
+        });
+    }
+    library.Unload();
+    for (const effects::LanguageCode& language : languages)
+        Require(Opened<UniqueFile>(CreateFileW(FileOf(library, language).c_str(), GENERIC_READ, 0, nullptr,
+                                               OPEN_EXISTING, 0, nullptr)) != nullptr,
+                std::string(language.code) + ": the unloaded library left its language file open");
+}
+
 constexpr Check checks[] = {
     {"texts", "english", "Names and groups in English are the agreed ones.", English},
     {"texts", "files", "A file for each of the 27 languages lies beside the library.", AllFiles},
@@ -204,6 +253,7 @@ constexpr Check checks[] = {
     {"texts", "one-call", "A caller that knows the size needs one call, with or without a length.", OneCall},
     {"texts", "arguments", "Requests without buffer and length give E_INVALIDARG and switch nothing.", Arguments},
     {"texts", "back-and-forth", "A hundred switches leave the texts whole.", BackAndForth},
+    {"texts", "two-threads", "Threads that switch languages get whole texts, and no file stays open.", TwoThreads},
 };
 
 } // namespace

@@ -1,14 +1,12 @@
 // Group "unloading": when the library may go, and that it goes.
 #include "framework/Handles.h"
-#include "host/effects/PanelWindow.h"
 #include "host/fixtures/PushGraph.h"
-#include "host/fixtures/RecordedSet.h"
-#include "host/validate/Contract.h"
-#include "host/validate/Subject.h"
+#include "host/validate/EmbeddedPanel.h"
 
 #include <vixavideofx/ClassIds.h>
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -141,6 +139,46 @@ void Cycles(Subject& library)
     }
 }
 
+// What becomes of the windows when a library that held panels goes.
+void WindowsLeft(Subject& library)
+{
+    enum class Way
+    {
+        ObjectsFirst, // released, the windows stay
+        PanelsFirst,  // windows destroyed, then the objects
+        HostsFirst,   // the hosts' windows destroyed, then the objects
+        Leaked,       // nothing is released at all
+    };
+    const auto name = library.File().filename();
+    for (const Way way : {Way::ObjectsFirst, Way::PanelsFirst, Way::HostsFirst, Way::Leaked}) {
+        std::vector<std::unique_ptr<Embedded>> panels;
+        for (const Promise& effect : Promises())
+            panels.push_back(std::make_unique<Embedded>(library, *effect.classId, effect.defaults));
+        for (const auto& panel : panels) {
+            panel->Disturb();
+            if (way == Way::PanelsFirst)
+                DestroyWindow(panel->panel);
+            else if (way == Way::HostsFirst)
+                DestroyWindow(panel->host.Handle());
+            if (way == Way::Leaked)
+                panel->info.Detach();
+            panel->info.Reset();
+        }
+        if (way != Way::Leaked)
+            MayGo(library, "with windows that nobody answers for");
+        library.Unload();
+        Require(!GetModuleHandleW(name.c_str()), "the library does not leave the process");
+        for (int i = 0; i < 2; ++i) {
+            effects::PanelWindow::Pump();
+            for (const auto& panel : panels) {
+                panel->Disturb();
+                panel->Use();
+                RequireNumber(panel->notifications, 0, panel->name + ": notifications by a library that has gone");
+            }
+        }
+    }
+}
+
 // How many handles this process has open. Where the system does not count them, the highest of some new ones grows with
 // their number.
 long OpenHandles()
@@ -193,6 +231,7 @@ constexpr Check checks[] = {
     {"unloading", "after-streaming", "After a graph has run, the library may go.", AfterStreaming},
     {"unloading", "after-panels", "After a panel was open, the library may go.", AfterPanels},
     {"unloading", "cycles", "Twenty loads and unloads in one process work and leave nothing.", Cycles},
+    {"unloading", "windows-left", "Windows that outlive the library do not call into it.", WindowsLeft},
     {"unloading", "handles", "Loads leave no handles and no thread-local storage behind.", LoadsLeaveNothing},
 };
 
