@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace vixa::bitmap::test {
 namespace {
 
@@ -45,35 +47,35 @@ TEST(DibLayout, NewPicturesFitIn31Bits)
     EXPECT_EQ(LayoutOf(16384, 32767, 32)->pixelBytes, 2147418112);
     EXPECT_FALSE(LayoutOf(16384, 32768, 32));
     EXPECT_FALSE(LayoutOf(INT32_MAX, INT32_MAX, 32));
-    EXPECT_FALSE(LayoutOf(0, 5, 24));
-    EXPECT_FALSE(LayoutOf(5, -5, 24));
-    EXPECT_FALSE(LayoutOf(5, 5, 2));
+    for (const auto& [width, height, bits] : {std::array{0, 5, 24},
+                                              {5, 0, 24},
+                                              {5, -5, 24},
+                                              {-5, 5, 24},
+                                              {5, 5, 2},
+                                              {5, 5, 7},
+                                              {5, 5, 65568},
+                                              {0x40000000, 1, 32},
+                                              {65536, 65536, 8}})
+        EXPECT_FALSE(LayoutOf(width, height, bits)) << width << " x " << height << " at " << bits;
 }
 
 TEST(DibLayout, ReadsPackedDibsUpToTheirLastByte)
 {
-    struct Case
-    {
-        std::int32_t width, height;
-        int bitCount;
-        std::uint32_t colors;
-    };
-    for (const Case& c : {Case{1, 1, 1, 0},
-                          {9, 3, 4, 5},
-                          {5, 4, 8, 0},
-                          {5, 4, 8, 16},
-                          {3, 2, 16, 0},
-                          {36, 34, 24, 0},
-                          {7, 7, 24, 9},
-                          {4, 4, 32, 0}}) {
-        const Bytes bytes = PackedDib(c.width, c.height, c.bitCount, c.colors);
+    for (const auto& [width, height, bits, colors] : {std::array{1, 1, 1, 0},
+                                                      {9, 3, 4, 5},
+                                                      {5, 4, 8, 0},
+                                                      {5, 4, 8, 16},
+                                                      {3, 2, 16, 0},
+                                                      {7, 7, 24, 9},
+                                                      {4, 4, 32, 0}}) {
+        const Bytes bytes = PackedDib(width, height, bits, static_cast<std::uint32_t>(colors));
         const ::vixahost::fixtures::GuardedMemory block(bytes);
         const auto layout = ParsePackedDib(std::as_bytes(block.Bytes()));
-        ASSERT_TRUE(layout) << c.width << " x " << c.height << " at " << c.bitCount;
-        EXPECT_EQ(layout->width, c.width);
-        EXPECT_EQ(layout->height, c.height);
-        EXPECT_EQ(layout->bitCount, c.bitCount);
-        EXPECT_EQ(layout->tableBytes, ColorTableBytes(c.colors, c.bitCount));
+        ASSERT_TRUE(layout) << width << " x " << height << " at " << bits;
+        EXPECT_EQ(layout->width, width);
+        EXPECT_EQ(layout->height, height);
+        EXPECT_EQ(layout->bitCount, bits);
+        EXPECT_EQ(layout->tableBytes, ColorTableBytes(static_cast<std::uint32_t>(colors), bits));
         EXPECT_EQ(static_cast<std::size_t>(layout->TotalBytes()), bytes.size());
     }
 }

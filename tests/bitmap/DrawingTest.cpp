@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -17,24 +18,22 @@ constexpr COLORREF red = RGB(255, 0, 0), green = RGB(0, 255, 0), blue = RGB(0, 0
                    grey = RGB(90, 90, 90), black = 0;
 
 // A letter for each colour, so that a picture can be read.
-char Letter(COLORREF color)
+constexpr std::pair<COLORREF, char> letters[] = {{red, 'R'},   {green, 'G'}, {blue, 'B'},
+                                                 {white, 'W'}, {grey, '.'},  {black, 'k'}};
+
+// One letter for each pixel, rows parted by '/'.
+template <typename At>
+std::string Letters(LONG width, LONG height, At at)
 {
-    switch (color) {
-    case red:
-        return 'R';
-    case green:
-        return 'G';
-    case blue:
-        return 'B';
-    case white:
-        return 'W';
-    case grey:
-        return '.';
-    case black:
-        return 'k';
-    default:
-        return '?';
+    std::string all;
+    for (LONG y = 0; y < height; ++y) {
+        for (LONG x = 0; x < width; ++x) {
+            const auto* const found = std::ranges::find(letters, at(x, y), [](const auto& each) { return each.first; });
+            all += found == std::end(letters) ? '?' : found->second;
+        }
+        all += y + 1 < height ? "/" : "";
     }
+    return all;
 }
 
 // A grey 32-bit DIB section in a device context.
@@ -61,16 +60,9 @@ public:
         const DWORD pixel = pixels[y * width + x];
         return RGB(pixel >> 16 & 0xFF, pixel >> 8 & 0xFF, pixel & 0xFF);
     }
-    // One letter for each pixel, rows parted by '/'.
     std::string Text() const
     {
-        std::string all;
-        for (LONG y = 0; y < height; ++y) {
-            for (LONG x = 0; x < width; ++x)
-                all += Letter(At(x, y));
-            all += y + 1 < height ? "/" : "";
-        }
-        return all;
+        return Letters(width, height, [this](LONG x, LONG y) { return At(x, y); });
     }
 
 private:
@@ -90,8 +82,8 @@ GDIBitmap Picture(const std::vector<std::string>& rows, int bitCount = 24)
     const auto pixels = WritablePixelsOf(bitmap);
     for (LONG y = 0; y < height; ++y)
         for (LONG x = 0; x < width; ++x)
-            for (const COLORREF color : {red, green, blue, white, grey, black})
-                if (Letter(color) == rows[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)]) {
+            for (const auto& [color, letter] : letters)
+                if (letter == rows[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)]) {
                     auto* const pixel = &pixels.RowFromTop(y)[static_cast<std::size_t>(x * bitCount / 8)];
                     pixel[0] = GetBValue(color);
                     pixel[1] = GetGValue(color);
@@ -112,13 +104,15 @@ GDIBitmap Indexed(LONG width, LONG height, COLORREF color)
 
 std::string Text(const IBitmap& bitmap)
 {
-    std::string all;
-    for (int y = 0; y < bitmap.GetHeight(); ++y) {
-        for (int x = 0; x < bitmap.GetWidth(); ++x)
-            all += Letter(bitmap.GetPixel(x, y));
-        all += y + 1 < bitmap.GetHeight() ? "/" : "";
-    }
-    return all;
+    return Letters(bitmap.GetWidth(), bitmap.GetHeight(), [&](LONG x, LONG y) { return bitmap.GetPixel(x, y); });
+}
+
+// What it looks like, stretched to that size.
+std::string Drawn(const GDIBitmap& bitmap, LONG width, LONG height)
+{
+    const Canvas canvas(width, height);
+    EXPECT_TRUE(bitmap.Draw(canvas, {0, 0, width, height}, 0, 1.0, 1.0));
+    return canvas.Text();
 }
 
 // The same picture as a device-compatible bitmap, which draws through its handle.
@@ -250,16 +244,12 @@ TEST(Drawing, ResizeKeepsColoursAtEveryDepth)
     GDIBitmap palette = Indexed(2, 2, green);
     ASSERT_TRUE(palette.Resize({3, 3}));
     EXPECT_EQ(palette.GetBitCount(), 8);
-    const Canvas canvas(3, 3);
-    EXPECT_TRUE(palette.Draw(canvas, {0, 0, 3, 3}, 0, 1.0, 1.0));
-    EXPECT_EQ(canvas.Text(), "GGG/GGG/GGG");
+    EXPECT_EQ(Drawn(palette, 3, 3), "GGG/GGG/GGG");
 
     GDIBitmap device = Compatible(Picture({"RG"}));
     ASSERT_TRUE(device.Resize({4, 1}));
     EXPECT_EQ(device.GetBits(), nullptr);
-    const Canvas line(4, 1);
-    EXPECT_TRUE(device.Draw(line, {0, 0, 4, 1}, 0, 1.0, 1.0));
-    EXPECT_EQ(line.Text(), "RRGG");
+    EXPECT_EQ(Drawn(device, 4, 1), "RRGG");
 }
 
 TEST(Drawing, PreparedCopiesLookTheSame)
@@ -288,21 +278,16 @@ TEST(Drawing, CompatibleBitmapsExportTheirPicture)
 {
     GDIBitmap bitmap = Compatible(Picture({"RG", "BW"}));
     EXPECT_EQ(bitmap.GetBitCount(), 0);
-    int size = 0;
-    ASSERT_TRUE(bitmap.ExportDib(nullptr, &size));
-    EXPECT_EQ(size, 40 + 16);
-    std::vector<BYTE> bytes(static_cast<std::size_t>(size));
-    ASSERT_TRUE(bitmap.ExportDib(bytes.data(), &size));
+    const Bytes bytes = Exported(bitmap);
+    EXPECT_EQ(bytes.size(), 40u + 16u);
     GDIBitmap loaded;
-    ASSERT_TRUE(loaded.LoadDib(bytes.data(), size));
+    ASSERT_TRUE(Load(loaded, bytes));
     EXPECT_EQ(Text(loaded), "RG/BW");
 
     GDIBitmap copy(bitmap);
     EXPECT_TRUE(copy.MakeUnique());
     EXPECT_FALSE(copy.SharesStorageWith(&bitmap));
-    const Canvas canvas(2, 2);
-    EXPECT_TRUE(copy.Draw(canvas, {0, 0, 2, 2}, 0, 1.0, 1.0));
-    EXPECT_EQ(canvas.Text(), "RG/BW");
+    EXPECT_EQ(Drawn(copy, 2, 2), "RG/BW");
     EXPECT_FALSE(bitmap.Fill(0)) << "no pixel memory";
     EXPECT_EQ(bitmap.GetPixel(0, 0), CLR_INVALID);
 }
@@ -327,21 +312,13 @@ TEST(Drawing, HandlesAreCopied)
     GDIBitmap copy(fromDevice);
     EXPECT_TRUE(copy.MakeUnique());
     EXPECT_FALSE(copy.SharesStorageWith(&fromDevice));
-    const Canvas line(2, 1);
-    EXPECT_TRUE(copy.Draw(line, {0, 0, 2, 1}, 0, 1.0, 1.0));
-    EXPECT_EQ(line.Text(), "GB");
+    EXPECT_EQ(Drawn(copy, 2, 1), "GB");
     // Two colours that the system knows; the exported picture has to carry them.
     const WORD whiteBlack = 0x80;
     const vixa::UniqueBitmap mono(CreateBitmap(2, 1, 1, 1, &whiteBlack));
-    int monoSize = 0;
-    EXPECT_TRUE(GDIBitmap(mono.get()).ExportDib(nullptr, &monoSize));
-    std::vector<BYTE> monoBytes(static_cast<std::size_t>(monoSize));
-    EXPECT_TRUE(GDIBitmap(mono.get()).ExportDib(monoBytes.data(), &monoSize));
     GDIBitmap monoLoaded;
-    EXPECT_TRUE(monoLoaded.LoadDib(monoBytes.data(), monoSize));
-    const Canvas pair(2, 1);
-    EXPECT_TRUE(monoLoaded.Draw(pair, {0, 0, 2, 1}, 0, 1.0, 1.0));
-    EXPECT_EQ(pair.Text(), "Wk");
+    EXPECT_TRUE(Load(monoLoaded, Exported(GDIBitmap(mono.get()))));
+    EXPECT_EQ(Drawn(monoLoaded, 2, 1), "Wk");
     EXPECT_TRUE(GDIBitmap(static_cast<HBITMAP>(nullptr)).IsEmpty());
 }
 

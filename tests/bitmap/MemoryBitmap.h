@@ -1,12 +1,29 @@
-// A bitmap that is no GDIBitmap: a packed DIB in plain memory.
+// Bitmaps in and out of packed DIBs.
 #pragma once
 
 #include "bitmap/BitmapBase.h"
 #include "framework/GCUnknown.h"
 #include "tests/bitmap/PackedDibs.h"
 
+#include <gtest/gtest.h>
+
 namespace vixa::bitmap::test {
 
+inline bool Load(IBitmap& bitmap, const Bytes& bytes)
+{
+    return bitmap.LoadDib(bytes.data(), static_cast<int>(bytes.size()));
+}
+
+inline Bytes Exported(const IBitmap& bitmap)
+{
+    int size = 0;
+    EXPECT_TRUE(bitmap.ExportDib(nullptr, &size));
+    Bytes bytes(static_cast<std::size_t>(size));
+    EXPECT_TRUE(bitmap.ExportDib(bytes.data(), &size));
+    return bytes;
+}
+
+// A bitmap that is no GDIBitmap: a packed DIB in plain memory.
 class MemoryBitmap final : public BitmapBase, public virtual GCUnknown
 {
 public:

@@ -35,18 +35,18 @@ struct Descriptions : testing::Test
         EXPECT_EQ(CBaseObject::ObjectsActive(), 0);
     }
 
-    static ComPtr<ISingleValuePropertySetInfo> valueInfo(UINT formatId, UINT imageId = picture)
+    static ComPtr<ISingleValuePropertySetInfo> ValueInfo(UINT formatId, UINT imageId = picture)
     {
         return SingleValuePropertySetInfo::New({-10.0, 90.5, 0.25, formatId, imageId, name});
     }
-    static ComPtr<ISingleEnumPropertySetInfo> enumInfo(ULONG count = 3)
+    static ComPtr<ISingleEnumPropertySetInfo> EnumInfo(ULONG count = 3)
     {
         return SingleEnumPropertySetInfo::New({count, 200, picture, name});
     }
 
     // Both calls of the protocol; the second gets a buffer of just the answered size between marks.
     template <typename Request>
-    static std::wstring textOf(const Request& request)
+    static std::wstring TextOf(const Request& request)
     {
         ULONG length = 0xDEAD;
         EXPECT_EQ(request(nullptr, &length), S_OK);
@@ -67,7 +67,7 @@ struct Descriptions : testing::Test
 
 TEST_F(Descriptions, RangesGoToThePointersGiven)
 {
-    const auto info = valueInfo(0);
+    const auto info = ValueInfo(0);
     double minimum = 7, maximum = 7, step = 7;
     EXPECT_EQ(info->GetRange(nullptr, nullptr, nullptr), E_INVALIDARG);
     EXPECT_EQ(info->GetRange(nullptr, &maximum, nullptr), S_OK);
@@ -79,9 +79,9 @@ TEST_F(Descriptions, RangesGoToThePointersGiven)
 
 TEST_F(Descriptions, ValuesAreFormattedInTheCurrentLanguage)
 {
-    const auto info = valueInfo(100);
+    const auto info = ValueInfo(100);
     const auto text = [&](LANGID language, double value) {
-        return textOf([&](WCHAR* buffer, ULONG* length) { return info->FormatValue(language, value, buffer, length); });
+        return TextOf([&](WCHAR* buffer, ULONG* length) { return info->FormatValue(language, value, buffer, length); });
     };
     EXPECT_EQ(text(english, 79.6), L"80");
     ULONG length = 99;
@@ -101,7 +101,7 @@ TEST_F(Descriptions, FormatsThatAskForMoreThanOneNumberGiveNoText)
 {
     ModuleBase::SetLanguage(german);
     for (const UINT format : {0u, 101u, 102u, 103u, 999u}) {
-        const auto info = valueInfo(format);
+        const auto info = ValueInfo(format);
         WCHAR untouched[2] = {L'#', L'#'};
         ULONG length = 99;
         EXPECT_EQ(info->FormatValue(german, 1.0, untouched, &length), S_OK) << format;
@@ -113,14 +113,14 @@ TEST_F(Descriptions, FormatsThatAskForMoreThanOneNumberGiveNoText)
 
 TEST_F(Descriptions, ChoicesAreNamedWithinTheirCount)
 {
-    const auto info = enumInfo();
+    const auto info = EnumInfo();
     ULONG count = 0;
     EXPECT_EQ(info->GetCount(nullptr), E_INVALIDARG);
     EXPECT_EQ(info->GetCount(&count), S_OK);
     EXPECT_EQ(count, 3u);
     const std::array<std::wstring, 3> names = {L"Low", L"Middle", L"High"};
     for (long i = 0; i < 3; ++i) {
-        EXPECT_EQ(textOf([&](WCHAR* buffer, ULONG* length) { return info->GetItemName(english, i, buffer, length); }),
+        EXPECT_EQ(TextOf([&](WCHAR* buffer, ULONG* length) { return info->GetItemName(english, i, buffer, length); }),
                   names[static_cast<std::size_t>(i)]);
     }
     ULONG length = 99;
@@ -130,16 +130,16 @@ TEST_F(Descriptions, ChoicesAreNamedWithinTheirCount)
     EXPECT_EQ(info->GetItemName(german, 0, nullptr, &length), E_FAIL);
     EXPECT_EQ(info->GetItemName(german, -1, nullptr, &length), E_FAIL);
     EXPECT_EQ(length, 99u);
-    EXPECT_EQ(enumInfo(0)->GetItemName(english, 0, nullptr, &length), E_INVALIDARG);
-    EXPECT_EQ(enumInfo(0xFFFFFFFF)->GetItemName(english, -1, nullptr, &length), E_INVALIDARG);
-    EXPECT_EQ(enumInfo(9)->GetItemName(english, 8, nullptr, &length), S_OK) << "a choice without a text";
+    EXPECT_EQ(EnumInfo(0)->GetItemName(english, 0, nullptr, &length), E_INVALIDARG);
+    EXPECT_EQ(EnumInfo(0xFFFFFFFF)->GetItemName(english, -1, nullptr, &length), E_INVALIDARG);
+    EXPECT_EQ(EnumInfo(9)->GetItemName(english, 8, nullptr, &length), S_OK) << "a choice without a text";
     EXPECT_EQ(length, 1u);
 }
 
 TEST_F(Descriptions, NamesAndPicturesAreTheSameForBoth)
 {
     const auto check = [&](auto info) {
-        EXPECT_EQ(textOf([&](WCHAR* buffer, ULONG* length) { return info->GetName(english, buffer, length); }),
+        EXPECT_EQ(TextOf([&](WCHAR* buffer, ULONG* length) { return info->GetName(english, buffer, length); }),
                   L"Strength");
         EXPECT_EQ(info->GetName(english, nullptr, nullptr), E_INVALIDARG);
         ULONG length = 99;
@@ -166,16 +166,16 @@ TEST_F(Descriptions, NamesAndPicturesAreTheSameForBoth)
         EXPECT_EQ(buffer[53], 0xCC);
         EXPECT_EQ(buffer[56], 0x5A);
     };
-    check(valueInfo(100));
-    check(enumInfo());
+    check(ValueInfo(100));
+    check(EnumInfo());
     ModuleBase::SetLanguage(german);
     ULONG size = 0;
-    EXPECT_EQ(valueInfo(100)->GetImage(nullptr, &size), S_OK) << "pictures come from the library";
-    EXPECT_EQ(valueInfo(100, noPicture)->GetImage(nullptr, &size), E_FAIL);
-    EXPECT_EQ(valueInfo(100, 0)->GetImage(nullptr, &size), E_FAIL);
-    EXPECT_EQ(textOf([&](WCHAR* buffer, ULONG* length) { return enumInfo()->GetName(german, buffer, length); }),
+    EXPECT_EQ(ValueInfo(100)->GetImage(nullptr, &size), S_OK) << "pictures come from the library";
+    EXPECT_EQ(ValueInfo(100, noPicture)->GetImage(nullptr, &size), E_FAIL);
+    EXPECT_EQ(ValueInfo(100, 0)->GetImage(nullptr, &size), E_FAIL);
+    EXPECT_EQ(TextOf([&](WCHAR* buffer, ULONG* length) { return EnumInfo()->GetName(german, buffer, length); }),
               L"Staerke");
-    EXPECT_EQ(textOf([&](WCHAR* buffer, ULONG* length) { return enumInfo()->GetItemName(german, 0, buffer, length); }),
+    EXPECT_EQ(TextOf([&](WCHAR* buffer, ULONG* length) { return EnumInfo()->GetItemName(german, 0, buffer, length); }),
               L"")
         << "a text that the language file lacks";
 }
@@ -240,46 +240,39 @@ vixa::EffectRecord RecordOfKind(ULONG kind)
             .parameterKind = static_cast<vixavideofx::PropertySetKind>(kind)};
 }
 
-TEST_F(Descriptions, AnEffectOfOneNumber)
+// What an effect with this record describes, after it has written its default.
+template <typename Info, typename Set, typename Value>
+ComPtr<Info> Described(const vixa::EffectRecord& record, Value wanted)
+{
+    OwnRecord effect(record);
+    OneValue<Set, Value> set;
+    EXPECT_EQ(effect.SetDefaults(&set), S_OK);
+    EXPECT_EQ(set.written, wanted);
+    ComPtr<IUnknown> object;
+    EXPECT_EQ(effect.GetPropertySetInfo(&object), S_OK);
+    EXPECT_EQ((object->AddRef(), object->Release()), 1u);
+    ComPtr<Info> info;
+    EXPECT_EQ(object.As(&info), S_OK);
+    return info;
+}
+
+TEST_F(Descriptions, EffectsOfOneNumberAndOfOneChoice)
 {
     const vixa::ValueDescription number = {-10.0, 90.5, 0.25, 100, picture, name, 12.5};
     auto record = RecordOfKind(2);
     record.value = &number;
-    OwnRecord effect(record);
-
-    ComPtr<IUnknown> object;
-    ASSERT_EQ(effect.GetPropertySetInfo(&object), S_OK);
-    EXPECT_EQ((object->AddRef(), object->Release()), 1u);
-    ComPtr<ISingleValuePropertySetInfo> info;
-    ASSERT_EQ(object.As(&info), S_OK);
     double maximum = 0;
-    EXPECT_EQ(info->GetRange(nullptr, &maximum, nullptr), S_OK);
+    EXPECT_EQ((Described<ISingleValuePropertySetInfo, ISingleValuePropertySet>(record, 12.5))
+                  ->GetRange(nullptr, &maximum, nullptr),
+              S_OK);
     EXPECT_EQ(maximum, 90.5);
 
-    OneValue<ISingleValuePropertySet, double> set;
-    EXPECT_EQ(effect.SetDefaults(&set), S_OK);
-    EXPECT_EQ(set.written, 12.5);
-}
-
-TEST_F(Descriptions, AnEffectOfOneChoice)
-{
     const vixa::EnumDescription choices = {3, 200, picture, name, 2};
-    auto record = RecordOfKind(3);
+    record = RecordOfKind(3);
     record.choice = &choices;
-    OwnRecord effect(record);
-
-    ComPtr<IUnknown> object;
-    ASSERT_EQ(effect.GetPropertySetInfo(&object), S_OK);
-    EXPECT_EQ((object->AddRef(), object->Release()), 1u);
-    ComPtr<ISingleEnumPropertySetInfo> info;
-    ASSERT_EQ(object.As(&info), S_OK);
     ULONG count = 0;
-    EXPECT_EQ(info->GetCount(&count), S_OK);
+    EXPECT_EQ((Described<ISingleEnumPropertySetInfo, ISingleEnumPropertySet>(record, 2L))->GetCount(&count), S_OK);
     EXPECT_EQ(count, 3u);
-
-    OneValue<ISingleEnumPropertySet, long> set;
-    EXPECT_EQ(effect.SetDefaults(&set), S_OK);
-    EXPECT_EQ(set.written, 2);
 }
 
 TEST_F(Descriptions, KindsWithoutADescription)

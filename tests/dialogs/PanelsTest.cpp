@@ -151,7 +151,7 @@ TEST_F(Panels, TabsFollowTheTemplate)
 // Counts the ends of drags that trackbars report to a panel: some report the end of one drag twice.
 struct DragEnds
 {
-    static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     {
         if (message == WM_HSCROLL && LOWORD(wParam) == TB_ENDTRACK)
             ++count;
@@ -161,7 +161,7 @@ struct DragEnds
     {
         count = 0;
         original =
-            reinterpret_cast<WNDPROC>(SetWindowLongPtrW(panel, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure)));
+            reinterpret_cast<WNDPROC>(SetWindowLongPtrW(panel, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure)));
     }
     static inline std::size_t count;
     static inline WNDPROC original;

@@ -1,8 +1,7 @@
 #include "filter/InPlaceVideoEffect.h"
 
 #include "host/fixtures/PushGraph.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/ComTest.h"
 
 using namespace vixahost::fixtures;
 
@@ -29,11 +28,9 @@ public:
     int formats = 0;
 };
 
-class InPlace : public testing::Test
+class InPlace : public test::ComTest
 {
 protected:
-    static void SetUpTestSuite() { CoInitializeEx(nullptr, COINIT_MULTITHREADED); }
-    static void TearDownTestSuite() { CoUninitialize(); }
     void TearDown() override
     {
         EXPECT_EQ(CBaseObject::ObjectsActive(), 0) << "an object of the test's own framework is still alive";

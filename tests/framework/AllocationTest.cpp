@@ -1,3 +1,4 @@
+#include "host/fixtures/HandSample.h"
 #include "tests/framework/TestFilters.h"
 
 #include <gtest/gtest.h>
@@ -209,62 +210,18 @@ TEST(Allocation, BuffersAreAskedForAsUpstreamHasThem)
     EXPECT_EQ(0u, stingy.Release());
 }
 
-// A sample of another maker, with the older interface only and perhaps with a length that lies.
-struct PlainSample : IMediaSample
-{
-    explicit PlainSample(IMediaSample* inner)
-        : sample(inner), length(inner->GetActualDataLength()), size(inner->GetSize())
-    {
-    }
-
-    IMediaSample* sample;
-    LONG length;
-    LONG size;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) noexcept override
-    {
-        *ppv = IsEqualIID(riid, IID_IUnknown) || IsEqualIID(riid, IID_IMediaSample) ? this : nullptr;
-        return *ppv ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() noexcept override { return 1; }
-    HRESULT STDMETHODCALLTYPE GetPointer(BYTE** p) noexcept override { return sample->GetPointer(p); }
-    LONG STDMETHODCALLTYPE GetSize() noexcept override { return size; }
-    HRESULT STDMETHODCALLTYPE GetTime(REFERENCE_TIME* a, REFERENCE_TIME* b) noexcept override
-    {
-        return sample->GetTime(a, b);
-    }
-    HRESULT STDMETHODCALLTYPE SetTime(REFERENCE_TIME*, REFERENCE_TIME*) noexcept override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE IsSyncPoint() noexcept override { return sample->IsSyncPoint(); }
-    HRESULT STDMETHODCALLTYPE SetSyncPoint(BOOL) noexcept override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE IsPreroll() noexcept override { return sample->IsPreroll(); }
-    HRESULT STDMETHODCALLTYPE SetPreroll(BOOL) noexcept override { return E_NOTIMPL; }
-    LONG STDMETHODCALLTYPE GetActualDataLength() noexcept override { return length; }
-    HRESULT STDMETHODCALLTYPE SetActualDataLength(LONG) noexcept override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetMediaType(AM_MEDIA_TYPE** p) noexcept override { return sample->GetMediaType(p); }
-    HRESULT STDMETHODCALLTYPE SetMediaType(AM_MEDIA_TYPE*) noexcept override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE IsDiscontinuity() noexcept override { return sample->IsDiscontinuity(); }
-    HRESULT STDMETHODCALLTYPE SetDiscontinuity(BOOL) noexcept override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetMediaTime(LONGLONG* a, LONGLONG* b) noexcept override
-    {
-        return sample->GetMediaTime(a, b);
-    }
-    HRESULT STDMETHODCALLTYPE SetMediaTime(LONGLONG*, LONGLONG*) noexcept override { return E_NOTIMPL; }
-};
-
+// Samples of another maker, with the older interface only and perhaps with a length that lies.
 TEST(Allocation, CopiesOfForeignSamples)
 {
     Chain chain;
     chain.source->pin.mode = SourcePin::Allocator::OwnReadOnly;
     ASSERT_EQ(S_OK, chain.Connect());
     ASSERT_HRESULT_SUCCEEDED(chain.graph->Run());
-    const ComPtr<IMediaSample> inner = chain.Sample(3);
-    REFERENCE_TIME start = 100;
-    CMediaType type = chain.source->pin.types[0];
-    inner->SetTime(&start, nullptr);
-    inner->SetSyncPoint(TRUE);
-    inner->SetMediaType(&type);
-    PlainSample sample(inner.Get());
+    std::vector<std::uint8_t> bytes(8 * 4 * 4, 3);
+    vixahost::fixtures::HandSample sample(bytes);
+    sample.start = 100;
+    sample.timeResult = VFW_S_NO_STOP_TIME;
+    sample.type = &chain.source->pin.types[0];
     EXPECT_EQ(S_OK, chain.probe->In().Receive(&sample));
     const Arrival& arrival = chain.sink->pin.arrivals.at(0);
     EXPECT_EQ(4, arrival.bytes[0]);

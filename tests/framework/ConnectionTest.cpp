@@ -143,7 +143,7 @@ TEST(Connection, FailedAttemptsLeaveNothingBehind)
     EXPECT_FALSE(chain.sink->pin.IsConnected());
     EXPECT_EQ(nullptr, chain.probe->Out().ConnectedIMemInputPin());
     chain.sink->pin.completeResult = S_OK;
-    chain.sink->pin.accepts = [](const CMediaType& type) { return type.GetSampleSize() == 1; };
+    chain.sink->pin.accepts = [](const CMediaType&) { return false; };
     EXPECT_EQ(VFW_E_NO_ACCEPTABLE_TYPES, chain.probe->Out().Connect(&chain.sink->pin, nullptr));
     chain.sink->pin.accepts = [](const CMediaType&) -> bool { throw std::bad_alloc(); };
     EXPECT_EQ(E_OUTOFMEMORY, chain.probe->Out().Connect(&chain.sink->pin, nullptr));

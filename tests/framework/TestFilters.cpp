@@ -32,23 +32,6 @@ HRESULT TypeAt(const std::vector<CMediaType>& types, int index, CMediaType* type
 
 } // namespace
 
-CMediaType VideoType(LONG width, LONG height, const GUID& subtype)
-{
-    CMediaType type(&MEDIATYPE_Video);
-    type.SetSubtype(&subtype);
-    type.SetFormatType(&FORMAT_VideoInfo);
-    VIDEOINFOHEADER header = {};
-    header.bmiHeader.biSize = sizeof header.bmiHeader;
-    header.bmiHeader.biWidth = width;
-    header.bmiHeader.biHeight = height;
-    header.bmiHeader.biPlanes = 1;
-    header.bmiHeader.biBitCount = 32;
-    header.bmiHeader.biSizeImage = static_cast<DWORD>(width * height * 4);
-    type.SetSampleSize(header.bmiHeader.biSizeImage);
-    type.SetFormat(reinterpret_cast<const BYTE*>(&header), sizeof header);
-    return type;
-}
-
 SourcePin::SourcePin(CBaseFilter* filter, CCritSec* pinLock)
     : CBaseOutputPin(nullptr, filter, pinLock, nullptr, L"Frames")
 {

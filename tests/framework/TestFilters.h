@@ -2,6 +2,7 @@
 #pragma once
 
 #include "framework/DirectShow.h"
+#include "host/fixtures/PushGraph.h"
 
 #include <atomic>
 #include <functional>
@@ -13,8 +14,7 @@
 
 namespace test {
 
-// 32-bit RGB of that size with a VIDEOINFOHEADER.
-CMediaType VideoType(LONG width, LONG height, const GUID& subtype = MEDIASUBTYPE_RGB32);
+using vixahost::fixtures::VideoType;
 
 // Owns a framework object by one reference of its own; Release tells how many are left.
 template <typename Object>

@@ -47,7 +47,7 @@ const std::map<std::string, std::set<std::string>> allowed = {
 };
 
 // The longest room that the path lies in: a folder below a room that is none itself belongs to that room.
-std::string roomOf(const std::string& path)
+std::string RoomOf(const std::string& path)
 {
     const auto slash = path.find('/');
     if (slash == std::string::npos)
@@ -56,7 +56,7 @@ std::string roomOf(const std::string& path)
     return allowed.contains(inner) ? inner : path.substr(0, slash);
 }
 
-bool isSource(const fs::path& file)
+bool IsSource(const fs::path& file)
 {
     static const std::set<std::string> endings = {".h", ".cpp", ".inl"};
     return endings.contains(file.extension().string());
@@ -69,7 +69,7 @@ TEST(House, IncludesNeverPointUpward)
     for (const auto& [room, mayInclude] : allowed) {
         for (const auto& entry : fs::recursive_directory_iterator(root / room)) {
             const std::string path = fs::relative(entry.path(), root).generic_string();
-            if (!entry.is_regular_file() || !isSource(entry.path()) || (roomOf(path) != room && room != "include"))
+            if (!entry.is_regular_file() || !IsSource(entry.path()) || (RoomOf(path) != room && room != "include"))
                 continue;
             std::ifstream stream(entry.path());
             std::string line;
@@ -82,7 +82,7 @@ TEST(House, IncludesNeverPointUpward)
                     target = "include/" + target;
                 else if (target.find('/') == std::string::npos && fs::exists(entry.path().parent_path() / target))
                     target = room + "/" + target;
-                const std::string targetRoom = roomOf(target);
+                const std::string targetRoom = RoomOf(target);
                 if (targetRoom.empty() || targetRoom == room || !allowed.contains(targetRoom))
                     continue;
                 ++checked;
@@ -116,7 +116,7 @@ TEST(House, KernelsKnowNoWindows)
 {
     const std::regex windows(R"re(#\s*include\s*<(windows|objbase|unknwn|strmif|guiddef)\.h>)re");
     for (const auto& entry : fs::recursive_directory_iterator(root / "effects/kernels")) {
-        if (!entry.is_regular_file() || !isSource(entry.path()))
+        if (!entry.is_regular_file() || !IsSource(entry.path()))
             continue;
         std::ifstream stream(entry.path());
         for (std::string line; std::getline(stream, line);)

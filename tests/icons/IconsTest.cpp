@@ -22,8 +22,8 @@ std::vector<std::uint8_t> contentOf(const std::filesystem::path& path)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Mean difference of the colour bytes in the columns from `left` on, 0 to 255.
-double difference(const Picture& a, const Picture& b, int left = 0)
+// Mean Difference of the colour bytes in the columns from `left` on, 0 to 255.
+double Difference(const Picture& a, const Picture& b, int left = 0)
 {
     long sum = 0;
     for (int y = 0; y < iconHeight; ++y)
@@ -63,13 +63,13 @@ TEST(Icons, EffectsShowAndDiffer)
         Icon untouched = icon;
         untouched.apply = [](Picture&) {};
         const Picture picture = drawIcon(icon), plain = drawIcon(untouched);
-        EXPECT_GT(difference(picture, plain, icon.split), 8.0) << icon.name;
+        EXPECT_GT(Difference(picture, plain, icon.split), 8.0) << icon.name;
         for (int y = 0; y < iconHeight; ++y)
             for (int x = 0; x < icon.split; ++x)
                 ASSERT_TRUE(std::equal(picture.at(x, y), picture.at(x, y) + 3, plain.at(x, y))) << icon.name;
         for (const Icon& other : icons()) {
             if (other.id < icon.id) {
-                EXPECT_GT(difference(picture, drawIcon(other)), 6.0) << icon.name << " and " << other.name;
+                EXPECT_GT(Difference(picture, drawIcon(other)), 6.0) << icon.name << " and " << other.name;
             }
         }
     }

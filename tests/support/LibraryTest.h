@@ -3,11 +3,10 @@
 
 #include "host/effects/EffectLibrary.h"
 #include "host/validate/Contract.h"
+#include "tests/support/ComTest.h"
 
 #include <vixavideofx/ClassIds.h>
 #include <vixavideofx/IEffectFilter.h>
-
-#include <gtest/gtest.h>
 
 namespace test {
 
@@ -15,11 +14,9 @@ using Microsoft::WRL::ComPtr;
 using vixahost::validate::Promise, vixahost::validate::PromiseOf, vixahost::validate::Promises;
 
 // A test that closes the books: no object of the library is left when it ends.
-class LibraryTest : public testing::Test
+class LibraryTest : public ComTest
 {
 protected:
-    static void SetUpTestSuite() { CoInitializeEx(nullptr, COINIT_MULTITHREADED); }
-    static void TearDownTestSuite() { CoUninitialize(); }
     void TearDown() override { EXPECT_TRUE(library.CanUnload()) << "an object of the library is still alive"; }
 
     ComPtr<IBaseFilter> Filter(REFCLSID effect, IUnknown* set = nullptr) const

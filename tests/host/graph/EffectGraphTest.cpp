@@ -4,11 +4,9 @@
 #include "host/fixtures/PixelModel.h"
 #include "host/media/PictureFrames.h"
 #include "tests/host/TestFiles.h"
+#include "tests/support/ComTest.h"
 
 #include <vixavideofx/ClassIds.h>
-
-#include <gtest/gtest.h>
-#include <objbase.h>
 
 namespace vixahost {
 namespace {
@@ -16,12 +14,9 @@ namespace {
 using namespace test;
 using namespace vixavideofx;
 
-class Graph : public testing::Test
+class Graph : public ::test::ComTest
 {
 protected:
-    void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))); }
-    void TearDown() override { CoUninitialize(); }
-
     effects::EffectLibrary library;
 };
 

@@ -4,9 +4,7 @@
 #include "host/media/ClipReader.h"
 #include "host/media/ClipWriter.h"
 #include "tests/host/TestFiles.h"
-
-#include <gtest/gtest.h>
-#include <objbase.h>
+#include "tests/support/ComTest.h"
 
 #include <algorithm>
 #include <cstring>
@@ -16,12 +14,9 @@ namespace {
 
 using namespace test;
 
-class ClipFile : public testing::Test
+class ClipFile : public ::test::ComTest
 {
 protected:
-    void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))); }
-    void TearDown() override { CoUninitialize(); }
-
     std::filesystem::path Make(const ClipRecipe& recipe)
     {
         const auto file = folder / L"clip.avi";

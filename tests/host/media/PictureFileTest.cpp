@@ -5,9 +5,7 @@
 #include "host/media/PictureFrames.h"
 #include "host/media/SampleScene.h"
 #include "tests/host/TestFiles.h"
-
-#include <gtest/gtest.h>
-#include <objbase.h>
+#include "tests/support/ComTest.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,12 +16,9 @@ namespace {
 
 using namespace test;
 
-class PictureFile : public testing::Test
+class PictureFile : public ::test::ComTest
 {
 protected:
-    void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))); }
-    void TearDown() override { CoUninitialize(); }
-
     void ExpectRefused(const std::filesystem::path& file)
     {
         try {
