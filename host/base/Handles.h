@@ -7,6 +7,7 @@ namespace vixahost {
 
 using vixa::Opened;
 using vixa::UniqueBitmap;
+using vixa::UniqueEvent;
 using vixa::UniqueFile;
 using vixa::UniqueFont;
 using vixa::UniqueHandle;
@@ -19,6 +20,8 @@ using vixa::UniqueThread;
 using vixa::UniqueWindowDC;
 
 using UniqueSearch = UniqueHandle<HANDLE, FindClose>; // of files
+using UniqueMapping = vixa::UniqueKernelObject<struct MappingKind>;
+using UniqueView = UniqueHandle<void*, UnmapViewOfFile>; // of a mapping
 using UniqueSnapshot = vixa::UniqueKernelObject<struct SnapshotKind>;
 
 } // namespace vixahost

@@ -27,6 +27,8 @@ Command ParseCommandLine(const std::vector<std::string>& words)
 {
     if (const auto child = ReadChildWords(words))
         return *child;
+    if (const auto decoder = ReadDecodeWords(words))
+        return *decoder;
     CLI::App program(
         "Shows VixaVideoFX's effects and applies them to pictures and clips. Without arguments: all effects "
         "on a sample picture, into the folder \"out\".",

@@ -3,6 +3,7 @@
 
 #include "host/commands/Apply.h"
 #include "host/commands/Browse.h"
+#include "host/commands/Decode.h"
 #include "host/commands/Effects.h"
 #include "host/commands/Icon.h"
 #include "host/commands/List.h"
@@ -24,7 +25,7 @@ struct TextCommand
 void Run(const TextCommand& command);
 
 using Command = std::variant<ShowAllCommand, EffectsCommand, ApplyCommand, BrowseCommand, ListCommand, IconCommand,
-                             PanelCommand, ValidateCommand, ChildCommand, TextCommand>;
+                             PanelCommand, ValidateCommand, ChildCommand, DecodeCommand, TextCommand>;
 
 // `words` are UTF-8, without the program's name. Throws WrongWords. The library is not loaded: whether an effect or a
 // parameter exists is for the command to find out.

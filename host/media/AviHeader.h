@@ -1,5 +1,7 @@
-// What the host looks at in an AVI file's own bytes, where the AVI file interface doesn't tell or doesn't do it right.
+// AVI files on the disk, where only their structure counts.
 #pragma once
+
+#include "host/media/AviFile.h"
 
 #include <filesystem>
 
@@ -8,12 +10,12 @@ namespace vixahost::media {
 // True when the file begins as an AVI clip does.
 bool IsAvi(const std::filesystem::path& file);
 
-// Throws FailedJob when the clip is shorter than its header says, or goes on in further parts (OpenDML), of which the
-// AVI file interface would silently read the first only.
-void RequireWholeAvi(const std::filesystem::path& file);
+// Throws FailedJob with the file's name for what ReadAviFile refuses.
+AviFile ReadClipStructure(FileBytes& bytes, const std::filesystem::path& file);
 
 // Corrects the length of each sound stream with samples of one size: it counts samples, but an implementation of the
-// interface was seen to count the blocks they were written in. Changes nothing where the length is right already.
-void MendSoundLengths(const std::filesystem::path& file);
+// AVI file interface was seen to count the blocks they were written in. Changes nothing where the length is right
+// already. Answers how many frames of pictures the file holds. Throws FailedJob.
+std::uint64_t MendSoundLengths(const std::filesystem::path& file);
 
 } // namespace vixahost::media

@@ -1,17 +1,20 @@
 // An AVI clip's frames and sound.
 #pragma once
 
-#include "host/base/Handles.h"
-#include "host/media/AviInterface.h"
+#include "host/media/AviFile.h"
+#include "host/media/FileOnDisk.h"
+#include "host/media/FrameDecoder.h"
 #include "host/media/Frames.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <vector>
 
 namespace vixahost::media {
 
-// Decodes with whatever the system has for the clip's format. One thread at a time.
+// Reads uncompressed frames straight from the file; others are decoded by whatever the system has for the clip's
+// format, in a process of its own. One thread at a time.
 class ClipReader : public FrameReader
 {
 public:
@@ -19,47 +22,30 @@ public:
     explicit ClipReader(const std::filesystem::path& file);
 
     FrameFormat Format() const override { return format; }
-    std::int64_t FrameCount() const noexcept { return count; }
+    std::int64_t FrameCount() const noexcept { return static_cast<std::int64_t>(pictures->chunks.size()); }
+    // A frame without data shows the one before it once more; before the first it is black.
     bool Read(std::span<std::uint8_t> frame) override;
     // The next Read gives frame `index`; one beyond the clip counts as its nearest end.
     void Seek(std::int64_t index) noexcept;
 
-    // What the stream's header says (rate, scale, start, quality, name), for a copy of the clip.
-    const AVISTREAMINFOW& Information() const noexcept { return information; }
-    // The clip's sound streams; empty for a silent clip.
-    const std::vector<Microsoft::WRL::ComPtr<IAVIStream>>& Sound() const noexcept { return sound; }
+    // For a copy of the clip.
+    const AviStream& Pictures() const noexcept { return *pictures; }
+    std::vector<const AviStream*> Sound() const; // empty for a silent clip
+    // Where the streams' chunks are.
+    FileBytes& Bytes() noexcept { return file; }
 
 private:
-    void ReadFormat();
-    void OpenDecoder();
-    // The frame at `position` as the clip or its decoder gives it: a header, and the bits behind or apart from it.
-    struct StoredFrame
-    {
-        const BITMAPINFO* info;
-        const std::uint8_t* bits;
-    };
-    StoredFrame ReadStored();
-    void Convert(const StoredFrame& stored, std::span<std::uint8_t> frame);
+    void ReadUncompressed(std::span<std::uint8_t> frame);
 
     std::filesystem::path path;
-    AviSession session;
-    Microsoft::WRL::ComPtr<IAVIFile> file;
-    Microsoft::WRL::ComPtr<IAVIStream> video;
-    std::vector<Microsoft::WRL::ComPtr<IAVIStream>> sound;
-    AVISTREAMINFOW information = {};
+    FileOnDisk file;
+    AviFile clip;
+    const AviStream* pictures; // one of the clip's
+    PictureLayout layout;
     FrameFormat format;
-    LONG first = 0;
-    LONG count = 0;
-    LONG position = 0;
-
-    std::vector<std::uint8_t> formatBlock;     // a BITMAPINFO with room for a whole colour table
-    std::vector<std::uint8_t> stored;          // the last frame of an uncompressed clip; stays for a frame without data
-    Microsoft::WRL::ComPtr<IGetFrame> decoder; // for a compressed clip
-
-    // For frames that aren't 32-bit: a bitmap of the frame's size that the system converts into.
-    UniqueMemoryDC convertDC;
-    UniqueBitmap convertBitmap;
-    std::uint8_t* convertBits = nullptr; // owned by the bitmap
+    std::int64_t position = 0;
+    std::vector<std::uint8_t> stored;      // a frame as the file has it, where it isn't what the graph takes
+    std::unique_ptr<FrameDecoder> decoder; // for a compressed clip
 };
 
 } // namespace vixahost::media

@@ -6,6 +6,9 @@
 #include "host/media/ClipReader.h"
 
 #include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <limits>
 
 namespace vixahost::media {
 
@@ -31,21 +34,30 @@ void Require(HRESULT result, const std::filesystem::path& file)
                         "); is the disk full or the folder protected?");
 }
 
-std::uint64_t SoundBytes(IAVIStream* stream)
+std::uint64_t SoundBytes(const AviStream& stream)
 {
+    return stream.ChunkBytes() + stream.chunks.size() * chunkRoom;
+}
+
+// What a new file takes over of a stream's header.
+AVISTREAMINFOW InformationOf(const AviStream& stream)
+{
+    const auto code = [](const Tag& tag) { return mmioFOURCC(tag[0], tag[1], tag[2], tag[3]); };
     AVISTREAMINFOW information = {};
-    if (FAILED(stream->Info(&information, sizeof information)))
-        return 0;
-    if (information.dwSampleSize > 0)
-        return std::uint64_t{information.dwLength} * information.dwSampleSize;
-    std::uint64_t bytes = 0;
-    const LONG end = AVIStreamEnd(stream);
-    for (LONG sample = AVIStreamStart(stream); sample < end; ++sample) {
-        LONG size = 0;
-        if (SUCCEEDED(stream->Read(sample, 1, nullptr, 0, &size, nullptr)))
-            bytes += static_cast<std::uint64_t>(size) + chunkRoom;
-    }
-    return bytes;
+    information.fccType = code(stream.type);
+    information.fccHandler = code(stream.handler);
+    information.dwFlags = stream.flags;
+    information.wPriority = stream.priority;
+    information.wLanguage = stream.language;
+    information.dwInitialFrames = stream.initialFrames;
+    information.dwScale = stream.scale;
+    information.dwRate = stream.rate;
+    information.dwStart = stream.start;
+    information.dwQuality = stream.quality;
+    information.dwSampleSize = stream.sampleSize;
+    std::copy_n(stream.name.begin(), std::min<std::size_t>(stream.name.size(), std::size(information.szName) - 1),
+                information.szName);
+    return information;
 }
 
 } // namespace
@@ -66,81 +78,93 @@ ClipDepth DepthFor(const FrameFormat& format, std::int64_t frames, std::uint64_t
 class ClipWriter::SoundCopy
 {
 public:
-    SoundCopy(IAVIFile* target, ComPtr<IAVIStream> from, const std::filesystem::path& file)
-        : source(std::move(from)), path(file)
+    SoundCopy(IAVIFile* target, FileBytes& from, const AviStream& stream, const std::filesystem::path& file)
+        : source(from), sound(stream), path(file)
     {
-        std::vector<std::uint8_t> format;
-        LONG formatBytes = 0;
-        position = AVIStreamStart(source.Get());
-        end = AVIStreamEnd(source.Get());
-        if (FAILED(source->Info(&information, sizeof information)) ||
-            FAILED(source->ReadFormat(position, nullptr, &formatBytes)) || formatBytes <= 0 ||
-            information.dwRate == 0 || information.dwScale == 0)
-            throw FailedJob("The clip's sound is damaged; get a whole copy of the clip.");
-        format.resize(static_cast<std::size_t>(formatBytes));
-        source->ReadFormat(position, format.data(), &formatBytes);
+        AVISTREAMINFOW information = InformationOf(sound);
         Require(target->CreateStream(&sink, &information), path);
-        Require(sink->SetFormat(0, format.data(), formatBytes), path);
-        // Half a second of samples of one size, or room for the largest single sample.
-        const std::uint64_t samples = information.dwRate / information.dwScale / 2 + 1;
-        if (information.dwSampleSize > 0)
-            buffer.resize(static_cast<std::size_t>(samples * information.dwSampleSize));
+        std::vector<std::uint8_t> format = sound.format;
+        Require(sink->SetFormat(0, format.data(), static_cast<LONG>(format.size())), path);
     }
 
     // Copies up to the sample that sounds at a time in units of 100 ns.
     void CopyUntil(REFERENCE_TIME time)
     {
-        const std::int64_t samples =
-            time / 10'000 * information.dwRate / (std::int64_t{information.dwScale} * 1000) + information.dwStart;
-        CopyTo(static_cast<LONG>(std::min<std::int64_t>(samples, end)));
+        limit = static_cast<double>(time) / 1e7 * sound.rate / sound.scale;
+        Copy();
     }
 
-    void CopyAll() { CopyTo(end); }
+    void CopyAll()
+    {
+        limit = std::numeric_limits<double>::infinity();
+        Copy();
+    }
 
 private:
-    void CopyTo(LONG limit)
+    // Samples of one size are cut where they are due, and may go on in the next chunk; one without a fixed size is a
+    // chunk.
+    void Copy()
     {
-        while (position < limit) {
-            LONG bytes = 0, samples = 0;
-            LONG wanted = 1;
-            if (information.dwSampleSize > 0) {
-                wanted = std::min(limit - position, static_cast<LONG>(buffer.size() / information.dwSampleSize));
-            } else if (SUCCEEDED(source->Read(position, 1, nullptr, 0, &bytes, nullptr)) &&
-                       static_cast<std::size_t>(bytes) > buffer.size()) {
-                buffer.resize(static_cast<std::size_t>(bytes));
+        while (static_cast<double>(copied) < limit) {
+            const std::size_t size = sound.sampleSize > 0 ? sound.sampleSize : std::max<std::size_t>(data.size(), 1);
+            const std::size_t whole = (data.size() - done) / size;
+            if (whole == 0) {
+                if (chunk == sound.chunks.size())
+                    return;
+                Load(sound.chunks[chunk++]);
+                continue;
             }
-            const HRESULT result =
-                source->Read(position, wanted, buffer.data(), static_cast<LONG>(buffer.size()), &bytes, &samples);
-            if (FAILED(result) || samples <= 0)
-                throw FailedJob("The clip's sound is damaged (" + Show(result) + "); get a whole copy of the clip.");
-            // -1: behind what is there. The interface counts what was written in its own way.
-            Require(sink->Write(-1, samples, buffer.data(), bytes, AVIIF_KEYFRAME, nullptr, nullptr), path);
-            position += samples;
+            const double due = std::ceil(std::min(limit - static_cast<double>(copied), static_cast<double>(whole)));
+            const auto count = std::min(whole, static_cast<std::size_t>(due));
+            Write(std::span(data).subspan(done, count * size), count);
+            done += count * size;
         }
     }
 
-    ComPtr<IAVIStream> source, sink;
+    // Behind what is left of the last one.
+    void Load(const AviChunk& next)
+    {
+        data.erase(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(done));
+        done = 0;
+        const std::size_t left = data.size();
+        data.resize(left + next.bytes);
+        if (!ReadChunk(source, next, std::span(data).subspan(left)))
+            throw FailedJob("The clip's sound is damaged; get a whole copy of the clip.");
+    }
+
+    void Write(std::span<std::uint8_t> bytes, std::size_t samples)
+    {
+        // -1: behind what is there. The interface counts what was written in its own way.
+        Require(sink->Write(-1, static_cast<LONG>(samples), bytes.data(), static_cast<LONG>(bytes.size()),
+                            AVIIF_KEYFRAME, nullptr, nullptr),
+                path);
+        copied += samples;
+    }
+
+    FileBytes& source;
+    const AviStream& sound;
     const std::filesystem::path& path;
-    AVISTREAMINFOW information = {};
-    LONG position = 0, end = 0;
-    std::vector<std::uint8_t> buffer;
+    ComPtr<IAVIStream> sink;
+    double limit = 0;         // in samples
+    std::uint64_t copied = 0; // in samples
+    std::size_t chunk = 0;    // the next one
+    std::size_t done = 0;     // the bytes of the data that are through
+    std::vector<std::uint8_t> data;
 };
 
-ClipWriter::ClipWriter(const std::filesystem::path& target, const ClipReader& source)
-    : path(target), format(source.Format())
+ClipWriter::ClipWriter(const std::filesystem::path& target, ClipReader& source) : path(target), format(source.Format())
 {
     std::uint64_t soundBytes = 0;
-    for (const auto& stream : source.Sound())
-        soundBytes += SoundBytes(stream.Get());
+    for (const AviStream* const stream : source.Sound())
+        soundBytes += SoundBytes(*stream);
     depth = DepthFor(format, source.FrameCount(), soundBytes);
     if (depth == ClipDepth::Rgb24)
         narrow.resize(StoredBytes(format, depth));
 
     Require(session.Open(path, OF_CREATE | OF_WRITE | OF_SHARE_EXCLUSIVE, file), path);
-    AVISTREAMINFOW information = source.Information();
+    AVISTREAMINFOW information = InformationOf(source.Pictures());
     information.fccHandler = mmioFOURCC('D', 'I', 'B', ' ');
     information.dwSampleSize = 0;
-    information.dwFormatChangeCount = 0;
     information.dwSuggestedBufferSize = static_cast<DWORD>(StoredBytes(format, depth));
     SetRect(&information.rcFrame, 0, 0, format.width, format.height);
     Require(file->CreateStream(&video, &information), path);
@@ -152,8 +176,8 @@ ClipWriter::ClipWriter(const std::filesystem::path& target, const ClipReader& so
     header.biBitCount = static_cast<WORD>(depth);
     header.biSizeImage = static_cast<DWORD>(StoredBytes(format, depth));
     Require(video->SetFormat(0, &header, sizeof header), path);
-    for (const auto& stream : source.Sound())
-        sound.push_back(std::make_unique<SoundCopy>(file.Get(), stream, path));
+    for (const AviStream* const stream : source.Sound())
+        sound.push_back(std::make_unique<SoundCopy>(file.Get(), source.Bytes(), *stream, path));
 }
 
 ClipWriter::~ClipWriter() = default;
@@ -186,9 +210,7 @@ void ClipWriter::Finish()
     sound.clear();
     video.Reset();
     file.Reset(); // writes the header and the index; what goes wrong shows only in the file
-    MendSoundLengths(path);
-    RequireWholeAvi(path);
-    if (ClipReader(path).FrameCount() != frames)
+    if (MendSoundLengths(path) != static_cast<std::uint64_t>(frames))
         throw FailedJob("The written clip lacks frames; is the disk full?");
 }
 

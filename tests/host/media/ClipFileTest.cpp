@@ -6,6 +6,8 @@
 #include "tests/host/TestFiles.h"
 #include "tests/support/ComTest.h"
 
+#include <tlhelp32.h>
+
 #include <algorithm>
 #include <cstring>
 
@@ -68,6 +70,56 @@ TEST_F(ClipFile, ACompressedClipIsDecoded)
         for (std::size_t at = 3; at < frame.size(); at += 4)
             frame[at] = 0; // a decoder may leave anything in the colourless byte
         EXPECT_TRUE(frame == ClipFrame(recipe, i)) << "frame " << i;
+    }
+}
+
+TEST_F(ClipFile, ShallowDepthsBecomeRgb)
+{
+    struct Case
+    {
+        std::uint8_t bits;
+        Bytes row, pixels; // of two pixels
+    };
+    const Case cases[] = {{1, {0x40, 0, 0, 0}, {1, 2, 3, 0, 4, 5, 6, 0}},
+                          {4, {0x10, 0, 0, 0}, {4, 5, 6, 0, 1, 2, 3, 0}},
+                          {16, {0x1F, 0x00, 0x41, 0x7C}, {255, 0, 0, 0, 8, 16, 255, 0}}};
+    for (const Case& depth : cases) {
+        Bytes format(40 + 64, 0);
+        format[0] = 40;
+        format[4] = 2;
+        format[8] = format[12] = 1;
+        format[14] = depth.bits;
+        for (std::uint8_t i = 0; i < 8; ++i)
+            format[40u + i] = static_cast<std::uint8_t>(i < 3 ? i + 1 : i > 3 && i < 7 ? i : 0); // two colours
+        Bytes frame(8);
+        media::ToRgb32(media::LayoutOfFormat(format), depth.row, frame);
+        EXPECT_TRUE(frame == depth.pixels) << int{depth.bits} << " bits";
+    }
+}
+
+TEST_F(ClipFile, ADecoderThatDiesIsAMessage)
+{
+    ClipRecipe recipe;
+    recipe.bits = 8;
+    std::memcpy(recipe.compression, "MRLE", 5);
+    media::ClipReader reader(Make(recipe));
+    Bytes frame(reader.Format().FrameBytes());
+    ASSERT_TRUE(reader.Read(frame));
+    int ended = 0;
+    const UniqueSnapshot processes(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    PROCESSENTRY32W entry = {};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = Process32FirstW(processes.get(), &entry); more; more = Process32NextW(processes.get(), &entry))
+        if (entry.th32ParentProcessID == GetCurrentProcessId() && !_wcsicmp(entry.szExeFile, L"vixahost.exe")) {
+            const UniqueProcess child(OpenProcess(PROCESS_TERMINATE, FALSE, entry.th32ProcessID));
+            ended += TerminateProcess(child.get(), STATUS_ACCESS_VIOLATION);
+        }
+    EXPECT_GE(ended, 1) << "the decoder has a process of its own";
+    try {
+        reader.Read(frame);
+        ADD_FAILURE() << "a frame without a decoder";
+    } catch (const FailedJob& fault) {
+        EXPECT_NE(std::string(fault.what()).find("decoder crashed (0xC0000005)"), std::string::npos) << fault.what();
     }
 }
 

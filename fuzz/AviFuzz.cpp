@@ -1,0 +1,65 @@
+// AVI files from outside: whatever the reader accepts must lie within the file, and turning its frames into 32 bits
+// must stay within what was read. The sanitizers see a byte too far.
+#include "host/media/AviFile.h"
+#include "host/media/DibSize.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+using namespace vixahost::media;
+
+namespace {
+
+void Require(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
+
+class Memory : public FileBytes
+{
+public:
+    explicit Memory(std::span<const std::uint8_t> content) : bytes(content) {}
+    std::uint64_t Size() const override { return bytes.size(); }
+    bool Read(std::uint64_t offset, std::span<std::uint8_t> into) override
+    {
+        if (offset > bytes.size() || into.size() > bytes.size() - offset)
+            return false;
+        std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(offset), into.size(), into.begin());
+        return true;
+    }
+
+private:
+    std::span<const std::uint8_t> bytes;
+};
+
+void ReadFrames(Memory& file, const AviStream& pictures)
+{
+    const PictureLayout layout = LayoutOfFormat(pictures.format);
+    const std::size_t bytes = DibBytes(layout.width, layout.height, 32).value();
+    if (!layout.IsRgb() || bytes > (1 << 20)) // a frame of one bit a pixel grows
+        return;
+    std::vector<std::uint8_t> stored(layout.bytes), frame(bytes);
+    for (std::size_t i = 0; i < std::min<std::size_t>(pictures.chunks.size(), 4); ++i)
+        if (pictures.chunks[i].bytes == layout.bytes && ReadChunk(file, pictures.chunks[i], stored))
+            ToRgb32(layout, stored, frame);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    Memory file({data, size});
+    try {
+        const AviFile clip = ReadAviFile(file);
+        for (const AviStream& stream : clip.streams) {
+            Require(stream.rate > 0 && stream.scale > 0 && stream.header > 0 && stream.header + 48 <= size);
+            for (const AviChunk& chunk : stream.chunks)
+                Require(chunk.content <= size && chunk.bytes <= size - chunk.content);
+        }
+        if (const AviStream* const pictures = clip.Pictures())
+            ReadFrames(file, *pictures);
+    } catch (const AviFault&) {
+    }
+    return 0;
+}

@@ -1,0 +1,416 @@
+#include "host/media/AviFile.h"
+
+#include "host/media/DibSize.h"
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+
+namespace vixahost::media {
+
+namespace {
+
+using View = std::span<const std::uint8_t>;
+
+// What a clip of any sense stays below: the header of a clip with a hundred streams has some tens of kilobytes.
+constexpr std::uint64_t mostHeaderBytes = 1 << 20, mostTopChunks = 10'000, mostStreams = 100;
+constexpr std::uint32_t mostSampleBytes = 1 << 20;
+
+[[noreturn]] void Damaged(const std::string& what)
+{
+    throw AviFault("is a damaged AVI clip (" + what + "); get a whole copy of it.");
+}
+
+[[noreturn]] void CutShort()
+{
+    throw AviFault("is cut short: its header promises more than the file holds; get a whole copy of it.");
+}
+
+std::uint32_t Number32(View from, std::size_t at)
+{
+    return std::uint32_t{from[at]} | std::uint32_t{from[at + 1]} << 8 | std::uint32_t{from[at + 2]} << 16 |
+           std::uint32_t{from[at + 3]} << 24;
+}
+
+std::uint16_t Number16(View from, std::size_t at)
+{
+    return static_cast<std::uint16_t>(from[at] | from[at + 1] << 8);
+}
+
+Tag TagAt(View from, std::size_t at)
+{
+    Tag tag;
+    std::transform(from.begin() + static_cast<std::ptrdiff_t>(at), from.begin() + static_cast<std::ptrdiff_t>(at + 4),
+                   tag.begin(), [](std::uint8_t letter) { return static_cast<char>(letter); });
+    return tag;
+}
+
+// A chunk in the file; for RIFF and LIST the content begins behind the type.
+struct FileChunk
+{
+    Tag tag = {}, type = {};
+    std::uint64_t content = 0, end = 0;
+
+    std::uint64_t Next() const noexcept { return end + (end & 1); }
+};
+
+bool IsList(const Tag& tag)
+{
+    return tag == TagOf("RIFF") || tag == TagOf("LIST");
+}
+
+std::optional<FileChunk> ChunkAt(FileBytes& file, std::uint64_t offset)
+{
+    std::array<std::uint8_t, 12> head = {};
+    if (!file.Read(offset, std::span(head).first(8)))
+        return std::nullopt;
+    FileChunk chunk = {TagAt(head, 0), {}, offset + 8, offset + 8 + Number32(head, 4)};
+    if (IsList(chunk.tag)) {
+        if (chunk.end < chunk.content + 4 || !file.Read(offset, head))
+            return std::nullopt;
+        chunk.type = TagAt(head, 8);
+        chunk.content += 4;
+    }
+    return chunk;
+}
+
+// Calls visit(tag, content) for each chunk of a list in memory; a list's content begins with its type.
+template <typename Visit>
+void ForEachPart(View list, Visit visit)
+{
+    for (std::size_t at = 0; at + 8 <= list.size();) {
+        const std::size_t bytes = Number32(list, at + 4);
+        if (bytes > list.size() - at - 8)
+            Damaged("a part of its header is longer than the header");
+        visit(TagAt(list, at), list.subspan(at + 8, bytes));
+        at += 8 + bytes + (bytes & 1);
+    }
+}
+
+void CheckPictureFormat(const AviStream& stream, std::uint64_t fileBytes)
+{
+    const PictureLayout layout = LayoutOfFormat(stream.format);
+    // Nothing is allocated for a frame that the file can't hold.
+    if (layout.bytes > fileBytes)
+        Damaged("its frames are larger than the file");
+    const auto frame = DibBytes(layout.width, layout.height, 32);
+    if (!frame || stream.suggestedBuffer > std::max<std::uint64_t>(*frame, fileBytes))
+        Damaged("it asks for more memory than a frame has");
+}
+
+void CheckSoundFormat(AviStream& stream)
+{
+    // WAVEFORMAT: kind, channels, samples and bytes a second, bytes a block; behind it bits a sample, and how much of
+    // the format's own follows.
+    if (stream.format.size() < 14)
+        Damaged("its sound has no format");
+    const View format = stream.format;
+    constexpr std::uint16_t pcm = 1; // has nothing of its own, whatever it says
+    if (format.size() >= 18 && Number16(format, 0) != pcm && Number16(format, 16) > format.size() - 18)
+        Damaged("its sound's format is cut short");
+    if (stream.sampleSize > mostSampleBytes || (stream.sampleSize > 0 && Number16(format, 12) == 0))
+        Damaged("its sound has samples of no sensible size");
+}
+
+// `place`: where the list's content begins in the file.
+AviStream ReadStream(View list, std::uint64_t place, std::uint64_t fileBytes)
+{
+    AviStream stream;
+    bool described = false;
+    ForEachPart(list, [&](const Tag& tag, View part) {
+        if (tag == TagOf("strh")) {
+            if (described || part.size() < 48)
+                Damaged("a stream's header is cut short");
+            described = true;
+            stream.header = place + static_cast<std::uint64_t>(part.data() - list.data());
+            stream.type = TagAt(part, 0);
+            stream.handler = TagAt(part, 4);
+            stream.flags = Number32(part, 8);
+            stream.priority = Number16(part, 12);
+            stream.language = Number16(part, 14);
+            stream.initialFrames = Number32(part, 16);
+            stream.scale = Number32(part, 20);
+            stream.rate = Number32(part, 24);
+            stream.start = Number32(part, 28);
+            stream.length = Number32(part, 32);
+            stream.suggestedBuffer = Number32(part, 36);
+            stream.quality = Number32(part, 40);
+            stream.sampleSize = Number32(part, 44);
+        } else if (tag == TagOf("strf")) {
+            if (!described || !stream.format.empty())
+                Damaged("a stream's format stands in the wrong place");
+            stream.format.assign(part.begin(), part.end());
+        } else if (tag == TagOf("strn")) {
+            stream.name.assign(part.begin(), std::ranges::find(part, 0));
+        } else if (tag == TagOf("indx")) {
+            // How many numbers an entry has, what kind it is, and how many entries follow 24 bytes of header.
+            if (part.size() < 24 || std::uint64_t{Number16(part, 0)} * 4 * Number32(part, 4) > part.size() - 24)
+                Damaged("a stream's index is cut short");
+        }
+    });
+    if (!described || stream.rate == 0 || stream.scale == 0)
+        Damaged("a stream has no rate");
+    constexpr std::uint32_t longest = 0x7FFFFFFF;
+    if (stream.start > longest || stream.length > longest || stream.start + stream.length > longest)
+        Damaged("a stream has no sensible length");
+    if (stream.type == TagOf("vids"))
+        CheckPictureFormat(stream, fileBytes);
+    if (stream.type == TagOf("auds"))
+        CheckSoundFormat(stream);
+    return stream;
+}
+
+struct Header
+{
+    bool hasIndex = false;
+    std::vector<AviStream> streams;
+};
+
+Header ReadHeader(FileBytes& file, const FileChunk& list)
+{
+    if (list.end - list.content > mostHeaderBytes)
+        Damaged("its header is too long");
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(list.end - list.content));
+    if (!file.Read(list.content, bytes))
+        CutShort();
+    Header header;
+    std::optional<std::uint32_t> promised;
+    ForEachPart(bytes, [&](const Tag& tag, View part) {
+        if (tag == TagOf("avih")) {
+            if (promised || part.size() < 40)
+                Damaged("its main header is cut short");
+            header.hasIndex = (Number32(part, 12) & 0x10) != 0;
+            promised = Number32(part, 24);
+        } else if (tag == TagOf("LIST") && part.size() >= 4 && TagAt(part, 0) == TagOf("strl")) {
+            if (!promised)
+                Damaged("it has no main header");
+            if (header.streams.size() == mostStreams)
+                Damaged("it has too many streams");
+            const View content = part.subspan(4);
+            const std::uint64_t place = list.content + static_cast<std::uint64_t>(content.data() - bytes.data());
+            header.streams.push_back(ReadStream(content, place, file.Size()));
+        }
+    });
+    if (promised != header.streams.size())
+        Damaged("it hasn't the streams that it promises");
+    return header;
+}
+
+// "01wb": two hexadecimal digits of the stream's number, then the kind of data.
+std::optional<std::size_t> StreamOf(const Tag& tag)
+{
+    std::size_t number = 0;
+    for (const char digit : {tag[0], tag[1]}) {
+        const bool letter = (digit >= 'a' && digit <= 'f') || (digit >= 'A' && digit <= 'F');
+        if (!letter && (digit < '0' || digit > '9'))
+            return std::nullopt;
+        number = number * 16 + static_cast<std::size_t>(letter ? (digit | 0x20) - 'a' + 10 : digit - '0');
+    }
+    return number;
+}
+
+class ChunkList
+{
+public:
+    ChunkList(Header& head, std::uint64_t fileEnd) : header(head), end(fileEnd) {}
+
+    void Add(const AviChunk& chunk)
+    {
+        const auto number = StreamOf(chunk.tag);
+        if (!number || *number >= header.streams.size())
+            Damaged("a piece of data belongs to no stream");
+        if (chunk.content > end || chunk.bytes > end - chunk.content)
+            Damaged("its index names bytes behind its end");
+        if (chunk.tag[2] == 'p' && chunk.tag[3] == 'c')
+            throw AviFault("changes its palette on its way, which isn't supported; convert it to 24 or 32 bits first.");
+        header.streams[*number].chunks.push_back(chunk);
+    }
+
+private:
+    Header& header;
+    std::uint64_t end;
+};
+
+// Lists of records may stand around the data.
+void WalkMovie(FileBytes& file, const FileChunk& list, ChunkList& chunks)
+{
+    for (std::uint64_t at = list.content; at + 8 <= list.end;) {
+        const auto chunk = ChunkAt(file, at);
+        if (!chunk || chunk->end > list.end)
+            Damaged("a piece of data is longer than what holds it");
+        if (chunk->tag == TagOf("LIST") && chunk->type == TagOf("rec ")) {
+            at = chunk->content; // what follows stands in the same row
+            continue;
+        }
+        if (StreamOf(chunk->tag))
+            chunks.Add({chunk->tag, static_cast<std::uint32_t>(chunk->end - chunk->content), chunk->content});
+        at = chunk->Next();
+    }
+}
+
+// Entries of 16 bytes: tag, flags, place, length. Places are counted from the file's beginning or from the type of the
+// list of data; which, tells the first one.
+void ReadIndex(FileBytes& file, const FileChunk& index, const FileChunk& movie, ChunkList& chunks)
+{
+    std::vector<std::uint8_t> block;
+    std::optional<std::uint64_t> base;
+    for (std::uint64_t at = index.content; at + 16 <= index.end; at += block.size()) {
+        block.resize(static_cast<std::size_t>(std::min<std::uint64_t>((index.end - at) / 16 * 16, 64 * 1024)));
+        if (!file.Read(at, block))
+            CutShort();
+        for (std::size_t entry = 0; entry < block.size(); entry += 16) {
+            const Tag tag = TagAt(block, entry);
+            const std::uint64_t place = Number32(block, entry + 8);
+            if (!base) {
+                const auto counted = ChunkAt(file, movie.content - 4 + place);
+                base = counted && counted->tag == tag ? movie.content - 4 : 0;
+            }
+            if (tag == TagOf("rec ") || !StreamOf(tag))
+                continue;
+            chunks.Add({tag, Number32(block, entry + 12), *base + place + 8});
+        }
+    }
+}
+
+// A time in units of 100 ns stays below 2^61 for all frames.
+void CheckLength(const AviStream& stream)
+{
+    constexpr std::uint64_t mostSeconds = 200'000'000'000;
+    const std::uint64_t count = stream.chunks.size();
+    if (count > 0x7FFFFFFF || count * stream.scale / stream.rate > mostSeconds)
+        Damaged("a stream lasts longer than time");
+}
+
+} // namespace
+
+std::uint64_t AviStream::ChunkBytes() const noexcept
+{
+    std::uint64_t bytes = 0;
+    for (const AviChunk& chunk : chunks)
+        bytes += chunk.bytes;
+    return bytes;
+}
+
+const AviStream* AviFile::Pictures() const noexcept
+{
+    const auto found = std::ranges::find(streams, TagOf("vids"), &AviStream::type);
+    return found == streams.end() ? nullptr : &*found;
+}
+
+bool BeginsAsAvi(FileBytes& file)
+{
+    const auto riff = ChunkAt(file, 0);
+    return riff && riff->tag == TagOf("RIFF") && riff->type == TagOf("AVI ");
+}
+
+AviFile ReadAviFile(FileBytes& file)
+{
+    const auto riff = ChunkAt(file, 0);
+    if (!riff || riff->end > file.Size())
+        CutShort();
+    const auto next = ChunkAt(file, riff->Next());
+    if (next && next->tag == TagOf("RIFF"))
+        throw AviFault(
+            "is an AVI clip of several parts (OpenDML), of which only the first could be read; split it into "
+            "clips below 1 GB first.");
+    std::optional<Header> header;
+    std::optional<FileChunk> movie, index;
+    std::uint64_t count = 0;
+    for (std::uint64_t at = riff->content; at + 8 <= riff->end && ++count < mostTopChunks;) {
+        const auto chunk = ChunkAt(file, at);
+        if (!chunk || chunk->end > riff->end)
+            Damaged("a part of it is longer than the whole");
+        if (chunk->type == TagOf("hdrl") && !header)
+            header = ReadHeader(file, *chunk);
+        else if (chunk->type == TagOf("movi") && !movie)
+            movie = chunk;
+        else if (chunk->tag == TagOf("idx1") && !index)
+            index = chunk;
+        at = chunk->Next();
+    }
+    if (!header || !movie)
+        Damaged("it has no header or no data");
+    ChunkList chunks(*header, riff->end);
+    if (header->hasIndex && index)
+        ReadIndex(file, *index, *movie, chunks);
+    else
+        WalkMovie(file, *movie, chunks);
+    for (const AviStream& stream : header->streams)
+        CheckLength(stream);
+    return {std::move(header->streams)};
+}
+
+bool ReadChunk(FileBytes& file, const AviChunk& chunk, std::span<std::uint8_t> into)
+{
+    std::array<std::uint8_t, 8> head = {};
+    return chunk.content >= head.size() && file.Read(chunk.content - head.size(), head) &&
+           TagAt(head, 0) == chunk.tag && Number32(head, 4) == chunk.bytes && into.size() == chunk.bytes &&
+           file.Read(chunk.content, into);
+}
+
+PictureLayout LayoutOfFormat(View format)
+{
+    if (format.size() < 40)
+        Damaged("its pictures have no format");
+    const std::uint32_t headerBytes = Number32(format, 0), colours = Number32(format, 32);
+    const auto width = static_cast<std::int32_t>(Number32(format, 4));
+    const auto height = static_cast<std::int32_t>(Number32(format, 8));
+    PictureLayout layout;
+    layout.bits = Number16(format, 14);
+    layout.compression = Number32(format, 16);
+    if (headerBytes < 40 || headerBytes > format.size() || width <= 0 || height == 0 || layout.bits > 32)
+        Damaged("its pictures' format makes no sense");
+    if (!DibBytes(width, height, 32))
+        throw AviFault("has frames that no program can hold in one piece; make it smaller first.");
+    layout.width = width;
+    layout.topDown = height < 0;
+    layout.height = layout.topDown ? -height : height;
+    if (layout.bits > 0 && layout.bits <= 8) {
+        const std::size_t most = std::size_t{1} << layout.bits, entries = colours > 0 ? colours : most;
+        if (entries > 256 || entries * 4 > format.size() - headerBytes)
+            Damaged("its colour table is cut short");
+        for (std::size_t i = 0; i < entries; ++i)
+            layout.colours[i] = Number32(format, headerBytes + i * 4) & 0xFFFFFF;
+    }
+    if (layout.compression != 0)
+        return layout;
+    const auto bytes = DibBytes(width, height, layout.bits);
+    if (!bytes)
+        throw AviFault("has frames of an unknown depth; convert it to 24 or 32 bits first.");
+    layout.bytes = *bytes;
+    return layout;
+}
+
+void ToRgb32(const PictureLayout& layout, View stored, std::span<std::uint8_t> frame)
+{
+    const auto width = static_cast<std::size_t>(layout.width), height = static_cast<std::size_t>(layout.height);
+    const std::size_t storedRow = (width * layout.bits + 31) / 32 * 4;
+    for (std::size_t y = 0; y < height; ++y) {
+        const std::uint8_t* const in = stored.data() + (layout.topDown ? height - 1 - y : y) * storedRow;
+        std::uint8_t* const out = frame.data() + y * width * 4;
+        if (layout.bits == 32) {
+            std::memcpy(out, in, width * 4);
+            continue;
+        }
+        for (std::size_t x = 0; x < width; ++x) {
+            std::uint32_t pixel = 0;
+            if (layout.bits == 24) {
+                pixel = in[x * 3] | std::uint32_t{in[x * 3 + 1]} << 8 | std::uint32_t{in[x * 3 + 2]} << 16;
+            } else if (layout.bits == 16) { // five bits each, blue lowest
+                const std::uint32_t value = in[x * 2] | std::uint32_t{in[x * 2 + 1]} << 8;
+                for (unsigned channel = 0; channel < 3; ++channel) {
+                    const std::uint32_t five = value >> (5 * channel) & 31;
+                    pixel |= (five << 3 | five >> 2) << (8 * channel);
+                }
+            } else { // the leftmost pixel in a byte's highest bits
+                const std::size_t bit = x * layout.bits;
+                const unsigned shift = 8 - layout.bits - static_cast<unsigned>(bit % 8);
+                pixel = layout.colours[in[bit / 8] >> shift & ((1u << layout.bits) - 1)];
+            }
+            for (unsigned channel = 0; channel < 4; ++channel)
+                out[x * 4 + channel] = static_cast<std::uint8_t>(pixel >> (8 * channel));
+        }
+    }
+}
+
+} // namespace vixahost::media

@@ -1,0 +1,32 @@
+#include "host/media/FileOnDisk.h"
+
+#include <algorithm>
+
+namespace vixahost::media {
+
+FileOnDisk::FileOnDisk(const std::filesystem::path& path)
+    : file(Opened(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)))
+{
+    LARGE_INTEGER bytes = {};
+    if (file && GetFileSizeEx(file.get(), &bytes))
+        size = static_cast<std::uint64_t>(bytes.QuadPart);
+}
+
+bool FileOnDisk::Read(std::uint64_t offset, std::span<std::uint8_t> into)
+{
+    if (offset > size || into.size() > size - offset)
+        return false;
+    const LARGE_INTEGER place = {.QuadPart = static_cast<LONGLONG>(offset)};
+    if (!SetFilePointerEx(file.get(), place, nullptr, FILE_BEGIN))
+        return false;
+    while (!into.empty()) {
+        const auto wanted = static_cast<DWORD>(std::min<std::size_t>(into.size(), 1 << 30));
+        DWORD got = 0;
+        if (!ReadFile(file.get(), into.data(), wanted, &got, nullptr) || got == 0)
+            return false;
+        into = into.subspan(got);
+    }
+    return true;
+}
+
+} // namespace vixahost::media

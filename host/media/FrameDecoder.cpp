@@ -1,0 +1,180 @@
+#include "host/media/FrameDecoder.h"
+
+#include "host/base/HostError.h"
+#include "host/base/Interrupt.h"
+#include "host/base/Text.h"
+#include "host/media/ClipDecoder.h"
+#include "host/media/DibSize.h"
+#include "host/media/Room.h"
+
+#include <objbase.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <thread>
+
+namespace vixahost::media {
+
+namespace {
+
+// Behind it the frame's pixels. Each side reads what the other wrote after its event.
+struct Shared
+{
+    std::int32_t width, height;
+    std::int64_t index;
+    std::uint32_t failed;
+    std::array<char, 1024> failure; // ends with a zero
+};
+
+constexpr std::size_t pixelsAt = 4096;
+
+Shared& HeadOf(const UniqueView& view)
+{
+    return *static_cast<Shared*>(view.get());
+}
+
+std::uint8_t* PixelsOf(const UniqueView& view)
+{
+    return static_cast<std::uint8_t*>(view.get()) + pixelsAt;
+}
+
+constexpr DWORD patience = 20'000; // milliseconds
+
+SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+
+// The host beside the program that runs, which may be a test.
+std::filesystem::path HostProgram()
+{
+    std::wstring name(MAX_PATH, L'\0');
+    for (DWORD length = 0; (length = GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size()))) > 0;
+         name.resize(name.size() * 2))
+        if (length < name.size()) {
+            name.resize(length);
+            break;
+        }
+    const std::filesystem::path host = std::filesystem::path(name).parent_path() / L"vixahost.exe";
+    return GetFileAttributesW(host.c_str()) == INVALID_FILE_ATTRIBUTES ? std::filesystem::path(name) : host;
+}
+
+LONG WINAPI EndOnFault(EXCEPTION_POINTERS* fault)
+{
+    TerminateProcess(GetCurrentProcess(), fault->ExceptionRecord->ExceptionCode);
+    return EXCEPTION_EXECUTE_HANDLER;
+}
+
+} // namespace
+
+FrameDecoder::FrameDecoder(const std::filesystem::path& clip, int width, int height) : name(Show(clip))
+{
+    const std::uint64_t bytes = pixelsAt + DibBytes(width, height, 32).value_or(0);
+    mapping.reset(CreateFileMappingW(INVALID_HANDLE_VALUE, &inherited, PAGE_READWRITE, static_cast<DWORD>(bytes >> 32),
+                                     static_cast<DWORD>(bytes), nullptr));
+    if (mapping)
+        view.reset(MapViewOfFile(mapping.get(), FILE_MAP_WRITE, 0, 0, 0));
+    if (!view)
+        throw NoRoomFor(width, height);
+    HeadOf(view) = {width, height, -1, 0, {}};
+    Start(clip);
+    Wait("can't be opened");
+}
+
+FrameDecoder::~FrameDecoder()
+{
+    if (process)
+        TerminateProcess(process.get(), 0);
+}
+
+void FrameDecoder::Start(const std::filesystem::path& clip)
+{
+    asked.reset(CreateEventW(&inherited, FALSE, FALSE, nullptr));
+    answered.reset(CreateEventW(&inherited, FALSE, FALSE, nullptr));
+    HANDLE self = nullptr;
+    DuplicateHandle(GetCurrentProcess(), GetCurrentProcess(), GetCurrentProcess(), &self, SYNCHRONIZE, TRUE, 0);
+    const UniqueProcess parent(self);
+    const std::filesystem::path program = HostProgram();
+    std::wstring words = L"\"" + program.native() + L"\" decode-child \"" + clip.native() + L"\"";
+    for (const HANDLE end : {mapping.get(), asked.get(), answered.get(), parent.get()})
+        words += L" " + std::to_wstring(reinterpret_cast<UINT_PTR>(end));
+    STARTUPINFOW start = {};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION made = {};
+    if (!asked || !answered || !parent ||
+        !CreateProcessW(program.c_str(), words.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr,
+                        &start, &made))
+        throw FailedJob("No process can be started for the decoder (system error " + std::to_string(GetLastError()) +
+                        "): " + Show(program));
+    const UniqueThread thread(made.hThread);
+    process.reset(made.hProcess);
+}
+
+void FrameDecoder::Wait(const std::string& what)
+{
+    const std::array<HANDLE, 2> ends = {answered.get(), process.get()};
+    const ULONGLONG begun = GetTickCount64();
+    DWORD which = WAIT_TIMEOUT;
+    while (which == WAIT_TIMEOUT && GetTickCount64() - begun < patience && !Interrupted())
+        which = WaitForMultipleObjects(static_cast<DWORD>(ends.size()), ends.data(), FALSE, 100);
+    if (which == WAIT_OBJECT_0 && HeadOf(view).failed == 0)
+        return;
+    std::string reason = name + " " + what + ": ";
+    if (which == WAIT_OBJECT_0) {
+        const auto& text = HeadOf(view).failure;
+        reason.assign(text.begin(), std::find(text.begin(), text.end() - 1, '\0'));
+        std::ranges::replace_if(
+            reason, [](char letter) { return letter >= 0 && letter < ' '; }, '?');
+    } else if (which == WAIT_OBJECT_0 + 1) {
+        DWORD status = 0;
+        GetExitCodeProcess(process.get(), &status);
+        reason += "the system's decoder crashed (" + Show(static_cast<HRESULT>(status)) +
+                  "). The clip is damaged, or convert it to uncompressed RGB first.";
+    } else if (Interrupted()) {
+        reason = "Stopped before the end; nothing was written.";
+    } else {
+        reason += "the system's decoder gave no answer for " + std::to_string(patience / 1000) +
+                  " s. The clip is damaged, or convert it to uncompressed RGB first.";
+    }
+    TerminateProcess(process.get(), 0);
+    throw FailedJob(reason);
+}
+
+void FrameDecoder::Decode(std::int64_t index, std::span<std::uint8_t> frame)
+{
+    HeadOf(view).index = index;
+    SetEvent(asked.get());
+    Wait("has a frame " + std::to_string(index) + " that can't be decoded");
+    std::memcpy(frame.data(), PixelsOf(view), frame.size());
+}
+
+void RunDecoder(const std::filesystem::path& clip, const DecoderEnds& ends)
+{
+    const auto handle = [](UINT_PTR number) { return reinterpret_cast<HANDLE>(number); };
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
+    SetUnhandledExceptionFilter(EndOnFault);
+    // Also while a decoder hangs.
+    std::thread([parent = handle(ends.parent)] {
+        WaitForSingleObject(parent, INFINITE);
+        TerminateProcess(GetCurrentProcess(), 0);
+    }).detach();
+    const UniqueView view(MapViewOfFile(handle(ends.mapping), FILE_MAP_WRITE, 0, 0, 0));
+    if (!view)
+        return;
+    Shared& shared = HeadOf(view);
+    const std::span frame(PixelsOf(view), DibBytes(shared.width, shared.height, 32).value_or(0));
+    try {
+        ClipDecoder decoder(clip, shared.width, shared.height);
+        for (;;) {
+            SetEvent(handle(ends.answered));
+            WaitForSingleObject(handle(ends.asked), INFINITE);
+            decoder.Decode(shared.index, frame);
+        }
+    } catch (const std::exception& fault) {
+        shared.failed = 1;
+        std::snprintf(shared.failure.data(), shared.failure.size(), "%s", fault.what());
+    }
+    SetEvent(handle(ends.answered));
+    WaitForSingleObject(handle(ends.parent), INFINITE); // which ends this one
+}
+
+} // namespace vixahost::media
