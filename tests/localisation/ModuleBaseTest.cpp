@@ -3,6 +3,7 @@
 
 #include "localisation/LanguageModule.h"
 #include "localisation/Texts.h"
+#include "tests/support/Meanwhile.h"
 
 #include <fstream>
 #include <map>
@@ -179,6 +180,27 @@ TEST(LanguageModule, BareNamesAreSearchedInTheUsualOrder)
     EXPECT_STREQ(text, L"Rot");
     EXPECT_FALSE(vixa::LoadLanguageModule(L"VixaVideoFX_xx-XX.nls"));
     EXPECT_FALSE(vixa::LoadLanguageModule(L""));
+}
+
+TEST_F(Modules, OtherThreadsSwitchAroundAText)
+{
+    AddLanguage(L"de-DE");
+    AddLanguage(L"fr-FR");
+    TestModule module;
+    module.Attach(library.get());
+    ModuleBase::SetLanguage(german);
+    ::test::OnAnotherThread other;
+    {
+        const ::test::Meanwhile<LockResource> reading(L"kernel32.dll", "LockResource",
+                                                      [&] { other.Run([] { ModuleBase::SetLanguage(1033); }); });
+        EXPECT_EQ(module.LoadResString(542), germanText) << "its file stays while it is read";
+    }
+    other.Join();
+    ModuleBase::SetLanguage(french);
+    const ::test::Meanwhile<FreeLibrary> closing(L"kernel32.dll", "FreeLibrary", [] { ModuleBase::SetLanguage(1033); });
+    EXPECT_EQ(vixa::LoadResStringIn(german, 542), germanText) << "answered before anyone switches again";
+    EXPECT_EQ(ModuleBase::GetLanguage(), 1033);
+    module.Detach();
 }
 
 TEST_F(Modules, LibraryPathsMayBeLong)

@@ -1,5 +1,6 @@
 // The dialog base on real windows: which object a message reaches, tooltips, the message hook, and every order in which
 // windows and objects can end.
+#include "tests/support/Meanwhile.h"
 #include "tests/ui/HostWindow.h"
 #include "tests/ui/TestPanel.h"
 
@@ -161,6 +162,21 @@ TEST_F(Panels, AnEndedWindowGivesBackHookTooltipAndRecords)
     EXPECT_EQ(other->MessageHook(), hook);
     DestroyWindow(other->GetHwnd());
     EXPECT_FALSE(UnhookWindowsHookEx(hook));
+}
+
+// The list of windows is shared: one that another thread takes out of it must not move what is being looked at.
+TEST_F(Panels, AnotherThreadMayLetGoWhileAPanelIsMade)
+{
+    auto gone = Open(), panel = Make();
+    test::OnAnotherThread other;
+    {
+        const test::Meanwhile<IsWindow> completing(L"user32.dll", "IsWindow",
+                                                   [&] { other.Run([&] { gone.reset(); }); });
+        panel->Create(host.hwnd, 100);
+    }
+    other.Join();
+    SendMessageW(panel->GetHwnd(), WM_INITDIALOG, 0, 0);
+    EXPECT_EQ(panel->inits, 1) << "its entry says that it is complete";
 }
 
 TEST_F(Panels, TheHostWindowMayGoFirst)
