@@ -247,21 +247,31 @@ VIXA_INLINE std::uint8_t* Aligned(std::uint8_t* at) noexcept
 }
 
 template <typename Form>
-void ConvolveForm(std::uint8_t* frame, std::size_t rowBytes, std::size_t height, std::uint8_t* scratch) noexcept
+std::size_t ConvolveForm(std::uint8_t* frame, std::size_t rowBytes, std::size_t height, std::uint8_t* scratch,
+                         std::size_t done, std::size_t ready) noexcept
 {
     std::uint8_t* const saved = Aligned(scratch);
     std::uint8_t* const planes = Aligned(saved + rowBytes + B::bytes);
-    std::memcpy(saved, frame, rowBytes);
-    std::memset(frame, 0, rowBytes);
-    for (std::size_t y = 1; y + 1 < height; y += 2) {
+    std::size_t y = done;
+    if (y == 0) {
+        std::memcpy(saved, frame, rowBytes);
+        std::memset(frame, 0, rowBytes);
+        y = 1;
+    }
+    for (; y + 2 < ready; y += 2) {
         std::uint8_t* const b = frame + y * rowBytes;
-        std::uint8_t* const c = b + rowBytes;
-        // With one inner row left, the second result falls on the last row, which is cleared below; any row serves as
+        MakeTwoRows<Form>({saved, b, b + rowBytes, b + 2 * rowBytes}, rowBytes, planes);
+    }
+    if (ready < height)
+        return y;
+    if (y + 1 < height) {
+        // One inner row is left: the second result falls on the last row, which is cleared below, and any row serves as
         // the one under it.
-        const std::uint8_t* const d = y + 2 < height ? c + rowBytes : c;
-        MakeTwoRows<Form>({saved, b, c, d}, rowBytes, planes);
+        std::uint8_t* const b = frame + y * rowBytes;
+        MakeTwoRows<Form>({saved, b, b + rowBytes, b + rowBytes}, rowBytes, planes);
     }
     std::memset(frame + (height - 1) * rowBytes, 0, rowBytes);
+    return height;
 }
 
 // Bytes with the sign bit turned differ by at most -128 or 127 once saturated: with the bit turned back, the difference
@@ -272,56 +282,86 @@ VIXA_INLINE Vector DifferenceOf(Vector minuend, Vector subtrahend) noexcept
     return B::Xor(B::SubtractSaturatedI8(B::Xor(minuend, half), B::Xor(subtrahend, half)), half);
 }
 
-// Each byte less the byte `back` bytes before it, plus 128, clamped. Walked from the end of the frame to its start,
-// what is still to be read has not been written yet, and no copy is needed.
-void Shift(std::uint8_t* frame, std::size_t rowBytes, std::size_t height, std::size_t back) noexcept
+// Each byte of a row less the one `left` bytes before it in `from`, plus 128, clamped; the row's first and last pixels
+// become 0. Walked from the end of the row to its start, so `from` may be the row itself.
+VIXA_INLINE void ShiftRow(std::uint8_t* row, const std::uint8_t* from, std::size_t left, std::size_t rowBytes) noexcept
 {
-    std::memset(frame + (height - 1) * rowBytes, 0, rowBytes);
-    // Vectors run on across the borders between rows: the last pixel of one row and the first of the next are cleared
-    // once nothing needs them any more.
-    std::size_t end = (height - 1) * rowBytes;
-    std::size_t border = end;
-    for (std::size_t y = height - 2; y > 0; --y) {
-        const std::size_t row = y * rowBytes + pixelBytes;
-        for (; end >= row + B::bytes; end -= B::bytes) {
-            std::uint8_t* const at = frame + end - B::bytes;
-            B::Store(at, DifferenceOf(B::Load(at), B::Load(at - back)));
+    std::size_t end = rowBytes;
+    if (end >= pixelBytes + B::bytes) {
+        // What is left at the start is less than a vector. It is made as a whole one while nothing has been replaced.
+        const Vector head = DifferenceOf(B::Load(row + pixelBytes), B::Load(from + (pixelBytes - left)));
+        for (; end >= pixelBytes + B::bytes; end -= B::bytes) {
+            const std::size_t at = end - B::bytes;
+            B::Store(row + at, DifferenceOf(B::Load(row + at), B::Load(from + (at - left))));
         }
-        if (y == 1 && end > row) {
-            std::uint8_t* const at = frame + row;
-            B::StorePart(at, DifferenceOf(B::LoadPart(at, end - row), B::LoadPart(at - back, end - row)), end - row);
-            end = row;
-        }
-        for (; border >= end + pixelBytes; border -= rowBytes)
-            std::memset(frame + border - pixelBytes, 0, 2 * pixelBytes);
+        B::Store(row + pixelBytes, head);
+    } else if (end > pixelBytes) {
+        const std::size_t part = end - pixelBytes;
+        const Vector all =
+            DifferenceOf(B::LoadPart(row + pixelBytes, part), B::LoadPart(from + (pixelBytes - left), part));
+        B::StorePart(row + pixelBytes, all, part);
     }
-    std::memset(frame, 0, rowBytes + pixelBytes);
+    ClearPixel(row);
+    ClearPixel(row + rowBytes - pixelBytes);
 }
 
-void Convolve(std::uint8_t* frame, std::size_t width, std::size_t height, ConvolutionKind kind,
-              std::uint8_t* scratch) noexcept
+// Each byte less one of the row above or of its own, `left` bytes to the left. Rows are made from the last one that is
+// ready upwards: what is still to be read has not been written yet. The copies serve the rows that come with the next
+// call.
+std::size_t Shift(std::uint8_t* frame, std::size_t rowBytes, std::size_t height, bool above, std::size_t left,
+                  std::uint8_t* scratch, std::size_t done, std::size_t ready) noexcept
+{
+    std::uint8_t* const saved = scratch;
+    std::uint8_t* const next = scratch + rowBytes;
+    std::size_t first = done;
+    if (first == 0) {
+        std::memcpy(saved, frame, rowBytes);
+        std::memset(frame, 0, rowBytes);
+        first = 1;
+    }
+    const bool last = ready == height;
+    const std::size_t end = last ? height - 1 : ready;
+    if (end > first) {
+        if (!last)
+            std::memcpy(next, frame + (end - 1) * rowBytes, rowBytes);
+        for (std::size_t y = end; y-- > first;) {
+            std::uint8_t* const row = frame + y * rowBytes;
+            const std::uint8_t* const from = !above ? row : y > first ? row - rowBytes : saved;
+            ShiftRow(row, from, left, rowBytes);
+        }
+        if (!last)
+            std::memcpy(saved, next, rowBytes);
+    }
+    if (last)
+        std::memset(frame + (height - 1) * rowBytes, 0, rowBytes);
+    return last ? height : end;
+}
+
+std::size_t Convolve(std::uint8_t* frame, std::size_t width, std::size_t height, ConvolutionKind kind,
+                     std::uint8_t* scratch, std::size_t done, std::size_t ready) noexcept
 {
     const std::size_t rowBytes = width * pixelBytes;
     switch (kind) {
     case ConvolutionKind::DetectEdges:
-        return ConvolveForm<BoxForm<9>>(frame, rowBytes, height, scratch);
+        return ConvolveForm<BoxForm<9>>(frame, rowBytes, height, scratch, done, ready);
     case ConvolutionKind::Emboss:
-        return ConvolveForm<EmbossForm>(frame, rowBytes, height, scratch);
+        return ConvolveForm<EmbossForm>(frame, rowBytes, height, scratch, done, ready);
     case ConvolutionKind::EnhanceDetails:
-        return ConvolveForm<CrossForm<9, -1, 13108>>(frame, rowBytes, height, scratch);
+        return ConvolveForm<CrossForm<9, -1, 13108>>(frame, rowBytes, height, scratch, done, ready);
     case ConvolutionKind::EnhanceEdges:
-        return ConvolveForm<BoxForm<10>>(frame, rowBytes, height, scratch);
+        return ConvolveForm<BoxForm<10>>(frame, rowBytes, height, scratch, done, ready);
     case ConvolutionKind::EnhanceFocus:
-        return ConvolveForm<CornersForm>(frame, rowBytes, height, scratch);
+        return ConvolveForm<CornersForm>(frame, rowBytes, height, scratch, done, ready);
     case ConvolutionKind::LightEdges:
-        return ConvolveForm<CrossForm<-4, 1, 0>>(frame, rowBytes, height, scratch);
+        return ConvolveForm<CrossForm<-4, 1, 0>>(frame, rowBytes, height, scratch, done, ready);
     case ConvolutionKind::Soften:
-        return ConvolveForm<BoxForm<0>>(frame, rowBytes, height, scratch);
+        return ConvolveForm<BoxForm<0>>(frame, rowBytes, height, scratch, done, ready);
     case ConvolutionKind::ShiftEdges:
-        return Shift(frame, rowBytes, height, rowBytes + pixelBytes);
+        return Shift(frame, rowBytes, height, true, pixelBytes, scratch, done, ready);
     case ConvolutionKind::ShiftEdgesVertical:
-        return Shift(frame, rowBytes, height, rowBytes);
+        return Shift(frame, rowBytes, height, true, 0, scratch, done, ready);
     case ConvolutionKind::ShiftEdgesHorizontal:
-        return Shift(frame, rowBytes, height, pixelBytes);
+        return Shift(frame, rowBytes, height, false, pixelBytes, scratch, done, ready);
     }
+    return ready;
 }

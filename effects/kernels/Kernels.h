@@ -42,6 +42,15 @@ struct KernelSet
     // has no meaning.
     void (*convolve)(Frame frame, std::int32_t width, std::int32_t height, const ConvolutionParameters& parameters,
                      Frame scratch) noexcept;
+
+    // The same in pieces, for a picture whose rows become ready from the first on: goes on where `done` rows are
+    // finished, given that the first `ready` rows are there, and returns how many rows are finished now. Between the
+    // calls for one frame scratch is kept, and finished rows may be changed; the call with all rows ready (`ready` may
+    // be more) finishes them all. Rows that are not ready are not touched. A frame that stays as it is counts as
+    // finished as far as it is ready.
+    std::size_t (*convolveRows)(Frame frame, std::int32_t width, std::int32_t height,
+                                const ConvolutionParameters& parameters, Frame scratch, std::size_t done,
+                                std::size_t ready) noexcept;
 };
 
 // The bytes of working memory that `convolve` asks for: a few rows; 0 for a width below 1.

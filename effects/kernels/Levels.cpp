@@ -4,6 +4,7 @@
 #include "effects/kernels/VectorKernels.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace vixa::kernels {
 
@@ -46,27 +47,48 @@ void Add(Frame frame, const AddParameters& parameters) noexcept
     level.add(frame.data(), frame.size() / 8 * 2, patterns.add, patterns.subtract);
 }
 
+// The plain form makes all rows at once.
+std::size_t PlainConvolveRows(Frame frame, std::int32_t width, std::int32_t height,
+                              const ConvolutionParameters& parameters, Frame scratch, std::size_t done,
+                              std::size_t ready) noexcept
+{
+    const ConvolutionPlan plan = PlanConvolution(frame, width, height, parameters, scratch);
+    if (plan.leaveAlone || done >= plan.height)
+        return ready;
+    if (ready < plan.height)
+        return 0;
+    scalar::Convolve(frame, width, height, parameters, scratch);
+    return plan.height;
+}
+
+template <const VectorKernels& level>
+std::size_t ConvolveRows(Frame frame, std::int32_t width, std::int32_t height, const ConvolutionParameters& parameters,
+                         Frame scratch, std::size_t done, std::size_t ready) noexcept
+{
+    const ConvolutionPlan plan = PlanConvolution(frame, width, height, parameters, scratch);
+    if (plan.leaveAlone || ready == 0 || done >= plan.height)
+        return ready;
+    // The vector forms know the ten kinds. A kernel that outlived its kind is rare and goes the plain way.
+    const ConvolutionKernel* kernel = KernelOf(parameters.kind);
+    if (!kernel || kernel->coefficients != parameters.coefficients || plan.height < 3)
+        return PlainConvolveRows(frame, width, height, parameters, scratch, done, ready);
+    return level.convolve(frame.data(), plan.width, plan.height, static_cast<ConvolutionKind>(parameters.kind),
+                          scratch.data(), done, std::min(ready, plan.height));
+}
+
 template <const VectorKernels& level>
 void Convolve(Frame frame, std::int32_t width, std::int32_t height, const ConvolutionParameters& parameters,
               Frame scratch) noexcept
 {
-    const ConvolutionPlan plan = PlanConvolution(frame, width, height, parameters, scratch);
-    if (plan.leaveAlone)
-        return;
-    // The vector forms know the ten kinds. A kernel that outlived its kind is rare and goes the plain way.
-    const ConvolutionKernel* kernel = KernelOf(parameters.kind);
-    if (!kernel || kernel->coefficients != parameters.coefficients || plan.height < 3)
-        return scalar::Convolve(frame, width, height, parameters, scratch);
-    level.convolve(frame.data(), plan.width, plan.height, static_cast<ConvolutionKind>(parameters.kind),
-                   scratch.data());
+    ConvolveRows<level>(frame, width, height, parameters, scratch, 0, std::numeric_limits<std::size_t>::max());
 }
 
-constexpr KernelSet scalarKernels = {scalar::Gamma,       scalar::Multiply, scalar::Invert,
-                                     scalar::FilterColor, scalar::Add,      scalar::Convolve};
+constexpr KernelSet scalarKernels = {scalar::Gamma, scalar::Multiply, scalar::Invert,   scalar::FilterColor,
+                                     scalar::Add,   scalar::Convolve, PlainConvolveRows};
 
 template <const VectorKernels& level>
-constexpr KernelSet vectorKernels = {Gamma<level>,       Multiply<level>, Invert<level>,
-                                     FilterColor<level>, Add<level>,      Convolve<level>};
+constexpr KernelSet vectorKernels = {Gamma<level>, Multiply<level>, Invert<level>,      FilterColor<level>,
+                                     Add<level>,   Convolve<level>, ConvolveRows<level>};
 
 } // namespace
 

@@ -29,9 +29,11 @@ struct VectorKernels
 
     void (*add)(std::uint8_t* frame, std::size_t pixels, std::uint32_t add, std::uint32_t subtract) noexcept;
 
-    // Width at least 1, height at least 3; scratch as ConvolutionScratchBytes says.
-    void (*convolve)(std::uint8_t* frame, std::size_t width, std::size_t height, ConvolutionKind kind,
-                     std::uint8_t* scratch) noexcept;
+    // Width at least 1, height at least 3; scratch as ConvolutionScratchBytes says. Goes on where `done` rows have been
+    // made, fewer than height, as far as the first `ready` rows, at least one, allow; returns how many are made then:
+    // all when all are ready. Scratch holds what the next call for this frame needs.
+    std::size_t (*convolve)(std::uint8_t* frame, std::size_t width, std::size_t height, ConvolutionKind kind,
+                            std::uint8_t* scratch, std::size_t done, std::size_t ready) noexcept;
 };
 
 // The widest vector of any level, and how a convolution's scratch is laid out at every level: one saved row, then the

@@ -1,0 +1,76 @@
+// Several effects over one frame in one go: each works on as much of the frame as the one before it has finished, band
+// by band, so that a band stays in the cache while all of them run over it. The bytes are those of one effect after
+// the other.
+#pragma once
+
+#include "effects/kernels/Kernels.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <variant>
+#include <vector>
+
+namespace vixa::kernels {
+
+struct MultiplyParameters
+{
+    std::int32_t factor;
+};
+
+struct InvertParameters
+{
+    std::int32_t mask;
+};
+
+// A convolution with what it needs beside its kernel. Scratch is its own until the chain has run.
+struct PictureConvolution
+{
+    std::int32_t width;
+    std::int32_t height;
+    ConvolutionParameters parameters;
+    Frame scratch;
+};
+
+using StepParameters = std::variant<GammaTable, MultiplyParameters, InvertParameters, FilterColorParameters,
+                                    AddParameters, PictureConvolution>;
+
+// One effect: which bytes it is given, and what it does to them.
+struct Step
+{
+    const KernelSet* kernels;
+    Frame frame;
+    StepParameters parameters;
+};
+
+// The whole step at once.
+void RunStep(const Step& step) noexcept;
+
+// The steps of one frame, in order. Their spans begin at the same byte; they may differ in length. Used by one thread
+// at a time.
+class Chain
+{
+public:
+    // Small enough for the smallest second-level caches; larger ones were no faster.
+    static constexpr std::size_t usualBand = 128 * 1024;
+
+    // Throws std::bad_alloc; then the chain is as before.
+    void Add(const Step& step) { links.push_back({step, 0, 0}); }
+
+    // Runs all steps over bands of about so many bytes (at least 8; more where a row needs it) and forgets them; the
+    // room for as many is kept.
+    void Run(std::size_t bandBytes = usualBand) noexcept;
+
+private:
+    struct Link
+    {
+        Step step;
+        std::size_t done; // bytes that the step has finished
+        std::size_t rows; // rows, in a convolution
+    };
+
+    static std::size_t Advance(Link& link, std::size_t ready, bool last) noexcept;
+
+    std::vector<Link> links;
+};
+
+} // namespace vixa::kernels
