@@ -13,10 +13,11 @@ CUnknown* CALLBACK CAddPixel::CreateInstance(IUnknown* outer, HRESULT* result) n
     return new (std::nothrow) CAddPixel(outer, result);
 }
 
-HRESULT CAddPixel::Transform(IMediaSample* sample)
+HRESULT CAddPixel::StepFor(IMediaSample* sample, Step& step)
 {
     const auto delta = parameters.Get();
-    Kernels().add(vixa::ValidBytesOf(sample), {delta.redDelta, delta.greenDelta, delta.blueDelta});
+    step.frame = vixa::ValidBytesOf(sample);
+    step.parameters = vixa::kernels::AddParameters{delta.redDelta, delta.greenDelta, delta.blueDelta};
     return S_OK;
 }
 

@@ -48,7 +48,7 @@ HRESULT CConvCorrection::SetMediaType(PIN_DIRECTION direction, const CMediaType*
     return KernelEffect::SetMediaType(direction, type);
 }
 
-HRESULT CConvCorrection::Transform(IMediaSample* sample)
+HRESULT CConvCorrection::StepFor(IMediaSample* sample, Step& step)
 {
     // The whole buffer, not the sample's actual data length, holds the frame.
     const auto buffer = BufferOf(sample);
@@ -60,7 +60,8 @@ HRESULT CConvCorrection::Transform(IMediaSample* sample)
     } catch (const std::exception&) {
         return S_OK; // short of memory, or more rows than any memory holds
     }
-    Kernels().convolve(buffer, now.frameWidth, now.frameHeight, now.convolution, scratch);
+    step.frame = buffer;
+    step.parameters = kernels::PictureConvolution{now.frameWidth, now.frameHeight, now.convolution, scratch};
     return S_OK;
 }
 

@@ -15,12 +15,9 @@ public:
     // The create routine of the factory table: null when memory is short.
     static CUnknown* CALLBACK CreateInstance(IUnknown* outer, HRESULT* result) noexcept;
 
-    // The input pin's type gives the frame size that Transform works with.
+    // The input pin's type gives the size of the frames.
     HRESULT SetMediaType(PIN_DIRECTION direction, const CMediaType* type) override;
 
-    // Always S_OK. A sample whose buffer is smaller than the frame passes unchanged, as does every frame when memory
-    // for the few saved rows is short.
-    HRESULT Transform(IMediaSample* sample) override;
     STDMETHODIMP SetPropertySet(IUnknown* propertySet) noexcept override;
 
 private:
@@ -30,6 +27,10 @@ private:
         LONG frameHeight; // with its sign: negative for top-down rows
         vixa::kernels::ConvolutionParameters convolution;
     };
+
+    // Always S_OK. A sample whose buffer is smaller than the frame passes unchanged, as does every frame when memory
+    // for the few saved rows is short.
+    HRESULT StepFor(IMediaSample* sample, Step& step) override;
 
     CConvCorrection(IUnknown* outer, HRESULT* result);
 

@@ -18,11 +18,12 @@ CUnknown* CALLBACK CFilterColor::CreateInstance(IUnknown* outer, HRESULT* result
     return new (std::nothrow) CFilterColor(outer, result);
 }
 
-HRESULT CFilterColor::Transform(IMediaSample* sample)
+HRESULT CFilterColor::StepFor(IMediaSample* sample, Step& step)
 {
     const auto fields = parameters.Get();
-    Kernels().filterColor(vixa::ValidBytesOf(sample),
-                          {fields.block.intensity, fields.block.colour, fields.brighten != 0});
+    step.frame = vixa::ValidBytesOf(sample);
+    step.parameters =
+        vixa::kernels::FilterColorParameters{fields.block.intensity, fields.block.colour, fields.brighten != 0};
     return S_OK;
 }
 

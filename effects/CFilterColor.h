@@ -12,8 +12,6 @@ public:
     // The create routine of the factory table: null when memory is short.
     static CUnknown* CALLBACK CreateInstance(IUnknown* outer, HRESULT* result) noexcept;
 
-    // Always S_OK.
-    HRESULT Transform(IMediaSample* sample) override;
     // The sign of the intensity is taken into `brighten` only after a read that succeeded with at least one byte.
     STDMETHODIMP SetPropertySet(IUnknown* propertySet) noexcept override;
 
@@ -23,6 +21,9 @@ private:
         vixavideofx::FilterColorBlock block; // the intensity as a magnitude
         std::int32_t brighten;               // 1: add the intensity, 0: subtract it
     };
+
+    // Always S_OK.
+    HRESULT StepFor(IMediaSample* sample, Step& step) override;
 
     CFilterColor(IUnknown* outer, HRESULT* result);
 

@@ -16,7 +16,7 @@ CUnknown* CALLBACK CGammaCorrection::CreateInstance(IUnknown* outer, HRESULT* re
     return new (std::nothrow) CGammaCorrection(outer, result);
 }
 
-HRESULT CGammaCorrection::Transform(IMediaSample* sample)
+HRESULT CGammaCorrection::StepFor(IMediaSample* sample, Step& step)
 {
     const auto gamma = parameters.Get().gamma;
     if (gamma == identity)
@@ -28,7 +28,8 @@ HRESULT CGammaCorrection::Transform(IMediaSample* sample)
         table = vixa::kernels::MakeGammaTable(gamma);
         tableGamma = gamma;
     }
-    Kernels().gamma(vixa::ValidBytesOf(sample), table);
+    step.frame = vixa::ValidBytesOf(sample);
+    step.parameters = table;
     return S_OK;
 }
 

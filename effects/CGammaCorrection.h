@@ -12,12 +12,13 @@ public:
     // The create routine of the factory table: null when memory is short.
     static CUnknown* CALLBACK CreateInstance(IUnknown* outer, HRESULT* result) noexcept;
 
-    // S_OK; E_FAIL when the gamma is not the identity and there is no sample, no input pin or no buffer.
-    HRESULT Transform(IMediaSample* sample) override;
     STDMETHODIMP SetPropertySet(IUnknown* propertySet) noexcept override;
 
 private:
     static constexpr std::int32_t identity = 100;
+
+    // S_OK; E_FAIL when the gamma is not the identity and there is no sample, no input pin or no buffer.
+    HRESULT StepFor(IMediaSample* sample, Step& step) override;
 
     CGammaCorrection(IUnknown* outer, HRESULT* result);
 

@@ -16,9 +16,10 @@ CUnknown* CALLBACK CMultiplyPixel::CreateInstance(IUnknown* outer, HRESULT* resu
     return new (std::nothrow) CMultiplyPixel(outer, result);
 }
 
-HRESULT CMultiplyPixel::Transform(IMediaSample* sample)
+HRESULT CMultiplyPixel::StepFor(IMediaSample* sample, Step& step)
 {
-    Kernels().multiply(vixa::ValidBytesOf(sample), parameters.Get().factor);
+    step.frame = vixa::ValidBytesOf(sample);
+    step.parameters = vixa::kernels::MultiplyParameters{parameters.Get().factor};
     return S_OK;
 }
 

@@ -16,11 +16,10 @@ CUnknown* CALLBACK CPixelControl::CreateInstance(IUnknown* outer, HRESULT* resul
     return new (std::nothrow) CPixelControl(outer, result);
 }
 
-HRESULT CPixelControl::Transform(IMediaSample* sample)
+HRESULT CPixelControl::StepFor(IMediaSample* sample, Step& step)
 {
-    const auto mask = parameters.Get().mask;
-    if (mask != 0)
-        Kernels().invert(vixa::ValidBytesOf(sample), mask);
+    step.frame = vixa::ValidBytesOf(sample);
+    step.parameters = vixa::kernels::InvertParameters{parameters.Get().mask};
     return S_OK;
 }
 

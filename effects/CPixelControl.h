@@ -12,11 +12,12 @@ public:
     // The create routine of the factory table: null when memory is short.
     static CUnknown* CALLBACK CreateInstance(IUnknown* outer, HRESULT* result) noexcept;
 
-    // Always S_OK.
-    HRESULT Transform(IMediaSample* sample) override;
     STDMETHODIMP SetPropertySet(IUnknown* propertySet) noexcept override;
 
 private:
+    // Always S_OK.
+    HRESULT StepFor(IMediaSample* sample, Step& step) override;
+
     CPixelControl(IUnknown* outer, HRESULT* result);
 
     vixa::Guarded<vixavideofx::InvertBlock> parameters{{0}};

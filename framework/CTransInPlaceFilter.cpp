@@ -81,6 +81,11 @@ bool CTransInPlaceFilter::UsingDifferentAllocators() const noexcept
 
 HRESULT CTransInPlaceFilter::Receive(IMediaSample* sample)
 {
+    return ReceiveWith(sample, nullptr);
+}
+
+HRESULT CTransInPlaceFilter::ReceiveWith(IMediaSample* sample, vixa::Batch* batch)
+{
     const AM_SAMPLE2_PROPERTIES& properties = *m_pInput->SampleProps();
     if (properties.dwStreamId != AM_STREAM_MEDIA)
         return m_pOutput->Deliver(sample);
@@ -91,15 +96,36 @@ HRESULT CTransInPlaceFilter::Receive(IMediaSample* sample)
         if (FAILED(result))
             return result;
     }
+    const auto finish = [&batch] {
+        if (batch)
+            batch->Finish();
+    };
     ComPtr<IMediaSample> copy;
     if (UsingDifferentAllocators()) {
+        finish();
+        batch = nullptr;
         // Not Attach: this platform's ComPtr counts one more there.
         *copy.GetAddressOf() = Copy(sample);
         if (!copy)
             return E_UNEXPECTED;
         sample = copy.Get();
     }
-    return DeliverTransformed(Transform(sample), sample);
+
+    vixa::IBatchInput* const peer = batchWorker ? OutputPin()->BatchPeer() : nullptr;
+    if (!batch && peer)
+        batch = batchWorker->OwnBatch();
+    HRESULT transformed = S_OK;
+    if (!batch || !batchWorker->PutOff(sample, *batch)) {
+        finish();
+        transformed = Transform(sample);
+    }
+    if (batch && peer && transformed == S_OK) {
+        const HRESULT result = peer->ReceiveBatch(sample, *batch);
+        m_bSampleSkipped = false;
+        return result;
+    }
+    finish();
+    return DeliverTransformed(transformed, sample);
 }
 
 IMediaSample* CTransInPlaceFilter::Copy(IMediaSample* source)

@@ -14,6 +14,9 @@
 // upstream is then offered downstream's allocator and sees downstream's requirements, and what it chooses is passed on
 // downstream. If downstream refuses that, or if samples may not be changed where they lie, the output keeps another
 // allocator and samples are copied. A graph may reconnect at once or later: streaming works in between as well.
+//
+// Where filters of this module follow each other, Transform may be put off until the last of them has the sample
+// (framework/Batch.h). Whoever gets the sample then, or gets it back, finds it as if each had worked on its own.
 class CTransInPlaceFilter : public CTransformFilter
 {
     friend class CTransInPlaceInputPin;
@@ -55,7 +58,13 @@ protected:
     bool TypesMatch() const noexcept { return m_pInput->CurrentMediaType() == m_pOutput->CurrentMediaType(); }
 
     const bool m_bModifiesData;
+    // Set by the constructor of a derived class that works on samples together with the filters around it. Not virtual
+    // operations of this class: derived classes count on the order of those.
+    vixa::BatchWorker* batchWorker = nullptr;
 
 private:
+    // The streaming path of a sample on which work is pending, or none (null).
+    HRESULT ReceiveWith(IMediaSample* sample, vixa::Batch* batch);
+
     bool reconnecting = false; // guarded by the filter lock
 };

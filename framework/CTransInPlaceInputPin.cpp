@@ -9,6 +9,13 @@ CTransInPlaceInputPin::CTransInPlaceInputPin(LPCTSTR objectName, CTransInPlaceFi
 {
 }
 
+HRESULT CTransInPlaceInputPin::NonDelegatingQueryInterface(REFIID riid, void** ppv) noexcept
+{
+    if (IsEqualIID(riid, vixa::IID_IBatchInput))
+        return GetInterface(static_cast<vixa::IBatchInput*>(this), ppv);
+    return CTransformInputPin::NonDelegatingQueryInterface(riid, ppv);
+}
+
 HRESULT CTransInPlaceInputPin::EnumMediaTypes(IEnumMediaTypes** types) noexcept
 {
     if (!types)
@@ -73,4 +80,26 @@ HRESULT CTransInPlaceInputPin::GetAllocatorRequirements(ALLOCATOR_PROPERTIES* pr
     if (!downstream || asking.Again())
         return E_NOTIMPL;
     return vixa::Answered([&] { return downstream->GetAllocatorRequirements(properties); });
+}
+
+bool CTransInPlaceInputPin::TakesBatches() noexcept
+{
+    return m_pTIPFilter->batchWorker && m_pTIPFilter->batchWorker->TakesBatches();
+}
+
+HRESULT CTransInPlaceInputPin::ReceiveBatch(IMediaSample* sample, vixa::Batch& batch) noexcept
+{
+    CAutoLock lock(&m_pTIPFilter->m_csReceive);
+    HRESULT result = CBaseInputPin::Receive(sample);
+    if (result == S_OK)
+        result = vixa::Answered([&] { return m_pTIPFilter->ReceiveWith(sample, &batch); });
+    // Work that was not done may use what this filter's lock guards.
+    batch.Finish();
+    return result;
+}
+
+const void* CTransInPlaceInputPin::ThisModule() noexcept
+{
+    static const char here = 0;
+    return &here;
 }

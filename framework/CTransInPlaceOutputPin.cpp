@@ -75,6 +75,7 @@ HRESULT CTransInPlaceOutputPin::CompleteConnect(IPin* receivePin)
     const HRESULT result = CTransformOutputPin::CompleteConnect(receivePin);
     if (FAILED(result))
         return result;
+    FindBatchPeer();
     // Types that differ have had the input reconnected, or will have.
     CTransInPlaceInputPin& input = *m_pTIPFilter->InputPin();
     if (!input.IsConnected() || !m_pTIPFilter->UsingDifferentAllocators() || !m_pTIPFilter->TypesMatch())
@@ -82,4 +83,18 @@ HRESULT CTransInPlaceOutputPin::CompleteConnect(IPin* receivePin)
     const HRESULT reconnected = m_pTIPFilter->Reconnect(input, CMediaType(CurrentMediaType()));
     // A graph that does not reconnect leaves a filter that copies; one that could not has lost the input.
     return FAILED(reconnected) && !input.IsConnected() ? reconnected : result;
+}
+
+HRESULT CTransInPlaceOutputPin::BreakConnect()
+{
+    batchPeer.Reset();
+    return CTransformOutputPin::BreakConnect();
+}
+
+void CTransInPlaceOutputPin::FindBatchPeer() noexcept
+{
+    ComPtr<vixa::IBatchInput> found;
+    if (SUCCEEDED(m_pInputPin->QueryInterface(vixa::IID_IBatchInput, reinterpret_cast<void**>(found.GetAddressOf()))) &&
+        found && found->Module() == CTransInPlaceInputPin::ThisModule() && found->IsFace(m_pInputPin.Get()))
+        batchPeer = found;
 }

@@ -1,6 +1,7 @@
 // The output of an in-place filter: it offers what the upstream pin offers.
 #pragma once
 
+#include "framework/Batch.h"
 #include "framework/CTransformOutputPin.h"
 
 class CTransInPlaceFilter;
@@ -21,6 +22,7 @@ public:
     HRESULT DecideAllocator(IMemInputPin* pin, IMemAllocator** allocator) override;
     // Has the graph reconnect the input when it uses another allocator.
     HRESULT CompleteConnect(IPin* receivePin) override;
+    HRESULT BreakConnect() override;
 
     // The input's allocator has changed: it is passed on downstream. Where that cannot be, the output gets another one
     // of the same sizes, as the base decides. Does nothing while unconnected; a failure leaves the present one.
@@ -29,6 +31,15 @@ public:
     IMemInputPin* ConnectedIMemInputPin() const noexcept { return m_pInputPin.Get(); }
     IMemAllocator* PeekAllocator() const noexcept { return m_pAllocator.Get(); }
 
+    // The peer, when it is of this module and takes work over now; else null. Without a reference.
+    vixa::IBatchInput* BatchPeer() const noexcept
+    {
+        return batchPeer && batchPeer->TakesBatches() ? batchPeer.Get() : nullptr;
+    }
+
 private:
+    void FindBatchPeer() noexcept;
+
     CTransInPlaceFilter* const m_pTIPFilter;
+    ComPtr<vixa::IBatchInput> batchPeer; // the peer, when it is of this module
 };

@@ -8,6 +8,7 @@
 
 #include <vixavideofx/ClassIds.h>
 #include <vixavideofx/DataBlocks.h>
+#include <vixavideofx/IEffectChaining.h>
 #include <vixavideofx/IEffectFilter.h>
 #include <vixavideofx/IEffectInfo.h>
 #include <vixavideofx/IInstructionCeiling.h>
@@ -26,6 +27,7 @@ static const IID IID_IEffectInfo = {0x194ADE67, 0xAFBF, 0x4A1F, {0x99, 0x78, 0x4
 static const IID IID_IEffectFilter = {0xA67B871C, 0x0AD5, 0x4088, {0x89, 0x75, 0xDC, 0x79, 0x7B, 0x6B, 0x42, 0xD8}};
 static const IID IID_IInstructionCeiling = {
     0x8E0C4C2B, 0x5B7F, 0x4D0A, {0x9C, 0x0B, 0x3A, 0xF1, 0x6D, 0x52, 0xE7, 0x94}};
+static const IID IID_IEffectChaining = {0x5D8A1E46, 0x0C3B, 0x4F52, {0x8B, 0x7E, 0x94, 0xD2, 0x6A, 0x10, 0xC3, 0xF7}};
 static const IID IID_ISingleValuePropertySetInfo = {
     0x333C3010, 0xD31F, 0x4861, {0xB1, 0xA6, 0x3F, 0x06, 0x6F, 0x7E, 0xCB, 0xAB}};
 static const IID IID_ISingleEnumPropertySetInfo = {
@@ -124,6 +126,20 @@ typedef struct IInstructionCeilingVtbl
     HRESULT(STDMETHODCALLTYPE* SetCeiling)(IInstructionCeiling* This, ULONG level);
     HRESULT(STDMETHODCALLTYPE* GetLevel)(IInstructionCeiling* This, ULONG* level);
 } IInstructionCeilingVtbl;
+
+// Whether a filter makes its frames together with its neighbours, from its QueryInterface.
+typedef struct IEffectChaining
+{
+    const struct IEffectChainingVtbl* lpVtbl;
+} IEffectChaining;
+typedef struct IEffectChainingVtbl
+{
+    HRESULT(STDMETHODCALLTYPE* QueryInterface)(IEffectChaining* This, REFIID riid, void** object);
+    ULONG(STDMETHODCALLTYPE* AddRef)(IEffectChaining* This);
+    ULONG(STDMETHODCALLTYPE* Release)(IEffectChaining* This);
+    HRESULT(STDMETHODCALLTYPE* SetChaining)(IEffectChaining* This, BOOL together);
+    HRESULT(STDMETHODCALLTYPE* GetChaining)(IEffectChaining* This, BOOL* together);
+} IEffectChainingVtbl;
 
 // Descriptions of parameters that are one number or one choice.
 typedef struct ISingleValuePropertySetInfo

@@ -74,6 +74,8 @@ TEST(CDeclarations, HaveTheSlotsAndArgumentsOfCpp)
     EXPECT_SAME_OPERATION(IEffectFilter, SetDuration);
     EXPECT_SAME_OPERATION(IInstructionCeiling, SetCeiling);
     EXPECT_SAME_OPERATION(IInstructionCeiling, GetLevel);
+    EXPECT_SAME_OPERATION(IEffectChaining, SetChaining);
+    EXPECT_SAME_OPERATION(IEffectChaining, GetChaining);
     EXPECT_SAME_OPERATION(ISingleValuePropertySetInfo, GetRange);
     EXPECT_SAME_OPERATION(ISingleValuePropertySetInfo, FormatValue);
     EXPECT_SAME_OPERATION(ISingleValuePropertySetInfo, GetImage);
@@ -89,6 +91,7 @@ TEST(CDeclarations, HaveTheIdentifiersOfCpp)
     EXPECT_TRUE(c::IID_IEffectInfo == IID_IEffectInfo);
     EXPECT_TRUE(c::IID_IEffectFilter == IID_IEffectFilter);
     EXPECT_TRUE(c::IID_IInstructionCeiling == IID_IInstructionCeiling);
+    EXPECT_TRUE(c::IID_IEffectChaining == IID_IEffectChaining);
     EXPECT_TRUE(c::IID_ISingleValuePropertySetInfo == IID_ISingleValuePropertySetInfo);
     EXPECT_TRUE(c::IID_ISingleEnumPropertySetInfo == IID_ISingleEnumPropertySetInfo);
     EXPECT_TRUE(c::CLSID_VixaAddPixel == CLSID_AddPixel);

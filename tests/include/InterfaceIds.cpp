@@ -14,6 +14,7 @@ constexpr bool Same(const GUID& a, const GUID& b)
 static_assert(Same(__uuidof(IEffectInfo), IID_IEffectInfo), "");
 static_assert(Same(__uuidof(IEffectFilter), IID_IEffectFilter), "");
 static_assert(Same(__uuidof(IInstructionCeiling), IID_IInstructionCeiling), "");
+static_assert(Same(__uuidof(IEffectChaining), IID_IEffectChaining), "");
 static_assert(Same(__uuidof(ISingleValuePropertySetInfo), IID_ISingleValuePropertySetInfo), "");
 static_assert(Same(__uuidof(ISingleEnumPropertySetInfo), IID_ISingleEnumPropertySetInfo), "");
 
