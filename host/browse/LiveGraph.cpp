@@ -2,7 +2,6 @@
 
 #include "host/base/HostError.h"
 #include "host/effects/DataPropertySet.h"
-#include "host/media/Bands.h"
 #include "host/media/Room.h"
 
 #include <vixavideofx/IEffectFilter.h>
@@ -16,8 +15,8 @@ namespace vixahost::browse {
 // What the owner's thread and the graph's streaming thread share.
 struct LiveGraph::Exchange
 {
-    Exchange(const media::FrameFormat& frames, int reach, std::function<void()> notify)
-        : format(frames), bands(frames.width, frames.height, reach), onResult(std::move(notify))
+    Exchange(const media::FrameFormat& frames, const media::Bands& cut, std::function<void()> notify)
+        : format(frames), bands(cut), onResult(std::move(notify))
     {
     }
 
@@ -137,8 +136,11 @@ private:
 };
 
 LiveGraph::LiveGraph(const effects::EffectLibrary& library, const media::FrameFormat& format,
-                     const effects::EffectStack& stack, REFERENCE_TIME duration, std::function<void()> onResult)
-    : exchange(std::make_shared<Exchange>(format, effects::ReachOf(stack), std::move(onResult)))
+                     const effects::EffectStack& stack, REFERENCE_TIME duration, std::function<void()> onResult,
+                     std::size_t mostBandBytes)
+    : exchange(std::make_shared<Exchange>(
+          format, media::Bands(format.width, format.height, effects::ReachOf(stack), mostBandBytes),
+          std::move(onResult)))
 {
     reader = std::make_unique<Reader>(*exchange);
     writer = std::make_unique<Writer>(*exchange);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/graph/EffectGraph.h"
+#include "host/media/Bands.h"
 #include "host/media/Frames.h"
 
 #include <condition_variable>
@@ -31,7 +32,8 @@ public:
     // `onResult` is called on the graph's thread after each frame and must not wait for the owner's thread. A large
     // frame goes through in bands; one that comes while parameters change may have both, and is followed by the next.
     LiveGraph(const effects::EffectLibrary& library, const media::FrameFormat& format,
-              const effects::EffectStack& stack, REFERENCE_TIME duration, std::function<void()> onResult);
+              const effects::EffectStack& stack, REFERENCE_TIME duration, std::function<void()> onResult,
+              std::size_t mostBandBytes = media::bandBytes);
     ~LiveGraph();
     LiveGraph(const LiveGraph&) = delete;
     LiveGraph& operator=(const LiveGraph&) = delete;

@@ -39,12 +39,12 @@ void RunWindow(const BrowseCommand& command)
     if (!command.screenshot.empty()) {
         // Until everything has been drawn and nothing has come for a while.
         const ULONGLONG start = GetTickCount64();
-        for (ULONGLONG last = start; GetTickCount64() - last < 500 && GetTickCount64() - start < 10'000; Sleep(5))
-            while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        for (ULONGLONG last = start; GetTickCount64() - last < 500 && GetTickCount64() - start < 30'000; Sleep(5)) {
+            while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
                 DispatchMessageW(&message);
-                if (window.Pending())
-                    last = GetTickCount64();
-            }
+            if (window.Pending())
+                last = GetTickCount64();
+        }
         SaveScreenshot(window.Handle(), command.screenshot);
         return;
     }

@@ -74,6 +74,29 @@ TEST_F(SessionTest, APictureFollowsItsParameters)
     EXPECT_EQ(*Settled(session).after, *untouched.before) << "an empty stack shows the picture as it is";
 }
 
+TEST_F(SessionTest, AFrameInBandsIsTheSameFrame)
+{
+    const effects::EffectLibrary library;
+    const media::FrameFormat format = {17, 41, 25, 1};
+    const effects::EffectStack stack = {{CLSID_Emboss, "", {2}}, {CLSID_InvertColor, "", {7}}};
+    SharedFrame results[2];
+    for (const std::size_t bytes : {format.FrameBytes() / 5, format.FrameBytes()}) {
+        LiveGraph graph(
+            library, format, stack, 0, [] {}, bytes);
+        for (const unsigned first : {0u, 1u}) { // the buffers of a frame before hold nothing back
+            FrameBytes frame(format.FrameBytes());
+            for (std::size_t i = 0; i < frame.size(); ++i)
+                frame[i] = i % 4 == 3 ? std::uint8_t{0} : static_cast<std::uint8_t>(first + i * 7 + i / 68 * i);
+            graph.Push(std::make_shared<const FrameBytes>(frame));
+            for (int i = 0; i < 500 && graph.Busy(); ++i)
+                Sleep(10);
+        }
+        results[bytes == format.FrameBytes()] = graph.Latest().after;
+    }
+    ASSERT_TRUE(results[0] && results[1]);
+    EXPECT_TRUE(*results[0] == *results[1]);
+}
+
 TEST_F(SessionTest, OrderCounts)
 {
     Session session([] {});
