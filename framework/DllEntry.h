@@ -16,6 +16,7 @@ BOOL WINAPI DllEntryPoint(HINSTANCE instance, ULONG reason, LPVOID reserved) noe
 
 // Writes (TRUE) or deletes (FALSE) the class keys of every row of the table under HKEY_CLASSES_ROOT, and enters or
 // removes the rows that have a filter setup with the filter mapper. Registration stops at the first key that cannot be
-// written and answers HRESULT_FROM_WIN32 of its error; the rows before it stay. Without a filter mapper its failure is
+// written and answers HRESULT_FROM_WIN32 of its error; the rows before it stay. A module whose path has more than 259
+// characters is not registered: HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE). Without a filter mapper its failure is
 // the answer, with the class keys left as they are then.
 STDAPI AMovieDllRegisterServer2(BOOL registering) noexcept;

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int textLength = 260; // of every buffer here, with the terminator; longer texts are cut
+constexpr int textLength = 260; // of every buffer here, with the terminator; longer names are cut
 
 struct Text
 {
@@ -33,10 +33,11 @@ Text ClassKeyName(const CLSID& classId) noexcept
 // In wide characters: the component system reads them so, and the ANSI code page may lack some of a folder's.
 HRESULT ModulePath(Text& path) noexcept
 {
-    if (GetModuleFileNameW(g_hInst, path.characters, textLength) == 0)
+    const DWORD length = GetModuleFileNameW(g_hInst, path.characters, textLength);
+    if (length == 0)
         return HRESULT_FROM_WIN32(GetLastError());
-    path.characters[textLength - 1] = L'\0'; // some systems leave a path that was cut without one
-    return S_OK;
+    // The component system reads no longer path, and a cut one names another file or none.
+    return length < textLength ? S_OK : HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE);
 }
 
 // A link that stands where the key should be is opened itself, and takes no values.
@@ -132,7 +133,8 @@ STDAPI AMovieDllRegisterServer2(BOOL registering) noexcept
 {
     Text path;
     HRESULT result = ModulePath(path);
-    if (FAILED(result))
+    // What was registered from elsewhere can be removed from any path.
+    if (FAILED(result) && (registering || result != HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE)))
         return result;
     if (registering) {
         for (const CFactoryTemplate& row : g_Templates) {

@@ -119,9 +119,11 @@ TEST_F(RegisteredLibrary, HostFindsAndCreatesEveryEffect)
     EXPECT_EQ(ExitCodeOf(L"regsvr32 /u /s \"" + LibraryPath() + L"\""), 0u);
 }
 
-// What the class key says about a copy of the library at `path`, and whether an effect can be created through it.
+// What a copy of the library at `path` answers, what the class key says then, and whether an effect can be created
+// through it.
 struct Registered
 {
+    HRESULT answer = E_FAIL;
     std::wstring path;
     HRESULT creation = E_FAIL;
 };
@@ -141,7 +143,7 @@ Registered RegisteredAt(const std::wstring& path)
         const auto entry = [&](const char* name) {
             return reinterpret_cast<Entry>(reinterpret_cast<void*>(GetProcAddress(module.get(), name)));
         };
-        EXPECT_EQ(entry("DllRegisterServer")(), S_OK);
+        registered.answer = entry("DllRegisterServer")();
         const auto value = ReadValue(HKEY_CLASSES_ROOT, L"CLSID\\" + id + L"\\InprocServer32", L"");
         registered.path = value ? value->data.c_str() : L"";
         CLSID classId;
@@ -163,18 +165,19 @@ TEST_F(RegisteredLibrary, FoldersOfAnyNameAreRegisteredAsTheyAre)
         ASSERT_TRUE(CreateDirectoryW(folder.c_str(), nullptr));
         const std::wstring path = folder + L"\\VixaVideoFX.dll";
         const Registered registered = RegisteredAt(path);
+        EXPECT_EQ(registered.answer, S_OK);
         EXPECT_EQ(registered.path, path);
         EXPECT_EQ(registered.creation, S_OK);
         RemoveDirectoryW(folder.c_str());
     }
 
-    // A path too long for the class key is cut.
+    // Nothing could be created from a path that is too long for the component system.
     const std::wstring deep = L"\\\\?\\" + root + L"\\" + std::wstring(200, L'd');
     ASSERT_TRUE(CreateDirectoryW(deep.c_str(), nullptr));
     const std::wstring longPath = deep + L"\\" + std::wstring(80, L'f') + L".dll";
-    const std::wstring cut = RegisteredAt(longPath).path;
-    EXPECT_EQ(cut.size(), 259u);
-    EXPECT_NE(longPath.find(cut), std::wstring::npos);
+    const Registered refused = RegisteredAt(longPath);
+    EXPECT_EQ(refused.answer, HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE));
+    EXPECT_EQ(refused.path, L"");
     RemoveDirectoryW(deep.c_str());
     RemoveDirectoryW(root.c_str());
 }
