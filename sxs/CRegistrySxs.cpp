@@ -31,36 +31,36 @@ HRESULT ResultOf(Step step)
 
 } // namespace
 
-CRegistrySxs::CRegistrySxs(long rootKind, const char* documentText) : configuration_(documentText)
+CRegistrySxs::CRegistrySxs(long rootKind, const char* text) : configuration(text)
 {
     const HRESULT result = ResultOf([&] {
         const std::wstring path =
-            configuration_.ResolveRegistryPath(rootKind, APPLICATIONS, ownApplication, std::wstring(), ownProductLine);
-        const bool mayWrite = configuration_.GenerationId() == currentGeneration || configuration_.WriteAnyGeneration();
-        key_ = RegistryKey(rootKind, path, mayWrite ? fullRights : fullRights & ~writeRights);
+            configuration.ResolveRegistryPath(rootKind, APPLICATIONS, ownApplication, std::wstring(), ownProductLine);
+        const bool mayWrite = configuration.GenerationId() == currentGeneration || configuration.WriteAnyGeneration();
+        key = RegistryKey(rootKind, path, mayWrite ? fullRights : fullRights & ~writeRights);
         return S_OK;
     });
-    resolved_ = result == S_OK;
+    resolved = result == S_OK;
 }
 
 CRegistrySxs::~CRegistrySxs() = default;
 
 bool CRegistrySxs::CreateSubKey(const wchar_t* name)
 {
-    if (!resolved_ || !name)
+    if (!resolved || !name)
         return false;
     return ResultOf([&] {
-               key_.SubKey(name).Create();
+               key.SubKey(name).Create();
                return S_OK;
            }) == S_OK;
 }
 
 bool CRegistrySxs::SetStringValue(const wchar_t* subkey, const wchar_t* name, const wchar_t* value)
 {
-    if (!resolved_ || !subkey || !name || !value)
+    if (!resolved || !subkey || !name || !value)
         return false;
     return ResultOf([&] {
-               RegistryKey child = key_.SubKey(subkey);
+               RegistryKey child = key.SubKey(subkey);
                const HRESULT opened = child.TryOpen();
                if (opened == S_OK)
                    child.SetString(name, value);
@@ -70,10 +70,10 @@ bool CRegistrySxs::SetStringValue(const wchar_t* subkey, const wchar_t* name, co
 
 bool CRegistrySxs::DeleteValue(const wchar_t* subkey, const wchar_t* name)
 {
-    if (!resolved_ || !subkey || !name)
+    if (!resolved || !subkey || !name)
         return false;
     return ResultOf([&] {
-               RegistryKey child = key_.SubKey(subkey);
+               RegistryKey child = key.SubKey(subkey);
                const HRESULT opened = child.TryOpen();
                if (opened == S_OK)
                    child.DeleteValue(name);

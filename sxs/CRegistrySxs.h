@@ -8,14 +8,14 @@
 class CRegistrySxs
 {
 public:
-    // Computes the location below a root (a vixa::sxs::RootKind); touches no key. documentText as in SxsConfiguration.
-    explicit CRegistrySxs(long rootKind, const char* documentText = vixa::sxs::familyDocument);
+    // Computes the location below a root (a vixa::sxs::RootKind); touches no key. The text as in SxsConfiguration.
+    explicit CRegistrySxs(long rootKind, const char* text = vixa::sxs::familyDocument);
     virtual ~CRegistrySxs();
     CRegistrySxs(const CRegistrySxs&) = delete;
     CRegistrySxs& operator=(const CRegistrySxs&) = delete;
 
     // Whether the location could be computed. When it could not, every operation below answers false.
-    bool Resolved() const noexcept { return resolved_; }
+    bool Resolved() const noexcept { return resolved; }
 
     // Creates a key below the location, or finds it there. False for a null name.
     bool CreateSubKey(const wchar_t* name);
@@ -28,7 +28,7 @@ public:
     bool DeleteValue(const wchar_t* subkey, const wchar_t* name);
 
 private:
-    bool resolved_ = false;
-    SxsConfiguration configuration_;
-    RegistryKey key_;
+    bool resolved = false;
+    SxsConfiguration configuration;
+    RegistryKey key;
 };

@@ -34,11 +34,11 @@ enum Code : std::int32_t
 class CVixaSXSError : public std::exception
 {
 public:
-    // code: a system error number; area: one of vixa::sxs::Area.
-    CVixaSXSError(std::int32_t code, std::uint32_t area) noexcept : code_(code), area_(area) {}
+    // systemError: a system error number; where: one of vixa::sxs::Area.
+    CVixaSXSError(std::int32_t systemError, std::uint32_t where) noexcept : code(systemError), area(where) {}
 
-    std::int32_t GetCode() const noexcept { return code_; }
-    std::uint32_t GetArea() const noexcept { return area_; }
+    std::int32_t GetCode() const noexcept { return code; }
+    std::uint32_t GetArea() const noexcept { return area; }
 
     // "CVixaSXSError 0x%.8X -> 0x%.8X [ text ]" with code, area and the system's message for the code in the user's
     // language, on one line (empty when there is none). The result stands in one buffer of 1024 characters that belongs
@@ -46,6 +46,6 @@ public:
     const char* what() const noexcept override;
 
 private:
-    std::int32_t code_;
-    std::uint32_t area_;
+    std::int32_t code;
+    std::uint32_t area;
 };

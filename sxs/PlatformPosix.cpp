@@ -10,37 +10,52 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <string_view>
 #include <system_error>
 
 namespace vixa::sxs {
 
-std::wstring WideFromUtf8(const std::string& text)
+namespace {
+
+// A character's bytes by its first one; 0 when none starts with it.
+std::size_t LengthOf(unsigned char lead) noexcept
+{
+    if (lead < 0x80)
+        return 1;
+    if (lead < 0xC2 || lead > 0xF4)
+        return 0;
+    return lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+}
+
+// The first character, which is taken off the text.
+std::uint32_t TakeCharacter(std::string_view& text)
 {
     const auto fail = [] { throw CVixaSXSError(1113, AREA_TEXT); }; // no mapping exists for a character
-    std::wstring wide;
-    for (std::size_t at = 0; at < text.size();) {
-        const auto lead = static_cast<unsigned char>(text[at]);
-        const std::size_t length = lead < 0x80   ? 1
-                                   : lead < 0xC2 ? 0
-                                   : lead < 0xE0 ? 2
-                                   : lead < 0xF0 ? 3
-                                   : lead < 0xF5 ? 4
-                                                 : 0;
-        if (length == 0 || text.size() - at < length)
+    const auto lead = static_cast<unsigned char>(text.front());
+    const std::size_t length = LengthOf(lead);
+    if (length == 0 || text.size() < length)
+        fail();
+    std::uint32_t point = length == 1 ? lead : lead & (0x7Fu >> length);
+    for (const char part : text.substr(1, length - 1)) {
+        const auto next = static_cast<unsigned char>(part);
+        if ((next & 0xC0) != 0x80)
             fail();
-        std::uint32_t point = length == 1 ? lead : lead & (0x7Fu >> length);
-        for (std::size_t i = 1; i < length; ++i) {
-            const auto next = static_cast<unsigned char>(text[at + i]);
-            if ((next & 0xC0) != 0x80)
-                fail();
-            point = point << 6 | (next & 0x3Fu);
-        }
-        static constexpr std::uint32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
-        if (point < least[length] || point > 0x10FFFF || (point >= 0xD800 && point < 0xE000))
-            fail();
-        wide.push_back(static_cast<wchar_t>(point));
-        at += length;
+        point = point << 6 | (next & 0x3Fu);
     }
+    static constexpr std::uint32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
+    if (point < least[length] || point > 0x10FFFF || (point >= 0xD800 && point < 0xE000))
+        fail();
+    text.remove_prefix(length);
+    return point;
+}
+
+} // namespace
+
+std::wstring WideFromUtf8(const std::string& text)
+{
+    std::wstring wide;
+    for (std::string_view rest = text; !rest.empty();)
+        wide.push_back(static_cast<wchar_t>(TakeCharacter(rest)));
     return wide;
 }
 

@@ -3,6 +3,8 @@
 #include "sxs/CVixaSXSError.h"
 #include "sxs/SxsConfiguration.h"
 
+#include <utility>
+
 using namespace vixa::sxs;
 
 namespace {
@@ -15,22 +17,22 @@ void Check(LSTATUS status)
 
 } // namespace
 
-RegistryKey::RegistryKey(long rootKind, const std::wstring& path, REGSAM access)
-    : path_(path), access_(access), rootKind_(rootKind)
+RegistryKey::RegistryKey(long root, std::wstring pathBelow, REGSAM rights)
+    : path(std::move(pathBelow)), access(rights), rootKind(root)
 {
 }
 
 RegistryKey RegistryKey::SubKey(const std::wstring& name) const
 {
-    return RegistryKey(rootKind_, SxsConfiguration::JoinPath(path_, name), access_);
+    return {rootKind, SxsConfiguration::JoinPath(path, name), access};
 }
 
 HKEY RegistryKey::Root()
 {
-    if (rootHandle_)
-        return rootHandle_.get();
+    if (rootHandle)
+        return rootHandle.get();
     HKEY found = nullptr;
-    switch (rootKind_) {
+    switch (rootKind) {
     case LOCAL_MACHINE:
         found = HKEY_LOCAL_MACHINE;
         break;
@@ -43,27 +45,26 @@ HKEY RegistryKey::Root()
     default:
         throw CVixaSXSError(CODE_INVALID_ACCESS, AREA_REGISTRY);
     }
-    rootHandle_.reset(found);
+    rootHandle.reset(found);
     return found;
 }
 
 void RegistryKey::Create()
 {
-    if (handle_)
+    if (handle)
         return;
     HKEY created = nullptr;
-    Check(
-        RegCreateKeyExW(Root(), path_.c_str(), 0, nullptr, REG_OPTION_OPEN_LINK, access_, nullptr, &created, nullptr));
-    handle_.reset(created);
+    Check(RegCreateKeyExW(Root(), path.c_str(), 0, nullptr, REG_OPTION_OPEN_LINK, access, nullptr, &created, nullptr));
+    handle.reset(created);
 }
 
 void RegistryKey::Open()
 {
-    if (handle_)
+    if (handle)
         return;
     HKEY opened = nullptr;
-    Check(RegOpenKeyExW(Root(), path_.c_str(), REG_OPTION_OPEN_LINK, access_, &opened));
-    handle_.reset(opened);
+    Check(RegOpenKeyExW(Root(), path.c_str(), REG_OPTION_OPEN_LINK, access, &opened));
+    handle.reset(opened);
 }
 
 HRESULT RegistryKey::TryOpen()
@@ -80,12 +81,12 @@ void RegistryKey::SetString(const std::wstring& name, const std::wstring& value)
 {
     Open();
     const std::size_t bytes = (value.size() + 1) * sizeof(wchar_t);
-    Check(RegSetValueExW(handle_.get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
+    Check(RegSetValueExW(handle.get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
                          static_cast<DWORD>(bytes)));
 }
 
 void RegistryKey::DeleteValue(const std::wstring& name)
 {
     Open();
-    Check(RegDeleteValueW(handle_.get(), name.c_str()));
+    Check(RegDeleteValueW(handle.get(), name.c_str()));
 }

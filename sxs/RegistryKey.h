@@ -16,8 +16,8 @@ class RegistryKey
 public:
     RegistryKey() noexcept = default;
 
-    // A description; nothing is opened. rootKind: a vixa::sxs::RootKind; path without a leading backslash.
-    RegistryKey(long rootKind, const std::wstring& path, REGSAM access);
+    // A description; nothing is opened. root: a vixa::sxs::RootKind; the path below it without a leading backslash.
+    RegistryKey(long root, std::wstring pathBelow, REGSAM rights);
 
     // Assigning closes the handles held before.
     RegistryKey(RegistryKey&&) noexcept = default;
@@ -44,9 +44,9 @@ public:
 private:
     HKEY Root();
 
-    std::wstring path_;
-    vixa::UniqueKey handle_;
-    REGSAM access_ = 0;
-    long rootKind_ = 0;
-    vixa::UniqueKey rootHandle_; // may hold a predefined root, for which the release is as good as nothing
+    std::wstring path;
+    vixa::UniqueKey handle;
+    REGSAM access = 0;
+    long rootKind = 0;
+    vixa::UniqueKey rootHandle; // may hold a predefined root, for which the release is as good as nothing
 };

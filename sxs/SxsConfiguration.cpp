@@ -36,41 +36,41 @@ std::wstring TextOf(const TiXmlElement& element, const char* attribute)
 
 } // namespace
 
-SxsConfiguration::SxsConfiguration(const char* documentText) noexcept : documentText_(documentText) {}
+SxsConfiguration::SxsConfiguration(const char* text) noexcept : documentText(text) {}
 
 SxsConfiguration::~SxsConfiguration() = default;
 
 void SxsConfiguration::LoadDocument()
 {
-    if (document_)
+    if (document)
         return;
-    auto document = std::make_unique<TiXmlDocument>();
-    if (!ParseXml(documentText_, *document))
+    auto parsed = std::make_unique<TiXmlDocument>();
+    if (!ParseXml(documentText, *parsed))
         throw CVixaSXSError(CODE_INVALID_DATA, AREA_DOCUMENT);
-    root_ = std::make_unique<TiXmlHandle>(document.get());
-    document_ = std::move(document);
+    root = std::make_unique<TiXmlHandle>(parsed.get());
+    document = std::move(parsed);
 }
 
 void SxsConfiguration::SelectProductLine(long id)
 {
-    if (productLine_ && productLineId_ == id)
+    if (selected && selectedId == id)
         return;
-    if (!document_)
+    if (!document)
         throw CVixaSXSError(CODE_INVALID_DATA, AREA_LOOKUP);
-    for (const TiXmlElement* generation = root_->FirstChildElement("VIXA").FirstChildElement("GENERATION").ToElement();
+    for (const TiXmlElement* generation = root->FirstChildElement("VIXA").FirstChildElement("GENERATION").ToElement();
          generation; generation = generation->NextSiblingElement()) {
         for (const TiXmlElement* line = generation->FirstChildElement("PRODUCT-LINE"); line;
              line = line->NextSiblingElement()) {
             if (!HasId(*line, id))
                 continue;
             std::wstring name = TextOf(*line, "name"); // may throw: the old selection stands until then
-            int generationId = -1;
-            if (generation->QueryIntAttribute("id", &generationId) != TIXML_SUCCESS)
-                generationId = -1;
-            generationId_ = generationId;
-            productLine_ = line;
-            productLineId_ = static_cast<std::int32_t>(id);
-            productLineName_ = std::move(name);
+            int number = -1;
+            if (generation->QueryIntAttribute("id", &number) != TIXML_SUCCESS)
+                number = -1;
+            generationId = number;
+            selected = line;
+            selectedId = static_cast<std::int32_t>(id);
+            selectedName = std::move(name);
             return;
         }
     }
@@ -79,9 +79,9 @@ void SxsConfiguration::SelectProductLine(long id)
 
 std::wstring SxsConfiguration::GetRegistryPath(const char* element, long rootKind) const
 {
-    if (!productLine_)
+    if (!selected)
         throw CVixaSXSError(CODE_INVALID_DATA, AREA_LOOKUP);
-    const TiXmlElement* paths = productLine_->FirstChildElement(element);
+    const TiXmlElement* paths = selected->FirstChildElement(element);
     if (!paths || (rootKind != LOCAL_MACHINE && rootKind != CURRENT_USER))
         throw CVixaSXSError(CODE_INVALID_DATA, AREA_DOCUMENT);
     const char* path = paths->Attribute(rootKind == LOCAL_MACHINE ? "HKLM" : "HKCU");
@@ -93,9 +93,9 @@ std::wstring SxsConfiguration::GetRegistryPath(const char* element, long rootKin
 void SxsConfiguration::FindApplication(long id, const std::wstring& name, std::wstring& subkey,
                                        std::wstring& folder) const
 {
-    if (!productLine_)
+    if (!selected)
         throw CVixaSXSError(CODE_INVALID_DATA, AREA_LOOKUP);
-    for (const TiXmlElement* application = productLine_->FirstChildElement("APPLICATION"); application;
+    for (const TiXmlElement* application = selected->FirstChildElement("APPLICATION"); application;
          application = application->NextSiblingElement()) {
         if (name.empty() ? HasId(*application, id) : TextOf(*application, "name") == name) {
             std::wstring foundSubkey = TextOf(*application, "subkey");

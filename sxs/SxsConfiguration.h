@@ -39,8 +39,8 @@ enum RootKind : long
 class SxsConfiguration
 {
 public:
-    // documentText must outlive the object; another than the family's own is for tests.
-    explicit SxsConfiguration(const char* documentText = vixa::sxs::familyDocument) noexcept;
+    // The text must outlive the object; another than the family's own is for tests.
+    explicit SxsConfiguration(const char* text = vixa::sxs::familyDocument) noexcept;
     ~SxsConfiguration();
     SxsConfiguration(const SxsConfiguration&) = delete;
     SxsConfiguration& operator=(const SxsConfiguration&) = delete;
@@ -70,19 +70,19 @@ public:
     // head and tail with exactly one backslash between them; just the two when either is empty.
     static std::wstring JoinPath(const std::wstring& head, const std::wstring& tail);
 
-    std::int32_t GenerationId() const noexcept { return generationId_; } // of the selected line; -1 when it has none
-    std::int32_t ProductLineId() const noexcept { return productLineId_; }
-    const std::wstring& ProductLineName() const noexcept { return productLineName_; }
+    std::int32_t GenerationId() const noexcept { return generationId; } // of the selected line; -1 when it has none
+    std::int32_t ProductLineId() const noexcept { return selectedId; }
+    const std::wstring& ProductLineName() const noexcept { return selectedName; }
     // Whether keys of other generations than the current one may be written to. Always false in this library.
-    bool WriteAnyGeneration() const noexcept { return writeAnyGeneration_; }
+    bool WriteAnyGeneration() const noexcept { return writeAnyGeneration; }
 
 private:
-    std::int32_t generationId_ = -1;
-    std::unique_ptr<TiXmlDocument> document_;
-    std::unique_ptr<TiXmlHandle> root_;
-    const TiXmlElement* productLine_ = nullptr; // within document_
-    std::int32_t productLineId_ = -1;
-    std::wstring productLineName_;
-    bool writeAnyGeneration_ = false;
-    const char* documentText_;
+    std::int32_t generationId = -1;
+    std::unique_ptr<TiXmlDocument> document;
+    std::unique_ptr<TiXmlHandle> root;
+    const TiXmlElement* selected = nullptr; // product line within document
+    std::int32_t selectedId = -1;
+    std::wstring selectedName;
+    bool writeAnyGeneration = false;
+    const char* documentText;
 };

@@ -28,18 +28,18 @@ bool IsNameChar(char c)
 class NestingWalk
 {
 public:
-    explicit NestingWalk(std::string_view text) : rest_(text) {}
+    explicit NestingWalk(std::string_view text) : rest(text) {}
 
     bool StaysInBounds()
     {
         Take("\xEF\xBB\xBF");
-        if (rest_.starts_with("<?xml") && !Declaration())
+        if (rest.starts_with("<?xml") && !Declaration())
             return false;
-        while (!rest_.empty()) {
-            const std::size_t open = rest_.find('<');
+        while (!rest.empty()) {
+            const std::size_t open = rest.find('<');
             if (open == std::string_view::npos)
                 break;
-            rest_.remove_prefix(open);
+            rest.remove_prefix(open);
             if (!Markup())
                 return false;
         }
@@ -49,35 +49,35 @@ public:
 private:
     bool Take(std::string_view token)
     {
-        if (!rest_.starts_with(token))
+        if (!rest.starts_with(token))
             return false;
-        rest_.remove_prefix(token.size());
+        rest.remove_prefix(token.size());
         return true;
     }
 
     bool SkipBlanks()
     {
-        const std::size_t count = std::min(rest_.find_first_not_of(blanks), rest_.size());
-        rest_.remove_prefix(count);
+        const std::size_t count = std::min(rest.find_first_not_of(blanks), rest.size());
+        rest.remove_prefix(count);
         return count > 0;
     }
 
     bool SkipPast(std::string_view end)
     {
-        const std::size_t at = rest_.find(end);
+        const std::size_t at = rest.find(end);
         if (at == std::string_view::npos)
             return false;
-        rest_.remove_prefix(at + end.size());
+        rest.remove_prefix(at + end.size());
         return true;
     }
 
     std::string_view Name()
     {
-        if (rest_.empty() || !IsNameStart(rest_.front()))
+        if (rest.empty() || !IsNameStart(rest.front()))
             return {};
-        const auto end = std::find_if_not(rest_.begin(), rest_.end(), IsNameChar);
-        const std::string_view found = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
-        rest_.remove_prefix(found.size());
+        const auto length = std::find_if_not(rest.begin(), rest.end(), IsNameChar) - rest.begin();
+        const std::string_view found = rest.substr(0, static_cast<std::size_t>(length));
+        rest.remove_prefix(found.size());
         return found;
     }
 
@@ -97,7 +97,7 @@ private:
     bool Declaration()
     {
         Take("<?xml");
-        while (SkipBlanks() && !rest_.starts_with("?>")) {
+        while (SkipBlanks() && !rest.starts_with("?>")) {
             const std::string_view found = Attribute();
             if (found != "version" && found != "encoding" && found != "standalone")
                 return false;
@@ -112,14 +112,14 @@ private:
         if (Take("<![CDATA["))
             return SkipPast("]]>");
         if (Take("<!")) {
-            const std::size_t end = rest_.find_first_of("<>");
-            return end != std::string_view::npos && rest_[end] == '>' && SkipPast(">");
+            const std::size_t end = rest.find_first_of("<>");
+            return end != std::string_view::npos && rest[end] == '>' && SkipPast(">");
         }
         if (Take("</")) {
-            if (depth_ == 0 || Name().empty())
+            if (depth == 0 || Name().empty())
                 return false;
             SkipBlanks();
-            --depth_;
+            --depth;
             return Take(">");
         }
         return Take("<") && StartTag();
@@ -134,14 +134,14 @@ private:
             if (Take("/>"))
                 return true;
             if (Take(">"))
-                return ++depth_ <= maxXmlDepth;
+                return ++depth <= maxXmlDepth;
             if (!separated || attributes == maxXmlAttributes || Attribute().empty())
                 return false;
         }
     }
 
-    std::string_view rest_;
-    std::size_t depth_ = 0;
+    std::string_view rest;
+    std::size_t depth = 0;
 };
 
 bool IsUtf8(std::string_view text)
@@ -177,7 +177,7 @@ bool ParseXml(const std::string& text, TiXmlDocument& document)
         return false;
     // A lead byte before the terminator takes the parser up to three bytes beyond it: it must find terminators there
     // too, not what may follow a zero within the text.
-    std::string padded(text.c_str());
+    std::string padded(text, 0, text.find('\0'));
     padded.append(3, '\0');
     document.Parse(padded.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
     return !document.Error();

@@ -52,7 +52,7 @@ TEST(Manifest, WhatDoesNotParseGivesNoName)
                                     "\0"s,
                                     " \r\n"s,
                                     "plain text"s,
-                                    "{\"assembly\": 1}"s,
+                                    R"({"assembly": 1})"s,
                                     good.substr(0, 20),
                                     good.substr(0, good.size() - 3),
                                     "<assembly><assemblyIdentity name='n' name='m'/></assembly>"s,
@@ -102,7 +102,7 @@ TEST(Manifest, NestingAndAttributesAreBoundedBeforeParsing)
              Repeat(200, "<a><!--</a>-->"),
              Repeat(200, "<a b='</a>'>"),
              Repeat(200, "<a><![CDATA[</a>]]>"),
-             Repeat(200, "<a b=\"'/>\" c=\"'\">"),
+             Repeat(200, R"(<a b="'/>" c="'">)"),
              Repeat(200, "<a><!x </a>"),
              Repeat(200, "<a><?xml x='?></a>'?>"),
              declaration + "<r>" + Repeat(200, "<a b='\xF0'></a><c d='>'/>") + "</r>",
@@ -161,13 +161,13 @@ class ManifestFile : public testing::Test
 protected:
     void SetUp() override
     {
-        path_ = ManifestPath();
-        ASSERT_FALSE(std::filesystem::exists(path_));
+        path = ManifestPath();
+        ASSERT_FALSE(std::filesystem::exists(path));
     }
-    void TearDown() override { std::filesystem::remove(path_); }
-    void Write(const std::string& text) const { std::ofstream(path_, std::ios::binary) << text; }
+    void TearDown() override { std::filesystem::remove(path); }
+    void Write(const std::string& text) const { std::ofstream(path, std::ios::binary) << text; }
 
-    std::filesystem::path path_;
+    std::filesystem::path path;
 };
 
 TEST_F(ManifestFile, NamesTheApplicationThatIsLookedUp)
@@ -191,10 +191,10 @@ TEST_F(ManifestFile, UnreadableAndHugeOnesGiveNoName)
     EXPECT_EQ(HostApplicationName(), L"n");
     Write(good + std::string(maxXmlBytes, ' '));
     EXPECT_EQ(HostApplicationName(), L"");
-    std::filesystem::resize_file(path_, std::uintmax_t(5) << 30); // no bytes on the disk: a sparse file
+    std::filesystem::resize_file(path, std::uintmax_t(5) << 30); // no bytes on the disk: a sparse file
     EXPECT_EQ(HostApplicationName(), L"");
-    std::filesystem::remove(path_);
-    std::filesystem::create_directory(path_);
+    std::filesystem::remove(path);
+    std::filesystem::create_directory(path);
     EXPECT_EQ(HostApplicationName(), L"");
 }
 

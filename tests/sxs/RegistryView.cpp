@@ -36,7 +36,7 @@ vixa::UniqueKey OpenLink(const std::wstring& path)
 
 } // namespace
 
-PlantedLink::PlantedLink(const std::wstring& path_, const std::wstring& target) : path(path_)
+PlantedLink::PlantedLink(std::wstring from, const std::wstring& to) : path(std::move(from))
 {
     const registry_faults::Bypass own;
     HKEY made = nullptr;
@@ -44,7 +44,7 @@ PlantedLink::PlantedLink(const std::wstring& path_, const std::wstring& target) 
                               nullptr, &made, nullptr),
               ERROR_SUCCESS);
     const vixa::UniqueKey link(made);
-    const std::wstring whole = L"\\Registry\\Machine\\" + target; // without a terminator
+    const std::wstring whole = L"\\Registry\\Machine\\" + to; // without a terminator
     EXPECT_EQ(RegSetValueExW(made, L"SymbolicLinkValue", 0, REG_LINK, reinterpret_cast<const BYTE*>(whole.data()),
                              static_cast<DWORD>(whole.size() * sizeof(WCHAR))),
               ERROR_SUCCESS);

@@ -26,7 +26,7 @@ inline Value TextValue(const std::wstring& data)
 class PlantedLink
 {
 public:
-    PlantedLink(const std::wstring& path, const std::wstring& target);
+    PlantedLink(std::wstring from, const std::wstring& to);
     ~PlantedLink();
     PlantedLink(const PlantedLink&) = delete;
     PlantedLink& operator=(const PlantedLink&) = delete;
