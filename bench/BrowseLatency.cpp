@@ -88,7 +88,7 @@ int wmain()
         Pump(window);
         const std::vector<effects::CatalogueEntry> catalogue = window.Work().Catalogue();
         for (const effects::CatalogueEntry& entry : catalogue) {
-            window.Work().Change([&](StackModel& stack) { stack.Replace({{entry.classId, entry.defaults, true}}); });
+            window.Work().Change([&](StackModel& stack) { stack.Replace({effects::StepOf(entry)}); });
             window.ShowStack();
             Measure(window, entry);
         }

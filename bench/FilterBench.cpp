@@ -43,25 +43,25 @@ class RunningEffect
 {
 public:
     RunningEffect(const EffectLibrary& library, const Case& measured, Size size)
-        : filter_(CreateFilter(library, measured.effect)),
-          graph_(filter_.Get(), vixahost::fixtures::VideoType(size.width, size.height))
+        : filter(CreateFilter(library, measured.effect)),
+          graph(filter.Get(), vixahost::fixtures::VideoType(size.width, size.height))
     {
-        graph_.Seen().keepsContent = false;
+        graph.Seen().keepsContent = false;
         vixahost::fixtures::RecordedSet settings(measured.block);
         Microsoft::WRL::ComPtr<IEffectFilter> effect;
-        filter_.As(&effect);
+        filter.As(&effect);
         effect->SetPropertySet(&settings);
     }
 
     void Receive(kernels::Frame frame)
     {
         vixahost::fixtures::HandSample sample(frame);
-        graph_.Send(&sample);
+        graph.Send(&sample);
     }
 
 private:
-    Microsoft::WRL::ComPtr<IBaseFilter> filter_;
-    vixahost::fixtures::PushGraph graph_;
+    Microsoft::WRL::ComPtr<IBaseFilter> filter;
+    vixahost::fixtures::PushGraph graph;
 };
 
 // Frames so small that the kernel is a small part of the cost, many at a time because the clock is coarse.

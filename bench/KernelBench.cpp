@@ -31,7 +31,7 @@ void MeasureSize(Size size, const Options& options, Report& report)
 
     std::vector<std::string> columns;
     for (int level = 0; level <= static_cast<int>(kernels::HighestLevel()); ++level)
-        columns.push_back(kernels::NameOf(static_cast<kernels::Level>(level)));
+        columns.emplace_back(kernels::NameOf(static_cast<kernels::Level>(level)));
 
     std::vector<Row> rows;
     for (const Case& measured : Cases()) {

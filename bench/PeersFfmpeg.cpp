@@ -25,56 +25,56 @@ namespace {
 class FilterGraph
 {
 public:
-    FilterGraph(Size size, const char* layout, const std::string& description) : graph_(avfilter_graph_alloc())
+    FilterGraph(Size size, const char* layout, const std::string& description) : graph(avfilter_graph_alloc())
     {
-        graph_->nb_threads = 1;
+        graph->nb_threads = 1;
         std::ostringstream source;
         source << "buffer=video_size=" << size.width << "x" << size.height << ":pix_fmt=" << layout
                << ":time_base=1/25:pixel_aspect=1/1 [a]; [a] " << description << " [b]; [b] buffersink";
         AVFilterInOut *inputs = nullptr, *outputs = nullptr;
-        if (avfilter_graph_parse2(graph_, source.str().c_str(), &inputs, &outputs) < 0 ||
-            avfilter_graph_config(graph_, nullptr) < 0)
+        if (avfilter_graph_parse2(graph, source.str().c_str(), &inputs, &outputs) < 0 ||
+            avfilter_graph_config(graph, nullptr) < 0)
             throw std::runtime_error("cannot make the filter " + description);
-        for (unsigned i = 0; i < graph_->nb_filters; ++i) {
-            if (std::strcmp(graph_->filters[i]->filter->name, "buffer") == 0)
-                in_ = graph_->filters[i];
-            if (std::strcmp(graph_->filters[i]->filter->name, "buffersink") == 0)
-                out_ = graph_->filters[i];
+        for (unsigned i = 0; i < graph->nb_filters; ++i) {
+            if (std::strcmp(graph->filters[i]->filter->name, "buffer") == 0)
+                in = graph->filters[i];
+            if (std::strcmp(graph->filters[i]->filter->name, "buffersink") == 0)
+                out = graph->filters[i];
         }
-        frame_ = av_frame_alloc();
-        frame_->format = av_get_pix_fmt(layout);
-        frame_->width = size.width;
-        frame_->height = size.height;
-        if (av_frame_get_buffer(frame_, 64) < 0)
+        frame = av_frame_alloc();
+        frame->format = av_get_pix_fmt(layout);
+        frame->width = size.width;
+        frame->height = size.height;
+        if (av_frame_get_buffer(frame, 64) < 0)
             throw std::runtime_error("no memory for a frame");
-        for (int plane = 0; plane < 4 && frame_->data[plane]; ++plane) {
-            const int bytes = frame_->linesize[plane] * size.height;
+        for (int plane = 0; plane < 4 && frame->data[plane]; ++plane) {
+            const int bytes = frame->linesize[plane] * size.height;
             for (int at = 0; at < bytes; ++at)
-                frame_->data[plane][at] = static_cast<std::uint8_t>(at * 2654435761u >> 24);
+                frame->data[plane][at] = static_cast<std::uint8_t>(at * 2654435761u >> 24);
         }
-        result_ = av_frame_alloc();
+        result = av_frame_alloc();
     }
     ~FilterGraph()
     {
-        av_frame_free(&frame_);
-        av_frame_free(&result_);
-        avfilter_graph_free(&graph_);
+        av_frame_free(&frame);
+        av_frame_free(&result);
+        avfilter_graph_free(&graph);
     }
     FilterGraph(const FilterGraph&) = delete;
     FilterGraph& operator=(const FilterGraph&) = delete;
 
     void Run()
     {
-        ++frame_->pts;
-        if (av_buffersrc_add_frame_flags(in_, frame_, AV_BUFFERSRC_FLAG_KEEP_REF) >= 0 &&
-            av_buffersink_get_frame(out_, result_) >= 0)
-            av_frame_unref(result_);
+        ++frame->pts;
+        if (av_buffersrc_add_frame_flags(in, frame, AV_BUFFERSRC_FLAG_KEEP_REF) >= 0 &&
+            av_buffersink_get_frame(out, result) >= 0)
+            av_frame_unref(result);
     }
 
 private:
-    AVFilterGraph* graph_;
-    AVFilterContext *in_ = nullptr, *out_ = nullptr;
-    AVFrame *frame_ = nullptr, *result_ = nullptr;
+    AVFilterGraph* graph;
+    AVFilterContext *in = nullptr, *out = nullptr;
+    AVFrame *frame = nullptr, *result = nullptr;
 };
 
 } // namespace

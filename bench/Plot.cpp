@@ -60,19 +60,19 @@ class Picture
 {
 public:
     Picture(const std::string& file, std::size_t lines)
-        : out_(file), height_(top_ + static_cast<double>(lines) * step_ + 40)
+        : out(file), height(top + static_cast<double>(lines) * step + 40)
     {
-        if (!out_)
+        if (!out)
             throw std::runtime_error("cannot write " + file);
-        out_ << std::fixed << std::setprecision(1) << "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 960 "
-             << height_ << "' font-family='sans-serif' font-size='13'>\n<rect width='960' height='" << height_
-             << "' fill='white'/>\n";
+        out << std::fixed << std::setprecision(1) << "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 960 "
+            << height << "' font-family='sans-serif' font-size='13'>\n<rect width='960' height='" << height
+            << "' fill='white'/>\n";
     }
 
     void Draw(const std::vector<Line>& lines, const std::string& title)
     {
         Text(20, 28, title, "start", "font-size='16'");
-        double x = left_;
+        double x = left;
         for (const Mark& mark : marks) {
             Dot(x, 50, mark.colour);
             Text(x + 10, 54, mark.form);
@@ -81,53 +81,53 @@ public:
         Dot(x, 50, peerColour);
         Text(x + 10, 54, "best peer");
 
-        const double bottom = top_ + static_cast<double>(lines.size()) * step_;
+        const double bottom = top + static_cast<double>(lines.size()) * step;
         for (const double value : {0.5, 1.0, 2.0, 5.0, 10.0, 20.0, 50.0, 100.0, 200.0, 500.0}) {
             const bool limit = value == 1.0;
-            out_ << "<line x1='" << At(value) << "' x2='" << At(value) << "' y1='" << top_ - 8 << "' y2='" << bottom
-                 << "' stroke='" << (limit ? "#c00000" : "#e4e4e4") << "' stroke-width='" << (limit ? 1.5 : 1)
-                 << "'/>\n";
+            out << "<line x1='" << At(value) << "' x2='" << At(value) << "' y1='" << top - 8 << "' y2='" << bottom
+                << "' stroke='" << (limit ? "#c00000" : "#e4e4e4") << "' stroke-width='" << (limit ? 1.5 : 1)
+                << "'/>\n";
             std::string label = std::to_string(value);
             label.erase(label.find_last_not_of('0') + 1);
             if (label.ends_with('.'))
                 label.pop_back();
             Text(At(value), bottom + 18, limit ? "1 = limit" : label, "middle");
         }
-        double y = top_ + step_ / 2;
+        double y = top + step / 2;
         for (const Line& line : lines) {
-            Text(left_ - 14, y + 4, line.effect, "end");
+            Text(left - 14, y + 4, line.effect, "end");
             for (const Mark& mark : marks) {
                 if (const auto form = line.forms.find(mark.form); form != line.forms.end())
                     Dot(At(form->second), y, mark.colour);
             }
             if (!line.peer.empty()) {
                 Dot(At(line.peerRatio), y, peerColour);
-                Text(right_ + 14, y + 4, line.peer, "start", "font-size='11' fill='#8a4a10'");
+                Text(right + 14, y + 4, line.peer, "start", "font-size='11' fill='#8a4a10'");
             }
-            y += step_;
+            y += step;
         }
-        out_ << "</svg>\n";
+        out << "</svg>\n";
     }
 
 private:
     double At(double ratio) const
     {
         const double low = std::log(0.5), high = std::log(600.0);
-        return left_ + (std::log(std::clamp(ratio, 0.5, 600.0)) - low) / (high - low) * (right_ - left_);
+        return left + (std::log(std::clamp(ratio, 0.5, 600.0)) - low) / (high - low) * (right - left);
     }
     void Dot(double x, double y, const char* colour)
     {
-        out_ << "<circle cx='" << x << "' cy='" << y << "' r='5' fill='" << colour << "'/>\n";
+        out << "<circle cx='" << x << "' cy='" << y << "' r='5' fill='" << colour << "'/>\n";
     }
     void Text(double x, double y, const std::string& text, const char* anchor = "start", const char* more = "")
     {
-        out_ << "<text x='" << x << "' y='" << y << "' text-anchor='" << anchor << "' " << more << ">" << text
-             << "</text>\n";
+        out << "<text x='" << x << "' y='" << y << "' text-anchor='" << anchor << "' " << more << ">" << text
+            << "</text>\n";
     }
 
-    static constexpr double left_ = 190, right_ = 770, top_ = 84, step_ = 24;
-    std::ofstream out_;
-    double height_;
+    static constexpr double left = 190, right = 770, top = 84, step = 24;
+    std::ofstream out;
+    double height;
 };
 
 } // namespace

@@ -31,32 +31,37 @@ Options ReadOptions(int count, char** words)
     return options;
 }
 
-Report::Report(std::string program, bool json) : json_(json)
+Report::Report(const std::string& program, bool asJson) : json(asJson)
 {
-    if (json_)
-        std::printf("{\"program\": \"%s\", \"figures\": [", program.c_str());
+    if (json)
+        std::printf(R"({"program": "%s", "figures": [)", program.c_str());
     else
         std::printf("%s, in units of the limit pass (one load, change and store of the frame)\n", program.c_str());
 }
 
 Report::~Report()
 {
-    if (json_)
+    if (json)
         std::printf("\n]}\n");
+}
+
+void Report::AddFigures(Size size, const std::vector<Row>& rows)
+{
+    for (const Row& row : rows) {
+        for (const Timing& timing : row.timings) {
+            std::printf("%s\n  {\"width\": %d, \"height\": %d, \"effect\": \"%s\", \"form\": \"%s\", "
+                        "\"milliseconds\": %.4f, \"ratio\": %.3f, \"median\": %.3f, \"runs\": %d}",
+                        first ? "" : ",", size.width, size.height, row.effect.c_str(), timing.name.c_str(),
+                        timing.seconds * 1e3, timing.ratio, timing.median, timing.runs);
+            first = false;
+        }
+    }
 }
 
 void Report::Add(Size size, const std::vector<std::string>& columns, const std::vector<Row>& rows)
 {
-    if (json_) {
-        for (const Row& row : rows) {
-            for (const Timing& timing : row.timings) {
-                std::printf("%s\n  {\"width\": %d, \"height\": %d, \"effect\": \"%s\", \"form\": \"%s\", "
-                            "\"milliseconds\": %.4f, \"ratio\": %.3f, \"median\": %.3f, \"runs\": %d}",
-                            first_ ? "" : ",", size.width, size.height, row.effect.c_str(), timing.name.c_str(),
-                            timing.seconds * 1e3, timing.ratio, timing.median, timing.runs);
-                first_ = false;
-            }
-        }
+    if (json) {
+        AddFigures(size, rows);
         return;
     }
 
@@ -90,10 +95,10 @@ void Report::Add(Size size, const std::vector<std::string>& columns, const std::
 
 void Report::Add(const std::string& name, double value, const std::string& unit)
 {
-    if (json_) {
-        std::printf("%s\n  {\"name\": \"%s\", \"value\": %.4f, \"unit\": \"%s\"}", first_ ? "" : ",", name.c_str(),
+    if (json) {
+        std::printf("%s\n  {\"name\": \"%s\", \"value\": %.4f, \"unit\": \"%s\"}", first ? "" : ",", name.c_str(),
                     value, unit.c_str());
-        first_ = false;
+        first = false;
     } else {
         std::printf("%-60s %10.3f %s\n", name.c_str(), value, unit.c_str());
     }

@@ -30,7 +30,7 @@ class Report
 {
 public:
     // `program` names the program and its width of addresses.
-    Report(std::string program, bool json);
+    Report(const std::string& program, bool asJson);
     ~Report();
 
     // One table: a line per effect, a column per name in `columns`, and last the fastest of the other candidates.
@@ -39,8 +39,10 @@ public:
     void Add(const std::string& name, double value, const std::string& unit);
 
 private:
-    bool json_;
-    bool first_ = true;
+    void AddFigures(Size size, const std::vector<Row>& rows);
+
+    bool json;
+    bool first = true;
 };
 
 } // namespace vixa::bench

@@ -30,20 +30,20 @@ double MedianOf(std::vector<double> values)
 
 } // namespace
 
-TestFrame::TestFrame(std::size_t bytes) : original_(bytes), room_(bytes + pageBytes)
+TestFrame::TestFrame(std::size_t bytes) : original(bytes), room(bytes + pageBytes)
 {
     std::mt19937 random(1);
     for (std::size_t at = 0; at + 4 <= bytes; at += 4) {
         const auto word = static_cast<std::uint32_t>(random());
-        std::memcpy(original_.data() + at, &word, sizeof word);
+        std::memcpy(original.data() + at, &word, sizeof word);
     }
-    const auto start = (pageBytes - reinterpret_cast<std::uintptr_t>(room_.data()) % pageBytes) % pageBytes;
-    frame_ = kernels::Frame(room_).subspan(start, bytes);
+    const auto start = (pageBytes - reinterpret_cast<std::uintptr_t>(room.data()) % pageBytes) % pageBytes;
+    frame = kernels::Frame(room).subspan(start, bytes);
 }
 
 void TestFrame::Restore() noexcept
 {
-    std::memcpy(frame_.data(), original_.data(), original_.size());
+    std::memcpy(frame.data(), original.data(), original.size());
 }
 
 std::vector<Timing> Measure(TestFrame& frame, const std::vector<Candidate>& candidates, double seconds)

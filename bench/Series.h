@@ -32,11 +32,11 @@ public:
     explicit TestFrame(std::size_t bytes);
 
     void Restore() noexcept;
-    kernels::Frame Bytes() noexcept { return frame_; }
+    kernels::Frame Bytes() noexcept { return frame; }
 
 private:
-    std::vector<std::uint8_t> original_, room_;
-    kernels::Frame frame_;
+    std::vector<std::uint8_t> original, room;
+    kernels::Frame frame;
 };
 
 // Runs the candidates in turns until each has had `seconds` of its own (limit passes included) and at least three runs;

@@ -62,6 +62,15 @@ bool IsSource(const fs::path& file)
     return endings.contains(file.extension().string());
 }
 
+// An included file as seen from the root.
+std::string FromRoot(const std::string& included, const fs::path& by, const std::string& room)
+{
+    if (included.starts_with("vixavideofx/"))
+        return "include/" + included;
+    const bool isNeighbour = included.find('/') == std::string::npos && fs::exists(by.parent_path() / included);
+    return isNeighbour ? room + "/" + included : included;
+}
+
 TEST(House, IncludesNeverPointUpward)
 {
     const std::regex include(R"re(^\s*#\s*include\s*["<]([^">]+)[">])re");
@@ -77,11 +86,7 @@ TEST(House, IncludesNeverPointUpward)
                 std::smatch match;
                 if (!std::regex_search(line, match, include))
                     continue;
-                std::string target = match[1];
-                if (target.starts_with("vixavideofx/"))
-                    target = "include/" + target;
-                else if (target.find('/') == std::string::npos && fs::exists(entry.path().parent_path() / target))
-                    target = room + "/" + target;
+                const std::string target = FromRoot(match[1], entry.path(), room);
                 const std::string targetRoom = RoomOf(target);
                 if (targetRoom.empty() || targetRoom == room || !allowed.contains(targetRoom))
                     continue;

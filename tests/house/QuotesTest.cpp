@@ -11,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path root = VIXA_SOURCE_DIR;
+const fs::path project = VIXA_SOURCE_DIR;
 
 std::vector<std::string> LinesOf(const fs::path& file)
 {
@@ -34,12 +34,12 @@ std::string Joined(auto first, auto last)
 TEST(House, QuotedCodeIsPartOfAnExample)
 {
     std::vector<std::string> examples;
-    for (const auto& entry : fs::directory_iterator(root / "examples")) {
+    for (const auto& entry : fs::directory_iterator(project / "examples")) {
         const auto lines = LinesOf(entry.path());
         examples.push_back(Joined(lines.begin(), lines.end()));
     }
-    std::vector<fs::path> documents = {root / "README.md"};
-    for (const auto& entry : fs::directory_iterator(root / "docs"))
+    std::vector<fs::path> documents = {project / "README.md"};
+    for (const auto& entry : fs::directory_iterator(project / "docs"))
         // (that page's effect is no part of the tree, so its code is no quotation)
         if (entry.path().extension() == ".md" && entry.path().filename() != "adding-an-effect.md")
             documents.push_back(entry.path());

@@ -16,35 +16,35 @@ namespace {
 
 const std::filesystem::path root = VIXA_SOURCE_DIR;
 
-std::vector<std::uint8_t> contentOf(const std::filesystem::path& path)
+std::vector<std::uint8_t> ContentOf(const std::filesystem::path& path)
 {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Mean Difference of the colour bytes in the columns from `left` on, 0 to 255.
+// Mean difference of the colour bytes in the columns from `left` on, 0 to 255.
 double Difference(const Picture& a, const Picture& b, int left = 0)
 {
     long sum = 0;
     for (int y = 0; y < iconHeight; ++y)
         for (int x = left; x < iconWidth; ++x)
             for (int channel = 0; channel < 3; ++channel)
-                sum += std::abs(a.at(x, y)[channel] - b.at(x, y)[channel]);
+                sum += std::abs(a.At(x, y)[channel] - b.At(x, y)[channel]);
     return double(sum) / ((iconWidth - left) * iconHeight * 3);
 }
 
 TEST(Icons, FilesAreWhatTheirMakerDraws)
 {
-    for (const Icon& icon : icons())
-        EXPECT_EQ(contentOf(root / "resources/bitmaps" / FileName(icon)), bitmapFile(drawIcon(icon)))
+    for (const Icon& icon : AllIcons())
+        EXPECT_EQ(ContentOf(root / "resources/bitmaps" / FileName(icon)), BitmapFile(DrawIcon(icon)))
             << icon.name << ": draw the icons again with the target 'icons' and look at docs/icons.png";
 }
 
 TEST(Icons, FilesArePlainPicturesOf3712Bytes)
 {
     constexpr std::size_t fileHeader = 14;
-    for (const Icon& icon : icons()) {
-        const auto file = contentOf(root / "resources/bitmaps" / FileName(icon));
+    for (const Icon& icon : AllIcons()) {
+        const auto file = ContentOf(root / "resources/bitmaps" / FileName(icon));
         ASSERT_EQ(file.size(), fileHeader + 3712) << icon.name;
         EXPECT_EQ(file[10], fileHeader + 40);
         const auto layout = bitmap::ParsePackedDib(std::as_bytes(std::span(file).subspan(fileHeader)));
@@ -59,17 +59,17 @@ TEST(Icons, FilesArePlainPicturesOf3712Bytes)
 
 TEST(Icons, EffectsShowAndDiffer)
 {
-    for (const Icon& icon : icons()) {
+    for (const Icon& icon : AllIcons()) {
         Icon untouched = icon;
         untouched.apply = [](Picture&) {};
-        const Picture picture = drawIcon(icon), plain = drawIcon(untouched);
+        const Picture picture = DrawIcon(icon), plain = DrawIcon(untouched);
         EXPECT_GT(Difference(picture, plain, icon.split), 8.0) << icon.name;
         for (int y = 0; y < iconHeight; ++y)
             for (int x = 0; x < icon.split; ++x)
-                ASSERT_TRUE(std::equal(picture.at(x, y), picture.at(x, y) + 3, plain.at(x, y))) << icon.name;
-        for (const Icon& other : icons()) {
+                ASSERT_TRUE(std::equal(picture.At(x, y), picture.At(x, y) + 3, plain.At(x, y))) << icon.name;
+        for (const Icon& other : AllIcons()) {
             if (other.id < icon.id) {
-                EXPECT_GT(Difference(picture, drawIcon(other)), 6.0) << icon.name << " and " << other.name;
+                EXPECT_GT(Difference(picture, DrawIcon(other)), 6.0) << icon.name << " and " << other.name;
             }
         }
     }

@@ -92,7 +92,7 @@ TEST_P(Convolution, UniformFramesShowTheSumOfTheKernel)
     constexpr int width = 21, height = 5;
     for (std::int32_t kind = firstKind; kind <= lastKind; ++kind) {
         for (const int value : {0, 1, 77, 254, 255}) {
-            Bytes frame(width * height * 4, static_cast<std::uint8_t>(value));
+            Bytes frame(std::size_t{width} * height * 4, static_cast<std::uint8_t>(value));
             Convolve(kernels, frame, width, height, ParametersOfKind(kind));
             const ConvolutionKernel& kernel = *KernelOf(kind);
             const int expected = kernel.offsets ? 128 : kind == 1 || kind == 6 ? 0 : value;
@@ -118,7 +118,7 @@ TEST_P(Convolution, SmallPicturesBecomeBlack)
 
 TEST_P(Convolution, ANegativeHeightIsTheSamePicture)
 {
-    Bytes bottomUp = RandomBytes(20 * 9 * 4, 3), topDown = bottomUp;
+    Bytes bottomUp = RandomBytes(std::size_t{20} * 9 * 4, 3), topDown = bottomUp;
     Convolve(kernels, bottomUp, 20, 9, ParametersOfKind(2));
     Convolve(kernels, topDown, 20, -9, ParametersOfKind(2));
     EXPECT_EQ(bottomUp, topDown);
@@ -126,7 +126,7 @@ TEST_P(Convolution, ANegativeHeightIsTheSamePicture)
 
 TEST_P(Convolution, WhatDoesNotFitIsLeftAlone)
 {
-    const Bytes original = RandomBytes(4 * 5 * 6, 5);
+    const Bytes original = RandomBytes(std::size_t{4} * 5 * 6, 5);
     const ::vixahost::fixtures::GuardedMemory guarded(original.size());
     const auto unchanged = [&](std::int32_t width, std::int32_t height, const ConvolutionParameters& parameters,
                                std::size_t scratchBytes) {

@@ -78,7 +78,7 @@ protected:
             if (level == Level::Scalar)
                 continue;
             for (const Guard side : {Guard::Before, Guard::Behind}) {
-                const Frame actual = guarded_.Place(before.size(), side);
+                const Frame actual = guarded.Place(before.size(), side);
                 std::ranges::copy(before, actual.begin());
                 run(KernelsOf(level), actual);
                 const std::string difference = Difference(before, expected, actual, width);
@@ -89,7 +89,7 @@ protected:
         return testing::AssertionSuccess();
     }
 
-    ::vixahost::fixtures::GuardedMemory guarded_{1 << 18};
+    ::vixahost::fixtures::GuardedMemory guarded{1 << 18};
 };
 
 // Where a level is missing, its forms go untested: let the log say so.
@@ -149,7 +149,7 @@ TEST_F(Levels, ConvolveWithAKernelThatOutlivedItsKind)
         ConvolutionParameters parameters = ParametersOfKind(kind);
         parameters.SetKind(11);
         EXPECT_TRUE(
-            SameAsScalar(Contents(37 * 9 * 4, 4), 37,
+            SameAsScalar(Contents(std::size_t{37} * 9 * 4, 4), 37,
                          [&](const KernelSet& kernels, Frame frame) { Convolve(kernels, frame, 37, 9, parameters); }))
             << "kernel of kind " << kind;
     }
@@ -158,11 +158,11 @@ TEST_F(Levels, ConvolveWithAKernelThatOutlivedItsKind)
 // All 2^24 colours; the fourth byte goes through its values along the way.
 TEST_F(Levels, FilterEveryColour)
 {
-    constexpr std::uint32_t blockPixels = 1 << 16;
+    constexpr std::size_t blockPixels = 1 << 16;
     Bytes before(blockPixels * 4);
     for (std::uint32_t red = 0; red < 256; ++red) {
-        for (std::uint32_t i = 0; i < blockPixels; ++i) {
-            const std::uint32_t pixel = i * 0x3B << 24 | red << 16 | i;
+        for (std::size_t i = 0; i < blockPixels; ++i) {
+            const auto pixel = static_cast<std::uint32_t>(i * 0x3B << 24 | red << 16 | i);
             std::memcpy(before.data() + i * 4, &pixel, 4);
         }
         for (std::int32_t colour = 0; colour <= 2; ++colour) {
@@ -180,7 +180,7 @@ TEST_F(Levels, FilterEveryColour)
 // Each channel goes through all its values, together with different ones of the others.
 Bytes EveryValue(std::size_t tail)
 {
-    Bytes bytes(256 * 4 + tail);
+    Bytes bytes(std::size_t{256} * 4 + tail);
     for (std::size_t at = 0; at < bytes.size(); ++at)
         bytes[at] = static_cast<std::uint8_t>(at / 4 * (2 * (at % 4) + 1) + 31 * (at % 4));
     return bytes;

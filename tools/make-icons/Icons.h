@@ -24,13 +24,13 @@ struct Icon
 };
 
 // In the order of their ids.
-std::span<const Icon> icons();
+std::span<const Icon> AllIcons();
 
 // The icon's pixels at its real size.
-Picture drawIcon(const Icon& icon);
+Picture DrawIcon(const Icon& icon);
 
 // A bitmap file: 14 bytes, then the 40-byte header and bottom-up rows of 24-bit pixels.
-std::vector<std::uint8_t> bitmapFile(const Picture& picture);
+std::vector<std::uint8_t> BitmapFile(const Picture& picture);
 
 // "332-soften-filter.bmp" of "Soften filter".
 std::string FileName(const Icon& icon);

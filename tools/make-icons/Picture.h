@@ -13,16 +13,16 @@ struct Picture
     int height = 0;
     std::vector<std::uint8_t> bytes;
 
-    Picture(int width_, int height_)
-        : width(width_), height(height_), bytes(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4)
+    Picture(int columns, int rows)
+        : width(columns), height(rows), bytes(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4)
     {
     }
     // The four bytes of a pixel; y counts from the top.
-    std::uint8_t* at(int x, int y) { return &bytes[offset(x, y)]; }
-    const std::uint8_t* at(int x, int y) const { return &bytes[offset(x, y)]; }
+    std::uint8_t* At(int x, int y) { return &bytes[Offset(x, y)]; }
+    const std::uint8_t* At(int x, int y) const { return &bytes[Offset(x, y)]; }
 
 private:
-    std::size_t offset(int x, int y) const
+    std::size_t Offset(int x, int y) const
     {
         return (static_cast<std::size_t>(height - 1 - y) * static_cast<std::size_t>(width) +
                 static_cast<std::size_t>(x)) *

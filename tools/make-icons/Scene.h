@@ -10,6 +10,6 @@ inline constexpr int iconHeight = 34;
 
 // The scene at `scale` pixels per icon pixel, with `margin` more pixels on each side, so that what a filter does to the
 // outermost pixels can be cut off.
-Picture paintScene(int scale, int margin);
+Picture PaintScene(int scale, int margin);
 
 } // namespace vixa::icons
