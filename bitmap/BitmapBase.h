@@ -13,7 +13,7 @@ public:
     {
     public:
         // False when nothing was copied.
-        virtual bool Blt(HDC dc, const RECT& sourceRect, const RECT& destRect) const noexcept = 0;
+        virtual bool Blt(HDC dc, const RECT& from, const RECT& to) const noexcept = 0;
 
     protected:
         ~IBltSrc() = default;
@@ -23,11 +23,11 @@ public:
     class DibSrc final : public IBltSrc
     {
     public:
-        DibSrc(const BITMAPINFO* info_, const void* bits_, DWORD rasterOp_) noexcept
-            : info(info_), bits(bits_), rasterOp(rasterOp_)
+        DibSrc(const BITMAPINFO* header, const void* pixels, DWORD operation) noexcept
+            : info(header), bits(pixels), rasterOp(operation)
         {
         }
-        bool Blt(HDC dc, const RECT& sourceRect, const RECT& destRect) const noexcept override;
+        bool Blt(HDC dc, const RECT& from, const RECT& to) const noexcept override;
 
     private:
         const BITMAPINFO* info;

@@ -53,7 +53,7 @@ bool DrawsNothing(Size picture, const Rect& destination, Scale scale) noexcept
 
 RealRect Fitted(Size picture, const Rect& destination, Scale scale) noexcept
 {
-    const double width = double(destination.Width()), height = double(destination.Height());
+    const auto width = double(destination.Width()), height = double(destination.Height());
     const double aspect = double(picture.width) / picture.height * (scale.x / scale.y);
     return width / height > aspect ? Centred(Real(destination), height * aspect, height)
                                    : Centred(Real(destination), width, width / aspect);
@@ -125,8 +125,8 @@ std::optional<Copy> LayoutCopy(Size picture, const Rect& destination, Layout lay
     return copy;
 }
 
-TileGrid::TileGrid(Size picture_, const Rect& destination_, const Rect& clip, Scale scale_) noexcept
-    : picture(picture_), destination(destination_), scale(scale_)
+TileGrid::TileGrid(Size pictureSize, const Rect& area, const Rect& clip, Scale factors) noexcept
+    : picture(pictureSize), destination(area), scale(factors)
 {
     if (DrawsNothing(picture, destination, scale))
         return;

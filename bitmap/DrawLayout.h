@@ -68,8 +68,8 @@ std::optional<Copy> LayoutCopy(Size picture, const Rect& destination, Layout lay
 class TileGrid
 {
 public:
-    // `clip` limits which tiles are drawn, not where they lie; an empty clip stands for all of `destination`.
-    TileGrid(Size picture, const Rect& destination, const Rect& clip, Scale scale) noexcept;
+    // `clip` limits which tiles are drawn, not where they lie; an empty clip stands for all of `area`.
+    TileGrid(Size pictureSize, const Rect& area, const Rect& clip, Scale factors) noexcept;
 
     std::int64_t Columns() const noexcept { return lastColumn - firstColumn; }
     std::int64_t Rows() const noexcept { return lastRow - firstRow; }

@@ -35,7 +35,7 @@ GDIBitmap::GDIBitmap() noexcept : data(SharedBitmapData::MakeEmpty()) {}
 GDIBitmap::GDIBitmap(HBITMAP source) noexcept : data(SharedBitmapData::MakeFrom(source))
 {
     if (!data)
-        Reset();
+        GDIBitmap::Reset();
 }
 
 GDIBitmap::GDIBitmap(const GDIBitmap& other) noexcept : GCUnknown(other), BitmapBase(other), data(other.data) {}

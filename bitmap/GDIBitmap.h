@@ -14,8 +14,8 @@ public:
     class HBitmapSrc final : public IBltSrc
     {
     public:
-        HBitmapSrc(HBITMAP bitmap_, DWORD rasterOp_) noexcept : bitmap(bitmap_), rasterOp(rasterOp_) {}
-        bool Blt(HDC dc, const RECT& sourceRect, const RECT& destRect) const noexcept override;
+        HBitmapSrc(HBITMAP source, DWORD operation) noexcept : bitmap(source), rasterOp(operation) {}
+        bool Blt(HDC dc, const RECT& from, const RECT& to) const noexcept override;
 
     private:
         HBITMAP bitmap;
@@ -26,8 +26,8 @@ public:
     class TransparentSrc final : public IBltSrc
     {
     public:
-        TransparentSrc(HBITMAP bitmap_, COLORREF keyColor_) noexcept : bitmap(bitmap_), keyColor(keyColor_) {}
-        bool Blt(HDC dc, const RECT& sourceRect, const RECT& destRect) const noexcept override;
+        TransparentSrc(HBITMAP source, COLORREF key) noexcept : bitmap(source), keyColor(key) {}
+        bool Blt(HDC dc, const RECT& from, const RECT& to) const noexcept override;
 
     private:
         HBITMAP bitmap;
@@ -38,11 +38,11 @@ public:
     class AlphaSrc final : public IBltSrc
     {
     public:
-        AlphaSrc(HBITMAP bitmap_, bool perPixelAlpha_, BYTE constantAlpha_) noexcept
-            : bitmap(bitmap_), perPixelAlpha(perPixelAlpha_), constantAlpha(constantAlpha_)
+        AlphaSrc(HBITMAP source, bool perPixel, BYTE constant) noexcept
+            : bitmap(source), perPixelAlpha(perPixel), constantAlpha(constant)
         {
         }
-        bool Blt(HDC dc, const RECT& sourceRect, const RECT& destRect) const noexcept override;
+        bool Blt(HDC dc, const RECT& from, const RECT& to) const noexcept override;
 
     private:
         HBITMAP bitmap;

@@ -144,7 +144,7 @@ void Tint(const WritablePixels& pixels, const Rect& rect, const TintTables& tabl
 ColorVariation ColorVariationOf(const Pixels& pixels, double limit) noexcept
 {
     const int threshold = LowByteOfIntegerPart(limit);
-    const float total = static_cast<float>(std::int64_t{pixels.width} * pixels.height);
+    const auto total = static_cast<float>(std::int64_t{pixels.width} * pixels.height);
     ColorVariation result;
     for (std::int32_t y = 0; y < pixels.height; ++y) {
         const auto deviation = static_cast<float>(RowDeviation(pixels.StoredRow(y), pixels.width));

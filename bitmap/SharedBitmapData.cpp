@@ -46,7 +46,7 @@ ULONG SharedBitmapData::Release() noexcept
 ComPtr<SharedBitmapData> SharedBitmapData::MakeEmpty() noexcept
 {
     static SharedBitmapData spare; // its own reference is never given up
-    if (SharedBitmapData* const record = new (std::nothrow) SharedBitmapData)
+    if (auto* const record = new (std::nothrow) SharedBitmapData)
         return Owned(record);
     return &spare;
 }

@@ -8,14 +8,14 @@
 
 namespace vixa {
 
-HRESULT checkTextRequest(LANGID language, const WCHAR* text, const ULONG* length) noexcept
+HRESULT CheckTextRequest(LANGID language, const WCHAR* text, const ULONG* length) noexcept
 {
     if (language != ModuleBase::GetLanguage())
         return E_FAIL;
     return text || length ? S_OK : E_INVALIDARG;
 }
 
-HRESULT answerText(UINT stringId, WCHAR* text, ULONG* length) noexcept
+HRESULT AnswerText(UINT stringId, WCHAR* text, ULONG* length) noexcept
 {
     try {
         HandOutText(LoadResString(stringId), text, length);
@@ -25,7 +25,7 @@ HRESULT answerText(UINT stringId, WCHAR* text, ULONG* length) noexcept
     }
 }
 
-HRESULT answerImage(UINT imageId, BYTE* buffer, ULONG* size) noexcept
+HRESULT AnswerImage(UINT imageId, BYTE* buffer, ULONG* size) noexcept
 {
     ModulePictures pictures;
     return ExportPicture(pictures, imageId, buffer, size);

@@ -12,9 +12,9 @@ namespace vixa {
 
 // The texts and pictures of a description, by the rules of its interface: a language other than the current one gives
 // E_FAIL, no place for the answer E_INVALIDARG, short memory E_OUTOFMEMORY.
-HRESULT checkTextRequest(LANGID language, const WCHAR* text, const ULONG* length) noexcept;
-HRESULT answerText(UINT stringId, WCHAR* text, ULONG* length) noexcept;
-HRESULT answerImage(UINT imageId, BYTE* buffer, ULONG* size) noexcept;
+HRESULT CheckTextRequest(LANGID language, const WCHAR* text, const ULONG* length) noexcept;
+HRESULT AnswerText(UINT stringId, WCHAR* text, ULONG* length) noexcept;
+HRESULT AnswerImage(UINT imageId, BYTE* buffer, ULONG* size) noexcept;
 
 // Created with a count of 0: the first AddRef makes it the caller's. Any thread may use it; texts follow the rules of
 // the language switch.
@@ -43,23 +43,20 @@ public:
 
     HRESULT STDMETHODCALLTYPE GetImage(BYTE* buffer, ULONG* size) noexcept override
     {
-        return answerImage(imageId, buffer, size);
+        return AnswerImage(imageId, buffer, size);
     }
 
     HRESULT STDMETHODCALLTYPE GetName(LANGID language, WCHAR* text, ULONG* length) noexcept override
     {
-        const HRESULT check = checkTextRequest(language, text, length);
-        return FAILED(check) ? check : answerText(nameId, text, length);
+        const HRESULT check = CheckTextRequest(language, text, length);
+        return FAILED(check) ? check : AnswerText(nameId, text, length);
     }
 
     DescriptionObject(const DescriptionObject&) = delete;
     DescriptionObject& operator=(const DescriptionObject&) = delete;
 
 protected:
-    DescriptionObject(const WCHAR* name, UINT imageId_, UINT nameId_)
-        : CBaseObject(name), imageId(imageId_), nameId(nameId_)
-    {
-    }
+    DescriptionObject(const WCHAR* name, UINT image, UINT text) : CBaseObject(name), imageId(image), nameId(text) {}
     virtual ~DescriptionObject() = default;
 
 private:

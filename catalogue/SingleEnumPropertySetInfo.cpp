@@ -3,8 +3,7 @@
 #include <new>
 
 SingleEnumPropertySetInfo::SingleEnumPropertySetInfo(const vixa::EnumDescription& d)
-    : DescriptionObject(L"SingleEnumPropertySetInfo", d.imageId, d.nameId), count_(d.count),
-      firstChoiceId_(d.firstChoiceId)
+    : DescriptionObject(L"SingleEnumPropertySetInfo", d.imageId, d.nameId), choices(d)
 {
 }
 
@@ -17,16 +16,16 @@ HRESULT SingleEnumPropertySetInfo::GetCount(ULONG* count) noexcept
 {
     if (!count)
         return E_INVALIDARG;
-    *count = count_;
+    *count = choices.count;
     return S_OK;
 }
 
 HRESULT SingleEnumPropertySetInfo::GetItemName(LANGID language, long index, WCHAR* text, ULONG* length) noexcept
 {
-    const HRESULT check = vixa::checkTextRequest(language, text, length);
+    const HRESULT check = vixa::CheckTextRequest(language, text, length);
     if (FAILED(check))
         return check;
-    if (index < 0 || static_cast<ULONG>(index) >= count_)
+    if (index < 0 || static_cast<ULONG>(index) >= choices.count)
         return E_INVALIDARG;
-    return vixa::answerText(firstChoiceId_ + static_cast<UINT>(index), text, length);
+    return vixa::AnswerText(choices.firstChoiceId + static_cast<UINT>(index), text, length);
 }

@@ -28,6 +28,5 @@ public:
 private:
     explicit SingleEnumPropertySetInfo(const vixa::EnumDescription& description);
 
-    ULONG count_;
-    UINT firstChoiceId_;
+    const vixa::EnumDescription choices;
 };

@@ -7,8 +7,7 @@
 #include <new>
 
 SingleValuePropertySetInfo::SingleValuePropertySetInfo(const vixa::ValueDescription& d)
-    : DescriptionObject(L"SingleValuePropertySetInfo", d.imageId, d.nameId), minimum_(d.minimum), maximum_(d.maximum),
-      step_(d.step), formatId_(d.formatId)
+    : DescriptionObject(L"SingleValuePropertySetInfo", d.imageId, d.nameId), range(d)
 {
 }
 
@@ -22,21 +21,21 @@ HRESULT SingleValuePropertySetInfo::GetRange(double* minimum, double* maximum, d
     if (!minimum && !maximum && !step)
         return E_INVALIDARG;
     if (minimum)
-        *minimum = minimum_;
+        *minimum = range.minimum;
     if (maximum)
-        *maximum = maximum_;
+        *maximum = range.maximum;
     if (step)
-        *step = step_;
+        *step = range.step;
     return S_OK;
 }
 
 HRESULT SingleValuePropertySetInfo::FormatValue(LANGID language, double value, WCHAR* text, ULONG* length) noexcept
 {
-    const HRESULT check = vixa::checkTextRequest(language, text, length);
+    const HRESULT check = vixa::CheckTextRequest(language, text, length);
     if (FAILED(check))
         return check;
     try {
-        const std::wstring result = vixa::FormatValue(vixa::LoadResString(formatId_), value);
+        const std::wstring result = vixa::FormatValue(vixa::LoadResString(range.formatId), value);
         if (!result.empty())
             vixa::HandOutText(result, text, length);
         else if (length)

@@ -29,6 +29,5 @@ public:
 private:
     explicit SingleValuePropertySetInfo(const vixa::ValueDescription& description);
 
-    double minimum_, maximum_, step_;
-    UINT formatId_;
+    const vixa::ValueDescription range;
 };

@@ -7,16 +7,6 @@
 
 using vixavideofx::InvertBlock;
 
-namespace {
-enum Control : int
-{
-    Label = 1016,
-    Red = 1020,
-    Green = 1021,
-    Blue = 1022,
-};
-}
-
 const MessageMapEntry* CDialogInvert::GetMessageMap()
 {
     using This = CDialogInvert;

@@ -18,6 +18,14 @@ public:
     virtual void ClearChecks();
 
 private:
+    enum Id : int
+    {
+        Label = 1016,
+        Red = 1020,
+        Green = 1021,
+        Blue = 1022,
+    };
+
     CBaseCheckBox red, green, blue;
     CBaseText label;
 };

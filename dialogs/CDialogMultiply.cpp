@@ -7,15 +7,6 @@
 
 using vixavideofx::MultiplyBlock;
 
-namespace {
-enum Control : int
-{
-    Label = 1028,
-    Slider = 1029,
-    ValueText = 1030,
-};
-}
-
 const MessageMapEntry* CDialogMultiply::GetMessageMap()
 {
     using This = CDialogMultiply;

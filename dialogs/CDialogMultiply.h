@@ -17,6 +17,13 @@ public:
     void LoadValues() override;
 
 private:
+    enum Id : int
+    {
+        Label = 1028,
+        Slider = 1029,
+        ValueText = 1030,
+    };
+
     void ShowFactor();
 
     CBaseSlider slider; // percent

@@ -10,19 +10,6 @@
 using vixavideofx::AddBlock;
 
 namespace {
-enum Control : int
-{
-    RedSlider = 1007,
-    GreenSlider,
-    BlueSlider,
-    RedLabel,
-    GreenLabel,
-    BlueLabel,
-    RedValue,
-    GreenValue,
-    BlueValue,
-    MoveAll = 1040,
-};
 constexpr int lowest = -255, highest = 255;
 } // namespace
 

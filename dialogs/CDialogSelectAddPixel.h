@@ -21,6 +21,20 @@ public:
     void LoadValues() override;
 
 private:
+    enum Id : int
+    {
+        RedSlider = 1007,
+        GreenSlider,
+        BlueSlider,
+        RedLabel,
+        GreenLabel,
+        BlueLabel,
+        RedValue,
+        GreenValue,
+        BlueValue,
+        MoveAll = 1040,
+    };
+
     // A colour's slider with its value text, and where the panel last saw the slider: what a move is measured from.
     struct SliderLink
     {

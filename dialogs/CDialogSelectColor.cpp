@@ -7,17 +7,6 @@
 
 using vixavideofx::FilterColorBlock;
 
-namespace {
-enum Control : int
-{
-    ColourLabel = 1002,
-    ColourList = 1003,
-    IntensityLabel = 1004,
-    Slider = 1005,
-    ValueText = 1014,
-};
-}
-
 const MessageMapEntry* CDialogSelectColor::GetMessageMap()
 {
     using This = CDialogSelectColor;

@@ -22,6 +22,15 @@ public:
     void LoadValues() override;
 
 private:
+    enum Id : int
+    {
+        ColourLabel = 1002,
+        ColourList = 1003,
+        IntensityLabel = 1004,
+        Slider = 1005,
+        ValueText = 1014,
+    };
+
     void SelectColour(std::int32_t colour);
     std::int32_t SelectedColour();
 

@@ -7,17 +7,6 @@
 
 using vixavideofx::GammaBlock;
 
-namespace {
-enum Control : int
-{
-    Title = 1031,
-    LeftLabel = 1032,
-    RightLabel = 1033,
-    Slider = 1034,
-    UnusedButton = 1035,
-};
-}
-
 const MessageMapEntry* CDialogSelectGamma::GetMessageMap()
 {
     using This = CDialogSelectGamma;

@@ -17,6 +17,15 @@ public:
     void ResetControls() override;
 
 private:
+    enum Id : int
+    {
+        Title = 1031,
+        LeftLabel = 1032,
+        RightLabel = 1033,
+        Slider = 1034,
+        UnusedButton = 1035,
+    };
+
     CBaseSlider slider; // gamma in hundredths
     CBaseText title;
     CBaseText rightLabel;

@@ -8,15 +8,6 @@
 using vixavideofx::ConvolutionBlock;
 using vixavideofx::ConvolutionKind;
 
-namespace {
-enum Control : int
-{
-    DirectionGroup = 1036,
-    Horizontal = 1038,
-    Vertical = 1039,
-};
-}
-
 const MessageMapEntry* CDialogShiftEdges::GetMessageMap()
 {
     using This = CDialogShiftEdges;

@@ -17,5 +17,12 @@ public:
     virtual void ClearChecks();
 
 private:
+    enum Id : int
+    {
+        DirectionGroup = 1036,
+        Horizontal = 1038,
+        Vertical = 1039,
+    };
+
     CBaseCheckBox horizontal, vertical;
 };

@@ -36,6 +36,7 @@ public:
     // to `parent` on each change; one that exists keeps its own. `*window` is null when no window can be made, or when
     // the host destroys it while its values are read.
     void Show(HINSTANCE library, HWND parent, UINT notifyMessage, IDataPropertySet* propertySet, HWND* window);
+    using CBaseWnd::Show;
 
 protected:
     // One control of a panel: the wrapper that drives it; the text that it shows and those of its tooltip, as string

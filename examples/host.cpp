@@ -110,7 +110,7 @@ public:
         BYTE* bytes = nullptr;
         Check(sample->GetPointer(&bytes), "GetPointer");
         std::memcpy(bytes, frame.data(), frame.size() * 4);
-        Check(sample->SetActualDataLength(static_cast<LONG>(frame.size() * 4)), "SetActualDataLength");
+        Check(sample->SetActualDataLength(static_cast<LONG>(frame.size()) * 4), "SetActualDataLength");
         Check(receiver->Receive(sample.Get()), "Receive");
         std::vector<std::uint32_t> result(frame.size());
         std::memcpy(result.data(), bytes, result.size() * 4);

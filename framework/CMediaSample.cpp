@@ -16,7 +16,7 @@ constexpr DWORD validFlags = AM_SAMPLE_SPLICEPOINT | AM_SAMPLE_PREROLL | AM_SAMP
 template <typename Field>
 bool Contains(DWORD size, std::size_t offset, const Field&) noexcept
 {
-    return size >= offset + sizeof(Field);
+    return size >= offset + sizeof(Field); // NOLINT(bugprone-sizeof-expression): a field that is a pointer is meant
 }
 
 } // namespace

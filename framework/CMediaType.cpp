@@ -144,7 +144,7 @@ BYTE* CMediaType::AllocFormatBuffer(ULONG length) noexcept
 {
     if (length == cbFormat)
         return pbFormat;
-    const auto block = static_cast<BYTE*>(CoTaskMemAlloc(length));
+    auto* const block = static_cast<BYTE*>(CoTaskMemAlloc(length));
     if (!block)
         return nullptr;
     ResetFormatBuffer();
@@ -157,7 +157,7 @@ BYTE* CMediaType::ReallocFormatBuffer(ULONG length) noexcept
 {
     if (length == cbFormat)
         return pbFormat;
-    const auto block = static_cast<BYTE*>(CoTaskMemAlloc(length));
+    auto* const block = static_cast<BYTE*>(CoTaskMemAlloc(length));
     if (!block)
         return nullptr;
     if (cbFormat != 0)

@@ -57,7 +57,7 @@ HRESULT CMemAllocator::MakeBuffers() noexcept
     const ULONGLONG prefix = roundUp(static_cast<ULONGLONG>(m_lPrefix));
     const ULONGLONG stride = roundUp(static_cast<ULONGLONG>(m_lPrefix) + static_cast<ULONGLONG>(m_lSize));
     // Memory comes at page boundaries; room for a wider alignment is in the additional one.
-    const ULONGLONG count = static_cast<ULONGLONG>(m_lCount);
+    const auto count = static_cast<ULONGLONG>(m_lCount);
     const ULONGLONG total = prefix + static_cast<ULONGLONG>(m_lAlignment);
     if (stride > (static_cast<ULONGLONG>(MAXLONG) - std::min(total, static_cast<ULONGLONG>(MAXLONG))) / count)
         return E_OUTOFMEMORY;
@@ -68,7 +68,7 @@ HRESULT CMemAllocator::MakeBuffers() noexcept
     const ULONGLONG address = reinterpret_cast<ULONG_PTR>(buffer.get());
     BYTE* next = buffer.get() + static_cast<SIZE_T>(roundUp(address) - address + prefix);
     for (; m_lAllocated < m_lCount; ++m_lAllocated, next += static_cast<SIZE_T>(stride)) {
-        const auto sample = new (std::nothrow) CMediaSample(this, next, m_lSize);
+        auto* const sample = new (std::nothrow) CMediaSample(this, next, m_lSize);
         if (!sample)
             return E_OUTOFMEMORY;
         PutFree(sample);

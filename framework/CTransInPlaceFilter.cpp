@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <utility>
 
 CTransInPlaceFilter::CTransInPlaceFilter(LPCTSTR name, IUnknown* outer, REFCLSID classId, HRESULT*,
                                          bool modifiesData) noexcept
@@ -54,14 +55,15 @@ HRESULT CTransInPlaceFilter::CompleteConnect(PIN_DIRECTION direction, IPin*)
 {
     if (!m_pGraph)
         return VFW_E_NOT_IN_GRAPH;
-    CBasePin& connected = direction == PINDIR_INPUT ? static_cast<CBasePin&>(*m_pInput) : *m_pOutput;
-    CBasePin& other = direction == PINDIR_INPUT ? static_cast<CBasePin&>(*m_pOutput) : *m_pInput;
-    if (!other.IsConnected() || TypesMatch())
+    CBasePin *connected = m_pInput.get(), *other = m_pOutput.get();
+    if (direction == PINDIR_OUTPUT)
+        std::swap(connected, other);
+    if (!other->IsConnected() || TypesMatch())
         return S_OK;
     // The graph brings this pin back because of the other one's type, and tries types that it was not told.
     if (reconnecting)
         return VFW_E_TYPE_NOT_ACCEPTED;
-    return Reconnect(other, CMediaType(connected.CurrentMediaType()));
+    return Reconnect(*other, CMediaType(connected->CurrentMediaType()));
 }
 
 HRESULT CTransInPlaceFilter::Reconnect(CBasePin& pin, const CMediaType& type) noexcept

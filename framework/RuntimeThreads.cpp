@@ -20,7 +20,7 @@
 
 namespace __gnu_cxx {
 // The standard library's own, without a header: gives the memory back that it holds for exceptions when there is none.
-void __freeres();
+void __freeres(); // NOLINT(readability-identifier-naming,clang-diagnostic-reserved-identifier): not ours
 } // namespace __gnu_cxx
 
 namespace {
@@ -31,7 +31,7 @@ template <typename Lock>
 Lock* In(intptr_t* word) noexcept
 {
     static_assert(sizeof(Lock) == sizeof *word);
-    const auto pointer = reinterpret_cast<void* volatile*>(word);
+    auto* const pointer = reinterpret_cast<void* volatile*>(word);
     if (const intptr_t start = *word; start < 0 && start >= GENERIC_RECURSIVE_INITIALIZER)
         InterlockedCompareExchangePointer(pointer, nullptr, reinterpret_cast<void*>(start));
     return reinterpret_cast<Lock*>(word);
@@ -91,7 +91,7 @@ extern "C" {
 
 int pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t*)
 {
-    *mutex = 0;
+    *mutex = 0; // NOLINT(misc-non-copyable-objects): a number on this platform
     return 0;
 }
 
@@ -113,18 +113,18 @@ int pthread_mutex_unlock(pthread_mutex_t* mutex)
     return 0;
 }
 
-int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex)
+int pthread_cond_wait(pthread_cond_t* cv, pthread_mutex_t* mutex)
 {
-    return SleepConditionVariableSRW(In<CONDITION_VARIABLE>(condition), In<SRWLOCK>(mutex), INFINITE, 0) ? 0 : EINVAL;
+    return SleepConditionVariableSRW(In<CONDITION_VARIABLE>(cv), In<SRWLOCK>(mutex), INFINITE, 0) ? 0 : EINVAL;
 }
 
-int pthread_cond_broadcast(pthread_cond_t* condition)
+int pthread_cond_broadcast(pthread_cond_t* cv)
 {
-    WakeAllConditionVariable(In<CONDITION_VARIABLE>(condition));
+    WakeAllConditionVariable(In<CONDITION_VARIABLE>(cv));
     return 0;
 }
 
-int pthread_once(pthread_once_t* once, void (*routine)())
+int pthread_once(pthread_once_t* once, void (*func)())
 {
     if (InterlockedCompareExchange(once, done, done) == done)
         return 0;
@@ -134,7 +134,7 @@ int pthread_once(pthread_once_t* once, void (*routine)())
     if (*once == untouched) {
         *once = underWay;
         ReleaseSRWLockExclusive(&onceLock);
-        routine(); // may ask for another once
+        func(); // may ask for another once
         AcquireSRWLockExclusive(&onceLock);
         InterlockedExchange(once, done);
         WakeAllConditionVariable(&onceDone);

@@ -53,7 +53,7 @@ LSTATUS CreateKey(HKEY parent, LPCWSTR name, vixa::UniqueKey& key) noexcept
 
 LSTATUS SetText(HKEY key, LPCWSTR valueName, LPCWSTR text) noexcept
 {
-    const auto bytes = static_cast<DWORD>((std::wcslen(text) + 1) * sizeof(WCHAR));
+    const DWORD bytes = (static_cast<DWORD>(std::wcslen(text)) + 1) * DWORD{sizeof(WCHAR)};
     return RegSetValueExW(key, valueName, 0, REG_SZ, reinterpret_cast<const BYTE*>(text), bytes);
 }
 

@@ -75,7 +75,7 @@ std::wstring_view LanguageCode(LanguageId language) noexcept
 {
     const int primary = language & 0x3FF;
     const int sublanguage = language >> 10;
-    const auto row = std::ranges::find_if(languageRows, [=](const LanguageRow& candidate) {
+    const auto* const row = std::ranges::find_if(languageRows, [=](const LanguageRow& candidate) {
         return candidate.primary == primary &&
                (candidate.sublanguage == anySublanguage || candidate.sublanguage == sublanguage);
     });

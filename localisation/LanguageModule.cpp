@@ -36,7 +36,7 @@ private:
 std::span<const std::byte> MappedFile(HMODULE module, const std::wstring& path) noexcept
 {
     // The system marks a module that is mapped as data in the low bits of its handle.
-    const auto base = reinterpret_cast<const std::byte*>(reinterpret_cast<ULONG_PTR>(module) & ~ULONG_PTR{3});
+    const auto* const base = reinterpret_cast<const std::byte*>(reinterpret_cast<ULONG_PTR>(module) & ~ULONG_PTR{3});
     MEMORY_BASIC_INFORMATION region;
     if (VirtualQuery(base, &region, sizeof region) == 0 || region.State != MEM_COMMIT)
         return {};

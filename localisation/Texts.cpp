@@ -26,7 +26,7 @@ void HandOutText(std::wstring_view text, WCHAR* buffer, ULONG* length) noexcept
         buffer[text.size()] = L'\0';
     }
     if (length)
-        *length = static_cast<ULONG>(text.size() + 1);
+        *length = static_cast<ULONG>(text.size()) + 1;
 }
 
 } // namespace vixa

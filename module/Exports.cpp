@@ -1,4 +1,5 @@
-// The five functions that the library exports.
+// The five functions that the library exports. The platform declares four of them without noexcept, which a definition
+// must not add; none throws, because nothing that they call does.
 #include "module/EffectTable.h"
 #include "module/VixaVideoFXClassFactory.h"
 #include "module/VixaVideoFXModule.h"
@@ -19,7 +20,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) noexcept
     return TRUE;
 }
 
-STDAPI DllGetClassObject(REFCLSID clsid, REFIID riid, void** object) noexcept
+STDAPI DllGetClassObject(REFCLSID clsid, REFIID riid, void** object)
 {
     if (riid != IID_IUnknown && riid != IID_IClassFactory)
         return E_NOINTERFACE;
@@ -37,17 +38,17 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID riid, void** object) noexcept
     return S_OK;
 }
 
-STDAPI DllCanUnloadNow() noexcept
+STDAPI DllCanUnloadNow()
 {
     return ServerLocks() <= 0 && CBaseObject::ObjectsActive() == 0 ? S_OK : S_FALSE;
 }
 
-STDAPI DllRegisterServer() noexcept
+STDAPI DllRegisterServer()
 {
     return vixa::RegisterLibrary(EffectAliases());
 }
 
-STDAPI DllUnregisterServer() noexcept
+STDAPI DllUnregisterServer()
 {
     return vixa::UnregisterLibrary(EffectAliases());
 }

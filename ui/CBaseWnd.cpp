@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <exception>
 #include <mutex>
-#include <ranges>
 #include <utility>
 
 // Which dialog belongs to which object, for all threads. The lock is held for a look only; nothing that could send a
@@ -51,13 +50,13 @@ public:
     std::pair<std::shared_ptr<CBaseWnd>, bool> WindowOf(HWND dialog) noexcept
     {
         const std::scoped_lock guard(lock);
-        const auto newestFirst = entries | std::views::reverse;
-        auto found = std::ranges::find(newestFirst, dialog, &Entry::dialog);
-        if (found == newestFirst.end())
-            found = std::ranges::find_if(newestFirst, [](const Entry& entry) {
+        auto found = std::find_if(entries.rbegin(), entries.rend(),
+                                  [dialog](const Entry& entry) { return entry.dialog == dialog; });
+        if (found == entries.rend())
+            found = std::find_if(entries.rbegin(), entries.rend(), [](const Entry& entry) {
                 return entry.making && !entry.dialog && entry.thread == GetCurrentThreadId();
             });
-        if (found == newestFirst.end())
+        if (found == entries.rend())
             return {};
         found->dialog = dialog;
         return {found->window->weak_from_this().lock(), found->making};

@@ -61,7 +61,7 @@ struct BoxForm
         to.Set(3, x, B::Add16(odd, B::Odd(d)));
     }
 
-    template <int row>
+    template <std::size_t row>
     static VIXA_INLINE Vector Result(Planes from, std::size_t x, Vector middle) noexcept
     {
         constexpr std::size_t e = 2 * row, o = 2 * row + 1;
@@ -96,7 +96,7 @@ struct EmbossForm
         to.Set(5, x, B::Add16(oddC, B::Odd(d)));
     }
 
-    template <int row>
+    template <std::size_t row>
     static VIXA_INLINE Vector Result(Planes from, std::size_t x, Vector) noexcept
     {
         constexpr std::size_t e = 2 * row, o = 2 * row + 1;
@@ -122,7 +122,7 @@ struct CornersForm
         to.Set(3, x, B::Add16(B::Odd(b), B::Odd(d)));
     }
 
-    template <int row>
+    template <std::size_t row>
     static VIXA_INLINE Vector Result(Planes from, std::size_t x, Vector middle) noexcept
     {
         constexpr std::size_t e = 2 * row, o = 2 * row + 1;
@@ -157,7 +157,7 @@ struct CrossForm
         to.Set(7, x, oddC);
     }
 
-    template <int row>
+    template <std::size_t row>
     static VIXA_INLINE Vector Result(Planes from, std::size_t x, Vector) noexcept
     {
         constexpr std::size_t e = 2 * row, o = 2 * row + 1;
@@ -185,7 +185,7 @@ VIXA_INLINE void ClearPixel(std::uint8_t* pixel) noexcept
 }
 
 template <typename Form>
-VIXA_INLINE void MakeTwoRows(FourRows rows, std::size_t rowBytes, std::uint8_t* planes) noexcept
+VIXA_INLINE void MakeTwoRows(FourRows rows, std::size_t rowBytes, Planes planes) noexcept
 {
     constexpr std::size_t lead =
         2 * B::bytes;     // where a stretch starts in its planes; two vectors of the one before stand there
@@ -193,7 +193,7 @@ VIXA_INLINE void MakeTwoRows(FourRows rows, std::size_t rowBytes, std::uint8_t* 
     std::size_t start = 0;
     while (true) {
         const std::size_t end = rowBytes - start > stretchBytes ? start + stretchBytes : rowBytes;
-        const Planes to{planes + lead - start};
+        const Planes to{planes.base + lead - start};
         std::size_t x = start;
         for (; x + B::bytes <= end; x += B::bytes) {
             const Vector c = B::Load(rows.c + x);
@@ -229,7 +229,7 @@ VIXA_INLINE void MakeTwoRows(FourRows rows, std::size_t rowBytes, std::uint8_t* 
         done = until;
         for (std::size_t plane = 0; plane < Form::planes; ++plane) {
             const Vector one = to.Here(plane, end - 2 * B::bytes), other = to.Here(plane, end - B::bytes);
-            const Planes next{planes + lead - end};
+            const Planes next{planes.base + lead - end};
             next.Set(plane, end - 2 * B::bytes, one);
             next.Set(plane, end - B::bytes, other);
         }
@@ -260,7 +260,7 @@ std::size_t ConvolveForm(std::uint8_t* frame, std::size_t rowBytes, std::size_t 
     }
     for (; y + 2 < ready; y += 2) {
         std::uint8_t* const b = frame + y * rowBytes;
-        MakeTwoRows<Form>({saved, b, b + rowBytes, b + 2 * rowBytes}, rowBytes, planes);
+        MakeTwoRows<Form>({saved, b, b + rowBytes, b + 2 * rowBytes}, rowBytes, {planes});
     }
     if (ready < height)
         return y;
@@ -268,7 +268,7 @@ std::size_t ConvolveForm(std::uint8_t* frame, std::size_t rowBytes, std::size_t 
         // One inner row is left: the second result falls on the last row, which is cleared below, and any row serves as
         // the one under it.
         std::uint8_t* const b = frame + y * rowBytes;
-        MakeTwoRows<Form>({saved, b, b + rowBytes, b + rowBytes}, rowBytes, planes);
+        MakeTwoRows<Form>({saved, b, b + rowBytes, b + rowBytes}, rowBytes, {planes});
     }
     std::memset(frame + (height - 1) * rowBytes, 0, rowBytes);
     return height;

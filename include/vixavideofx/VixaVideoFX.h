@@ -22,6 +22,8 @@
 #include <strmif.h>
 #include <unknwn.h>
 
+// NOLINTBEGIN(readability-identifier-naming): pointers to an interface's methods have the methods' names
+
 // Interface identifiers. Property sets have none: the library never asks for them.
 static const IID IID_IEffectInfo = {0x194ADE67, 0xAFBF, 0x4A1F, {0x99, 0x78, 0x48, 0xB0, 0x5C, 0xEF, 0xB0, 0x83}};
 static const IID IID_IEffectFilter = {0xA67B871C, 0x0AD5, 0x4088, {0x89, 0x75, 0xDC, 0x79, 0x7B, 0x6B, 0x42, 0xD8}};
@@ -232,6 +234,8 @@ enum
     VixaShiftEdgesVertical = 9,
     VixaShiftEdgesHorizontal = 10
 };
+
+// NOLINTEND(readability-identifier-naming)
 
 #endif
 

@@ -40,7 +40,7 @@ std::string Letters(LONG width, LONG height, At at)
 class Canvas
 {
 public:
-    Canvas(LONG width_, LONG height_) : width(width_), height(height_), dc(CreateCompatibleDC(nullptr))
+    Canvas(LONG columns, LONG rows) : width(columns), height(rows), dc(CreateCompatibleDC(nullptr))
     {
         BITMAPINFO info = {};
         info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 32, 0, 0, 0, 0, 0, 0};

@@ -16,7 +16,7 @@ using Bytes = std::vector<std::byte>;
 // table that count up so that a misplaced byte shows.
 inline Bytes PackedDib(std::int32_t width, std::int32_t height, int bitCount, std::uint32_t colorsUsed = 0)
 {
-    const std::size_t table = static_cast<std::size_t>(ColorTableBytes(colorsUsed, bitCount));
+    const auto table = static_cast<std::size_t>(ColorTableBytes(colorsUsed, bitCount));
     const std::size_t pixels = static_cast<std::size_t>(StrideOf(width, bitCount)) * static_cast<std::size_t>(height);
     Bytes bytes(40 + table + pixels);
     DibHeader header = {};

@@ -31,7 +31,8 @@ public:
     ~TestModule() override { Detach(); }
     bool GetLanguageFileName(LANGID language, std::wstring& path) override
     {
-        path = path.substr(0, path.find_last_of(L'\\') + 1) + L"VixaVideoFX.dll";
+        path.resize(path.find_last_of(L'\\') + 1);
+        path += L"VixaVideoFX.dll";
         vixa::MakeLanguageFileName(language, path);
         return true;
     }
