@@ -5,6 +5,7 @@
 #include "host/base/Text.h"
 
 #include <optional>
+#include <utility>
 
 namespace vixahost {
 
@@ -29,7 +30,7 @@ std::optional<BY_HANDLE_FILE_INFORMATION> Identity(const std::filesystem::path& 
 
 } // namespace
 
-TargetFile::TargetFile(const std::filesystem::path& file) : target(file)
+TargetFile::TargetFile(std::filesystem::path file) : target(std::move(file))
 {
     const std::filesystem::path folder = FolderOf(target);
     const DWORD folderIs = GetFileAttributesW(folder.c_str());

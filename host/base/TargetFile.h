@@ -11,7 +11,7 @@ class TargetFile
 {
 public:
     // Throws FailedJob when the target's folder is missing or the target is a folder itself.
-    explicit TargetFile(const std::filesystem::path& file);
+    explicit TargetFile(std::filesystem::path file);
     ~TargetFile();
     TargetFile(const TargetFile&) = delete;
     TargetFile& operator=(const TargetFile&) = delete;

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <initializer_list>
 
 namespace vixahost::browse {
 
@@ -382,7 +383,7 @@ void BrowseWindow::UpdateMenu()
     enable(IDM_DOWN, current && stack.Selected() + 1 < stack.Items().size());
     enable(IDM_SWITCH, current != nullptr);
     enable(IDM_RESET, current && !panel->IsEmpty());
-    for (const UINT command : {IDM_PLAY, IDM_STEP_BACK, IDM_STEP_FORWARD, IDM_TO_START})
+    for (const UINT command : std::initializer_list<UINT>{IDM_PLAY, IDM_STEP_BACK, IDM_STEP_FORWARD, IDM_TO_START})
         enable(command, session->Open().IsClip());
     const auto check = [&](UINT command, bool checked) {
         CheckMenuItem(menu, command, MF_BYCOMMAND | (checked ? MF_CHECKED : MF_UNCHECKED));

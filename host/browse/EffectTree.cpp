@@ -62,7 +62,7 @@ void EffectTree::Select(std::size_t entry)
     filling = false;
 }
 
-LRESULT EffectTree::OnNotify(const NMHDR& header)
+LRESULT EffectTree::OnNotify(const NMHDR& header) const
 {
     if (header.code != TVN_SELCHANGEDW || filling)
         return 0;

@@ -12,7 +12,7 @@ namespace vixahost::browse {
 class EffectTree
 {
 public:
-    EffectTree(HWND parent, int id, const Style& style);
+    EffectTree(HWND parent, int id, const Style& look);
 
     HWND Handle() const noexcept { return tree; }
     // Fills the tree anew; nothing is selected then.
@@ -24,7 +24,7 @@ public:
 
     // Called with the entry's index when the user has chosen an effect.
     std::function<void(std::size_t)> onChosen;
-    LRESULT OnNotify(const NMHDR& header);
+    LRESULT OnNotify(const NMHDR& header) const;
 
 private:
     const Style& style;

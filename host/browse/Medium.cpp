@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <new>
+#include <utility>
 
 namespace vixahost::browse {
 
@@ -32,7 +33,7 @@ Medium::Medium(const std::filesystem::path& file) : path(file), name(Show(file.f
     TakePicture();
 }
 
-Medium::Medium(const media::Picture& source, std::string title) : name(std::move(title)), picture(source)
+Medium::Medium(media::Picture source, std::string title) : name(std::move(title)), picture(std::move(source))
 {
     TakePicture();
 }

@@ -16,7 +16,7 @@ public:
     // Opens a picture or an AVI clip. Throws HostError. One thread, in which COM must be running.
     explicit Medium(const std::filesystem::path& file);
     // A picture without a file.
-    Medium(const media::Picture& picture, std::string name);
+    Medium(media::Picture source, std::string title);
 
     bool IsClip() const noexcept { return clip != nullptr; }
     const std::filesystem::path& File() const noexcept { return path; } // empty for a picture without a file

@@ -6,6 +6,7 @@
 #include <windowsx.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cwchar>
 
 namespace vixahost::browse {
@@ -46,7 +47,7 @@ Placement PreviewPane::PicturePlace() const
 
 int PreviewPane::DividerX(const Placement& place) const
 {
-    return place.left + static_cast<int>(place.width * divider + 0.5);
+    return place.left + static_cast<int>(std::floor(place.width * divider + 0.5));
 }
 
 LRESULT PreviewPane::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)

@@ -14,7 +14,7 @@ namespace vixahost::browse {
 class PreviewPane : public Window
 {
 public:
-    PreviewPane(HWND parent, int id, const Style& style);
+    PreviewPane(HWND parent, int id, const Style& look);
 
     // Shows it at once.
     void Show(const media::FrameFormat& format, const LiveResult& result);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -66,8 +67,8 @@ Placement Fit(int width, int height, int paneWidth, int paneHeight, double atMos
         return {};
     const double scale =
         std::min({static_cast<double>(paneWidth) / width, static_cast<double>(paneHeight) / height, atMost});
-    const int columns = std::clamp(static_cast<int>(width * scale + 0.5), 1, paneWidth);
-    const int rows = std::clamp(static_cast<int>(height * scale + 0.5), 1, paneHeight);
+    const int columns = std::clamp(static_cast<int>(std::floor(width * scale + 0.5)), 1, paneWidth);
+    const int rows = std::clamp(static_cast<int>(std::floor(height * scale + 0.5)), 1, paneHeight);
     return {(paneWidth - columns) / 2, (paneHeight - rows) / 2, columns, rows};
 }
 

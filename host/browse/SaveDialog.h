@@ -14,10 +14,10 @@ class SaveDialog : public Window
 public:
     // Saves; returns when it is done. False when the user has cancelled. Throws HostError. `owner` is disabled
     // meanwhile; for a picture no window appears unless it takes its time.
-    static bool Run(HWND owner, const Style& style, SaveOrder order);
+    static bool Run(HWND owner, const Style& look, SaveOrder order);
 
 private:
-    SaveDialog(HWND owner, const Style& style, SaveOrder order);
+    SaveDialog(HWND owner, const Style& look, SaveOrder order);
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void Progress();
 

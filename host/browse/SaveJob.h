@@ -25,8 +25,8 @@ class SaveJob
 {
 public:
     // Begins at once. Throws WrongWords for a target whose ending fits no format, or that is the source.
-    // `onEnd` is called on the job's thread as its last act.
-    SaveJob(SaveOrder order, std::function<void()> onEnd);
+    // `notify` is called on the job's thread as its last act.
+    SaveJob(SaveOrder what, std::function<void()> notify);
     // Cancels and waits.
     ~SaveJob();
     SaveJob(const SaveJob&) = delete;

@@ -17,12 +17,12 @@ namespace vixahost::browse {
 class Session
 {
 public:
-    // Begins with the sample picture and one step, the catalogue's first effect. `onResult` is called on the graph's
+    // Begins with the sample picture and one step, the catalogue's first effect. `notify` is called on the graph's
     // thread. Throws HostError.
-    explicit Session(std::function<void()> onResult);
+    explicit Session(std::function<void()> notify);
 
     const std::vector<effects::CatalogueEntry>& Catalogue() const noexcept { return catalogue; }
-    const std::filesystem::path LibraryFile() const { return library.File(); }
+    std::filesystem::path LibraryFile() const { return library.File(); }
     LANGID Language() const noexcept { return language; }
     // The catalogue in another language. Every settings panel must be closed.
     void SetLanguage(LANGID newLanguage);
@@ -45,7 +45,7 @@ public:
     const class Player& Player() const noexcept { return player; }
     void Play(std::uint64_t now) { player.Play(now); }
     void Pause() { player.Pause(); }
-    void Seek(std::int64_t frame);
+    void Seek(std::int64_t index);
     // Sends the frame that is due, when the graph is ready for it. True when the position has changed.
     bool Advance(std::uint64_t now);
 

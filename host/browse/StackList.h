@@ -13,7 +13,7 @@ namespace vixahost::browse {
 class StackList
 {
 public:
-    StackList(HWND parent, int id, const Style& style);
+    StackList(HWND parent, int id, const Style& look);
 
     HWND Handle() const noexcept { return list; }
     // Shows the steps; calls nothing back.

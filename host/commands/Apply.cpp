@@ -56,8 +56,7 @@ effects::EffectStack StackOf(const std::vector<effects::EffectWords>& steps)
 effects::EffectStack StackOf(const std::filesystem::path& file)
 {
     const effects::EffectLibrary library;
-    const effects::EffectStack stack =
-        effects::SwitchedOn(effects::LoadStackFile(file, effects::ReadCatalogue(library)));
+    effects::EffectStack stack = effects::SwitchedOn(effects::LoadStackFile(file, effects::ReadCatalogue(library)));
     if (stack.empty())
         throw FailedJob("The stack file " + Show(file) +
                         " has no effect that is switched on; there is nothing to apply.");

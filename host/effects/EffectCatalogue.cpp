@@ -107,6 +107,7 @@ const CatalogueEntry& RequireEntry(const std::vector<CatalogueEntry>& catalogue,
     if (const CatalogueEntry* const entry = FindEntry(catalogue, name))
         return *entry;
     std::vector<std::string> names;
+    names.reserve(catalogue.size());
     for (const CatalogueEntry& entry : catalogue)
         names.push_back(entry.englishName);
     throw WrongWords("There is no effect \"" + std::string(name) + "\"; did you mean " +

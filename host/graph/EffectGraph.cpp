@@ -9,6 +9,8 @@
 
 #include <vixavideofx/IEffectFilter.h>
 
+#include <algorithm>
+
 namespace vixahost::graph {
 
 namespace {
@@ -98,8 +100,7 @@ void EffectGraph::Stop() const noexcept
 {
     if (sink)
         sink->Stop();
-    for (auto effect = effects.rbegin(); effect != effects.rend(); ++effect)
-        (*effect)->Stop();
+    std::for_each(effects.rbegin(), effects.rend(), [](const auto& effect) { effect->Stop(); });
     if (source)
         source->Stop();
     if (control)

@@ -45,7 +45,7 @@ public:
 
 private:
     friend class FrameSinkPin;
-    explicit FrameSink(SampleTaker& taker);
+    explicit FrameSink(SampleTaker& to);
     void ReportEnd();
 
     CCritSec lock;

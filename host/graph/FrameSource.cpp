@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <limits>
+#include <utility>
 
 namespace vixahost::graph {
 
@@ -16,10 +17,9 @@ public:
     };
 
     // Without a reader it sends nothing.
-    FrameSourcePin(FrameSource& owner, HRESULT* result, const Offer& offered, media::FrameReader* from,
-                   PassTimer* clock)
-        : CBaseOutputPin(L"Frame source", &owner, &owner.lock, result, L"Output"), source(owner), offer(offered),
-          reader(from), timer(clock)
+    FrameSourcePin(FrameSource& owner, HRESULT* result, Offer offered, media::FrameReader* from, PassTimer* clock)
+        : CBaseOutputPin(L"Frame source", &owner, &owner.lock, result, L"Output"), source(owner),
+          offer(std::move(offered)), reader(from), timer(clock)
     {
     }
 

@@ -77,6 +77,7 @@ LRESULT OpenFileOf(MMIOINFO& info, const char* name)
 }
 
 // The file procedure: what it must answer to each message is the multimedia layer's rule. -1 is a failure.
+// NOLINTNEXTLINE(readability-non-const-parameter): the type is the platform's
 LRESULT CALLBACK FileProcedure(LPSTR information, UINT message, LPARAM first, LPARAM second) noexcept
 {
     auto& info = *reinterpret_cast<MMIOINFO*>(information);
@@ -137,6 +138,7 @@ AviSession::~AviSession()
     AVIFileExit();
 }
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): there must be a session
 HRESULT AviSession::Open(const std::filesystem::path& file, UINT mode, Microsoft::WRL::ComPtr<IAVIFile>& opened) const
 {
     const PathNumber number(file);

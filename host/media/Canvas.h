@@ -25,7 +25,7 @@ class Canvas
 {
 public:
     // Throws std::bad_alloc when there is no room for a bitmap of that size.
-    Canvas(int width, int height);
+    Canvas(int columns, int rows);
 
     int Width() const noexcept { return width; }
     int Height() const noexcept { return height; }

@@ -40,7 +40,8 @@ std::uint64_t LargestPair()
 
 FailedJob NoRoomFor(const std::string& what)
 {
-    const auto side = static_cast<std::uint64_t>(std::sqrt(static_cast<double>(LargestPair() / 4))) / 100 * 100;
+    const std::uint64_t pixels = LargestPair() / 4;
+    const auto side = static_cast<std::uint64_t>(std::sqrt(static_cast<double>(pixels))) / 100 * 100;
     const std::string size = std::to_string(side);
     return FailedJob("Not enough memory for " + what + "; the largest here is about " + size + " x " + size + ".");
 }

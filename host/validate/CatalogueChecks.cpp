@@ -68,7 +68,7 @@ void Versions(Subject& library)
 void NoDescription(Subject& library)
 {
     for (const Promise& effect : Promises()) {
-        IUnknown* object = reinterpret_cast<IUnknown*>(&library);
+        auto* object = reinterpret_cast<IUnknown*>(&library);
         RequireResult(library.Info(*effect.classId)->GetPropertySetInfo(&object), S_OK,
                       std::string(effect.name) + ": GetPropertySetInfo");
         Require(object == nullptr, std::string(effect.name) + ": a data block has a description object");

@@ -15,7 +15,7 @@ using Allocator = fixtures::PushGraph::Allocator;
 // "Add pixel", which adds 10 to every colour.
 ComPtr<IBaseFilter> TenBrighter(Subject& library)
 {
-    const auto filter = library.Filter(CLSID_AddPixel);
+    auto filter = library.Filter(CLSID_AddPixel);
     fixtures::RecordedSet set{10, 10, 10, 0};
     RequireResult(Parameters(filter.Get())->SetPropertySet(&set), S_OK, "SetPropertySet");
     return filter;
@@ -56,7 +56,7 @@ void Separate(const fixtures::PushGraph& graph, IPin* one, IPin* other)
 // A sink that takes the place of a graph's own one.
 struct OtherSink
 {
-    void TakeOver(fixtures::PushGraph& graph)
+    void TakeOver(fixtures::PushGraph& graph) const
     {
         Separate(graph, graph.Output(), graph.Downstream());
         graph.Manager()->AddFilter(sink.Get(), L"another sink");
@@ -161,7 +161,7 @@ void Questions(Subject& library)
     graph.Seen().accepts = nullptr;
 }
 
-constexpr Check checks[] = {
+constexpr Check connectionChecks[] = {
     {"connections", "sinks-allocator", "The sink's allocator is proposed upstream, and frames are not copied.",
      SinksAllocator},
     {"connections", "sources-allocator", "A source's own allocator is used on both sides when the sink takes it.",
@@ -179,7 +179,7 @@ constexpr Check checks[] = {
 
 std::span<const Check> ConnectionChecks()
 {
-    return checks;
+    return connectionChecks;
 }
 
 } // namespace vixahost::validate

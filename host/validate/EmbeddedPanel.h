@@ -96,7 +96,7 @@ private:
     }
     static BOOL CALLBACK DisturbControl(HWND control, LPARAM)
     {
-        for (const UINT message : {WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONUP})
+        for (const UINT message : std::initializer_list<UINT>{WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONUP})
             PostMessageW(control, message, 0, MAKELPARAM(9, 4));
         PostMessageW(control, WM_KEYDOWN, VK_RIGHT, 0);
         PostMessageW(control, WM_KEYUP, VK_RIGHT, 0);

@@ -217,7 +217,7 @@ void SetUpOnce(Subject& library)
     RequireNumber(panel.set.writes, 1, "writes by a panel that was told again to set itself up");
 }
 
-constexpr Check checks[] = {
+constexpr Check embeddingChecks[] = {
     {"embedding", "other-threads", "Objects made and released on other threads do not disturb an open panel.",
      OtherThreads},
     {"embedding", "two-threads", "Two threads have panels of their own.", TwoThreads},
@@ -236,7 +236,7 @@ constexpr Check checks[] = {
 
 std::span<const Check> EmbeddingChecks()
 {
-    return checks;
+    return embeddingChecks;
 }
 
 } // namespace vixahost::validate

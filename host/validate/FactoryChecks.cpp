@@ -127,7 +127,7 @@ void LockServer(Subject& library)
     RequireResult(factory->LockServer(FALSE), S_OK, "LockServer(FALSE)");
 }
 
-constexpr Check checks[] = {
+constexpr Check factoryChecks[] = {
     {"factories", "all-classes", "Each of the thirteen class identifiers has a class factory.", AllClasses},
     {"factories", "unknown-class", "An unknown class gets CLASS_E_CLASSNOTAVAILABLE and nothing is written.",
      UnknownClass},
@@ -147,7 +147,7 @@ constexpr Check checks[] = {
 
 std::span<const Check> FactoryChecks()
 {
-    return checks;
+    return factoryChecks;
 }
 
 } // namespace vixahost::validate

@@ -178,9 +178,9 @@ void Reconnects(Subject& library)
     }
 }
 
-constexpr Check checks[] = {
+constexpr Check filterChecks[] = {
     {"filters", "pins", "Each filter has the pins Input and Output.", Pins},
-    {"filters", "find-pins", "FindPin knows \"In\" and \"Out\" and nothing else.", FindsPins},
+    {"filters", "find-pins", R"(FindPin knows "In" and "Out" and nothing else.)", FindsPins},
     {"filters", "class-ids", "GetClassID names the filter's class.", ClassIds},
     {"filters", "types-accepted", "32-bit RGB is taken with both header formats.", TypesAccepted},
     {"filters", "types-refused", "Any other type is refused with VFW_E_TYPE_NOT_ACCEPTED.", TypesRefused},
@@ -197,7 +197,7 @@ constexpr Check checks[] = {
 
 std::span<const Check> FilterChecks()
 {
-    return checks;
+    return filterChecks;
 }
 
 } // namespace vixahost::validate

@@ -194,7 +194,7 @@ void ManyThreads(Subject& library)
     RequireNumber(ReferencesOf(factory.Get()), 1, "the factory's count afterwards");
 }
 
-constexpr Check checks[] = {
+constexpr Check identityChecks[] = {
     {"identity", "factories", "A factory's interfaces are one object and refuse what they lack.", Factories},
     {"identity", "catalogue", "A catalogue object's interfaces are one object and refuse what they lack.",
      CatalogueObjects},
@@ -215,7 +215,7 @@ constexpr Check checks[] = {
 
 std::span<const Check> IdentityChecks()
 {
-    return checks;
+    return identityChecks;
 }
 
 } // namespace vixahost::validate

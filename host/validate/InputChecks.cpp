@@ -59,8 +59,8 @@ void FailingSet(Subject& library)
 }
 
 // What a frame of equal bytes becomes after an honest block, if there is one, and then a set that answers like this.
-using Answer = std::function<HRESULT(IEffectFilter& filter, void* buffer, int* size)>;
-Frame AfterReads(Subject& library, const GUID& effect, const std::vector<std::int32_t>& honest, const Answer& answer,
+using SetAnswer = std::function<HRESULT(IEffectFilter& filter, void* buffer, int* size)>;
+Frame AfterReads(Subject& library, const GUID& effect, const std::vector<std::int32_t>& honest, const SetAnswer& answer,
                  std::uint8_t value = 100)
 {
     const auto filter = library.Filter(effect);
@@ -80,7 +80,7 @@ void RequireBytes(const Frame& frame, std::size_t at, const Frame& wanted, const
 }
 
 // Writes one value, says that it gave so many bytes, and answers that.
-Answer Gives(std::int32_t value, int bytes, HRESULT result)
+SetAnswer Gives(std::int32_t value, int bytes, HRESULT result)
 {
     return [=](IEffectFilter&, void* buffer, int* size) {
         std::memcpy(buffer, &value, sizeof value);
@@ -92,7 +92,7 @@ Answer Gives(std::int32_t value, int bytes, HRESULT result)
 
 void PartialReads(Subject& library)
 {
-    const Answer fails = [](IEffectFilter&, void*, int*) { return E_FAIL; };
+    const SetAnswer fails = [](IEffectFilter&, void*, int*) { return E_FAIL; };
     RequireBytes(AfterReads(library, CLSID_AddPixel, {10, 20, 30, 0}, fails), 0, {130, 120, 110, 100},
                  "a failed read keeps what was there");
     RequireBytes(AfterReads(library, CLSID_AddPixel, {10, 20, 30, 0}, Gives(50, 0, E_FAIL)), 0, {130, 120, 150, 100},
@@ -112,10 +112,10 @@ void PartialReads(Subject& library)
 // other one runs inside GetData; on another thread it would be the same.
 void ReadsInOrder(Subject& library)
 {
-    const auto require = [&](const GUID& effect, std::vector<std::int32_t> meanwhile, const Answer& answer,
+    const auto require = [&](const GUID& effect, const std::vector<std::int32_t>& meanwhile, const SetAnswer& answer,
                              const Frame& wanted) {
         HRESULT between = E_FAIL;
-        const Answer slow = [&](IEffectFilter& filter, void* buffer, int* size) {
+        const SetAnswer slow = [&](IEffectFilter& filter, void* buffer, int* size) {
             fixtures::RecordedSet set(meanwhile);
             between = filter.SetPropertySet(&set);
             return answer(filter, buffer, size);
@@ -124,7 +124,7 @@ void ReadsInOrder(Subject& library)
         RequireResult(between, S_OK, "SetPropertySet inside GetData");
         RequireBytes(frame, 0, wanted, std::string(PromiseOf(effect).name) + " after a slow read");
     };
-    const Answer fails = [](IEffectFilter&, void*, int*) { return E_FAIL; };
+    const SetAnswer fails = [](IEffectFilter&, void*, int*) { return E_FAIL; };
     require(CLSID_AddPixel, {10, 20, 30, 0}, fails, {130, 120, 110});
     require(CLSID_AddPixel, {10, 20, 30, 0}, Gives(50, 4, S_OK), {130, 120, 150});
     require(CLSID_FilterColor, {-40, 0}, fails, {60, 100, 100});
@@ -397,7 +397,7 @@ void MisalignedStack(Subject& library)
     }
 }
 
-constexpr Check checks[] = {
+constexpr Check inputChecks[] = {
     {"bad-input", "null-set", "SetPropertySet(null) is S_OK and changes nothing.", NullSet},
     {"bad-input", "failing-set", "A property set that can't be read is S_OK and is not asked again and again.",
      FailingSet},
@@ -426,7 +426,7 @@ constexpr Check checks[] = {
 
 std::span<const Check> InputChecks()
 {
-    return checks;
+    return inputChecks;
 }
 
 } // namespace vixahost::validate

@@ -55,7 +55,7 @@ void Opens(Subject& library)
     }
 }
 
-void Arguments(Subject& library)
+void PanelArguments(Subject& library)
 {
     const effects::PanelWindow host(100, 100);
     for (const Promise& effect : Promises()) {
@@ -306,9 +306,9 @@ void Translated(Subject& library)
     Require(german != english && !german.empty(), "a panel's labels do not follow the language");
 }
 
-constexpr Check checks[] = {
+constexpr Check panelChecks[] = {
     {"panels", "opens", "Every panel opens silently as a child of the host's window.", Opens},
-    {"panels", "arguments", "Without a property set, a place for the window or a parent: E_FAIL.", Arguments},
+    {"panels", "arguments", "Without a property set, a place for the window or a parent: E_FAIL.", PanelArguments},
     {"panels", "reused", "An open panel is handed out again.", Reused},
     {"panels", "reopened", "A closed panel is made anew.", Reopened},
     {"panels", "dies-with-the-host", "A panel goes with the host's window and comes back in another.", DiesWithTheHost},
@@ -328,7 +328,7 @@ constexpr Check checks[] = {
 
 std::span<const Check> PanelChecks()
 {
-    return checks;
+    return panelChecks;
 }
 
 } // namespace vixahost::validate

@@ -19,7 +19,7 @@ using Block = std::vector<std::int32_t>;
 
 ComPtr<IBaseFilter> Prepared(Subject& library, const GUID& effect, const Block& block)
 {
-    const auto filter = library.Filter(effect);
+    auto filter = library.Filter(effect);
     fixtures::RecordedSet set(block);
     RequireResult(Parameters(filter.Get())->SetPropertySet(&set), S_OK, "SetPropertySet");
     return filter;
@@ -302,7 +302,7 @@ void TwoFilters(Subject& library)
     RequireNumber(second.Through(Frame(8, 128))[0], 181, "128 after the gamma changed to 2.00");
 }
 
-constexpr Check checks[] = {
+constexpr Check streamingChecks[] = {
     {"streaming", "add-pixel", "\"Add pixel\" adds to each colour and stays within a byte.", AddPixel},
     {"streaming", "filter-color", "\"Filter color\" changes its channel in pixels of its hue only.", FilterColor},
     {"streaming", "invert-color", "\"Invert color\" inverts the chosen channels and clears the others.", InvertColor},
@@ -332,7 +332,7 @@ constexpr Check checks[] = {
 
 std::span<const Check> StreamingChecks()
 {
-    return checks;
+    return streamingChecks;
 }
 
 } // namespace vixahost::validate

@@ -183,7 +183,7 @@ void OneCall(Subject& library)
     RequireNumber(length, 7, "the length, which is not read on entry");
 }
 
-void Arguments(Subject& library)
+void TextArguments(Subject& library)
 {
     const auto info = library.Info(CLSID_Emboss);
     NameOf(info.Get(), english, "English");
@@ -205,7 +205,7 @@ void BackAndForth(Subject& library)
 
 // Hosts ask on several threads, each in its language: a name is of the language that was asked for, a group's of
 // either.
-void TwoThreads(Subject& library)
+void SwitchingThreads(Subject& library)
 {
     std::vector<effects::LanguageCode> languages;
     std::vector<std::wstring> names, groups;
@@ -243,7 +243,7 @@ void TwoThreads(Subject& library)
                 std::string(language.code) + ": the unloaded library left its language file open");
 }
 
-constexpr Check checks[] = {
+constexpr Check textChecks[] = {
     {"texts", "english", "Names and groups in English are the agreed ones.", English},
     {"texts", "files", "A file for each of the 27 languages lies beside the library.", AllFiles},
     {"texts", "from-the-file", "Each language's texts are those of that language's file.", FromTheFile},
@@ -251,16 +251,16 @@ constexpr Check checks[] = {
     {"texts", "one-switch", "GetEffectName switches the language of all effects.", GroupFollows},
     {"texts", "missing-language", "A language without a file gets English texts.", MissingLanguage},
     {"texts", "one-call", "A caller that knows the size needs one call, with or without a length.", OneCall},
-    {"texts", "arguments", "Requests without buffer and length give E_INVALIDARG and switch nothing.", Arguments},
+    {"texts", "arguments", "Requests without buffer and length give E_INVALIDARG and switch nothing.", TextArguments},
     {"texts", "back-and-forth", "A hundred switches leave the texts whole.", BackAndForth},
-    {"texts", "two-threads", "Threads that switch languages get whole texts, and no file stays open.", TwoThreads},
+    {"texts", "two-threads", "Threads that switch languages get whole texts, and no file stays open.", SwitchingThreads},
 };
 
 } // namespace
 
 std::span<const Check> TextChecks()
 {
-    return checks;
+    return textChecks;
 }
 
 } // namespace vixahost::validate

@@ -221,7 +221,7 @@ void LoadsLeaveNothing(Subject& library)
                 std::to_string(indicesLeft) + " indices of thread-local storage behind");
 }
 
-constexpr Check checks[] = {
+constexpr Check unloadingChecks[] = {
     {"unloading", "fresh", "A library that was just loaded may go.", Fresh},
     {"unloading", "objects", "Each factory, catalogue object and filter holds the library, and lets go.",
      ObjectsHoldIt},
@@ -239,7 +239,7 @@ constexpr Check checks[] = {
 
 std::span<const Check> UnloadingChecks()
 {
-    return checks;
+    return unloadingChecks;
 }
 
 } // namespace vixahost::validate

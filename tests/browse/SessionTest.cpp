@@ -37,7 +37,7 @@ protected:
         session.Change([&](StackModel& stack) { stack.Choose(effects::StepOf(entry)); });
     }
 
-    static void Set(Session& session, std::vector<std::int32_t> block)
+    static void Set(Session& session, const std::vector<std::int32_t>& block)
     {
         session.Change([&](StackModel& stack) { stack.SetBlock(stack.Selected(), block, 0); });
     }

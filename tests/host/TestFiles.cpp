@@ -11,11 +11,10 @@
 
 namespace vixahost::test {
 
-ScratchFolder::ScratchFolder()
+ScratchFolder::ScratchFolder() : path(std::filesystem::temp_directory_path())
 {
     static int count = 0;
-    path = std::filesystem::temp_directory_path() /
-           (L"vixahost test \x00e4\x4e2d " + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++count));
+    path /= L"vixahost test \x00e4\x4e2d " + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++count);
     std::filesystem::create_directories(path);
 }
 
