@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <set>
 
 namespace {
 
@@ -91,6 +92,51 @@ TEST_F(Panels, TextsComeFromTheLanguageAndTheGammaLabelsFromTheirSides)
         EXPECT_NE(expected(704), L"Select color");
     }
     ModuleBase::SetLanguage(1033);
+}
+
+// What every template owes its user and its host, whatever it holds.
+TEST_F(Panels, TemplatesAreMadeToBeEmbeddedAndUsedByKeys)
+{
+    const ColourPanel colour(host, {0, 0});
+    const AddPanel add(host, {0, 0, 0, 0});
+    const InvertPanel invert(host, {0});
+    const MultiplyPanel multiply(host, {0});
+    const GammaPanel gamma(host, {100});
+    const ShiftPanel shift(host, {7});
+    const EmptyPanel empty(host, {});
+    const auto styleOf = [](HWND window) { return GetWindowLongW(window, GWL_STYLE); };
+    for (const HWND panel :
+         {colour.window, add.window, invert.window, multiply.window, gamma.window, shift.window, empty.window}) {
+        EXPECT_EQ(styleOf(panel) & (WS_CHILD | WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | DS_CONTROL),
+                  WS_CHILD);
+        std::set<int> ids;
+        for (HWND control = GetWindow(panel, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
+            const int id = GetDlgCtrlID(control);
+            EXPECT_TRUE(ids.insert(id).second) << "two controls " << id;
+            wchar_t windowClass[32];
+            GetClassNameW(control, windowClass, 32);
+            const LONG style = styleOf(control), kind = style & 0xF;
+            const bool isText = lstrcmpiW(windowClass, L"Static") == 0,
+                       isButton = lstrcmpiW(windowClass, L"Button") == 0;
+            const bool isFrame = isButton && kind == BS_GROUPBOX;
+            EXPECT_EQ((style & WS_TABSTOP) != 0, !isText && !isFrame) << id << ": what is used is reached by keys";
+            if (isText) {
+                EXPECT_TRUE(style & WS_GROUP) << id << ": arrow keys do not leave a group";
+            } else if (isButton) {
+                EXPECT_TRUE(kind == BS_AUTOCHECKBOX || isFrame || !IsWindowVisible(control)) << id;
+            } else if (lstrcmpiW(windowClass, L"ComboBox") == 0) {
+                EXPECT_EQ(style & (CBS_DROPDOWNLIST | CBS_SORT), CBS_DROPDOWN | CBS_SORT);
+                RECT list{};
+                SendMessageW(control, CB_GETDROPPEDCONTROLRECT, 0, reinterpret_cast<LPARAM>(&list));
+                EXPECT_GT(list.bottom - list.top, 3 * SendMessageW(control, CB_GETITEMHEIGHT, 0, 0)) << "three colours";
+            }
+            RECT area, room;
+            GetWindowRect(control, &area);
+            GetWindowRect(panel, &room);
+            EXPECT_TRUE(PtInRect(&room, {area.left, area.top})) << id;
+            EXPECT_LE(area.bottom, room.bottom) << id;
+        }
+    }
 }
 
 TEST_F(Panels, KeysMoveASliderByItsLineAndPage)
