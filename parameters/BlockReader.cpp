@@ -14,6 +14,48 @@ constexpr std::size_t pageBytes = 4096;
 alignas(pageBytes) constinit std::byte libraryRoom[roomBytes + pageBytes] = {};
 constinit std::atomic_flag libraryRoomTaken;
 
+// Calls back when somebody's exception unwinds the stack past the place where this stands: a structured one, or one of
+// another compiler's run-time library, for which no destructor of this compiler's runs.
+class UnwindWatch
+{
+public:
+    UnwindWatch(const UnwindWatch&) = delete;
+    UnwindWatch& operator=(const UnwindWatch&) = delete;
+
+#ifdef _WIN64
+    // There is no list of frames to join. What is lost then is a little address space, of which there is enough.
+    UnwindWatch(void (*)(void*) noexcept, void*) noexcept {}
+#else
+    UnwindWatch(void (*whenUnwound)(void*) noexcept, void* argument) noexcept : call(whenUnwound), with(argument)
+    {
+        __asm__ volatile("movl %%fs:0, %0" : "=r"(link.Next)); // the thread's list of frames
+        link.Handler = reinterpret_cast<PEXCEPTION_ROUTINE>(reinterpret_cast<void*>(&OnException));
+        Enter(&link);
+    }
+    ~UnwindWatch()
+    {
+        Enter(link.Next);
+    }
+
+private:
+    static void Enter(EXCEPTION_REGISTRATION_RECORD* first) noexcept
+    {
+        __asm__ volatile("movl %0, %%fs:0" : : "r"(first) : "memory");
+    }
+    static EXCEPTION_DISPOSITION __cdecl OnException(EXCEPTION_RECORD* exception, void* frame, CONTEXT*, void*) noexcept
+    {
+        const auto* const self = static_cast<const UnwindWatch*>(frame); // the link is its first member
+        if (exception->ExceptionFlags & (EXCEPTION_UNWINDING | EXCEPTION_EXIT_UNWIND))
+            self->call(self->with);
+        return ExceptionContinueSearch;
+    }
+
+    EXCEPTION_REGISTRATION_RECORD link;
+    void (*call)(void*) noexcept;
+    void* with;
+#endif
+};
+
 // Room for one GetData, with a page behind it that nobody can touch.
 class Room
 {
@@ -30,22 +72,25 @@ public:
         if (!start)
             OutputDebugStringA("VixaVideoFX: no memory to read a property set, its values are not used\n");
     }
-    ~Room()
-    {
-        if (made)
-            VirtualFree(made, 0, MEM_RELEASE);
-        if (takesLibraryRoom)
-            libraryRoomTaken.clear(std::memory_order_release);
-    }
+    ~Room() { GiveBack(); }
     Room(const Room&) = delete;
     Room& operator=(const Room&) = delete;
 
     void* Start() const noexcept { return start; }
 
 private:
+    void GiveBack() const noexcept
+    {
+        if (made)
+            VirtualFree(made, 0, MEM_RELEASE);
+        if (takesLibraryRoom)
+            libraryRoomTaken.clear(std::memory_order_release);
+    }
+
     const bool takesLibraryRoom;
     void* made = nullptr;
     void* start = nullptr;
+    const UnwindWatch watch{[](void* room) noexcept { static_cast<Room*>(room)->GiveBack(); }, this};
 };
 
 } // namespace
@@ -60,7 +105,8 @@ GetDataAnswer ReadBytes(IDataPropertySet& propertySet, std::span<std::byte> bloc
     try {
         answer.result = propertySet.GetData(room.Start(), &answer.size);
     } catch (...) {
-        // Only an exception of the same compiler's run-time library arrives here; others pass this frame by.
+        // Only an exception of the same compiler's run-time library arrives here; others pass this frame by, and the
+        // room hears of it.
     }
     std::memcpy(block.data(), room.Start(), block.size());
     return answer;

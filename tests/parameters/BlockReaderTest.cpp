@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csetjmp>
 #include <cstring>
 #include <stdexcept>
 
@@ -129,11 +130,24 @@ TEST(BlockReader, AnExceptionOfTheHostEndsHere)
     failed.LayOver(current);
     EXPECT_EQ(failed.answer.result, E_UNEXPECTED);
     EXPECT_EQ(current, (Pair{5, 6}));
-    set.answer = [&](void* buffer, int*) {
-        EXPECT_EQ(buffer, room) << "the library's own room is free again";
-        return S_OK;
+    const auto expectTheSameRoom = [&] {
+        set.answer = [&](void* buffer, int*) {
+            EXPECT_EQ(buffer, room) << "the library's own room is free again";
+            return S_OK;
+        };
+        ReadBlock(set, Pair{});
     };
-    ReadBlock(set, Pair{});
+    expectTheSameRoom();
+#ifndef _WIN64
+    // An exception that this compiler knows nothing of unwinds the stack like a jump.
+    static jmp_buf caught;
+    for (static int round = 0; round < 2; ++round) {
+        set.answer = [](void*, int*) -> HRESULT { longjmp(caught, 1); };
+        if (setjmp(caught) == 0)
+            ReadBlock(set, Pair{});
+    }
+    expectTheSameRoom();
+#endif
 }
 
 } // namespace
