@@ -5,6 +5,7 @@
 #include "host/base/Text.h"
 #include "host/commands/Words.h"
 #include "host/effects/EffectLibrary.h"
+#include "host/validate/Attack.h"
 #include "host/validate/Validation.h"
 
 #include <algorithm>
@@ -92,6 +93,9 @@ void Run(const ValidateCommand& command)
     if (GetFileAttributesW(request.dll.c_str()) == INVALID_FILE_ATTRIBUTES)
         throw FailedJob("There is no library to check: " + Show(request.dll));
 
+    if (command.attackMinutes > 0)
+        return validate::Attack(request.dll, command.attackMinutes, Say);
+
     const auto results = validate::Validate(request, [&](const validate::Result& result) {
         if (!command.json)
             Say(Line(result));
@@ -122,7 +126,7 @@ Words ValidateWords(CLI::App& program)
         std::string library;
         std::vector<std::string> groups;
         bool json = false, list = false;
-        int seconds = 20;
+        int seconds = 20, attack = 0;
     };
     CLI::App* const parser =
         program.add_subcommand("validate", "Checks a build of the library as a foreign host would");
@@ -136,8 +140,12 @@ Words ValidateWords(CLI::App& program)
     parser->add_option("--time-limit", given->seconds, "How long one check may take")
         ->type_name("SECONDS")
         ->check(CLI::Range(1, 600));
+    parser->add_option("--attack", given->attack, "Instead of the checks: tries that long to break the library")
+        ->type_name("MINUTES")
+        ->check(CLI::Range(1, 1440));
     return {parser, [given] {
-                return ValidateCommand{Wide(given->library), given->groups, given->json, given->list, given->seconds};
+                return ValidateCommand{Wide(given->library), given->groups,  given->json,
+                                       given->list,          given->seconds, given->attack};
             }};
 }
 

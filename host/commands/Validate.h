@@ -14,9 +14,10 @@ struct ValidateCommand
     std::vector<std::string> groups; // empty: all
     bool json, list;
     int secondsPerCheck;
+    int attackMinutes = 0; // instead of the checks
 };
 
-// Checks a library. Throws FailedJob when a check fails, after the report was written.
+// Checks a library, or attacks it. Throws FailedJob when a check fails, after the report was written.
 void Run(const ValidateCommand& command);
 
 // One group of checks in a process of its own; what `validate` starts, not for people.

@@ -1,6 +1,7 @@
 // The child process: one group's checks on one copy of the library.
 #include "host/base/HostError.h"
 #include "host/fixtures/PushGraph.h"
+#include "host/validate/CrashWords.h"
 #include "host/validate/Report.h"
 #include "host/validate/Subject.h"
 #include "host/validate/Validation.h"
@@ -46,42 +47,9 @@ bool ReadOrders()
     return std::freopen("NUL", "r", stdin) && understood && SetHandleInformation(report, HANDLE_FLAG_INHERIT, 0);
 }
 
-// "VixaVideoFX.dll+0x1234".
-void DescribePlace(const void* address, char* text, std::size_t size)
-{
-    HMODULE module = nullptr;
-    char file[MAX_PATH] = "";
-    if (GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                           static_cast<LPCSTR>(address), &module))
-        GetModuleFileNameA(module, file, MAX_PATH);
-    const char* name = file;
-    for (const char* at = file; *at; ++at)
-        if (*at == '\\' || *at == '/')
-            name = at + 1;
-    if (*name)
-        std::snprintf(
-            text, size, "%s+0x%lX", name,
-            static_cast<unsigned long>(reinterpret_cast<UINT_PTR>(address) - reinterpret_cast<UINT_PTR>(module)));
-    else
-        std::snprintf(text, size, "%p", address);
-}
-
-// The last words of a process that crashes; no allocation, because the heap may be what is broken.
 LONG WINAPI LastWords(EXCEPTION_POINTERS* fault)
 {
-    const EXCEPTION_RECORD& record = *fault->ExceptionRecord;
-    static char place[MAX_PATH + 32], words[MAX_PATH + 128]; // little of the stack may be left
-    DescribePlace(record.ExceptionAddress, place, sizeof place);
-    if (record.ExceptionCode == EXCEPTION_ACCESS_VIOLATION && record.NumberParameters >= 2)
-        std::snprintf(words, sizeof words, "access violation at %s, %s address 0x%08lX", place,
-                      record.ExceptionInformation[0] == 1   ? "writing to"
-                      : record.ExceptionInformation[0] == 8 ? "executing"
-                                                            : "reading from",
-                      static_cast<unsigned long>(record.ExceptionInformation[1]));
-    else
-        std::snprintf(words, sizeof words, "exception 0x%08lX at %s", static_cast<unsigned long>(record.ExceptionCode),
-                      place);
-    Report(Statement::Kind::Crashes, 0, Status::Success, words);
+    Report(Statement::Kind::Crashes, 0, Status::Success, CrashWords(*fault->ExceptionRecord));
     TerminateProcess(GetCurrentProcess(), 3);
     return EXCEPTION_EXECUTE_HANDLER;
 }

@@ -120,13 +120,16 @@ void BothInsist(Subject& library)
 
 void WhileRunning(Subject& library)
 {
+    OtherSink second;
+    second.sink->GetPin(0)->SetReconnectWhenActive(true); // it would take any
     fixtures::PushGraph graph(TenBrighter(library).Get(), type);
+    second.TakeOver(graph);
     ComPtr<IMemAllocator> another;
     RequireResult(CoCreateInstance(CLSID_MemoryAllocator, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&another)), S_OK,
                   "the system's memory allocator");
     RequireResult(graph.Memory()->NotifyAllocator(another.Get(), FALSE), VFW_E_NOT_STOPPED,
                   "NotifyAllocator in a running graph");
-    Require(ArrivesInPlace(graph, graph.Seen()), "the refused allocator is in use");
+    Require(ArrivesInPlace(graph, second.record), "the refused allocator is in use");
 }
 
 void Rings(Subject& library)

@@ -256,6 +256,34 @@ void HugeFrames(Subject& library)
         }
 }
 
+// Before the first block, and after one that is none, colours stay; "Multiply pixel" clears the fourth byte at once.
+void NoValidBlock(Subject& library)
+{
+    for (const Promise& effect : Promises()) {
+        Frame wanted = Ramp();
+        for (std::size_t i = 3; *effect.classId == CLSID_MultiplyPixel && i < wanted.size(); i += 4)
+            wanted[i] = 0;
+        fixtures::PushGraph graph(library.Filter(*effect.classId).Get(), fixtures::VideoType(width, height));
+        Require(graph.Through(Ramp()) == wanted, std::string(effect.name) + ": a frame before any block was changed");
+    }
+    const auto filter = library.Filter(CLSID_SoftenFilter);
+    fixtures::RecordedSet none{11};
+    Parameters(filter.Get())->SetPropertySet(&none);
+    fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, height));
+    Require(graph.Through(Ramp()) == Ramp(), "a convolution of a kind that is none changed a frame");
+}
+
+void NoPixels(Subject& library)
+{
+    const auto filter = library.Filter(CLSID_Emboss);
+    fixtures::RecordedSet set{2};
+    Parameters(filter.Get())->SetPropertySet(&set);
+    for (const auto& [columns, rows] : {std::pair{5L, 0L}, {-2L, 2L}}) {
+        fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(columns, rows));
+        Require(graph.Through(Frame(16, 90)) == Frame(16, 90), "a frame without rows or columns was changed");
+    }
+}
+
 // A type and a sample that claim a frame whose saved rows no memory could hold.
 void UnsavableRows(Subject& library)
 {
@@ -299,17 +327,21 @@ void UnknownSize(Subject& library)
 
 void NoBuffer(Subject& library)
 {
-    for (const Promise& effect : Promises()) {
-        const auto filter = library.Filter(*effect.classId);
-        fixtures::RecordedSet set(effect.working);
-        Parameters(filter.Get())->SetPropertySet(&set);
-        fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(width, height));
+    const auto send = [](IBaseFilter* filter) {
+        fixtures::PushGraph graph(filter, fixtures::VideoType(width, height));
         fixtures::HandSample failing;
         failing.size = failing.length = 64;
         failing.pointerResult = E_UNEXPECTED;
+        return graph.Send(&failing);
+    };
+    for (const Promise& effect : Promises()) {
+        const auto filter = library.Filter(*effect.classId);
+        const std::string call = std::string(effect.name) + ": Receive of a sample without a buffer";
+        RequireResult(send(filter.Get()), S_OK, call + ", without parameters");
+        fixtures::RecordedSet set(effect.working);
+        Parameters(filter.Get())->SetPropertySet(&set);
         // "Gamma correction" alone gives a frame up; the others pass it on.
-        RequireResult(graph.Send(&failing), *effect.classId == CLSID_GammaCorrection ? E_FAIL : S_OK,
-                      std::string(effect.name) + ": Receive of a sample without a buffer");
+        RequireResult(send(filter.Get()), *effect.classId == CLSID_GammaCorrection ? E_FAIL : S_OK, call);
     }
 }
 
@@ -401,6 +433,7 @@ constexpr Check inputChecks[] = {
     {"bad-input", "null-set", "SetPropertySet(null) is S_OK and changes nothing.", NullSet},
     {"bad-input", "failing-set", "A property set that can't be read is S_OK and is not asked again and again.",
      FailingSet},
+    {"bad-input", "no-block", "Without a valid block an effect leaves the colours as they are.", NoValidBlock},
     {"bad-input", "partial-reads", "What a failed or short read wrote counts, and the rest stays.", PartialReads},
     {"bad-input", "reads-in-order", "A slow read that fails or is short undoes nothing that was set meanwhile.",
      ReadsInOrder},
@@ -412,6 +445,7 @@ constexpr Check inputChecks[] = {
     {"bad-input", "short-samples", "A sample smaller than the frame is not overrun.", ShortSamples},
     {"bad-input", "lying-lengths", "A data length beyond the buffer, or below 0, is not believed.", LyingLengths},
     {"bad-input", "huge-frames", "Absurd frame sizes do not lead outside the sample.", HugeFrames},
+    {"bad-input", "no-pixels", "A frame without rows or columns passes unchanged.", NoPixels},
     {"bad-input", "unsavable-rows", "A frame too wide for any memory passes unchanged.", UnsavableRows},
     {"bad-input", "unknown-size", "A sample that does not tell its buffer's size is processed.", UnknownSize},
     {"bad-input", "no-buffer", "A sample without a buffer passes; \"Gamma correction\" answers E_FAIL.", NoBuffer},

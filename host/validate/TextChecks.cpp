@@ -224,9 +224,13 @@ void SwitchingThreads(Subject& library)
     {
         const ComPtr<IEffectInfo> infos[] = {library.Info(CLSID_Emboss), library.Info(CLSID_Emboss)};
         NameOf(infos[0].Get(), languages[0].id, languages[0].code);
+        const Meanwhile others(4, [&](int i) {
+            ULONG length = 0;
+            infos[0]->GetEffectName(languages[static_cast<std::size_t>(i % 2)].id, nullptr, &length);
+        });
         OnTwoThreads([&](int thread) {
             const auto own = static_cast<std::size_t>(thread);
-            for (int i = 0; i < 300; ++i) {
+            for (const ULONGLONG end = GetTickCount64() + 400; GetTickCount64() < end;) {
                 WCHAR text[256] = {};
                 RequireResult(infos[own]->GetEffectName(languages[own].id, text, nullptr), S_OK, "GetEffectName");
                 Same(text, names[own], std::string(languages[own].code) + ": the name of Emboss");

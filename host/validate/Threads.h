@@ -13,7 +13,10 @@ namespace vixahost::validate {
 inline void OnTwoThreads(const std::function<void(int)>& work)
 {
     std::exception_ptr found[2];
+    std::atomic<int> ready = 0;
     const auto guarded = [&](int number) {
+        for (++ready; ready < 2;)
+            std::this_thread::yield();
         try {
             work(number);
         } catch (...) {
