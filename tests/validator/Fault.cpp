@@ -21,11 +21,10 @@ extern void* infoTable[] __asm__("__ZTVN23VixaVideoFXClassFactory10EffectInfoE")
 extern void* factoryTable[] __asm__("__ZTV23VixaVideoFXClassFactory");
 extern void* convolutionTable[] __asm__("__ZTV15CConvCorrection");
 extern void* addTable[] __asm__("__ZTV9CAddPixel");
-HRESULT __thiscall ConvolutionTransform(void* self, IMediaSample* sample) __asm__(
-    "__ZN15CConvCorrection9TransformEP12IMediaSample");
-HRESULT __thiscall AddTransform(void* self, IMediaSample* sample) __asm__("__ZN9CAddPixel9TransformEP12IMediaSample");
+HRESULT __thiscall KernelTransform(void* self,
+                                   IMediaSample* sample) __asm__("__ZN12KernelEffect9TransformEP12IMediaSample");
 HRESULT STDMETHODCALLTYPE AddSetPropertySet(void* self,
-                                            IUnknown* set) __asm__("__ZThn448_N9CAddPixel14SetPropertySetEP8IUnknown");
+                                            IUnknown* set) __asm__("__ZThn456_N9CAddPixel14SetPropertySetEP8IUnknown");
 }
 
 namespace {
@@ -117,7 +116,7 @@ void Break()
 
 HRESULT __thiscall Bordered(void* self, IMediaSample* sample)
 {
-    const HRESULT result = ConvolutionTransform(self, sample);
+    const HRESULT result = KernelTransform(self, sample);
     BYTE* bytes = nullptr;
     if (SUCCEEDED(sample->GetPointer(&bytes)) && bytes && sample->GetActualDataLength() >= 8)
         bytes[4] = 1;
@@ -125,14 +124,14 @@ HRESULT __thiscall Bordered(void* self, IMediaSample* sample)
 }
 void Break()
 {
-    Exchange(convolutionTable, reinterpret_cast<void*>(ConvolutionTransform), reinterpret_cast<void*>(Bordered));
+    Exchange(convolutionTable, reinterpret_cast<void*>(KernelTransform), reinterpret_cast<void*>(Bordered));
 }
 
 #elif defined(VIXA_FAULT_OVERRUN)
 
 HRESULT __thiscall Overrun(void* self, IMediaSample* sample)
 {
-    const HRESULT result = AddTransform(self, sample);
+    const HRESULT result = KernelTransform(self, sample);
     BYTE* bytes = nullptr;
     if (SUCCEEDED(sample->GetPointer(&bytes)) && bytes)
         bytes[sample->GetSize()] = 0;
@@ -140,7 +139,7 @@ HRESULT __thiscall Overrun(void* self, IMediaSample* sample)
 }
 void Break()
 {
-    Exchange(addTable, reinterpret_cast<void*>(AddTransform), reinterpret_cast<void*>(Overrun));
+    Exchange(addTable, reinterpret_cast<void*>(KernelTransform), reinterpret_cast<void*>(Overrun));
 }
 
 #elif defined(VIXA_FAULT_TIMES)
@@ -149,11 +148,11 @@ HRESULT __thiscall Retimed(void* self, IMediaSample* sample)
 {
     REFERENCE_TIME start = 0, end = 1;
     sample->SetTime(&start, &end);
-    return AddTransform(self, sample);
+    return KernelTransform(self, sample);
 }
 void Break()
 {
-    Exchange(addTable, reinterpret_cast<void*>(AddTransform), reinterpret_cast<void*>(Retimed));
+    Exchange(addTable, reinterpret_cast<void*>(KernelTransform), reinterpret_cast<void*>(Retimed));
 }
 
 #elif defined(VIXA_FAULT_NULL)
