@@ -7,27 +7,30 @@ minutes=${1:-20}
 bin="$BUILD/win32/bin"
 [ -f "$bin/vixahost.exe" ] && [ -f "$bin/VixaVideoFX.dll" ] || fail "There is nothing to attack yet; ./run builds it."
 
-# register_for SECONDS FILE: four at once, each on and off again; the number of calls goes to FILE. What one registers another
-# removes, so only a crash or a refusal to start counts as a failure. The last call registers and must succeed.
+# register_for SECONDS FILE: four at once, each on and off again; their figures go to FILE. What one registers another
+# removes, so a refusal is an answer; a crash has none. The last call registers alone and must succeed.
 register_for() {
     local end=$((SECONDS + $1)) worker
     for worker in 1 2 3 4; do
         (
-            calls=0
+            done=0 refused=0
             while [ $SECONDS -lt "$end" ]; do
                 for word in "" /u; do
-                    status=0
-                    "$ROOT/tools/wine-run.sh" regsvr32 /s $word "$bin/VixaVideoFX.dll" >/dev/null 2>&1 || status=$?
-                    [ $status -le 5 ] || exit 1 # regsvr32's own answers; a crash has a larger one
-                    calls=$((calls + 1))
+                    case $("$ROOT/tools/wine-run.sh" regsvr32 $word "$bin/VixaVideoFX.dll" 2>&1) in
+                        *Successfully*) done=$((done + 1)) ;;
+                        *regsvr32:*) refused=$((refused + 1)) ;;
+                        *) exit 1 ;;
+                    esac
                 done
             done
-            echo $calls >"$2.$worker"
+            echo $done $refused >"$2.$worker"
         ) &
     done
     wait
     "$ROOT/tools/wine-run.sh" regsvr32 /s "$bin/VixaVideoFX.dll"
-    cat "$2".? | awk '{ sum += $1 } END { print sum " registrations and removals by " NR " processes" }' >"$2"
+    [ -f "$2.1" ] && [ -f "$2.2" ] && [ -f "$2.3" ] && [ -f "$2.4" ] || return 1
+    cat "$2".? | awk '{ done += $1; refused += $2 }
+        END { print "Registrations and removals by four processes: " done " done, " refused " refused" }' >"$2"
 }
 if [ "${2:-}" = --register ]; then
     register_for $((minutes * 60)) "$3"
