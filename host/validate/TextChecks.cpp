@@ -257,7 +257,8 @@ constexpr Check textChecks[] = {
     {"texts", "one-call", "A caller that knows the size needs one call, with or without a length.", OneCall},
     {"texts", "arguments", "Requests without buffer and length give E_INVALIDARG and switch nothing.", TextArguments},
     {"texts", "back-and-forth", "A hundred switches leave the texts whole.", BackAndForth},
-    {"texts", "two-threads", "Threads that switch languages get whole texts, and no file stays open.", SwitchingThreads},
+    {"texts", "two-threads", "Threads that switch languages get whole texts, and no file stays open.",
+     SwitchingThreads},
 };
 
 } // namespace
