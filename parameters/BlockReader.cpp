@@ -1,6 +1,5 @@
 #include "parameters/BlockReader.h"
 
-#include <atomic>
 #include <cstring>
 
 namespace vixa {
@@ -12,55 +11,55 @@ constexpr std::size_t pageBytes = 4096;
 
 // The room that comes with the library: reading a property set needs no free address space, unless reads overlap.
 alignas(pageBytes) constinit std::byte libraryRoom[roomBytes + pageBytes] = {};
-constinit std::atomic_flag libraryRoomTaken;
 
-// Calls back when somebody's exception unwinds the stack past the place where this stands: a structured one, or one of
-// another compiler's run-time library, for which no destructor of this compiler's runs.
-class UnwindWatch
+// Who has the library's room. A host's exception that is none of this compiler's leaves a reader's frame without
+// running its destructor. Such a reader is seen to have gone when its thread reads again from where that frame was, or
+// from farther up its stack. (A handler in the system's list of frames would hear of it, but this library tells the
+// system that it has none.)
+class LibraryRoom
 {
 public:
-    UnwindWatch(const UnwindWatch&) = delete;
-    UnwindWatch& operator=(const UnwindWatch&) = delete;
-
-#ifdef _WIN64
-    // There is no list of frames to join. What is lost then is a little address space, of which there is enough.
-    UnwindWatch(void (*)(void*) noexcept, void*) noexcept {}
-#else
-    UnwindWatch(void (*whenUnwound)(void*) noexcept, void* argument) noexcept : call(whenUnwound), with(argument)
+    // `reader` lives on the stack of the calling thread until it gives the room back.
+    bool Take(const void* reader) noexcept
     {
-        __asm__ volatile("movl %%fs:0, %0" : "=r"(link.Next)); // the thread's list of frames
-        link.Handler = reinterpret_cast<PEXCEPTION_ROUTINE>(reinterpret_cast<void*>(&OnException));
-        Enter(&link);
+        AcquireSRWLockExclusive(&lock);
+        const DWORD self = GetCurrentThreadId();
+        const bool taken = !owner || (ownersThread == self && owner <= reader && OnOneStack(owner, reader));
+        if (taken) {
+            owner = reader;
+            ownersThread = self;
+        }
+        ReleaseSRWLockExclusive(&lock);
+        return taken;
     }
-    ~UnwindWatch()
+
+    void GiveBack() noexcept
     {
-        Enter(link.Next);
+        AcquireSRWLockExclusive(&lock);
+        owner = nullptr;
+        ReleaseSRWLockExclusive(&lock);
     }
 
 private:
-    static void Enter(EXCEPTION_REGISTRATION_RECORD* first) noexcept
+    // A thread may have several, one for each fiber.
+    static bool OnOneStack(const void* one, const void* other) noexcept
     {
-        __asm__ volatile("movl %0, %%fs:0" : : "r"(first) : "memory");
-    }
-    static EXCEPTION_DISPOSITION __cdecl OnException(EXCEPTION_RECORD* exception, void* frame, CONTEXT*, void*) noexcept
-    {
-        const auto* const self = static_cast<const UnwindWatch*>(frame); // the link is its first member
-        if (exception->ExceptionFlags & (EXCEPTION_UNWINDING | EXCEPTION_EXIT_UNWIND))
-            self->call(self->with);
-        return ExceptionContinueSearch;
+        MEMORY_BASIC_INFORMATION ofOne = {}, ofOther = {};
+        return VirtualQuery(one, &ofOne, sizeof ofOne) && VirtualQuery(other, &ofOther, sizeof ofOther) &&
+               ofOne.AllocationBase == ofOther.AllocationBase;
     }
 
-    EXCEPTION_REGISTRATION_RECORD link;
-    void (*call)(void*) noexcept;
-    void* with;
-#endif
+    SRWLOCK lock = SRWLOCK_INIT;
+    const void* owner = nullptr;
+    DWORD ownersThread = 0;
 };
+constinit LibraryRoom libraryRoomOf;
 
-// Room for one GetData, with a page behind it that nobody can touch.
+// Room for one GetData, with a page behind it that nobody can touch. Lives on the stack.
 class Room
 {
 public:
-    Room() noexcept : takesLibraryRoom(!libraryRoomTaken.test_and_set(std::memory_order_acquire))
+    Room() noexcept : takesLibraryRoom(libraryRoomOf.Take(this))
     {
         DWORD before = 0;
         if (!takesLibraryRoom)
@@ -72,25 +71,22 @@ public:
         if (!start)
             OutputDebugStringA("VixaVideoFX: no memory to read a property set, its values are not used\n");
     }
-    ~Room() { GiveBack(); }
+    ~Room()
+    {
+        if (made)
+            VirtualFree(made, 0, MEM_RELEASE);
+        if (takesLibraryRoom)
+            libraryRoomOf.GiveBack();
+    }
     Room(const Room&) = delete;
     Room& operator=(const Room&) = delete;
 
     void* Start() const noexcept { return start; }
 
 private:
-    void GiveBack() const noexcept
-    {
-        if (made)
-            VirtualFree(made, 0, MEM_RELEASE);
-        if (takesLibraryRoom)
-            libraryRoomTaken.clear(std::memory_order_release);
-    }
-
     const bool takesLibraryRoom;
     void* made = nullptr;
     void* start = nullptr;
-    const UnwindWatch watch{[](void* room) noexcept { static_cast<Room*>(room)->GiveBack(); }, this};
 };
 
 } // namespace
@@ -105,8 +101,7 @@ GetDataAnswer ReadBytes(IDataPropertySet& propertySet, std::span<std::byte> bloc
     try {
         answer.result = propertySet.GetData(room.Start(), &answer.size);
     } catch (...) {
-        // Only an exception of the same compiler's run-time library arrives here; others pass this frame by, and the
-        // room hears of it.
+        // Only an exception of the same compiler's run-time library arrives here; others pass this frame by.
     }
     std::memcpy(block.data(), room.Start(), block.size());
     return answer;
