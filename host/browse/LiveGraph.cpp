@@ -126,6 +126,7 @@ private:
             buffer = exchange.FreeBuffer();
         } catch (const std::bad_alloc&) {
             failure = media::NoRoomFor(exchange.format.width, exchange.format.height).what();
+            failure += " Saving needs less.";
         }
     }
 

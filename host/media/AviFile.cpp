@@ -255,7 +255,8 @@ void ReadIndex(FileBytes& file, const FileChunk& index, const FileChunk& movie, 
     std::vector<std::uint8_t> block;
     std::optional<std::uint64_t> base;
     for (std::uint64_t at = index.content; at + 16 <= index.end; at += block.size()) {
-        block.resize(static_cast<std::size_t>(std::min<std::uint64_t>((index.end - at) / 16 * 16, 64 * 1024)));
+        block.resize(
+            static_cast<std::size_t>(std::min<std::uint64_t>((index.end - at) / 16 * 16, std::uint64_t{64} * 1024)));
         if (!file.Read(at, block))
             CutShort();
         for (std::size_t entry = 0; entry < block.size(); entry += 16) {

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vixahost::media {
@@ -55,8 +56,8 @@ std::string FormatName(IAVIStream* video)
 
 } // namespace
 
-ClipDecoder::ClipDecoder(const std::filesystem::path& clip, int frameWidth, int frameHeight)
-    : path(clip), width(frameWidth), height(frameHeight)
+ClipDecoder::ClipDecoder(std::filesystem::path clip, int frameWidth, int frameHeight)
+    : path(std::move(clip)), width(frameWidth), height(frameHeight)
 {
     const std::string damaged = Show(path) + " is a damaged AVI clip; get a whole copy of it";
     if (const HRESULT result = session.Open(path, OF_READ | OF_SHARE_DENY_WRITE, file); FAILED(result))

@@ -15,7 +15,7 @@ class ClipDecoder
 {
 public:
     // Throws FailedJob for a clip that the platform can't open or has no decoder for.
-    ClipDecoder(const std::filesystem::path& clip, int width, int height);
+    ClipDecoder(std::filesystem::path clip, int frameWidth, int frameHeight);
 
     // Frame `index` as 32-bit RGB, bottom-up. Throws FailedJob.
     void Decode(std::int64_t index, std::span<std::uint8_t> frame);

@@ -19,7 +19,7 @@ class ClipReader : public FrameReader
 {
 public:
     // Throws FailedJob for a clip that is damaged, has no pictures, or no decoder on this system.
-    explicit ClipReader(const std::filesystem::path& file);
+    explicit ClipReader(const std::filesystem::path& source);
 
     FrameFormat Format() const override { return format; }
     std::int64_t FrameCount() const noexcept { return static_cast<std::int64_t>(pictures->chunks.size()); }

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <iterator>
 #include <limits>
+#include <utility>
 
 namespace vixahost::media {
 
@@ -17,7 +18,7 @@ using Microsoft::WRL::ComPtr;
 namespace {
 
 constexpr std::uint64_t largestFile = 0x7FFFFFFF;
-constexpr std::uint64_t headerRoom = 64 * 1024;
+constexpr std::uint64_t headerRoom = 65'536;
 constexpr std::uint64_t chunkRoom = 8 + 16 + 1; // a chunk's header, its row in the index, its padding
 
 std::size_t StoredBytes(const FrameFormat& format, ClipDepth depth)
@@ -83,8 +84,8 @@ public:
     {
         AVISTREAMINFOW information = InformationOf(sound);
         Require(target->CreateStream(&sink, &information), path);
-        std::vector<std::uint8_t> format = sound.format;
-        Require(sink->SetFormat(0, format.data(), static_cast<LONG>(format.size())), path);
+        std::vector<std::uint8_t> block = sound.format;
+        Require(sink->SetFormat(0, block.data(), static_cast<LONG>(block.size())), path);
     }
 
     // Copies up to the sample that sounds at a time in units of 100 ns.
@@ -152,7 +153,8 @@ private:
     std::vector<std::uint8_t> data;
 };
 
-ClipWriter::ClipWriter(const std::filesystem::path& target, ClipReader& source) : path(target), format(source.Format())
+ClipWriter::ClipWriter(std::filesystem::path target, ClipReader& source)
+    : path(std::move(target)), format(source.Format())
 {
     std::uint64_t soundBytes = 0;
     for (const AviStream* const stream : source.Sound())

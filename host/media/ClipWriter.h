@@ -28,7 +28,7 @@ class ClipWriter : public FrameWriter
 {
 public:
     // A new file with the size, rate and sound of `source`, which must outlive the writer. Throws FailedJob.
-    ClipWriter(const std::filesystem::path& file, ClipReader& source);
+    ClipWriter(std::filesystem::path target, ClipReader& source);
     ~ClipWriter() override;
 
     void Write(std::span<const std::uint8_t> frame) override;
