@@ -205,15 +205,6 @@ constexpr Attempt attempts[] = {
     {"panel messages", 2, PanelMessages},
 };
 
-// One thread's work.
-struct Worker
-{
-    const Attempt* attempt;
-    std::atomic<std::uint64_t> done = 0;
-    std::uint64_t doneBefore = 0; // when it was last looked at
-    std::thread thread;
-};
-
 LONG WINAPI SayWhere(EXCEPTION_POINTERS* fault)
 {
     Say("crash: ");
@@ -223,20 +214,98 @@ LONG WINAPI SayWhere(EXCEPTION_POINTERS* fault)
     return EXCEPTION_EXECUTE_HANDLER;
 }
 
-std::string Figures(std::span<const std::unique_ptr<Worker>> workers)
+// All attempts at once, each on its threads.
+class Assault
 {
-    std::string text;
-    for (const Attempt& attempt : attempts) {
-        std::uint64_t sum = 0;
+public:
+    explicit Assault(Subject& subject) : library(subject)
+    {
+        for (const Attempt& attempt : attempts)
+            for (int i = 0; i < attempt.threads; ++i)
+                workers.push_back(std::make_unique<Worker>(attempt));
+        unsigned seed = 0;
         for (const auto& worker : workers)
-            if (worker->attempt == &attempt)
-                sum += worker->done;
-        text += std::to_string(sum) + " " + attempt.what + ", ";
+            worker->thread = std::thread(&Assault::Work, this, std::ref(*worker), ++seed);
     }
-    PROCESS_MEMORY_COUNTERS memory = {};
-    GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
-    return text + std::to_string(memory.PagefileUsage / 1024) + " KB of memory\n";
-}
+    ~Assault() { End(); }
+    Assault(const Assault&) = delete;
+    Assault& operator=(const Assault&) = delete;
+
+    // Something was found, or End was called.
+    bool Over() const noexcept { return over; }
+    // Waits for the threads. What was found first; empty when nothing was.
+    const std::string& End()
+    {
+        over = true;
+        for (const auto& worker : workers)
+            if (worker->thread.joinable())
+                worker->thread.join();
+        return fault;
+    }
+    std::string Figures() const
+    {
+        std::string text;
+        for (const Attempt& attempt : attempts) {
+            std::uint64_t sum = 0;
+            for (const auto& worker : workers)
+                if (&worker->attempt == &attempt)
+                    sum += worker->done;
+            text += std::to_string(sum) + " " + attempt.what + ", ";
+        }
+        PROCESS_MEMORY_COUNTERS memory = {};
+        GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+        return text + std::to_string(memory.PagefileUsage / 1024) + " KB of memory\n";
+    }
+    // What has got no further since the last call, or null.
+    const char* Stuck()
+    {
+        const char* stuck = nullptr;
+        for (const auto& worker : workers) {
+            if (worker->done == worker->doneBefore && !over)
+                stuck = worker->attempt.what;
+            worker->doneBefore = worker->done;
+        }
+        return stuck;
+    }
+
+private:
+    struct Worker
+    {
+        explicit Worker(const Attempt& its) : attempt(its) {}
+        const Attempt& attempt;
+        std::atomic<std::uint64_t> done = 0;
+        std::uint64_t doneBefore = 0; // when it was last looked at
+        std::thread thread;
+    };
+
+    void Work(Worker& worker, unsigned seed)
+    {
+        const HRESULT com = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+        try {
+            for (Dice dice(seed); !over;)
+                worker.done += static_cast<std::uint64_t>(worker.attempt.run(library, dice));
+        } catch (const Finding& finding) {
+            Fail(worker, finding.reason);
+        } catch (const std::exception& other) {
+            Fail(worker, other.what());
+        }
+        if (SUCCEEDED(com))
+            CoUninitialize();
+    }
+    void Fail(const Worker& worker, const std::string& found)
+    {
+        over = true;
+        const std::lock_guard hold(lock);
+        if (fault.empty())
+            fault = std::string(worker.attempt.what) + ": " + found;
+    }
+
+    Subject& library;
+    std::atomic<bool> over = false;
+    std::mutex lock;
+    std::string fault; // the first; guarded by the lock
+    std::vector<std::unique_ptr<Worker>> workers;
+};
 
 } // namespace
 
@@ -247,56 +316,22 @@ void Attack(const std::filesystem::path& file, int minutes, const std::function<
     Subject library(file);
     library.Info(vixavideofx::CLSID_Emboss);
     const effects::PanelWindow first(1, 1); // two threads that register a window class at once may find none
-    std::atomic<bool> over = false;
-    std::mutex lock;
-    std::string fault; // the first; guarded by the lock
-    std::vector<std::unique_ptr<Worker>> workers;
-    for (const Attempt& attempt : attempts)
-        for (int i = 0; i < attempt.threads; ++i)
-            workers.push_back(std::make_unique<Worker>(&attempt));
-    const auto work = [&](Worker& worker, unsigned seed) {
-        const HRESULT com = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-        std::string found;
-        try {
-            for (Dice dice(seed); !over;)
-                worker.done += static_cast<std::uint64_t>(worker.attempt->run(library, dice));
-        } catch (const Finding& finding) {
-            found = finding.reason;
-        } catch (const std::exception& other) {
-            found = other.what();
-        }
-        if (!found.empty()) {
-            over = true;
-            const std::lock_guard hold(lock);
-            if (fault.empty())
-                fault = std::string(worker.attempt->what) + ": " + found;
-        }
-        if (SUCCEEDED(com))
-            CoUninitialize();
-    };
-    for (unsigned i = 0; i < workers.size(); ++i)
-        workers[i]->thread = std::thread(work, std::ref(*workers[i]), i + 1);
-    for (int seconds = 1; seconds <= minutes * 60 && !over; ++seconds) {
+    Assault assault(library);
+    for (int seconds = 1; seconds <= minutes * 60 && !assault.Over(); ++seconds) {
         Sleep(1000);
         if (seconds % 60 == 0)
-            say(std::to_string(seconds / 60) + " min: " + Figures(workers));
-        if (seconds % 120 == 0)
-            for (const auto& worker : workers) {
-                if (worker->done == worker->doneBefore && !over) {
-                    say(std::string("hang: ") + worker->attempt->what + " make no progress\n");
-                    TerminateProcess(GetCurrentProcess(), 4);
-                }
-                worker->doneBefore = worker->done;
-            }
+            say(std::to_string(seconds / 60) + " min: " + assault.Figures());
+        if (const char* const stuck = seconds % 120 == 0 ? assault.Stuck() : nullptr) {
+            say(std::string("hang: ") + stuck + " get no further\n");
+            TerminateProcess(GetCurrentProcess(), 4);
+        }
     }
-    over = true;
-    for (const auto& worker : workers)
-        worker->thread.join();
+    const std::string fault = assault.End();
     if (!fault.empty())
         throw FailedJob("The library gave way: " + fault);
     if (library.CanUnload() != S_OK)
         throw FailedJob("Objects of the library are left when everything has been released.");
-    say("The library held: " + Figures(workers));
+    say("The library held: " + assault.Figures());
 }
 
 } // namespace vixahost::validate

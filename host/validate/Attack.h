@@ -12,6 +12,6 @@ namespace vixahost::validate {
 // Says every minute, and at the end, how often what was done. Throws FailedJob when the library answers wrongly or an
 // object is left. A crash ends the process with status 3, a thread that makes no progress for two minutes with status
 // 4, after a line about it.
-void Attack(const std::filesystem::path& library, int minutes, const std::function<void(const std::string&)>& say);
+void Attack(const std::filesystem::path& file, int minutes, const std::function<void(const std::string&)>& say);
 
 } // namespace vixahost::validate

@@ -207,7 +207,7 @@ void SetUpOnce(Subject& library)
 {
     const Embedded panel(library, CLSID_FilterColor, anyBlock);
     const HWND list = panel.Item(1003);
-    for (const HWND focus : {list, HWND{}, panel.host.Handle()})
+    for (const HWND focus : {list, static_cast<HWND>(nullptr), panel.host.Handle()})
         SendMessageW(panel.panel, WM_INITDIALOG, reinterpret_cast<WPARAM>(focus), 0);
     int toolTips = 0;
     EnumThreadWindows(GetCurrentThreadId(), CountToolTip, reinterpret_cast<LPARAM>(&toolTips));
