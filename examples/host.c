@@ -524,10 +524,14 @@ static void UseEffect(IClassFactory* factory)
     info->lpVtbl->Release(info);
 }
 
+typedef HRESULT(STDMETHODCALLTYPE* GetClassObject)(REFCLSID, REFIID, void**);
+typedef HRESULT(STDMETHODCALLTYPE* CanUnloadNow)(void);
+typedef void (*AnyFunction)(void);
+
 int wmain(int count, wchar_t** arguments)
 {
-    HRESULT(STDMETHODCALLTYPE * getClassObject)(REFCLSID, REFIID, void**);
-    HRESULT(STDMETHODCALLTYPE * canUnloadNow)(void);
+    GetClassObject getClassObject;
+    CanUnloadNow canUnloadNow;
     IClassFactory* factory = NULL;
     HMODULE library;
     BOOL unused;
@@ -538,8 +542,8 @@ int wmain(int count, wchar_t** arguments)
         fprintf(stderr, "host: the library cannot be loaded: is it there, and as wide as this program?\n");
         return 1;
     }
-    *(FARPROC*)&getClassObject = GetProcAddress(library, "DllGetClassObject");
-    *(FARPROC*)&canUnloadNow = GetProcAddress(library, "DllCanUnloadNow");
+    getClassObject = (GetClassObject)(AnyFunction)GetProcAddress(library, "DllGetClassObject");
+    canUnloadNow = (CanUnloadNow)(AnyFunction)GetProcAddress(library, "DllCanUnloadNow");
 
     Check(getClassObject(&CLSID_VixaGammaCorrection, &IID_IClassFactory, (void**)&factory), "DllGetClassObject");
     UseEffect(factory);

@@ -28,9 +28,10 @@ public:
         const std::size_t header = U32(0x3C);
         sections = header + 24 + U16(header + 20);
         sectionCount = U16(header + 6);
-        if (U32(header + 24 + 92) <= 2 || U16(header + 20) < 120)
+        const std::size_t directories = U16(header + 24) == 0x20B ? 112 : 96;
+        if (U32(header + 24 + directories - 4) <= 2 || U16(header + 20) < directories + 24)
             return;
-        if (const std::uint32_t rva = U32(header + 24 + 112); rva != 0) {
+        if (const std::uint32_t rva = U32(header + 24 + directories + 16); rva != 0) {
             tree = OffsetOf(rva);
             Walk(tree, 1);
         }

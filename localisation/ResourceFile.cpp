@@ -2,7 +2,9 @@
 
 #include "localisation/LittleEndian.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 
 namespace vixa {
@@ -16,14 +18,19 @@ constexpr std::size_t signatureSize = 4;
 constexpr std::size_t fileHeaderSize = 20;
 constexpr std::size_t sectionCountField = 2;
 constexpr std::size_t optionalHeaderSizeField = 16;
-constexpr std::size_t directoryCountField = 92;
-constexpr std::size_t directories = 96;
 constexpr std::size_t resourceDirectory = 2;
 constexpr std::size_t directorySize = 8;
 constexpr std::size_t sectionHeaderSize = 40;
 constexpr std::uint16_t dosMagic = 0x5A4D;
 constexpr std::uint32_t peSignature = 0x00004550;
-constexpr std::uint16_t pe32Magic = 0x10B;
+
+// The optional header has two forms. Only the addresses in it differ, so what lies behind them does too.
+struct OptionalHeaderForm
+{
+    std::uint16_t magic;
+    std::size_t directoryCountField, directories;
+};
+constexpr OptionalHeaderForm headerForms[] = {{0x10B, 92, 96}, {0x20B, 108, 112}};
 
 constexpr std::size_t tableHeaderSize = 16;
 constexpr std::size_t tableEntrySize = 8;
@@ -68,14 +75,15 @@ private:
         const auto fileHeader = file.subspan(header + signatureSize);
         const std::size_t optionalSize = ReadU16(fileHeader, optionalHeaderSizeField);
         const std::size_t sectionsSize = ReadU16(fileHeader, sectionCountField) * sectionHeaderSize;
-        if (optionalSize < directories || !Fits(fileHeader, fileHeaderSize, optionalSize + sectionsSize))
+        if (optionalSize < sizeof(std::uint16_t) || !Fits(fileHeader, fileHeaderSize, optionalSize + sectionsSize))
             return false;
         const auto optional = fileHeader.subspan(fileHeaderSize, optionalSize);
         sections = fileHeader.subspan(fileHeaderSize + optionalSize, sectionsSize);
-        if (ReadU16(optional, 0) != pe32Magic)
+        const auto* const form = std::ranges::find(headerForms, ReadU16(optional, 0), &OptionalHeaderForm::magic);
+        if (form == std::end(headerForms) || optionalSize < form->directories)
             return false;
-        constexpr std::size_t field = directories + resourceDirectory * directorySize;
-        if (ReadU32(optional, directoryCountField) > resourceDirectory && Fits(optional, field, directorySize))
+        const std::size_t field = form->directories + resourceDirectory * directorySize;
+        if (ReadU32(optional, form->directoryCountField) > resourceDirectory && Fits(optional, field, directorySize))
             resourceRva = ReadU32(optional, field);
         return true;
     }

@@ -3,8 +3,10 @@
 # program at a time. The program finds the resolution in VIXA_DPI too. With VIXA_DISPLAY set, it runs on the caller's display.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-export VIXA_DPI=$1 VIXA_WINEPREFIX="${VIXA_WINEPREFIX:-$root/build/wine-dpi}"
+export VIXA_DPI=$1
 shift
+. "$root/tools/wine-arch.sh" "${1:-}"
+export VIXA_WINEPREFIX="${VIXA_WINEPREFIX:-$root/build/wine-dpi$WIDTH_SUFFIX}"
 mkdir -p "$root/build"
 exec 8>"$VIXA_WINEPREFIX.lock"
 flock 8

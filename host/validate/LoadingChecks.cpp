@@ -16,11 +16,17 @@ namespace vixahost::validate {
 
 namespace {
 
+#ifdef _WIN64
+constexpr WORD machine = IMAGE_FILE_MACHINE_AMD64;
+#else
+constexpr WORD machine = IMAGE_FILE_MACHINE_I386;
+#endif
+
 // The file's bytes, and the headers in it, bounded by its size.
 struct Image
 {
     std::vector<char> bytes;
-    const IMAGE_NT_HEADERS32* headers = nullptr;
+    const IMAGE_NT_HEADERS* headers = nullptr;
 
     template <typename Type>
     const Type* At(std::size_t offset, std::size_t count = 1) const
@@ -56,7 +62,7 @@ Image ReadImage(Subject& library)
     image.bytes.assign(std::istreambuf_iterator<char>(file), {});
     const auto* const dos = image.At<IMAGE_DOS_HEADER>(0);
     Require(dos && dos->e_magic == IMAGE_DOS_SIGNATURE && dos->e_lfanew > 0, "the file is no program or library");
-    image.headers = image.At<IMAGE_NT_HEADERS32>(static_cast<std::size_t>(dos->e_lfanew));
+    image.headers = image.At<IMAGE_NT_HEADERS>(static_cast<std::size_t>(dos->e_lfanew));
     Require(image.headers && image.headers->Signature == IMAGE_NT_SIGNATURE, "the file has no PE header");
     return image;
 }
@@ -64,7 +70,7 @@ Image ReadImage(Subject& library)
 void Machine(Subject& library)
 {
     const Image image = ReadImage(library);
-    RequireNumber(image.headers->FileHeader.Machine, IMAGE_FILE_MACHINE_I386, "the machine type");
+    RequireNumber(image.headers->FileHeader.Machine, machine, "the machine type");
     Require((image.headers->FileHeader.Characteristics & IMAGE_FILE_DLL) != 0, "the file is a program, not a DLL");
 }
 
@@ -143,12 +149,48 @@ void NothingElse(Subject& library)
     const DWORD address = image.headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT].VirtualAddress;
     const auto* const directory = image.At<IMAGE_EXPORT_DIRECTORY>(image.OffsetOf(address));
     Require(directory != nullptr, "the file has no table of exports");
-    if (directory->NumberOfNames > 5)
-        Warn("the library exports " + std::to_string(directory->NumberOfNames) + " names where five are meant");
+    const DWORD meant = library.Export("DllInstall") ? 6 : 5;
+    if (directory->NumberOfNames > meant)
+        Warn("the library exports " + std::to_string(directory->NumberOfNames) + " names where " +
+             std::to_string(meant) + " are meant");
 }
 
-// Both entry points are called with the stack pointer on record: a wrong calling convention leaves it moved.
-__attribute__((noinline)) int StackMoves(void* function, const void* first, const void* second, void* third)
+// Calls an entry point with what it must give back on record. Answers 0 when it did.
+#ifdef _WIN64
+__attribute__((noinline)) bool Upset(void* function, const void* first, const void* second, void* third)
+{
+    register void* thirdPlace asm("r8") = third;
+    UINT_PTR changed;
+    __asm__ volatile("movq %%rsp, %%rbx\n\t"
+                     "andq $-16, %%rsp\n\t"
+                     "subq $32, %%rsp\n\t"
+                     "movq %%rbx, %%rsi\n\t"
+                     "movq %%rbx, %%rdi\n\t"
+                     "movq %%rbx, %%r12\n\t"
+                     "movq %%rbx, %%r13\n\t"
+                     "movq %%rbx, %%r14\n\t"
+                     "movq %%rbx, %%r15\n\t"
+                     "call *%%rax\n\t"
+                     "movq %%rbx, %%rsp\n\t"
+                     "xorq %%rbx, %%rsi\n\t"
+                     "xorq %%rbx, %%rdi\n\t"
+                     "xorq %%rbx, %%r12\n\t"
+                     "xorq %%rbx, %%r13\n\t"
+                     "xorq %%rbx, %%r14\n\t"
+                     "xorq %%rbx, %%r15\n\t"
+                     "orq %%rdi, %%rsi\n\t"
+                     "orq %%r12, %%rsi\n\t"
+                     "orq %%r13, %%rsi\n\t"
+                     "orq %%r14, %%rsi\n\t"
+                     "orq %%r15, %%rsi\n\t"
+                     : "=&S"(changed), "+a"(function), "+c"(first), "+d"(second), "+r"(thirdPlace)
+                     :
+                     : "rbx", "rdi", "r9", "r10", "r11", "r12", "r13", "r14", "r15", "xmm0", "xmm1", "xmm2", "xmm3",
+                       "xmm4", "xmm5", "memory", "cc");
+    return changed != 0;
+}
+#else
+__attribute__((noinline)) bool Upset(void* function, const void* first, const void* second, void* third)
 {
     int moved = 0;
     __asm__ volatile("movl %%esp, %%esi\n\t"
@@ -162,8 +204,9 @@ __attribute__((noinline)) int StackMoves(void* function, const void* first, cons
                      : "=d"(moved), "+a"(function)
                      : [first] "b"(first), [second] "c"(second), [third] "D"(third)
                      : "esi", "memory", "cc");
-    return moved;
+    return moved != 0;
 }
+#endif
 
 void CallingConvention(Subject& library)
 {
@@ -171,12 +214,12 @@ void CallingConvention(Subject& library)
     if (!function)
         Skip("DllGetClassObject is missing (see exports/names)");
     void* object = nullptr;
-    RequireNumber(StackMoves(function, &GUID_NULL, &GUID_NULL, &object), 0,
-                  "the bytes that DllGetClassObject leaves on the stack");
+    Require(!Upset(function, &GUID_NULL, &GUID_NULL, &object),
+            "DllGetClassObject does not give back the stack pointer, or the registers that are its caller's");
 }
 
 constexpr Check loading[] = {
-    {"loading", "machine", "The file is a 32-bit x86 DLL.", Machine},
+    {"loading", "machine", "The file is a DLL for the program's own processor: x86, or x86-64 in 64 bit.", Machine},
     {"loading", "protections", "The file may lie at any address and runs without executable data.", Protections},
     {"loading", "imports", "The library needs nothing but the system's own libraries.", Imports},
     {"loading", "version", "The file carries a version resource.", Version},
@@ -186,8 +229,9 @@ constexpr Check loading[] = {
 
 constexpr Check exports[] = {
     {"exports", "names", "All five entry points are exported under their plain names.", ExportNames},
-    {"exports", "nothing-else", "Nothing but the five entry points is exported.", NothingElse},
-    {"exports", "calling-convention", "DllGetClassObject takes its arguments off the stack.", CallingConvention},
+    {"exports", "nothing-else", "Nothing but the five entry points, and DllInstall, is exported.", NothingElse},
+    {"exports", "calling-convention", "DllGetClassObject gives back the stack, and in 64 bit its caller's registers.",
+     CallingConvention},
 };
 
 } // namespace

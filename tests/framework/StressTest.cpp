@@ -102,7 +102,8 @@ TEST(Stress, QuestionsFromEveryThread)
         }),
     };
     const ULONGLONG end = GetTickCount64() + duration;
-    while (GetTickCount64() < end) {
+    // On a busy machine it may take longer until a frame gets through between two stops.
+    while (GetTickCount64() < end || chain.probe->transforms == 0) {
         ASSERT_HRESULT_SUCCEEDED(chain.graph->Run());
         Sleep(2);
         ASSERT_HRESULT_SUCCEEDED(chain.graph->Stop());
@@ -110,7 +111,6 @@ TEST(Stress, QuestionsFromEveryThread)
     done = true;
     for (std::thread& thread : threads)
         thread.join();
-    EXPECT_GT(chain.probe->transforms, 0);
 }
 
 } // namespace

@@ -86,6 +86,14 @@ TEST(CDeclarations, HaveTheSlotsAndArgumentsOfCpp)
     EXPECT_SAME_OPERATION(ISingleEnumPropertySetInfo, GetName);
 }
 
+// How many slots each interface has, in either width.
+template <typename Table>
+constexpr std::size_t slots = sizeof(Table) / sizeof(void*);
+static_assert(slots<c::IDataPropertySetVtbl> == 5 && slots<c::ISingleValuePropertySetVtbl> == 5 &&
+              slots<c::ISingleEnumPropertySetVtbl> == 5 && slots<c::IEffectInfoVtbl> == 16 &&
+              slots<c::IEffectFilterVtbl> == 5 && slots<c::IInstructionCeilingVtbl> == 5 &&
+              slots<c::ISingleValuePropertySetInfoVtbl> == 7 && slots<c::ISingleEnumPropertySetInfoVtbl> == 7);
+
 TEST(CDeclarations, HaveTheIdentifiersOfCpp)
 {
     EXPECT_TRUE(c::IID_IEffectInfo == IID_IEffectInfo);

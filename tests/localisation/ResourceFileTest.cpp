@@ -19,10 +19,28 @@ void Put(Bytes& bytes, std::size_t offset, std::uint32_t value, std::size_t size
 
 // The smallest honest language file: headers up to `raw`, one section with a string block under type 6, name 34,
 // language 0, and a named type whose name stands behind the tables.
-constexpr std::size_t header = 0x40, optional = header + 24, sections = optional + 224, raw = sections + 40;
+constexpr std::size_t header = 0x40, optional = header + 24, sections = optional + 240, raw = sections + 40;
 constexpr std::uint32_t address = 0x1000;
 constexpr std::size_t root = raw, names = root + 32, languages = names + 24, data = languages + 24, block = data + 16,
                       typeName = block + 8, end = typeName + 12;
+
+// Both widths of file; only the offset of the directories differs.
+class ResourceFile : public testing::TestWithParam<std::uint32_t>
+{
+protected:
+    const std::uint32_t magic = GetParam();
+    const std::size_t directories = optional + (magic == 0x20B ? 112 : 96);
+
+    Bytes HonestFile() const;
+    bool IsWholeWith(std::size_t offset, std::uint32_t value, std::size_t size = 4) const
+    {
+        Bytes file = HonestFile();
+        Put(file, offset, value, size);
+        return IsWholeResourceModule(file);
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Width, ResourceFile, testing::Values(0x10B, 0x20B),
+                         [](const auto& width) { return width.param == 0x20B ? "PE32Plus" : "PE32"; });
 
 void PutTable(Bytes& file, std::size_t at, std::uint32_t named, std::uint32_t numbered)
 {
@@ -36,7 +54,7 @@ void PutEntry(Bytes& file, std::size_t at, std::uint32_t name, std::size_t targe
     Put(file, at + 4, static_cast<std::uint32_t>(target - raw) | (isTable ? 0x80000000u : 0));
 }
 
-Bytes HonestFile()
+Bytes ResourceFile::HonestFile() const
 {
     Bytes file(end);
     Put(file, 0, 0x5A4D, 2);
@@ -44,11 +62,11 @@ Bytes HonestFile()
     Put(file, header, 0x4550);
     Put(file, header + 4, 0x14C, 2);
     Put(file, header + 4 + 2, 1, 2);
-    Put(file, header + 4 + 16, 224, 2);
-    Put(file, optional, 0x10B, 2);
-    Put(file, optional + 92, 16);
-    Put(file, optional + 96 + 16, address);
-    Put(file, optional + 96 + 20, end - raw);
+    Put(file, header + 4 + 16, 240, 2);
+    Put(file, optional, magic, 2);
+    Put(file, directories - 4, 16);
+    Put(file, directories + 16, address);
+    Put(file, directories + 20, end - raw);
     Put(file, sections + 8, end - raw);
     Put(file, sections + 12, address);
     Put(file, sections + 16, end - raw);
@@ -68,22 +86,15 @@ Bytes HonestFile()
     return file;
 }
 
-bool IsWholeWith(std::size_t offset, std::uint32_t value, std::size_t size = 4)
-{
-    Bytes file = HonestFile();
-    Put(file, offset, value, size);
-    return IsWholeResourceModule(file);
-}
-
-TEST(ResourceFile, AnHonestFileIsWhole)
+TEST_P(ResourceFile, AnHonestFileIsWhole)
 {
     EXPECT_TRUE(IsWholeResourceModule(HonestFile()));
-    EXPECT_TRUE(IsWholeWith(optional + 96 + 16, 0)) << "a module without resources is a module";
-    EXPECT_TRUE(IsWholeWith(optional + 92, 2)) << "its directories end before the resources";
+    EXPECT_TRUE(IsWholeWith(directories + 16, 0)) << "a module without resources is a module";
+    EXPECT_TRUE(IsWholeWith(directories - 4, 2)) << "its directories end before the resources";
     EXPECT_TRUE(IsWholeWith(data + 4, 0)) << "an empty resource";
 }
 
-TEST(ResourceFile, TruncatedAnywhereItIsNot)
+TEST_P(ResourceFile, TruncatedAnywhereItIsNot)
 {
     const Bytes file = HonestFile();
     for (std::size_t size = 0; size < file.size(); ++size)
@@ -91,16 +102,17 @@ TEST(ResourceFile, TruncatedAnywhereItIsNot)
             << size;
 }
 
-TEST(ResourceFile, OtherFormatsAndLyingFieldsAreRefused)
+TEST_P(ResourceFile, OtherFormatsAndLyingFieldsAreRefused)
 {
     EXPECT_FALSE(IsWholeWith(0, 0x4D5A, 2)) << "no module at all";
     EXPECT_FALSE(IsWholeWith(0x3C, 0xFFFFFFF0)) << "header outside";
     EXPECT_FALSE(IsWholeWith(header, 0x454E)) << "another kind of module";
-    EXPECT_FALSE(IsWholeWith(optional, 0x20B, 2)) << "a 64-bit module";
+    EXPECT_FALSE(IsWholeWith(optional, 0x107, 2)) << "an image for read-only memory";
     EXPECT_FALSE(IsWholeWith(header + 4 + 2, 0xFFFF, 2)) << "section headers outside";
-    EXPECT_FALSE(IsWholeWith(header + 4 + 16, 40, 2)) << "optional header too short";
+    EXPECT_FALSE(IsWholeWith(header + 4 + 16, static_cast<std::uint32_t>(directories - optional - 1), 2))
+        << "optional header too short";
     EXPECT_FALSE(IsWholeWith(sections + 20, 0xFFFFFFFF)) << "section outside";
-    EXPECT_FALSE(IsWholeWith(optional + 96 + 16, 0x2000)) << "resources in no section";
+    EXPECT_FALSE(IsWholeWith(directories + 16, 0x2000)) << "resources in no section";
     EXPECT_FALSE(IsWholeWith(root + 14, 0xFFFF, 2)) << "entries outside";
     EXPECT_FALSE(IsWholeWith(root + 16, 0x80000000u | (end - raw - 1))) << "name outside";
     EXPECT_FALSE(IsWholeWith(typeName, 6, 2)) << "name longer than the section";
@@ -115,7 +127,7 @@ TEST(ResourceFile, OtherFormatsAndLyingFieldsAreRefused)
 }
 
 // What is asked is only that nothing outside the file is read (the address sanitizer watches) and that it ends.
-TEST(ResourceFile, DamagedFilesAreLookedAtWithinTheirBounds)
+TEST_P(ResourceFile, DamagedFilesAreLookedAtWithinTheirBounds)
 {
     std::mt19937 random(20260401);
     const Bytes honest = HonestFile();

@@ -15,6 +15,10 @@ TEST(Image, IsProtected)
     const auto& header = reinterpret_cast<const IMAGE_NT_HEADERS*>(bytes + at)->OptionalHeader;
     EXPECT_TRUE(header.DllCharacteristics & IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE) << "address space layout";
     EXPECT_TRUE(header.DllCharacteristics & IMAGE_DLLCHARACTERISTICS_NX_COMPAT) << "data execution";
+#ifdef _WIN64
+    EXPECT_TRUE(header.DllCharacteristics & IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA) << "the whole address space";
+    EXPECT_GT(header.ImageBase, 0xFFFFFFFFu) << "an image made for low addresses is put there";
+#endif
     // Without relocations the flag alone would be an empty promise.
     EXPECT_GT(header.DataDirectory[IMAGE_DIRECTORY_ENTRY_BASERELOC].Size, 0u);
     EXPECT_EQ(header.DataDirectory[IMAGE_DIRECTORY_ENTRY_DEBUG].Size, 0u);

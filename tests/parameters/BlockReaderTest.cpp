@@ -30,7 +30,7 @@ public:
     FullAddressSpace()
     {
         taken.reserve(1 << 16);
-        for (std::size_t size = 1 << 30; size >= 65536; size /= 2)
+        for (std::size_t size = std::size_t{1} << (sizeof(void*) == 8 ? 46 : 30); size >= 65536; size /= 2)
             while (void* const stretch = VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS))
                 taken.push_back(stretch);
     }

@@ -145,10 +145,17 @@ LSTATUS WINAPI HookCloseKey(HKEY key)
 
 // Code reaches an imported function through its entry, or, where its address is a constant, through a symbol of its
 // own.
+#ifdef _WIN64
+#define SYMBOL(name, size) #name
+#define ADDRESS "(%rip)"
+#else
+#define SYMBOL(name, size) "_" #name "@" #size
+#define ADDRESS
+#endif
 #define IMPORT(name, size, hook)                                                                                       \
-    extern decltype(&hook) entry##name asm("__imp__" #name "@" #size);                                                 \
+    extern decltype(&hook) entry##name asm("__imp_" SYMBOL(name, size));                                               \
     decltype(&hook) entry##name = hook;                                                                                \
-    asm(".globl _" #name "@" #size "\n_" #name "@" #size ": jmp *__imp__" #name "@" #size "\n");
+    asm(".globl " SYMBOL(name, size) "\n" SYMBOL(name, size) ": jmp *__imp_" SYMBOL(name, size) ADDRESS "\n");
 
 IMPORT(RegOpenCurrentUser, 8, HookOpenCurrentUser)
 IMPORT(RegCreateKeyExW, 36, HookCreateKeyExW)

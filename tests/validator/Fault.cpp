@@ -15,16 +15,23 @@
 // The functions below stand in for member functions and are called as these are.
 #pragma GCC diagnostic ignored "-Wattributes"
 
+#ifdef _WIN64
+#define SYMBOL(name) name
+#define SET_OPERATION SYMBOL("_ZThn592_N9CAddPixel14SetPropertySetEP8IUnknown")
+#else
+#define SYMBOL(name) "_" name
+#define SET_OPERATION SYMBOL("_ZThn456_N9CAddPixel14SetPropertySetEP8IUnknown")
+#endif
+
 // Tables and operations of the library by their symbols. A table's first two entries aren't operations.
 extern "C" {
-extern void* infoTable[] __asm__("__ZTVN23VixaVideoFXClassFactory10EffectInfoE");
-extern void* factoryTable[] __asm__("__ZTV23VixaVideoFXClassFactory");
-extern void* convolutionTable[] __asm__("__ZTV15CConvCorrection");
-extern void* addTable[] __asm__("__ZTV9CAddPixel");
+extern void* infoTable[] __asm__(SYMBOL("_ZTVN23VixaVideoFXClassFactory10EffectInfoE"));
+extern void* factoryTable[] __asm__(SYMBOL("_ZTV23VixaVideoFXClassFactory"));
+extern void* convolutionTable[] __asm__(SYMBOL("_ZTV15CConvCorrection"));
+extern void* addTable[] __asm__(SYMBOL("_ZTV9CAddPixel"));
 HRESULT __thiscall KernelTransform(void* self,
-                                   IMediaSample* sample) __asm__("__ZN12KernelEffect9TransformEP12IMediaSample");
-HRESULT STDMETHODCALLTYPE AddSetPropertySet(void* self,
-                                            IUnknown* set) __asm__("__ZThn456_N9CAddPixel14SetPropertySetEP8IUnknown");
+                                   IMediaSample* sample) __asm__(SYMBOL("_ZN12KernelEffect9TransformEP12IMediaSample"));
+HRESULT STDMETHODCALLTYPE AddSetPropertySet(void* self, IUnknown* set) __asm__(SET_OPERATION);
 }
 
 namespace {
