@@ -14,7 +14,8 @@ using namespace vixahost;
 
 int Complaint(int status, const std::string& message)
 {
-    Complain("vixahost: " + message + "\n");
+    if (!message.empty())
+        Complain("vixahost: " + message + "\n");
     return status;
 }
 

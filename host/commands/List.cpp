@@ -2,9 +2,11 @@
 #include "host/base/HostError.h"
 #include "host/base/Json.h"
 #include "host/base/Text.h"
+#include "host/commands/HandOver.h"
 #include "host/commands/Words.h"
 #include "host/effects/EffectCatalogue.h"
 #include "host/effects/EffectStack.h"
+#include "host/effects/LibraryFile.h"
 
 namespace vixahost::commands {
 
@@ -53,7 +55,7 @@ ULONG KindOf(const effects::CatalogueEntry& entry)
     return kind;
 }
 
-std::string ToJson(const std::vector<effects::CatalogueEntry>& catalogue)
+std::string ToJson(const std::filesystem::path& file, const std::vector<effects::CatalogueEntry>& catalogue)
 {
     Json list = Json::array();
     for (const effects::CatalogueEntry& entry : catalogue) {
@@ -76,21 +78,30 @@ std::string ToJson(const std::vector<effects::CatalogueEntry>& catalogue)
                         {"defaults", entry.defaults},
                         {"parameters", parameters}});
     }
-    return list.dump(2) + "\n";
+    return Json({{"library",
+                  {{"file", Show(file)}, {"version", effects::VersionOf(file)}, {"width", effects::WidthOf(file)}}},
+                 {"effects", list}})
+               .dump(2) +
+           "\n";
 }
 
 } // namespace
 
 void Run(const ListCommand& command)
 {
-    const effects::EffectLibrary library;
+    const auto dll = effects::LibraryOr(command.dll);
+    if (HandOver(dll))
+        return;
+    const effects::EffectLibrary library(dll);
     const auto catalogue = effects::ReadCatalogue(library, command.language);
     if (command.json)
-        return Say(ToJson(catalogue));
+        return Say(ToJson(library.File(), catalogue));
     std::size_t width = 4;
     for (const effects::CatalogueEntry& entry : catalogue)
         width = std::max(width, Columns(entry.name));
-    std::wstring text = L"  " + Cell(L"effect", width + 2) + L"sort key    kind  defaults\n";
+    std::wstring text = Wide(Show(library.File()) + ": version " + effects::VersionOf(library.File()) + ", for " +
+                             std::to_string(effects::WidthOf(library.File())) + "-bit programs\n");
+    text += L"  " + Cell(L"effect", width + 2) + L"sort key    kind  defaults\n";
     ULONG group = 0;
     for (const effects::CatalogueEntry& entry : catalogue) {
         if (entry.groupId != group)
@@ -108,16 +119,18 @@ Words ListWords(CLI::App& program)
 {
     struct Given
     {
-        std::string language;
+        std::string language, library;
         bool json = false;
     };
     CLI::App* const parser =
         program.add_subcommand("list", "Lists the catalogue: groups, names, sort order, kinds and defaults");
     const auto given = std::make_shared<Given>();
     parser->add_option("--language", given->language, "de, de-DE, pt-BR, or a number such as 1031");
+    parser->add_option("--dll", given->library, "The library; without it the one beside this program");
     parser->add_flag("--json", given->json, "For programs");
     return {parser, [given] {
-                return ListCommand{effects::AnyLanguage(given->language.empty() ? "en" : given->language), given->json};
+                return ListCommand{effects::AnyLanguage(given->language.empty() ? "en" : given->language), given->json,
+                                   Wide(given->library)};
             }};
 }
 

@@ -3,8 +3,10 @@
 #include "host/base/Json.h"
 #include "host/base/NearestNames.h"
 #include "host/base/Text.h"
+#include "host/commands/HandOver.h"
 #include "host/commands/Words.h"
 #include "host/effects/EffectLibrary.h"
+#include "host/effects/LibraryFile.h"
 #include "host/validate/Attack.h"
 #include "host/validate/Validation.h"
 
@@ -85,13 +87,14 @@ void Run(const ValidateCommand& command)
             throw WrongWords("There is no group \"" + group + "\" of checks; did you mean " +
                              Alternatives(NearestNames(group, groups)) + "? `vixahost validate --list` shows all.");
     validate::ValidationRequest request;
-    request.dll = std::filesystem::absolute(command.dll.empty() ? effects::LibraryBesideTheProgram() : command.dll)
-                      .make_preferred();
+    request.dll = effects::LibraryOr(command.dll);
     request.program = effects::ThisProgram();
     request.groups = command.groups;
     request.secondsPerCheck = command.secondsPerCheck;
     if (GetFileAttributesW(request.dll.c_str()) == INVALID_FILE_ATTRIBUTES)
         throw FailedJob("There is no library to check: " + Show(request.dll));
+    if (HandOver(request.dll))
+        return;
 
     if (command.attackMinutes > 0)
         return validate::Attack(request.dll, command.attackMinutes, Say);

@@ -2,6 +2,7 @@
 
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
+#include "host/effects/LibraryFile.h"
 
 namespace vixahost::effects {
 
@@ -43,8 +44,11 @@ EffectLibrary::EffectLibrary() : EffectLibrary(LibraryBesideTheProgram()) {}
 
 EffectLibrary::EffectLibrary(const std::filesystem::path& file) : module(LoadLibraryW(file.c_str()))
 {
+    const DWORD error = GetLastError();
+    if (const int width = module ? ownWidth : WidthOf(file); width != 0 && width != ownWidth)
+        throw FailedJob(WidthComplaint(file));
     if (!module)
-        throw FailedJob("The effect library can't be loaded (system error " + std::to_string(GetLastError()) +
+        throw FailedJob("The effect library can't be loaded (system error " + std::to_string(error) +
                         "); put it here: " + Show(file));
     getClassObject = Export<GetClassObject>(module.get(), "DllGetClassObject");
     canUnloadNow = Export<CanUnloadNow>(module.get(), "DllCanUnloadNow");

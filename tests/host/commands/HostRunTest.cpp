@@ -138,6 +138,12 @@ TEST_F(HostRun, BadInputIsToldInOneLineAndWritesNothing)
     middle[index + 80 * 16 + 13] = 1;
     WriteBytes(folder / L"middle.avi", middle);
     std::filesystem::create_directory(folder / L"folder.png");
+    Bytes other = ReadBytes(effects::LibraryBesideTheProgram());
+    const std::size_t machine = static_cast<std::size_t>(other[0x3C]) + other[0x3D] * 256u + 4;
+    other[machine] = static_cast<std::uint8_t>(other[machine] ^ 0x4C ^ 0x64); // i386 is 0x014C, AMD64 0x8664
+    other[machine + 1] = static_cast<std::uint8_t>(other[machine + 1] ^ 0x01 ^ 0x86);
+    WriteBytes(folder / L"other.dll", other);
+    const char* const otherWidth = sizeof(void*) == 4 ? "is a 64-bit library" : "is a 32-bit library";
 
     struct Case
     {
@@ -168,6 +174,8 @@ TEST_F(HostRun, BadInputIsToldInOneLineAndWritesNothing)
         {{L"apply", L"Emboss", L"middle.avi", L"out.avi"}, 1, "can't be decoded"},
         {{L"apply", L"Emboss", L"in.png", L"nowhere/out.png"}, 1, "nowhere"},
         {{L"apply", L"Emboss", L"clip.avi", L"nowhere/out.avi"}, 1, "nowhere"},
+        {{L"validate", L"other.dll"}, 1, otherWidth},
+        {{L"list", L"--dll", L"other.dll"}, 1, otherWidth},
     };
     const auto before = folder.Names();
     const Bytes input = ReadBytes(folder / L"in.png");
@@ -219,6 +227,9 @@ TEST_F(HostRun, WithoutWordsEveryEffectIsShown)
     ExpectDone(list);
     EXPECT_NE(list.out.find("{C79C3183-D7F7-439A-98CC-33906A691708}"), std::string::npos);
     EXPECT_NE(list.out.find("45 to 220"), std::string::npos);
+    const std::string width = std::to_string(8 * sizeof(void*));
+    EXPECT_NE(Run({L"list"}).out.find(", for " + width + "-bit programs\n"), std::string::npos);
+    EXPECT_NE(Run({L"list", L"--json"}).out.find("\"width\": " + width), std::string::npos);
 }
 
 TEST_F(HostRun, TheLibraryIsFreeWhenTheGraphIsGone)
