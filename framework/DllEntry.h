@@ -20,3 +20,11 @@ BOOL WINAPI DllEntryPoint(HINSTANCE instance, ULONG reason, LPVOID reserved) noe
 // characters is not registered: HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE). Without a filter mapper its failure is
 // the answer, with the class keys left as they are then.
 STDAPI AMovieDllRegisterServer2(BOOL registering) noexcept;
+
+// The same below HKEY_CURRENT_USER\Software\Classes, for the current user alone. The filter mapper, which is the
+// machine's, is left out of it.
+HRESULT RegisterServerForUser(bool registering) noexcept;
+
+// Whether a module of the other width serves the table's first class for the current user. Systems of one width have
+// one set of class keys, so there this module's own count: ask when they are gone.
+bool OtherWidthServesUser() noexcept;

@@ -20,13 +20,21 @@ Text CutText(LPCWSTR text) noexcept
     return cut;
 }
 
-Text ClassKeyName(const CLSID& classId) noexcept
+// Where class keys stand: below HKEY_CLASSES_ROOT, or below the user's own part of it.
+struct ClassesRoot
+{
+    HKEY key;
+    LPCWSTR format;
+};
+constexpr LPCWSTR machineFormat = L"CLSID\\%ls", userFormat = L"Software\\Classes\\CLSID\\%ls";
+
+Text ClassKeyName(const ClassesRoot& root, const CLSID& classId) noexcept
 {
     constexpr int identifierLength = 39; // of StringFromGUID2's text, with the terminator
     WCHAR identifier[identifierLength];
     StringFromGUID2(classId, identifier, identifierLength);
     Text name;
-    std::swprintf(name.characters, textLength, L"CLSID\\%ls", identifier);
+    std::swprintf(name.characters, textLength, root.format, identifier);
     return name;
 }
 
@@ -57,10 +65,10 @@ LSTATUS SetText(HKEY key, LPCWSTR valueName, LPCWSTR text) noexcept
     return RegSetValueExW(key, valueName, 0, REG_SZ, reinterpret_cast<const BYTE*>(text), bytes);
 }
 
-LSTATUS WriteClassKey(const CFactoryTemplate& row, LPCWSTR path) noexcept
+LSTATUS WriteClassKey(const ClassesRoot& root, const CFactoryTemplate& row, LPCWSTR path) noexcept
 {
     vixa::UniqueKey classKey, serverKey;
-    LSTATUS status = CreateKey(HKEY_CLASSES_ROOT, ClassKeyName(*row.m_ClsID).characters, classKey);
+    LSTATUS status = CreateKey(root.key, ClassKeyName(root, *row.m_ClsID).characters, classKey);
     if (status == ERROR_SUCCESS)
         status = SetText(classKey.get(), nullptr, CutText(row.m_Name).characters);
     if (status == ERROR_SUCCESS)
@@ -127,26 +135,56 @@ HRESULT EnterFilterSetups(bool registering) noexcept
     return FAILED(result) ? result : S_OK;
 }
 
+HRESULT WriteClassKeys(const ClassesRoot& root) noexcept
+{
+    Text path;
+    if (const HRESULT result = ModulePath(path); FAILED(result))
+        return result;
+    for (const CFactoryTemplate& row : g_Templates)
+        if (const LSTATUS status = WriteClassKey(root, row, path.characters); status != ERROR_SUCCESS)
+            return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
+    return S_OK;
+}
+
+void DeleteClassKeys(const ClassesRoot& root) noexcept
+{
+    for (const CFactoryTemplate& row : g_Templates)
+        DeleteTree(root.key, ClassKeyName(root, *row.m_ClsID).characters);
+}
+
 } // namespace
 
 STDAPI AMovieDllRegisterServer2(BOOL registering) noexcept
 {
+    const ClassesRoot root = {HKEY_CLASSES_ROOT, machineFormat};
     Text path;
-    HRESULT result = ModulePath(path);
+    HRESULT result = registering ? WriteClassKeys(root) : ModulePath(path);
     // What was registered from elsewhere can be removed from any path.
-    if (FAILED(result) && (registering || result != HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE)))
-        return result;
-    if (registering) {
-        for (const CFactoryTemplate& row : g_Templates) {
-            const LSTATUS status = WriteClassKey(row, path.characters);
-            if (status != ERROR_SUCCESS)
-                return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
-        }
-    }
-    result = EnterFilterSetups(registering != FALSE);
-    if (FAILED(result) || registering)
-        return result;
-    for (const CFactoryTemplate& row : g_Templates)
-        DeleteTree(HKEY_CLASSES_ROOT, ClassKeyName(*row.m_ClsID).characters);
+    if (!registering && result == HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE))
+        result = S_OK;
+    if (SUCCEEDED(result))
+        result = EnterFilterSetups(registering != FALSE);
+    if (SUCCEEDED(result) && !registering)
+        DeleteClassKeys(root);
+    return result;
+}
+
+HRESULT RegisterServerForUser(bool registering) noexcept
+{
+    const ClassesRoot root = {HKEY_CURRENT_USER, userFormat};
+    if (registering)
+        return WriteClassKeys(root);
+    DeleteClassKeys(root);
     return S_OK;
+}
+
+bool OtherWidthServesUser() noexcept
+{
+    constexpr REGSAM otherView = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+    const ClassesRoot root = {HKEY_CURRENT_USER, userFormat};
+    HKEY opened = nullptr;
+    RegOpenKeyExW(root.key, ClassKeyName(root, *g_Templates.front().m_ClsID).characters, 0, KEY_READ | otherView,
+                  &opened);
+    const vixa::UniqueKey key(opened);
+    return key != nullptr;
 }

@@ -1,5 +1,5 @@
-// The five functions that the library exports. The platform declares four of them without noexcept, which a definition
-// must not add; none throws, because nothing that they call does.
+// The functions that the library exports. The platform declares most of them without noexcept, which a definition must
+// not add; none throws, because nothing that they call does.
 #include "module/EffectTable.h"
 #include "module/VixaVideoFXClassFactory.h"
 #include "module/VixaVideoFXModule.h"
@@ -51,4 +51,17 @@ STDAPI DllRegisterServer()
 STDAPI DllUnregisterServer()
 {
     return vixa::UnregisterLibrary(EffectAliases());
+}
+
+// regsvr32 /n /i:user: for the current user alone, without administrator rights; /i without a text: as
+// DllRegisterServer.
+STDAPI DllInstall(BOOL install, PCWSTR commandLine) noexcept
+{
+    vixa::Scope scope = vixa::Scope::Machine;
+    if (commandLine && *commandLine) {
+        if (lstrcmpiW(commandLine, L"user") != 0)
+            return E_INVALIDARG;
+        scope = vixa::Scope::User;
+    }
+    return install ? vixa::RegisterLibrary(EffectAliases(), scope) : vixa::UnregisterLibrary(EffectAliases(), scope);
 }

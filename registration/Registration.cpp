@@ -58,9 +58,9 @@ void AliasPass(CRegistrySxs& location, std::span<const EffectAlias> aliases, Dir
     }
 }
 
-HRESULT CategoryPass(std::span<const EffectAlias> aliases, const char* documentText, Direction direction)
+HRESULT CategoryPass(std::span<const EffectAlias> aliases, Scope scope, const char* documentText, Direction direction)
 {
-    CRegistrySxs location(sxs::LOCAL_MACHINE, documentText);
+    CRegistrySxs location(scope == Scope::User ? sxs::CURRENT_USER : sxs::LOCAL_MACHINE, documentText);
     if (!location.Resolved() || !location.CreateSubKey(effectsCategory))
         return SELFREG_E_CLASS;
     const HRESULT result = EffectsPass(location, direction);
@@ -68,18 +68,39 @@ HRESULT CategoryPass(std::span<const EffectAlias> aliases, const char* documentT
     return result;
 }
 
-} // namespace
-
-HRESULT RegisterLibrary(std::span<const EffectAlias> aliases, const char* documentText) noexcept
+HRESULT EnterForMachine(std::span<const EffectAlias> aliases, const char* documentText, Direction direction)
 {
-    const HRESULT result = CategoryPass(aliases, documentText, Direction::Register);
-    return result == S_OK ? AMovieDllRegisterServer2(TRUE) : result;
+    const HRESULT result = CategoryPass(aliases, Scope::Machine, documentText, direction);
+    return result == S_OK ? AMovieDllRegisterServer2(direction == Direction::Register) : result;
 }
 
-HRESULT UnregisterLibrary(std::span<const EffectAlias> aliases, const char* documentText) noexcept
+HRESULT EnterForUser(std::span<const EffectAlias> aliases, const char* documentText, Direction direction)
 {
-    const HRESULT result = CategoryPass(aliases, documentText, Direction::Unregister);
-    return result == S_OK ? AMovieDllRegisterServer2(FALSE) : result;
+    if (direction == Direction::Unregister) {
+        RegisterServerForUser(false);
+        // The two widths have class keys of their own and one list of effects.
+        return OtherWidthServesUser() ? S_OK : CategoryPass(aliases, Scope::User, documentText, direction);
+    }
+    const HRESULT result = CategoryPass(aliases, Scope::User, documentText, direction);
+    return result == S_OK ? RegisterServerForUser(true) : result;
+}
+
+HRESULT Enter(std::span<const EffectAlias> aliases, Scope scope, const char* documentText, Direction direction)
+{
+    return scope == Scope::User ? EnterForUser(aliases, documentText, direction)
+                                : EnterForMachine(aliases, documentText, direction);
+}
+
+} // namespace
+
+HRESULT RegisterLibrary(std::span<const EffectAlias> aliases, Scope scope, const char* documentText) noexcept
+{
+    return Enter(aliases, scope, documentText, Direction::Register);
+}
+
+HRESULT UnregisterLibrary(std::span<const EffectAlias> aliases, Scope scope, const char* documentText) noexcept
+{
+    return Enter(aliases, scope, documentText, Direction::Unregister);
 }
 
 } // namespace vixa

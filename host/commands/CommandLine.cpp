@@ -38,9 +38,9 @@ Command ParseCommandLine(const std::vector<std::string>& words)
     program.require_subcommand(0, 1);
     program.set_version_flag("--version", "vixahost " VIXA_VERSION);
     program.footer(examples);
-    const std::vector<Words> commands = {EffectsWords(program), ApplyWords(program), BrowseWords(program),
-                                         ListWords(program),    IconWords(program),  PanelWords(program),
-                                         ValidateWords(program)};
+    const std::vector<Words> commands = {EffectsWords(program),  ApplyWords(program),   BrowseWords(program),
+                                         ListWords(program),     IconWords(program),    PanelWords(program),
+                                         ManifestWords(program), ValidateWords(program)};
     if (!words.empty())
         RequireKnown(words.front(), commands);
     try {

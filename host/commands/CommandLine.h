@@ -7,6 +7,7 @@
 #include "host/commands/Effects.h"
 #include "host/commands/Icon.h"
 #include "host/commands/List.h"
+#include "host/commands/Manifest.h"
 #include "host/commands/Panel.h"
 #include "host/commands/ShowAll.h"
 #include "host/commands/Validate.h"
@@ -25,7 +26,7 @@ struct TextCommand
 void Run(const TextCommand& command);
 
 using Command = std::variant<ShowAllCommand, EffectsCommand, ApplyCommand, BrowseCommand, ListCommand, IconCommand,
-                             PanelCommand, ValidateCommand, ChildCommand, DecodeCommand, TextCommand>;
+                             PanelCommand, ManifestCommand, ValidateCommand, ChildCommand, DecodeCommand, TextCommand>;
 
 // `words` are UTF-8, without the program's name. Throws WrongWords. The library is not loaded: whether an effect or a
 // parameter exists is for the command to find out.

@@ -33,6 +33,7 @@ Words BrowseWords(CLI::App& program);
 Words ListWords(CLI::App& program);
 Words IconWords(CLI::App& program);
 Words PanelWords(CLI::App& program);
+Words ManifestWords(CLI::App& program);
 Words ValidateWords(CLI::App& program);
 
 // What the help shows of how it goes.

@@ -3,6 +3,7 @@
 #include "framework/Handles.h"
 #include "tests/sxs/RegistryView.h"
 
+#include <vixavideofx/ClassIds.h>
 #include <vixavideofx/IEffectFilter.h>
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 #include <dshow.h>
 #include <wrl/client.h>
 
+#include <filesystem>
 #include <map>
 #include <string>
 
@@ -19,6 +21,7 @@ using Microsoft::WRL::ComPtr;
 using registry_view::ReadValue;
 using registry_view::TextValue;
 using registry_view::ValuesOf;
+using vixavideofx::CLSID_AddPixel;
 
 const std::wstring effects = L"Software\\Vixa\\Vixa 12\\Editor\\Effects";
 
@@ -67,6 +70,52 @@ protected:
     void SetUp() override { ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK); }
     void TearDown() override { CoUninitialize(); }
 };
+
+HRESULT CreateAddPixel()
+{
+    ComPtr<IBaseFilter> filter;
+    return CoCreateInstance(CLSID_AddPixel, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&filter));
+}
+
+// The library is looked for beside the manifest.
+TEST_F(RegisteredLibrary, AManifestDoesWithoutRegistration)
+{
+    EXPECT_EQ(CreateAddPixel(), REGDB_E_CLASSNOTREG);
+    ASSERT_TRUE(CreateDirectoryW(L"C:\\free", nullptr));
+    ASSERT_TRUE(CopyFileW(LibraryPath().c_str(), L"C:\\free\\VixaVideoFX.dll", TRUE));
+    ASSERT_EQ(ExitCodeOf(L"cmd /c \"\"" +
+                         (std::filesystem::path(LibraryPath()).parent_path() / L"vixahost.exe").native() +
+                         L"\" manifest > C:\\free\\effects.manifest\""),
+              0u);
+    ACTCTXW request = {};
+    request.cbSize = sizeof request;
+    request.lpSource = L"C:\\free\\effects.manifest";
+    const HANDLE context = CreateActCtxW(&request);
+    ASSERT_NE(context, INVALID_HANDLE_VALUE) << GetLastError();
+    ULONG_PTR cookie = 0;
+    ASSERT_TRUE(ActivateActCtx(context, &cookie));
+    EXPECT_EQ(CreateAddPixel(), S_OK);
+    DeactivateActCtx(0, cookie);
+    ReleaseActCtx(context);
+    CoFreeUnusedLibrariesEx(0, 0);
+    EXPECT_EQ(CreateAddPixel(), REGDB_E_CLASSNOTREG);
+}
+
+TEST_F(RegisteredLibrary, AUserRegistersWithoutAnAdministrator)
+{
+    const auto regsvr32 = [](const std::wstring& words) {
+        return ExitCodeOf(L"regsvr32 /s /n " + words + L" \"" + LibraryPath() + L"\"");
+    };
+    const std::wstring server = L"Software\\Classes\\CLSID\\{DDBE68A3-F53E-4E2D-B5AF-578F4302C032}\\InprocServer32";
+    EXPECT_NE(regsvr32(L"/i:nobody"), 0u);
+    EXPECT_EQ(regsvr32(L"/i:user"), 0u);
+    EXPECT_EQ(ReadValue(HKEY_CURRENT_USER, server, L""), TextValue(LibraryPath()));
+    EXPECT_EQ(ValuesOf(HKEY_CURRENT_USER, effects)->size(), 13u);
+    EXPECT_FALSE(ValuesOf(HKEY_LOCAL_MACHINE, effects));
+    EXPECT_EQ(regsvr32(L"/u /i:user"), 0u);
+    EXPECT_FALSE(ReadValue(HKEY_CURRENT_USER, server, L""));
+    EXPECT_TRUE(ValuesOf(HKEY_CURRENT_USER, effects)->empty());
+}
 
 TEST_F(RegisteredLibrary, HostFindsAndCreatesEveryEffect)
 {

@@ -165,6 +165,36 @@ TEST_F(Registration, WritesAndRemovesItsOwnAndNothingElse)
     EXPECT_TRUE(KeyExists(HKEY_CLASSES_ROOT, L"CLSID"));
 }
 
+TEST_F(Registration, ForAUserNeedsNoOthersKeys)
+{
+    const std::wstring classes = L"Software\\Classes\\";
+    ASSERT_EQ(vixa::RegisterLibrary(aliases, vixa::Scope::User), S_OK);
+    EXPECT_EQ(ValuesOf(HKEY_CURRENT_USER, effectsKey)->size(), rowCount);
+    EXPECT_EQ(ValuesOf(HKEY_CURRENT_USER, aliasesKey)->size(), rowCount);
+    for (const CFactoryTemplate& row : rows)
+        EXPECT_EQ(ReadValue(HKEY_CURRENT_USER, classes + ClassKey(row), L""), TextValue(row.m_Name));
+    EXPECT_EQ(ValuesOf(HKEY_LOCAL_MACHINE, effectsKey), WantedEffects(false));
+    EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, classes + ClassKey(rows[0])));
+#ifdef _WIN64
+    // The 32-bit library goes by the same list.
+    HKEY other = nullptr;
+    ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, (classes + ClassKey(rows[0])).c_str(), 0, nullptr, 0,
+                              KEY_ALL_ACCESS | KEY_WOW64_32KEY, nullptr, &other, nullptr),
+              ERROR_SUCCESS);
+    EXPECT_EQ(vixa::UnregisterLibrary(aliases, vixa::Scope::User), S_OK);
+    EXPECT_EQ(ValuesOf(HKEY_CURRENT_USER, effectsKey)->size(), rowCount);
+    RegCloseKey(other);
+    RegDeleteKeyExW(HKEY_CURRENT_USER, (classes + ClassKey(rows[0])).c_str(), KEY_WOW64_32KEY, 0);
+#endif
+    EXPECT_EQ(vixa::UnregisterLibrary(aliases, vixa::Scope::User), S_OK);
+    EXPECT_EQ(ValuesOf(HKEY_CURRENT_USER, effectsKey), Values{});
+    EXPECT_EQ(ValuesOf(HKEY_CURRENT_USER, aliasesKey), Values{});
+    for (const CFactoryTemplate& row : rows)
+        EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, classes + ClassKey(row)));
+    for (const registry_faults::Call& call : registry_faults::Calls())
+        EXPECT_TRUE(call.key != HKEY_LOCAL_MACHINE && call.key != HKEY_CLASSES_ROOT) << call.function;
+}
+
 TEST_F(Registration, LinksAreNotFollowed)
 {
     constexpr const wchar_t* target = L"Software\\Vixa\\Another's";
@@ -267,8 +297,8 @@ TEST_F(Registration, RemovalRefusedAtEachStepCanBeRepeated)
 
 TEST_F(Registration, UnresolvableLocationTouchesNoKey)
 {
-    EXPECT_EQ(vixa::RegisterLibrary(aliases, "<VIXA/>"), SELFREG_E_CLASS);
-    EXPECT_EQ(vixa::UnregisterLibrary(aliases, "no document"), SELFREG_E_CLASS);
+    EXPECT_EQ(vixa::RegisterLibrary(aliases, vixa::Scope::Machine, "<VIXA/>"), SELFREG_E_CLASS);
+    EXPECT_EQ(vixa::UnregisterLibrary(aliases, vixa::Scope::Machine, "no document"), SELFREG_E_CLASS);
     EXPECT_TRUE(registry_faults::Calls().empty());
     ExpectNothingOfOurs();
 }
