@@ -90,6 +90,7 @@ bool CTransInPlaceInputPin::TakesBatches() noexcept
 HRESULT CTransInPlaceInputPin::ReceiveBatch(IMediaSample* sample, vixa::Batch& batch) noexcept
 {
     CAutoLock lock(&m_pTIPFilter->m_csReceive);
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call): the class between would work on the sample at once
     HRESULT result = CBaseInputPin::Receive(sample);
     if (result == S_OK)
         result = vixa::Answered([&] { return m_pTIPFilter->ReceiveWith(sample, &batch); });

@@ -51,7 +51,7 @@ class Chain
 {
 public:
     // Small enough for the smallest second-level caches; larger ones were no faster.
-    static constexpr std::size_t usualBand = 128 * 1024;
+    static constexpr std::size_t usualBand = std::size_t{128} * 1024;
 
     // Throws std::bad_alloc; then the chain is as before.
     void Add(const Step& step) { links.push_back({step, 0, 0}); }

@@ -26,7 +26,7 @@ TEST(Chain, CanBeUsedForFrameAfterFrame)
     const KernelSet& kernels = KernelsOf(Level::Avx512);
     Chain chain;
     for (const std::int32_t height : {40, 7, 40}) {
-        const Bytes before = RandomBytes(static_cast<std::size_t>(33 * height * 4), 5);
+        const Bytes before = RandomBytes(std::size_t{33} * 4 * static_cast<std::size_t>(height), 5);
         Bytes expected = before, actual = before;
         Bytes first(ConvolutionScratchBytes(33)), second(first);
         const auto steps = [&](Bytes& frame) {
