@@ -138,10 +138,10 @@ Picture ReadThroughCodec(const std::filesystem::path& file, UINT& width, UINT& h
     read(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(), &source), damaged);
 
     read(source->GetSize(&width, &height), damaged);
-    if (!DibBytes(width, 1, 32) || !PictureBytes(width, height)) // codecs count a row in 32 bits
+    // Codecs count a picture's bytes in 32 bits with a sign: beyond that they give wrong rows without a word.
+    if (!DibBytes(width, height, 32))
         throw FailedJob(Show(file) + " measures " + std::to_string(width) + " x " + std::to_string(height) +
-                        " pixels, which doesn't fit a " + std::to_string(8 * sizeof(void*)) +
-                        "-bit program; make it smaller first.");
+                        " pixels, which is more than the system's picture codecs can count; make it smaller first.");
 
     Picture picture(static_cast<int>(width), static_cast<int>(height));
     InPieces(picture, [&](int y, int rows) {
