@@ -286,20 +286,22 @@ VIXA_INLINE Vector DifferenceOf(Vector minuend, Vector subtrahend) noexcept
 // become 0. Walked from the end of the row to its start, so `from` may be the row itself.
 VIXA_INLINE void ShiftRow(std::uint8_t* row, const std::uint8_t* from, std::size_t left, std::size_t rowBytes) noexcept
 {
-    std::size_t end = rowBytes;
-    if (end >= pixelBytes + B::bytes) {
+    std::uint8_t* const first = row + pixelBytes;
+    std::uint8_t* at = row + rowBytes;
+    const std::uint8_t* subtrahend = from + rowBytes - left;
+    if (rowBytes >= pixelBytes + B::bytes) {
         // What is left at the start is less than a vector. It is made as a whole one while nothing has been replaced.
-        const Vector head = DifferenceOf(B::Load(row + pixelBytes), B::Load(from + (pixelBytes - left)));
-        for (; end >= pixelBytes + B::bytes; end -= B::bytes) {
-            const std::size_t at = end - B::bytes;
-            B::Store(row + at, DifferenceOf(B::Load(row + at), B::Load(from + (at - left))));
+        const Vector head = DifferenceOf(B::Load(first), B::Load(from + (pixelBytes - left)));
+        while (at >= first + B::bytes) {
+            at -= B::bytes;
+            subtrahend -= B::bytes;
+            B::Store(at, DifferenceOf(B::Load(at), B::Load(subtrahend)));
         }
-        B::Store(row + pixelBytes, head);
-    } else if (end > pixelBytes) {
-        const std::size_t part = end - pixelBytes;
-        const Vector all =
-            DifferenceOf(B::LoadPart(row + pixelBytes, part), B::LoadPart(from + (pixelBytes - left), part));
-        B::StorePart(row + pixelBytes, all, part);
+        B::Store(first, head);
+    } else if (rowBytes > pixelBytes) {
+        const std::size_t part = rowBytes - pixelBytes;
+        B::StorePart(first, DifferenceOf(B::LoadPart(first, part), B::LoadPart(from + (pixelBytes - left), part)),
+                     part);
     }
     ClearPixel(row);
     ClearPixel(row + rowBytes - pixelBytes);
