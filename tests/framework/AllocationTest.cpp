@@ -51,6 +51,13 @@ void Connect(Chain& chain, Order order)
     }
 }
 
+// Has the sink offer its own allocator for good, whatever is agreed on.
+ComPtr<IMemAllocator> OfferOwn(SinkPin& sink)
+{
+    EXPECT_EQ(S_OK, sink.GetAllocator(&sink.offers));
+    return sink.offers;
+}
+
 // Upstream is offered downstream's allocator and told of its needs; what upstream decides on is used on both sides.
 TEST(Allocation, UpstreamChoosesKnowingDownstream)
 {
@@ -58,9 +65,7 @@ TEST(Allocation, UpstreamChoosesKnowingDownstream)
         for (const Order order : {Order::SourceFirst, Order::SinkFirst, Order::SinkAgain}) {
             Chain chain;
             chain.source->pin.mode = mode;
-            ComPtr<IMemAllocator> sinks;
-            ASSERT_EQ(S_OK, chain.sink->pin.GetAllocator(&sinks));
-            chain.sink->pin.offers = sinks;
+            const ComPtr<IMemAllocator> sinks = OfferOwn(chain.sink->pin);
             if (mode == Mode::Own)
                 chain.sink->pin.needs = {2, 0, 4096, 8};
             Connect(chain, order);
@@ -250,9 +255,7 @@ TEST(Allocation, CopiesAreMadeOnceWhereTheyMustBe)
         for (const Order order : {Order::SourceFirst, Order::SinkFirst, Order::SinkAgain}) {
             Chain chain;
             chain.source->pin.mode = mode;
-            ComPtr<IMemAllocator> sinks;
-            ASSERT_EQ(S_OK, chain.sink->pin.GetAllocator(&sinks));
-            chain.sink->pin.offers = sinks;
+            const ComPtr<IMemAllocator> sinks = OfferOwn(chain.sink->pin);
             if (mode != Mode::PeersReadOnly)
                 chain.sink->pin.takesAllocator = [&](IMemAllocator* offered) { return offered == sinks.Get(); };
             Connect(chain, order);
