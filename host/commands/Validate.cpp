@@ -1,6 +1,7 @@
 #include "host/commands/Validate.h"
 #include "host/base/HostError.h"
 #include "host/base/Json.h"
+#include "host/base/ModuleFile.h"
 #include "host/base/NearestNames.h"
 #include "host/base/Text.h"
 #include "host/commands/HandOver.h"
@@ -88,7 +89,7 @@ void Run(const ValidateCommand& command)
                              Alternatives(NearestNames(group, groups)) + "? `vixahost validate --list` shows all.");
     validate::ValidationRequest request;
     request.dll = effects::LibraryOr(command.dll);
-    request.program = effects::ThisProgram();
+    request.program = ThisProgram();
     request.groups = command.groups;
     request.secondsPerCheck = command.secondsPerCheck;
     if (GetFileAttributesW(request.dll.c_str()) == INVALID_FILE_ATTRIBUTES)

@@ -1,26 +1,13 @@
 #include "host/effects/EffectLibrary.h"
 
 #include "host/base/HostError.h"
+#include "host/base/ModuleFile.h"
 #include "host/base/Text.h"
 #include "host/effects/LibraryFile.h"
 
 namespace vixahost::effects {
 
 namespace {
-
-// Null: of this program.
-std::filesystem::path FileOf(HMODULE module)
-{
-    std::wstring path(MAX_PATH, L'\0');
-    for (;;) {
-        const DWORD length = GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
-        if (length < path.size()) {
-            path.resize(length);
-            return path;
-        }
-        path.resize(path.size() * 2);
-    }
-}
 
 template <typename Function>
 Function Export(HMODULE module, const char* name)
@@ -29,11 +16,6 @@ Function Export(HMODULE module, const char* name)
 }
 
 } // namespace
-
-std::filesystem::path ThisProgram()
-{
-    return FileOf(nullptr);
-}
 
 std::filesystem::path LibraryBesideTheProgram()
 {

@@ -13,8 +13,6 @@
 
 namespace vixahost::effects {
 
-// This program's own file.
-std::filesystem::path ThisProgram();
 // VixaVideoFX.dll in this program's folder, whether it is there or not.
 std::filesystem::path LibraryBesideTheProgram();
 

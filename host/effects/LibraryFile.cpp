@@ -1,5 +1,6 @@
 #include "host/effects/LibraryFile.h"
 
+#include "host/base/ModuleFile.h"
 #include "host/base/Text.h"
 #include "host/effects/EffectLibrary.h"
 

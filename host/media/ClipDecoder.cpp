@@ -66,9 +66,10 @@ ClipDecoder::ClipDecoder(std::filesystem::path clip, int frameWidth, int frameHe
         throw FailedJob(damaged + ".");
     first = AVIStreamStart(video.Get());
     BITMAPINFOHEADER wanted = Rgb32(width, height).bmiHeader;
-    decoder.Attach(AVIStreamGetFrameOpen(video.Get(), &wanted));
+    // Not Attach: this platform's ComPtr counts one more there.
+    *decoder.GetAddressOf() = AVIStreamGetFrameOpen(video.Get(), &wanted);
     if (!decoder)
-        decoder.Attach(AVIStreamGetFrameOpen(video.Get(), nullptr)); // whatever it likes to give
+        *decoder.GetAddressOf() = AVIStreamGetFrameOpen(video.Get(), nullptr); // whatever it likes to give
     if (!decoder)
         throw FailedJob("This system has no decoder for " + Show(path) + " (format \"" + FormatName(video.Get()) +
                         "\"); convert the clip to uncompressed RGB first.");

@@ -2,6 +2,7 @@
 
 #include "host/base/HostError.h"
 #include "host/base/Interrupt.h"
+#include "host/base/ModuleFile.h"
 #include "host/base/Text.h"
 #include "host/media/ClipDecoder.h"
 #include "host/media/DibSize.h"
@@ -47,15 +48,9 @@ SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
 // The host beside the program that runs, which may be a test.
 std::filesystem::path HostProgram()
 {
-    std::wstring name(MAX_PATH, L'\0');
-    for (DWORD length = 0; (length = GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size()))) > 0;
-         name.resize(name.size() * 2))
-        if (length < name.size()) {
-            name.resize(length);
-            break;
-        }
-    const std::filesystem::path host = std::filesystem::path(name).parent_path() / L"vixahost.exe";
-    return GetFileAttributesW(host.c_str()) == INVALID_FILE_ATTRIBUTES ? std::filesystem::path(name) : host;
+    const std::filesystem::path self = ThisProgram();
+    const std::filesystem::path host = self.parent_path() / L"vixahost.exe";
+    return GetFileAttributesW(host.c_str()) == INVALID_FILE_ATTRIBUTES ? self : host;
 }
 
 LONG WINAPI EndOnFault(EXCEPTION_POINTERS* fault)

@@ -2,6 +2,7 @@
 #include "host/validate/Report.h"
 #include "host/validate/Validation.h"
 
+#include "host/base/ModuleFile.h"
 #include "host/effects/EffectLibrary.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +21,7 @@ std::vector<Result> Examine(const std::filesystem::path& library, std::vector<st
 {
     ValidationRequest request;
     request.dll = library;
-    request.program = effects::ThisProgram().parent_path() / L"vixahost.exe";
+    request.program = vixahost::ThisProgram().parent_path() / L"vixahost.exe";
     request.groups = std::move(groups);
     request.secondsPerCheck = seconds;
     return Validate(request, {});
