@@ -1,6 +1,6 @@
 #include "host/commands/HandOver.h"
 
-#include "host/base/Handles.h"
+#include "host/base/ChildProcess.h"
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
 #include "host/effects/LibraryFile.h"
@@ -27,18 +27,13 @@ bool HandOver(const std::filesystem::path& library)
     const std::filesystem::path host = effects::HostFor(library);
     if (host.empty())
         throw FailedJob(effects::WidthComplaint(library));
-    std::wstring words = L"\"" + host.native() + L"\"" + GivenWords();
-    STARTUPINFOW start = {};
-    start.cb = sizeof start;
-    PROCESS_INFORMATION made = {};
-    if (!CreateProcessW(host.c_str(), words.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &made))
-        throw FailedJob(effects::WidthComplaint(library) + " It can't be started from here (system error " +
-                        std::to_string(GetLastError()) + ").");
-    const UniqueThread thread(made.hThread);
-    const UniqueProcess process(made.hProcess);
-    WaitForSingleObject(process.get(), INFINITE);
-    DWORD status = 0;
-    GetExitCodeProcess(process.get(), &status);
+    ChildStart start = {host, GivenWords(), Show(library)};
+    start.input = GetStdHandle(STD_INPUT_HANDLE);
+    start.output = GetStdHandle(STD_OUTPUT_HANDLE);
+    start.error = GetStdHandle(STD_ERROR_HANDLE);
+    const ChildProcess process(start);
+    process.EndsWithin(INFINITE);
+    const DWORD status = process.Status();
     if (status != statusDone)
         throw HostError(static_cast<int>(status), "");
     return true;

@@ -43,8 +43,6 @@ std::uint8_t* PixelsOf(const UniqueView& view)
 
 constexpr DWORD patience = 20'000; // milliseconds
 
-SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-
 // The host beside the program that runs, which may be a test.
 std::filesystem::path HostProgram()
 {
@@ -64,7 +62,7 @@ LONG WINAPI EndOnFault(EXCEPTION_POINTERS* fault)
 FrameDecoder::FrameDecoder(const std::filesystem::path& clip, int width, int height) : name(Show(clip))
 {
     const std::uint64_t bytes = pixelsAt + DibBytes(width, height, 32).value_or(0);
-    mapping.reset(CreateFileMappingW(INVALID_HANDLE_VALUE, &inherited, PAGE_READWRITE, static_cast<DWORD>(bytes >> 32),
+    mapping.reset(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, static_cast<DWORD>(bytes >> 32),
                                      static_cast<DWORD>(bytes), nullptr));
     if (mapping)
         view.reset(MapViewOfFile(mapping.get(), FILE_MAP_WRITE, 0, 0, 0));
@@ -75,38 +73,26 @@ FrameDecoder::FrameDecoder(const std::filesystem::path& clip, int width, int hei
     Wait("can't be opened");
 }
 
-FrameDecoder::~FrameDecoder()
-{
-    if (process)
-        TerminateProcess(process.get(), 0);
-}
-
 void FrameDecoder::Start(const std::filesystem::path& clip)
 {
-    asked.reset(CreateEventW(&inherited, FALSE, FALSE, nullptr));
-    answered.reset(CreateEventW(&inherited, FALSE, FALSE, nullptr));
+    asked.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));
+    answered.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));
     HANDLE self = nullptr;
-    DuplicateHandle(GetCurrentProcess(), GetCurrentProcess(), GetCurrentProcess(), &self, SYNCHRONIZE, TRUE, 0);
+    DuplicateHandle(GetCurrentProcess(), GetCurrentProcess(), GetCurrentProcess(), &self, SYNCHRONIZE, FALSE, 0);
     const UniqueProcess parent(self);
-    const std::filesystem::path program = HostProgram();
-    std::wstring words = L"\"" + program.native() + L"\" decode-child \"" + clip.native() + L"\"";
-    for (const HANDLE end : {mapping.get(), asked.get(), answered.get(), parent.get()})
-        words += L" " + std::to_wstring(reinterpret_cast<UINT_PTR>(end));
-    STARTUPINFOW start = {};
-    start.cb = sizeof start;
-    PROCESS_INFORMATION made = {};
-    if (!asked || !answered || !parent ||
-        !CreateProcessW(program.c_str(), words.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr,
-                        &start, &made))
-        throw FailedJob("No process can be started for the decoder (system error " + std::to_string(GetLastError()) +
-                        "): " + Show(program));
-    const UniqueThread thread(made.hThread);
-    process.reset(made.hProcess);
+    if (!asked || !answered || !parent)
+        throw FailedJob("The system gives no event (system error " + std::to_string(GetLastError()) + ").");
+    ChildStart start = {HostProgram(), L" decode-child \"" + clip.native() + L"\"", "the decoder"};
+    start.inherited = {mapping.get(), asked.get(), answered.get(), parent.get()};
+    for (const HANDLE end : start.inherited)
+        start.words += L" " + std::to_wstring(reinterpret_cast<UINT_PTR>(end));
+    start.flags = CREATE_NO_WINDOW;
+    process.emplace(start);
 }
 
 void FrameDecoder::Wait(const std::string& what)
 {
-    const std::array<HANDLE, 2> ends = {answered.get(), process.get()};
+    const std::array<HANDLE, 2> ends = {answered.get(), process->Handle()};
     const ULONGLONG begun = GetTickCount64();
     DWORD which = WAIT_TIMEOUT;
     while (which == WAIT_TIMEOUT && GetTickCount64() - begun < patience && !Interrupted())
@@ -120,9 +106,7 @@ void FrameDecoder::Wait(const std::string& what)
         std::ranges::replace_if(
             reason, [](char letter) { return letter >= 0 && letter < ' '; }, '?');
     } else if (which == WAIT_OBJECT_0 + 1) {
-        DWORD status = 0;
-        GetExitCodeProcess(process.get(), &status);
-        reason += "the system's decoder crashed (" + Show(static_cast<HRESULT>(status)) +
+        reason += "the system's decoder crashed (" + Show(static_cast<HRESULT>(process->Status())) +
                   "). The clip is damaged, or convert it to uncompressed RGB first.";
     } else if (Interrupted()) {
         reason = "Stopped before the end; nothing was written.";
@@ -130,7 +114,7 @@ void FrameDecoder::Wait(const std::string& what)
         reason += "the system's decoder gave no answer for " + std::to_string(patience / 1000) +
                   " s. The clip is damaged, or convert it to uncompressed RGB first.";
     }
-    TerminateProcess(process.get(), 0);
+    process->End(0);
     throw FailedJob(reason);
 }
 

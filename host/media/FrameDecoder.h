@@ -1,10 +1,11 @@
 // Frames of a compressed clip, decoded by the system's decoders in a process of their own.
 #pragma once
 
-#include "host/base/Handles.h"
+#include "host/base/ChildProcess.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -18,9 +19,6 @@ public:
     // The clip must be one that ReadAviFile takes, its frames of that size. Throws FailedJob when the system has no
     // decoder for it, when there is no memory for a frame, or when the decoder fails or takes more than 20 s.
     FrameDecoder(const std::filesystem::path& clip, int width, int height);
-    ~FrameDecoder();
-    FrameDecoder(const FrameDecoder&) = delete;
-    FrameDecoder& operator=(const FrameDecoder&) = delete;
 
     // Frame `index` as 32-bit RGB, bottom-up; `frame` has width * height * 4 bytes. Throws FailedJob, within 20 s; and
     // soon after the user has interrupted the process.
@@ -34,7 +32,7 @@ private:
     UniqueMapping mapping;
     UniqueView view; // of the mapping
     UniqueEvent asked, answered;
-    UniqueProcess process;
+    std::optional<ChildProcess> process;
 };
 
 // What the other process needs, as inherited handles.

@@ -1,63 +1,30 @@
 #include "host/validate/Validation.h"
 
-#include "host/base/Handles.h"
+#include "host/base/ChildProcess.h"
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
 #include "host/validate/Report.h"
 
 #include <algorithm>
 #include <cinttypes>
-#include <cstddef>
 #include <cstdio>
+#include <optional>
 
 namespace vixahost::validate {
 
 namespace {
 
-// The two ends of a pipe of which a child inherits one.
 struct Pipe
 {
-    enum class Inherited
+    Pipe()
     {
-        Reading,
-        Writing
-    };
-    explicit Pipe(Inherited end)
-    {
-        SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
         HANDLE read = nullptr, write = nullptr;
-        if (!CreatePipe(&read, &write, &inherited, 1 << 16))
+        if (!CreatePipe(&read, &write, nullptr, 1 << 16))
             throw FailedJob("The system gives no pipe (system error " + std::to_string(GetLastError()) + ").");
         reading.reset(read);
         writing.reset(write);
-        SetHandleInformation(end == Inherited::Reading ? write : read, HANDLE_FLAG_INHERIT, 0);
     }
     UniquePipe reading, writing;
-};
-
-// What a new process inherits: these handles and no others, so that the library under test can't write into this
-// program's own output.
-struct OnlyHandles
-{
-    explicit OnlyHandles(std::span<HANDLE> handles)
-    {
-        SIZE_T size = 0;
-        InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
-        room.resize(size);
-        list = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(room.data());
-        if (!InitializeProcThreadAttributeList(list, 1, 0, &size))
-            throw FailedJob("There is no room for what a process inherits.");
-        UpdateProcThreadAttribute(list, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, handles.data(), handles.size_bytes(),
-                                  nullptr, nullptr);
-    }
-    ~OnlyHandles() { DeleteProcThreadAttributeList(list); }
-    OnlyHandles(const OnlyHandles&) = delete;
-    OnlyHandles& operator=(const OnlyHandles&) = delete;
-
-    LPPROC_THREAD_ATTRIBUTE_LIST list = nullptr;
-
-private:
-    std::vector<std::byte> room;
 };
 
 // A child process and the reading end of its report. What the library prints goes nowhere.
@@ -67,38 +34,21 @@ public:
     Child(const ValidationRequest& request, const std::string& group, std::size_t firstCheck, const ReportKey& key)
         : reader(key)
     {
-        Pipe report(Pipe::Inherited::Writing), orders(Pipe::Inherited::Reading);
-        SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-        const auto nowhere = Opened<UniqueFile>(CreateFileW(L"NUL", GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                                            &inherited, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-        std::wstring words = L"\"" + request.program.wstring() + L"\" validate-child \"" + request.dll.wstring() +
-                             L"\" " + Wide(group) + L" " + std::to_wstring(firstCheck);
-        HANDLE handles[] = {orders.reading.get(), report.writing.get(), nowhere.get()};
-        const OnlyHandles only(handles);
-        STARTUPINFOEXW start = {};
-        start.StartupInfo.cb = sizeof start;
-        start.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
-        start.StartupInfo.hStdInput = orders.reading.get();
-        start.StartupInfo.hStdOutput = start.StartupInfo.hStdError = nowhere.get();
-        start.lpAttributeList = only.list;
-        PROCESS_INFORMATION made = {};
-        if (!CreateProcessW(request.program.c_str(), words.data(), nullptr, nullptr, TRUE, EXTENDED_STARTUPINFO_PRESENT,
-                            nullptr, nullptr, &start.StartupInfo, &made))
-            throw FailedJob("No process can be started for the checks (system error " + std::to_string(GetLastError()) +
-                            "): " + Show(request.program));
-        const UniqueThread firstThread(made.hThread);
-        process.reset(made.hProcess);
+        Pipe report, orders;
+        // Nothing else is inherited, so that the library under test can't write into this program's own output.
+        ChildStart start = {request.program,
+                            L" validate-child \"" + request.dll.wstring() + L"\" " + Wide(group) + L" " +
+                                std::to_wstring(firstCheck),
+                            "the checks"};
+        start.input = orders.reading.get();
+        start.inherited = {report.writing.get()};
+        process.emplace(start);
         char text[maxOrders];
         const int length = std::snprintf(text, sizeof text, "%" PRIx64 " %" PRIx64 " %" PRIx64 "\n", key[0], key[1],
                                          std::uint64_t{reinterpret_cast<UINT_PTR>(report.writing.get())});
         DWORD written = 0;
         WriteFile(orders.writing.get(), text, static_cast<DWORD>(length), &written, nullptr);
         reports = std::move(report.reading);
-    }
-    ~Child()
-    {
-        if (WaitForSingleObject(process.get(), 0) == WAIT_TIMEOUT)
-            End();
     }
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
@@ -120,7 +70,7 @@ public:
             if (GetTickCount64() >= deadline)
                 return Answer::TimeIsOver;
             // Asked before the pipe is looked into: what the process wrote before its end is still in it.
-            const bool ended = WaitForSingleObject(process.get(), 0) != WAIT_TIMEOUT;
+            const bool ended = process->EndsWithin(0);
             DWORD waiting = 0;
             if (PeekNamedPipe(reports.get(), nullptr, 0, nullptr, &waiting, nullptr) && waiting > 0) {
                 char part[maxLine];
@@ -134,21 +84,12 @@ public:
             }
         }
     }
-    void End()
-    {
-        TerminateProcess(process.get(), 4);
-        WaitForSingleObject(process.get(), 5000);
-    }
-    DWORD ExitCode() const
-    {
-        DWORD code = 0;
-        GetExitCodeProcess(process.get(), &code);
-        return code;
-    }
+    void End() { process->End(4); }
+    DWORD ExitCode() const { return process->Status(); }
 
 private:
     UniquePipe reports;
-    UniqueProcess process;
+    std::optional<ChildProcess> process;
     ReportReader reader;
 };
 

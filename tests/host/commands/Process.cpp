@@ -1,8 +1,10 @@
 #include "tests/host/commands/Process.h"
 
-#include "host/base/Handles.h"
+#include "host/base/ChildProcess.h"
+#include "host/base/ModuleFile.h"
 #include "tests/host/TestFiles.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace vixahost::test {
@@ -15,18 +17,11 @@ std::wstring Quoted(const std::wstring& word)
     return L"\"" + word + L"\"";
 }
 
-UniqueFile Inherited(const std::filesystem::path& file)
-{
-    SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
-    return Opened(CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS, 0, nullptr));
-}
-
 bool Exists(const std::filesystem::path& folder, const std::wstring& beginning)
 {
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-        if (entry.path().filename().native().starts_with(beginning))
-            return true;
-    return false;
+    return std::ranges::any_of(std::filesystem::directory_iterator(folder), [&beginning](const auto& entry) {
+        return entry.path().filename().native().starts_with(beginning);
+    });
 }
 
 // What the system does in a process when its user presses Ctrl-C: a thread there calls the process's handlers. (A
@@ -54,37 +49,30 @@ std::string Text(const std::filesystem::path& file)
 Outcome RunHost(const std::filesystem::path& folder, const std::vector<std::wstring>& words,
                 const std::wstring& interruptWhen)
 {
-    wchar_t self[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, self, MAX_PATH);
-    const std::filesystem::path program = std::filesystem::path(self).parent_path() / L"vixahost.exe";
-    std::wstring line = Quoted(program.native());
+    std::wstring line;
     for (const std::wstring& word : words)
         line += L" " + Quoted(word);
-
     const ScratchFolder outputs;
-    UniqueFile out = Inherited(outputs / L"out"), err = Inherited(outputs / L"err");
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof startup;
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = out.get();
-    startup.hStdError = err.get();
-    PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(), &startup,
-                        &process))
-        throw std::runtime_error("vixahost.exe can't be started");
-    const UniqueProcess handle(process.hProcess);
-    const UniqueThread thread(process.hThread);
+    const auto file = [&outputs](const wchar_t* name) {
+        return Opened(
+            CreateFileW((outputs / name).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0, nullptr));
+    };
+    UniqueFile out = file(L"out"), err = file(L"err");
+    const ChildProcess process({.program = ThisProgram().parent_path() / L"vixahost.exe",
+                                .words = line,
+                                .purpose = "a test",
+                                .output = out.get(),
+                                .error = err.get(),
+                                .folder = folder});
     if (!interruptWhen.empty()) {
-        while (!Exists(folder, interruptWhen) && WaitForSingleObject(handle.get(), 1) == WAIT_TIMEOUT) {
+        while (!Exists(folder, interruptWhen) && !process.EndsWithin(1)) {
         }
-        Interrupt(handle.get());
+        Interrupt(process.Handle());
     }
-    if (WaitForSingleObject(handle.get(), 60'000) != WAIT_OBJECT_0) {
-        TerminateProcess(handle.get(), 99);
-        WaitForSingleObject(handle.get(), 5'000);
-    }
+    if (!process.EndsWithin(60'000))
+        process.End(99);
     Outcome outcome;
-    GetExitCodeProcess(handle.get(), &outcome.status);
+    outcome.status = process.Status();
     out.reset();
     err.reset();
     outcome.out = Text(outputs / L"out");
