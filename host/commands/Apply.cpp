@@ -36,16 +36,16 @@ void RequireReadable(const std::filesystem::path& file)
                         "); are you allowed to read it?");
 }
 
-// A command whose effects were found in the catalogue.
+// A command, and its effects as the library's catalogue has them.
 struct Job
 {
     const ApplyCommand& command;
+    effects::EffectLibrary effectLibrary;
     effects::EffectStack stack;
 };
 
-effects::EffectStack StackOf(const std::vector<effects::EffectWords>& steps)
+effects::EffectStack StackOf(const effects::EffectLibrary& library, const std::vector<effects::EffectWords>& steps)
 {
-    const effects::EffectLibrary library;
     const auto catalogue = effects::ReadCatalogue(library);
     effects::EffectStack stack;
     for (const effects::EffectWords& words : steps)
@@ -53,9 +53,8 @@ effects::EffectStack StackOf(const std::vector<effects::EffectWords>& steps)
     return stack;
 }
 
-effects::EffectStack StackOf(const std::filesystem::path& file)
+effects::EffectStack StackOf(const effects::EffectLibrary& library, const std::filesystem::path& file)
 {
-    const effects::EffectLibrary library;
     effects::EffectStack stack = effects::SwitchedOn(effects::LoadStackFile(file, effects::ReadCatalogue(library)));
     if (stack.empty())
         throw FailedJob("The stack file " + Show(file) +
@@ -98,9 +97,8 @@ void ApplyToPicture(const Job& job, media::PictureFormat format)
     TargetFile target(job.command.output);
     double milliseconds = 0;
     {
-        const effects::EffectLibrary library;
         media::BandedPicture bands(picture, effects::ReachOf(job.stack));
-        graph::EffectGraph graph(library, job.stack, bands, bands, bands.Format().TimeOf(1));
+        graph::EffectGraph graph(job.effectLibrary, job.stack, bands, bands, bands.Format().TimeOf(1));
         LowerLevel(graph, job);
         graph.Run();
         if (!bands.Whole())
@@ -119,11 +117,11 @@ void ApplyToClip(const Job& job)
     media::ClipReader reader(job.command.input);
     TargetFile target(job.command.output);
     media::ClipWriter writer(target.Temporary(), reader);
-    const effects::EffectLibrary library;
     Progress progress(reader.FrameCount());
     double milliseconds = 0;
     try {
-        graph::EffectGraph graph(library, job.stack, reader, writer, reader.Format().TimeOf(reader.FrameCount()));
+        graph::EffectGraph graph(job.effectLibrary, job.stack, reader, writer,
+                                 reader.Format().TimeOf(reader.FrameCount()));
         LowerLevel(graph, job);
         graph.Run([&](std::int64_t done) { progress.Show(done); });
         milliseconds = graph.MedianMilliseconds();
@@ -168,10 +166,10 @@ std::vector<effects::EffectWords> ReadSteps(const std::vector<CLI::Option*>& ord
 
 void Run(const ApplyCommand& command)
 {
-    Job job = {command, {}};
+    Job job = {command, {}, {}};
     // What is wrong with the words is said before the files are looked at.
     if (command.stackFile.empty())
-        job.stack = StackOf(command.steps);
+        job.stack = StackOf(job.effectLibrary, command.steps);
     const std::optional<media::PictureFormat> format = media::PictureFormatOf(command.output);
     const bool clipWanted = _wcsicmp(command.output.extension().c_str(), L".avi") == 0;
     if (!format && !clipWanted)
@@ -187,7 +185,7 @@ void Run(const ApplyCommand& command)
                                                      : " is not an AVI clip: the output must be a picture (.png, "
                                                        ".bmp, .jpg, .tif)."));
     if (!command.stackFile.empty())
-        job.stack = StackOf(command.stackFile);
+        job.stack = StackOf(job.effectLibrary, command.stackFile);
     if (clip)
         ApplyToClip(job);
     else
