@@ -45,8 +45,23 @@ TEST(Stress, StatesChangeWhileSamplesCome)
 
 TEST(Stress, FilterAloneStopsWithEveryBufferOut)
 {
+    // Tells when somebody is about to wait for a buffer.
+    struct Telling : CMemAllocator
+    {
+        explicit Telling(CAMEvent& whom) : CMemAllocator(nullptr, nullptr, nullptr), asked(whom) {}
+        HRESULT STDMETHODCALLTYPE GetBuffer(IMediaSample** sample, REFERENCE_TIME* start, REFERENCE_TIME* end,
+                                            DWORD flags) noexcept override
+        {
+            if (!(flags & AM_GBF_NOWAIT))
+                asked.Set();
+            return CMemAllocator::GetBuffer(sample, start, end, flags);
+        }
+        CAMEvent& asked;
+    };
+    CAMEvent asked;
     Chain chain;
     chain.source->pin.mode = SourcePin::Allocator::OwnReadOnly;
+    chain.sink->pin.offers = new Telling(asked);
     ASSERT_EQ(S_OK, chain.Connect());
     ASSERT_HRESULT_SUCCEEDED(chain.graph->Run());
     // Somebody downstream keeps all buffers, and the next frame waits for one under the receive lock.
@@ -56,7 +71,7 @@ TEST(Stress, FilterAloneStopsWithEveryBufferOut)
     const ComPtr<IMediaSample> sample = chain.Sample();
     HRESULT result = S_OK;
     std::thread pusher([&] { result = chain.source->pin.Deliver(sample.Get()); });
-    Sleep(20);
+    EXPECT_TRUE(asked.Wait(5000));
     EXPECT_EQ(S_OK, chain.probe->Stop());
     pusher.join();
     EXPECT_EQ(E_UNEXPECTED, result);
