@@ -1,6 +1,8 @@
 // Linked into a copy of the library, this breaks one thing in it: the fault that VIXA_FAULT_... names. It takes effect
 // when the module's static objects are made, by exchanging entries of virtual tables; the library's sources stay as
 // they are. Never part of a product.
+#include "effects/CAddPixel.h"
+
 #include <vixavideofx/IEffectInfo.h>
 #include <vixavideofx/PropertySets.h>
 
@@ -17,10 +19,8 @@
 
 #ifdef _WIN64
 #define SYMBOL(name) name
-#define SET_OPERATION SYMBOL("_ZThn592_N9CAddPixel14SetPropertySetEP8IUnknown")
 #else
 #define SYMBOL(name) "_" name
-#define SET_OPERATION SYMBOL("_ZThn456_N9CAddPixel14SetPropertySetEP8IUnknown")
 #endif
 
 // Tables and operations of the library by their symbols. A table's first two entries aren't operations.
@@ -31,7 +31,6 @@ extern void* convolutionTable[] __asm__(SYMBOL("_ZTV15CConvCorrection"));
 extern void* addTable[] __asm__(SYMBOL("_ZTV9CAddPixel"));
 HRESULT __thiscall KernelTransform(void* self,
                                    IMediaSample* sample) __asm__(SYMBOL("_ZN12KernelEffect9TransformEP12IMediaSample"));
-HRESULT STDMETHODCALLTYPE AddSetPropertySet(void* self, IUnknown* set) __asm__(SET_OPERATION);
 }
 
 namespace {
@@ -44,13 +43,28 @@ void Put(void** entry, void* function)
     VirtualProtect(entry, sizeof *entry, before, &before);
 }
 
-// Exchanges the first entry that is `from`; the tables lie in a row, so a bounded search is enough.
-[[maybe_unused]] void Exchange(void** table, void* from, void* to)
+// The first entry that is `wanted`; a class's tables lie in a row, so a bounded search is enough.
+[[maybe_unused]] void** Find(void** table, void* wanted)
 {
     for (int i = 0; i < 200; ++i)
-        if (table[i] == from)
-            return Put(&table[i], to);
+        if (table[i] == wanted)
+            return &table[i];
     std::abort(); // the library has changed, and this fault with it
+}
+
+[[maybe_unused]] void Exchange(void** table, void* from, void* to)
+{
+    Put(Find(table, from), to);
+}
+
+// SetPropertySet in the table by which CAddPixel serves IEffectFilter: the fourth operation. That table begins with how
+// far back the object begins.
+[[maybe_unused]] void** SetPropertySetEntry()
+{
+    auto* const object = reinterpret_cast<CAddPixel*>(0x10000);
+    const auto back =
+        reinterpret_cast<INT_PTR>(object) - reinterpret_cast<INT_PTR>(static_cast<IEffectFilter*>(object));
+    return Find(addTable, reinterpret_cast<void*>(back)) + 2 + 3;
 }
 
 // An operation of the catalogue object by its place in the interface.
@@ -164,30 +178,34 @@ void Break()
 
 #elif defined(VIXA_FAULT_NULL)
 
+using Setting = HRESULT STDMETHODCALLTYPE(void*, IUnknown*);
 HRESULT STDMETHODCALLTYPE Trusting(void* self, IUnknown* set)
 {
     set->AddRef();
     set->Release();
-    return AddSetPropertySet(self, set);
+    return Old<Setting>(old)(self, set);
 }
 void Break()
 {
-    Exchange(addTable, reinterpret_cast<void*>(AddSetPropertySet), reinterpret_cast<void*>(Trusting));
+    old = *SetPropertySetEntry();
+    Put(SetPropertySetEntry(), reinterpret_cast<void*>(Trusting));
 }
 
 #elif defined(VIXA_FAULT_HANG)
 
+using Setting = HRESULT STDMETHODCALLTYPE(void*, IUnknown*);
 HRESULT STDMETHODCALLTYPE Patient(void* self, IUnknown* set)
 {
     alignas(8) char block[1 << 17];
     int size = 0;
     while (set && FAILED(static_cast<IDataPropertySet*>(set)->GetData(block, &size)))
         Sleep(1);
-    return AddSetPropertySet(self, set);
+    return Old<Setting>(old)(self, set);
 }
 void Break()
 {
-    Exchange(addTable, reinterpret_cast<void*>(AddSetPropertySet), reinterpret_cast<void*>(Patient));
+    old = *SetPropertySetEntry();
+    Put(SetPropertySetEntry(), reinterpret_cast<void*>(Patient));
 }
 
 #elif defined(VIXA_FAULT_DEFAULT)
