@@ -287,6 +287,9 @@ void NoPixels(Subject& library)
 // A type and a sample that claim a frame whose saved rows no memory could hold.
 void UnsavableRows(Subject& library)
 {
+    // A sample has at most 2 GB, and a row of that can be saved.
+    if constexpr (sizeof(void*) == 8)
+        Skip("in 64 bit there is memory for the widest frame");
     for (const Promise& effect : Promises()) {
         if (effect.group == 3)
             continue;

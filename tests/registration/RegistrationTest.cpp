@@ -168,6 +168,10 @@ TEST_F(Registration, WritesAndRemovesItsOwnAndNothingElse)
 TEST_F(Registration, ForAUserNeedsNoOthersKeys)
 {
     const std::wstring classes = L"Software\\Classes\\";
+#ifdef _WIN64
+    // Some systems split the user's classes in two views only once this key is there.
+    Write(HKEY_CURRENT_USER, classes + L"Wow6432Node", L"", L"");
+#endif
     ASSERT_EQ(vixa::RegisterLibrary(aliases, vixa::Scope::User), S_OK);
     EXPECT_EQ(ValuesOf(HKEY_CURRENT_USER, effectsKey)->size(), rowCount);
     EXPECT_EQ(ValuesOf(HKEY_CURRENT_USER, aliasesKey)->size(), rowCount);

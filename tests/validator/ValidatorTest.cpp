@@ -31,8 +31,11 @@ TEST(Validator, PassesTheProduct)
 {
     const auto results = Examine(effects::LibraryBesideTheProgram(), {});
     EXPECT_EQ(results.size(), AllChecks().size());
-    for (const Result& result : results)
-        EXPECT_EQ(result.status, Status::Success) << result.check->Id() << ": " << result.reason;
+    for (const Result& result : results) {
+        const bool foreign = sizeof(void*) == 8 && result.check->Id() == "bad-input/unsavable-rows";
+        EXPECT_EQ(result.status, foreign ? Status::Skipped : Status::Success)
+            << result.check->Id() << ": " << result.reason;
+    }
 }
 
 struct Fault
