@@ -54,8 +54,8 @@ struct IBitmap : virtual IBitmapData
     // of 0 or less a bitmap compatible with the screen. False and empty on failure.
     virtual bool STDMETHODCALLTYPE Create(SIZE size, int bitCount) noexcept = 0;
     virtual bool STDMETHODCALLTYPE SharesStorageWith(const IBitmap* other) const noexcept = 0;
-    // Takes another bitmap's picture: shares it when other is a GDIBitmap, else copies it. False and empty when that
-    // fails; without another bitmap nothing changes.
+    // Takes another bitmap's picture: shares it when other is a GDIBitmap, else copies it. False when that fails: empty
+    // when no storage can be made, black when other gives no pixels or colours; without another bitmap nothing changes.
     virtual bool STDMETHODCALLTYPE CopyFrom(const IBitmap* other) noexcept = 0;
     // 24 and 32 bits: gives the pixels of the key colour other's pixels at the same place; other is stretched to this
     // one's size first when its size or depth differs. False when not done.

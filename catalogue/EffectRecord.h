@@ -50,7 +50,7 @@ struct EffectRecord
     std::uint32_t typeCode = 0; // this and the subtype are numbers of the host's own
     std::uint32_t subtypeCode = 0;
     EffectGroup group;
-    std::uint32_t sortKey; // hosts list a group by rising key
+    std::uint32_t sortKey; // an ordering key that hosts read; the ordering is theirs
     std::uint32_t nameId;  // string
     std::uint32_t iconId;  // a bitmap of 36 x 34 pixels, 24 bits each
     std::uint32_t secondBitmapId = 0;

@@ -13,10 +13,11 @@ using namespace vixa;
 
 namespace {
 
-// Whether a buffer holds a frame of that size; judged in 64 bits, where no width times height overflows.
+// Whether a buffer holds a frame of that size that has pixels (no row may be saved for one that has none: it could have
+// any width); judged in 64 bits, where no width times height overflows.
 bool Holds(std::span<const std::uint8_t> buffer, LONG width, LONG height) noexcept
 {
-    if (width < 1)
+    if (width < 1 || height == 0)
         return false;
     const std::int64_t rows = height;
     const auto pixels = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(rows < 0 ? -rows : rows);

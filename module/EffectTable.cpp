@@ -29,7 +29,7 @@ constexpr vixa::EffectGroup colourFilters = {3, IDS_GROUP_COLOR_FILTER};
 constexpr vixa::EffectGroup edges = {4, IDS_GROUP_EDGES};
 constexpr vixa::EffectGroup sharpness = {5, IDS_GROUP_SHARPNESS};
 
-// Sort keys stand at the end of the range, behind a host's own effects.
+// Sort keys stand at the end of the range.
 constexpr std::uint32_t FromEnd(std::uint32_t places)
 {
     return 0x7FFFFFFF - places;

@@ -278,7 +278,7 @@ void NoPixels(Subject& library)
     const auto filter = library.Filter(CLSID_Emboss);
     fixtures::RecordedSet set{2};
     Parameters(filter.Get())->SetPropertySet(&set);
-    for (const auto& [columns, rows] : {std::pair{5L, 0L}, {-2L, 2L}}) {
+    for (const auto& [columns, rows] : {std::pair{5L, 0L}, {LONG_MAX, 0L}, {-2L, 2L}}) {
         fixtures::PushGraph graph(filter.Get(), fixtures::VideoType(columns, rows));
         Require(graph.Through(Frame(16, 90)) == Frame(16, 90), "a frame without rows or columns was changed");
     }
