@@ -3,7 +3,7 @@
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
 #include "host/media/DibSize.h"
-#include "host/media/Orientation.h"
+#include "host/media/PictureFacts.h"
 #include "host/media/Room.h"
 
 #include <wincodec.h>
@@ -78,15 +78,49 @@ ComPtr<IWICImagingFactory> Factory()
     return factory;
 }
 
-// Not through the codecs' metadata: not every system's codecs hand it out.
+// The most bytes of a picture that codecs count without a mistake.
+constexpr std::int64_t countable = 0xFFFFFFFF;
+
+FailedJob TooLarge(const std::filesystem::path& file, std::uint32_t width, std::uint32_t height)
+{
+    return FailedJob(Show(file) + " measures " + std::to_string(width) + " x " + std::to_string(height) +
+                     " pixels, which is more than the system's picture codecs can count; make it smaller first.");
+}
+
+// What codecs don't tell, or tell too late. Not every system's hand the orientation out. And some make room for a
+// picture as soon as they see the file, by a count of its bytes in 32 bits, and fill more: what they can't count is
+// refused before.
 unsigned OrientationOfFile(const std::filesystem::path& file)
 {
+    std::ifstream stream(file, std::ios::binary);
+    char start[2] = {};
+    stream.read(start, sizeof start);
+    if (start[0] == 'B' && start[1] == 'M')
+        return 1; // a bitmap file, which has no orientation and may be very large
     // A camera writes what it knows in front of the pixels, all but TIFF, where it may stand anywhere.
-    std::ifstream stream(file, std::ios::binary | std::ios::ate);
+    stream.clear();
+    stream.seekg(0, std::ios::end);
     std::vector<char> bytes(static_cast<std::size_t>(std::max<std::streamoff>(stream.tellg(), 0)));
     stream.seekg(0);
     stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    return OrientationOf({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+    const std::span content(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+    const auto size = StoredSizeOf(content);
+    if (size && !DibBytes(size->width, size->height, 32, countable / size->sampleBytes))
+        throw TooLarge(file, size->width, size->height);
+    return OrientationOf(content);
+}
+
+// The bytes of a source's pixels; one of the largest format's when its own isn't known.
+std::uint64_t SourceBytes(IWICImagingFactory& factory, IWICBitmapSource& source, UINT width, UINT height)
+{
+    UINT bits = 64;
+    WICPixelFormatGUID format;
+    ComPtr<IWICComponentInfo> component;
+    ComPtr<IWICPixelFormatInfo> info;
+    if (SUCCEEDED(source.GetPixelFormat(&format)) && SUCCEEDED(factory.CreateComponentInfo(format, &component)) &&
+        SUCCEEDED(component.As(&info)))
+        info->GetBitsPerPixel(&bits);
+    return (std::uint64_t{width} * bits + 7) / 8 * height;
 }
 
 // Codecs and converters keep a copy of what is asked for at once: pixels come and go in pieces of about this size.
@@ -94,9 +128,9 @@ constexpr std::size_t pieceBytes = std::size_t{4} << 20;
 
 // Calls take(first row, rows) until the picture is through.
 template <typename Take>
-void InPieces(const Picture& picture, Take take)
+void InPieces(const Picture& picture, Take take, std::size_t mostBytes = pieceBytes)
 {
-    const int most = std::max(static_cast<int>(pieceBytes / picture.RowBytes()), 1);
+    const int most = std::max(static_cast<int>(mostBytes / picture.RowBytes()), 1);
     for (int y = 0, rows = 0; y < picture.height; y += rows)
         take(y, rows = std::min(most, picture.height - y));
 }
@@ -119,6 +153,7 @@ Picture ReadThroughCodec(const std::filesystem::path& file, UINT& width, UINT& h
 {
     const Step read("read", file);
     constexpr const char* damaged = "the file is damaged or cut short: get a whole copy of it.";
+    const unsigned orientation = OrientationOfFile(file);
     const ComPtr<IWICImagingFactory> factory = Factory();
     ComPtr<IWICBitmapDecoder> decoder;
     read(factory->CreateDecoderFromFilename(file.c_str(), nullptr, GENERIC_READ, WICDecodeMetadataCacheOnDemand,
@@ -130,27 +165,32 @@ Picture ReadThroughCodec(const std::filesystem::path& file, UINT& width, UINT& h
                      [&](const FormatRow& known) { return IsEqualGUID(*known.container, container); }))
         throw FailedJob(Show(file) + " is a picture of a format that isn't supported; convert it to PNG, BMP, JPEG or "
                                      "TIFF first.");
-    // Before the pixels: the whole file is in memory for this.
-    const unsigned orientation = IsEqualGUID(container, GUID_ContainerFormatBmp) ? 1 : OrientationOfFile(file);
+    // The others look for rows from the end, or in pieces of their own.
+    const bool countsFromStart =
+        IsEqualGUID(container, GUID_ContainerFormatPng) || IsEqualGUID(container, GUID_ContainerFormatJpeg);
     ComPtr<IWICBitmapFrameDecode> frame;
     read(decoder->GetFrame(0, &frame), damaged);
     ComPtr<IWICBitmapSource> source;
     read(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(), &source), damaged);
 
     read(source->GetSize(&width, &height), damaged);
-    // Codecs count a picture's bytes in 32 bits with a sign: beyond that they give wrong rows without a word.
-    if (!DibBytes(width, height, 32))
-        throw FailedJob(Show(file) + " measures " + std::to_string(width) + " x " + std::to_string(height) +
-                        " pixels, which is more than the system's picture codecs can count; make it smaller first.");
+    // Some codecs find a row by a count of bytes in 32 bits with a sign, and none counts more than 32 bits' worth of
+    // the result. Past the first a picture comes whole: then only its first row is looked for.
+    const bool comesWhole = SourceBytes(*factory.Get(), *frame.Get(), width, height) > INT32_MAX;
+    if (!DibBytes(width, height, 32, comesWhole ? countable : PTRDIFF_MAX) || (comesWhole && !countsFromStart))
+        throw TooLarge(file, width, height);
 
     Picture picture(static_cast<int>(width), static_cast<int>(height));
-    InPieces(picture, [&](int y, int rows) {
-        const WICRect piece = {0, y, picture.width, rows};
-        const std::size_t bytes = picture.RowBytes() * static_cast<std::size_t>(rows);
-        read(
-            source->CopyPixels(&piece, static_cast<UINT>(picture.RowBytes()), static_cast<UINT>(bytes), picture.Row(y)),
-            damaged);
-    });
+    InPieces(
+        picture,
+        [&](int y, int rows) {
+            const WICRect piece = {0, y, picture.width, rows};
+            const std::size_t bytes = picture.RowBytes() * static_cast<std::size_t>(rows);
+            read(source->CopyPixels(&piece, static_cast<UINT>(picture.RowBytes()), static_cast<UINT>(bytes),
+                                    picture.Row(y)),
+                 damaged);
+        },
+        comesWhole ? countable : pieceBytes);
     double dpiX = 0, dpiY = 0;
     if (SUCCEEDED(frame->GetResolution(&dpiX, &dpiY)) && dpiX > 0 && dpiY > 0) {
         picture.dpiX = dpiX;
@@ -163,6 +203,9 @@ void WriteThroughCodec(const std::filesystem::path& file, PictureFormat format, 
 {
     const Step write("write", file);
     constexpr const char* advice = "is the disk full or the folder protected?";
+    // Not every system's codec sees that it has lost the directory behind so many pixels.
+    if (format == PictureFormat::Tiff && !DibBytes(picture.width, picture.height, 32))
+        throw FailedJob(Show(file) + " would be larger than TIFF files can be; name a PNG file instead.");
     const FormatRow& row = RowOf(format);
     const ComPtr<IWICImagingFactory> factory = Factory();
     ComPtr<IWICStream> stream;

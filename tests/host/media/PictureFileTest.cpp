@@ -155,6 +155,53 @@ TEST_F(PictureFile, DamagedFilesAreRefused)
     ExpectRefused(folder / L"a.gif");
 }
 
+// The system's codecs would make too little room for these and fill it.
+TEST_F(PictureFile, SizesThatCodecsCantCountAreRefusedUnseen)
+{
+    const auto expectUncounted = [&](const wchar_t* name, const Bytes& start) {
+        WriteBytes(folder / name, start);
+        try {
+            media::ReadPicture(folder / name);
+            ADD_FAILURE() << "it was read";
+        } catch (const FailedJob& fault) {
+            EXPECT_NE(std::string(fault.what()).find("40000 x 27000"), std::string::npos) << fault.what();
+        }
+    };
+    for (const std::uint8_t bits : Bytes{8, 16})
+        expectUncounted(L"a.png", {0x89, 'P', 'N', 'G',  13,   10, 26, 10,   0,    0,    0, 13, 'I', 'H', 'D',
+                                   'R',  0,   0,   0x9C, 0x40, 0,  0,  0x69, 0x78, bits, 2, 0,  0,   0});
+    // With what codecs skip before the frame's header.
+    expectUncounted(L"a.jpg", {0xFF, 0xD8, 0xFF, 0xE0, 0,    4,    1,    2,    7, 0xFF, 0xFF, 0xD0, 0xFF,
+                               0xC2, 0,    11,   8,    0x69, 0x78, 0x9C, 0x40, 1, 1,    0x11, 0});
+}
+
+#ifdef _WIN64
+// For a machine with 10 GB to spare: codecs that count a row's place with a sign would give wrong rows from 23,860 on.
+TEST_F(PictureFile, DISABLED_GiganticPicturesKeepEveryRow)
+{
+    const auto file = folder / L"gigantic.png";
+    constexpr int side = 30'000;
+    const auto fill = [](int y, std::span<std::uint8_t> row) {
+        for (std::size_t i = 0; i < row.size(); ++i)
+            row[i] = i % 4 == 3 ? 255 : static_cast<std::uint8_t>(static_cast<std::size_t>(y) >> (i % 4 * 4));
+    };
+    {
+        media::Picture picture(side, side);
+        for (int y = 0; y < side; ++y)
+            fill(y, {picture.Row(y), picture.RowBytes()});
+        media::WritePicture(file, media::PictureFormat::Png, picture);
+        EXPECT_THROW(media::WritePicture(folder / L"gigantic.tif", media::PictureFormat::Tiff, picture), FailedJob);
+    }
+    const media::Picture back = media::ReadPicture(file);
+    ASSERT_EQ(back.height, side);
+    Bytes row(back.RowBytes());
+    for (int y = 0; y < side; ++y) {
+        fill(y, row);
+        ASSERT_TRUE(std::equal(row.begin(), row.end(), back.Row(y))) << y;
+    }
+}
+#endif
+
 TEST_F(PictureFile, FramesAreBottomUpAndLeaveAlphaAside)
 {
     const media::Picture picture = TestPicture(5, 3, 11, true);

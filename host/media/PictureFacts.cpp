@@ -1,8 +1,7 @@
-#include "host/media/Orientation.h"
+#include "host/media/PictureFacts.h"
 
 #include <cstddef>
 #include <cstring>
-#include <optional>
 
 namespace vixahost::media {
 
@@ -55,21 +54,67 @@ unsigned OrientationInTiff(Bytes tiff)
     return 1;
 }
 
-unsigned OrientationInJpeg(Bytes file)
+bool IsJpeg(Bytes file)
+{
+    return StartsWith(file, "\xFF\xD8\xFF", 3);
+}
+
+bool IsPng(Bytes file)
+{
+    return StartsWith(file, "\x89PNG\r\n\x1A\n", 8);
+}
+
+// Calls see(marker, content) for each segment before the picture's own data, until it answers true. Bytes between
+// segments are skipped, as codecs do.
+template <typename See>
+void ForJpegSegments(Bytes file, See see)
 {
     const Numbers numbers(file, true);
-    for (std::size_t at = 2; numbers.At(at, 1) == 0xFFu;) {
+    for (std::size_t at = 2; at < file.size();) {
+        if (file[at] != 0xFF) {
+            ++at;
+            continue;
+        }
         const std::uint32_t marker = numbers.At(at + 1, 1).value_or(0);
+        const bool isAlone = marker == 0 || marker == 1 || marker == 0xFF || (marker >= 0xD0 && marker <= 0xD7);
+        if (isAlone) {
+            at += marker == 0xFF ? 1 : 2;
+            continue;
+        }
         const std::uint32_t length = numbers.At(at + 2, 2).value_or(0);
-        // The picture's own data begins: what the camera says stands before it.
-        if (marker == 0xDA || length < 2 || file.size() - at - 2 < length)
-            return 1;
-        const Bytes segment = file.subspan(at + 4, length - 2);
-        if (marker == 0xE1 && StartsWith(segment, "Exif\0", 6))
-            return OrientationInTiff(segment.subspan(6));
+        if (marker == 0xDA || length < 2 || file.size() - at - 2 < length ||
+            see(marker, file.subspan(at + 4, length - 2)))
+            return;
         at += 2 + std::size_t{length};
     }
-    return 1;
+}
+
+unsigned OrientationInJpeg(Bytes file)
+{
+    unsigned orientation = 1;
+    ForJpegSegments(file, [&](std::uint32_t marker, Bytes segment) {
+        const bool found = marker == 0xE1 && StartsWith(segment, "Exif\0", 6);
+        if (found)
+            orientation = OrientationInTiff(segment.subspan(6));
+        return found;
+    });
+    return orientation;
+}
+
+std::optional<StoredSize> SizeInJpeg(Bytes file)
+{
+    std::optional<StoredSize> size;
+    ForJpegSegments(file, [&](std::uint32_t marker, Bytes frame) {
+        // The start of a frame; three of the numbers stand for other things.
+        if (marker < 0xC0 || marker > 0xCF || marker == 0xC4 || marker == 0xC8 || marker == 0xCC)
+            return false;
+        const Numbers numbers(frame, true);
+        const auto bits = numbers.At(0, 1), height = numbers.At(1, 2), width = numbers.At(3, 2);
+        if (bits && height && width)
+            size = StoredSize{*width, *height, *bits > 8 ? 2u : 1u};
+        return true;
+    });
+    return size;
 }
 
 unsigned OrientationInPng(Bytes file)
@@ -86,15 +131,31 @@ unsigned OrientationInPng(Bytes file)
     }
 }
 
+std::optional<StoredSize> SizeInPng(Bytes file)
+{
+    const Numbers numbers(file, true);
+    const auto width = numbers.At(16, 4), height = numbers.At(20, 4), bits = numbers.At(24, 1);
+    if (!width || !height || !bits)
+        return std::nullopt;
+    return StoredSize{*width, *height, *bits > 8 ? 2u : 1u};
+}
+
 } // namespace
 
 unsigned OrientationOf(Bytes file) noexcept
 {
-    if (StartsWith(file, "\xFF\xD8\xFF", 3))
+    if (IsJpeg(file))
         return OrientationInJpeg(file);
-    if (StartsWith(file, "\x89PNG\r\n\x1A\n", 8))
+    if (IsPng(file))
         return OrientationInPng(file);
     return OrientationInTiff(file);
+}
+
+std::optional<StoredSize> StoredSizeOf(Bytes file) noexcept
+{
+    if (IsJpeg(file))
+        return SizeInJpeg(file);
+    return IsPng(file) ? SizeInPng(file) : std::nullopt;
 }
 
 Picture TurnUpright(const Picture& stored, unsigned orientation)
