@@ -99,7 +99,7 @@ private:
 } // namespace
 
 int main(int count, char** words)
-{
+try {
     const int runs = count > 1 ? std::atoi(words[1]) : 3000;
     Mutator mutator(count > 2 ? static_cast<unsigned>(std::atoi(words[2])) : 1);
     const std::vector<Bytes> seeds = Seeds();
@@ -129,4 +129,7 @@ int main(int count, char** words)
         std::fflush(stdout);
     }
     return crashes + hangs + leftovers == 0 ? 0 : 1;
+} catch (const std::exception& fault) {
+    std::puts(fault.what());
+    return 1;
 }

@@ -14,6 +14,7 @@ namespace {
 void RequireKnown(const std::string& word, const std::vector<Words>& commands)
 {
     std::vector<std::string> names;
+    names.reserve(commands.size());
     for (const Words& command : commands)
         names.push_back(command.parser->get_name());
     if (!word.starts_with('-') && std::find(names.begin(), names.end(), word) == names.end())

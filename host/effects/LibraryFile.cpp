@@ -50,7 +50,7 @@ std::filesystem::path HostFor(const std::filesystem::path& library)
     const int width = WidthOf(library);
     for (const auto& folder :
          {library.parent_path(), ThisProgram().parent_path().parent_path() / (width == 64 ? L"x64" : L"x86")})
-        if (const auto program = folder / L"vixahost.exe"; width != 0 && WidthOf(program) == width)
+        if (auto program = folder / L"vixahost.exe"; width != 0 && WidthOf(program) == width)
             return program;
     return {};
 }

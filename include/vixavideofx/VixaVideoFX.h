@@ -22,7 +22,8 @@
 #include <strmif.h>
 #include <unknwn.h>
 
-// NOLINTBEGIN(readability-identifier-naming): pointers to an interface's methods have the methods' names
+// NOLINTBEGIN(modernize-use-using, readability-identifier-naming): this is C, and pointers to an interface's methods
+// have the methods' names
 
 // Interface identifiers. Property sets have none: the library never asks for them.
 static const IID IID_IEffectInfo = {0x194ADE67, 0xAFBF, 0x4A1F, {0x99, 0x78, 0x48, 0xB0, 0x5C, 0xEF, 0xB0, 0x83}};
@@ -235,7 +236,7 @@ enum
     VixaShiftEdgesHorizontal = 10
 };
 
-// NOLINTEND(readability-identifier-naming)
+// NOLINTEND(modernize-use-using, readability-identifier-naming)
 
 #endif
 

@@ -223,7 +223,7 @@ TEST(Drawing, AlphaBlends)
     EXPECT_EQ(blended(std::nan("")), 90);
     EXPECT_EQ(blended(1.0), 255);
     EXPECT_EQ(blended(1e9), 255);
-    EXPECT_NEAR(blended(0.5), 90 + (255 - 90) * 127 / 255, 1) << "0.5 is 127 of 255";
+    EXPECT_NEAR(blended(0.5), 90 + (255 - 90) * 127.0 / 255, 1) << "0.5 is 127 of 255";
 
     GDIBitmap alpha = Picture({"kW"}, 32);
     static_cast<BYTE*>(alpha.GetBitsForWrite())[7] = 255;

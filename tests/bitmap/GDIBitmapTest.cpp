@@ -165,7 +165,8 @@ TEST(GDIBitmap, CopiesShareUntilOneChanges)
 
         first.Reset();
         EXPECT_EQ(Exported(*third.Get()), bytes);
-        second = second;
+        const GDIBitmap& itself = second;
+        second = itself;
         EXPECT_EQ(Exported(second), filled);
         second = static_cast<GDIBitmap&>(*third.Get());
         EXPECT_EQ(Exported(second), bytes);

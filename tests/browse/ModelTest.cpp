@@ -125,7 +125,7 @@ TEST(Player, ShowsTheFrameThatIsDue)
     EXPECT_FALSE(player.Playing());
     player.Seek(-5);
     EXPECT_EQ(player.Position(), 0);
-    EXPECT_EQ(TimeText(film, 36, 24 * 75), "0:01.50 / 1:15.00");
+    EXPECT_EQ(TimeText(film, 36, 1800), "0:01.50 / 1:15.00");
 
     Player picture;
     picture.Play(0);

@@ -104,7 +104,7 @@ TEST_F(Panels, TemplatesAreMadeToBeEmbeddedAndUsedByKeys)
     const GammaPanel gamma(host, {100});
     const ShiftPanel shift(host, {7});
     const EmptyPanel empty(host, {});
-    const auto styleOf = [](HWND window) { return GetWindowLongW(window, GWL_STYLE); };
+    const auto styleOf = [](HWND window) { return static_cast<DWORD>(GetWindowLongW(window, GWL_STYLE)); };
     for (const HWND panel :
          {colour.window, add.window, invert.window, multiply.window, gamma.window, shift.window, empty.window}) {
         EXPECT_EQ(styleOf(panel) & (WS_CHILD | WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | DS_CONTROL),
@@ -115,7 +115,7 @@ TEST_F(Panels, TemplatesAreMadeToBeEmbeddedAndUsedByKeys)
             EXPECT_TRUE(ids.insert(id).second) << "two controls " << id;
             wchar_t windowClass[32];
             GetClassNameW(control, windowClass, 32);
-            const LONG style = styleOf(control), kind = style & 0xF;
+            const DWORD style = styleOf(control), kind = style & 0xF;
             const bool isText = lstrcmpiW(windowClass, L"Static") == 0,
                        isButton = lstrcmpiW(windowClass, L"Button") == 0;
             const bool isFrame = isButton && kind == BS_GROUPBOX;

@@ -226,7 +226,7 @@ TEST(Allocation, CopiesOfForeignSamples)
     vixahost::fixtures::HandSample sample(bytes);
     sample.start = 100;
     sample.timeResult = VFW_S_NO_STOP_TIME;
-    sample.type = &chain.source->pin.types[0];
+    sample.type = &chain.source->pin.types.front();
     EXPECT_EQ(S_OK, chain.probe->In().Receive(&sample));
     const Arrival& arrival = chain.sink->pin.arrivals.at(0);
     EXPECT_EQ(4, arrival.bytes[0]);

@@ -15,13 +15,13 @@ TEST(Connection, RefusalsCarryTheirReason)
     const CMediaType rgb24 = VideoType(8, 4, MEDIASUBTYPE_RGB24);
 
     EXPECT_EQ(E_POINTER, from.Connect(nullptr, nullptr));
-    EXPECT_EQ(E_POINTER, in.ReceiveConnection(nullptr, &from.types[0]));
+    EXPECT_EQ(E_POINTER, in.ReceiveConnection(nullptr, &from.types.front()));
     EXPECT_EQ(E_POINTER, in.ReceiveConnection(&from, nullptr));
-    EXPECT_EQ(VFW_E_INVALID_DIRECTION, from.Connect(&out, &from.types[0]));
-    EXPECT_EQ(VFW_E_INVALID_DIRECTION, in.ReceiveConnection(&chain.sink->pin, &from.types[0]));
+    EXPECT_EQ(VFW_E_INVALID_DIRECTION, from.Connect(&out, &from.types.front()));
+    EXPECT_EQ(VFW_E_INVALID_DIRECTION, in.ReceiveConnection(&chain.sink->pin, &from.types.front()));
     EXPECT_EQ(VFW_E_TYPE_NOT_ACCEPTED, in.ReceiveConnection(&from, &rgb24));
     EXPECT_EQ(VFW_E_TYPE_NOT_ACCEPTED, from.Connect(&in, &rgb24)) << "not one of the source's own";
-    EXPECT_EQ(E_UNEXPECTED, out.Connect(&chain.sink->pin, &from.types[0])) << "there is no type to send yet";
+    EXPECT_EQ(E_UNEXPECTED, out.Connect(&chain.sink->pin, &from.types.front())) << "there is no type to send yet";
     from.types = {rgb24};
     EXPECT_EQ(VFW_E_NO_ACCEPTABLE_TYPES, from.Connect(&in, nullptr));
     from.types.clear();
@@ -50,8 +50,8 @@ TEST(Connection, RefusalsCarryTheirReason)
 
     ASSERT_EQ(S_OK, chain.Connect());
     EXPECT_EQ(VFW_E_ALREADY_CONNECTED, from.Connect(&in, nullptr));
-    EXPECT_EQ(VFW_E_ALREADY_CONNECTED, in.ReceiveConnection(&from, &from.types[0]));
-    EXPECT_EQ(S_OK, in.QueryAccept(&from.types[0]));
+    EXPECT_EQ(VFW_E_ALREADY_CONNECTED, in.ReceiveConnection(&from, &from.types.front()));
+    EXPECT_EQ(S_OK, in.QueryAccept(&from.types.front()));
     EXPECT_EQ(S_FALSE, in.QueryAccept(&rgb24));
     EXPECT_EQ(S_FALSE, out.QueryAccept(&rgb24));
     EXPECT_EQ(S_OK, in.ConnectedTo(&peer));
@@ -66,7 +66,7 @@ TEST(Connection, RefusalsCarryTheirReason)
     ASSERT_HRESULT_SUCCEEDED(chain.graph->Stop());
     EXPECT_EQ(S_OK, chain.Disconnect());
     ASSERT_EQ(S_OK, chain.probe->Pause());
-    EXPECT_EQ(VFW_E_NOT_STOPPED, in.ReceiveConnection(&from, &from.types[0]));
+    EXPECT_EQ(VFW_E_NOT_STOPPED, in.ReceiveConnection(&from, &from.types.front()));
     EXPECT_EQ(VFW_E_NOT_STOPPED, out.Connect(&chain.sink->pin, nullptr));
     EXPECT_EQ(S_OK, chain.probe->Stop());
 }
@@ -182,8 +182,8 @@ TEST(Connection, QuestionsComeToAnEnd)
     CTransInPlaceOutputPin& out = chain.probe->Out();
     chain.source->pin.whenAsked = [&](const CMediaType& type) { EXPECT_EQ(S_OK, in.QueryAccept(&type)); };
     chain.sink->pin.accepts = [&](const CMediaType& type) { return out.QueryAccept(&type) == S_OK; };
-    EXPECT_EQ(S_OK, in.QueryAccept(&chain.source->pin.types[0]));
-    EXPECT_EQ(S_OK, out.QueryAccept(&chain.source->pin.types[0]));
+    EXPECT_EQ(S_OK, in.QueryAccept(&chain.source->pin.types.front()));
+    EXPECT_EQ(S_OK, out.QueryAccept(&chain.source->pin.types.front()));
     chain.source->pin.whenAsked = nullptr;
 }
 

@@ -210,7 +210,7 @@ TEST_F(Streaming, CopyingFilterKeepsItsOutputType)
     chain.source->pin.mode = SourcePin::Allocator::OwnReadOnly;
     chain.source->pin.types.push_back(VideoType(4, 4));
     Start();
-    EXPECT_EQ(S_OK, out.QueryAccept(&chain.source->pin.types[0]));
+    EXPECT_EQ(S_OK, out.QueryAccept(&chain.source->pin.types.front()));
     EXPECT_EQ(S_FALSE, out.QueryAccept(&chain.source->pin.types[1]));
     EXPECT_EQ(S_OK, in.QueryAccept(&chain.source->pin.types[1]));
     const ComPtr<IMediaSample> sample = chain.Sample();

@@ -101,7 +101,7 @@ TEST(Stress, QuestionsFromEveryThread)
         }),
         loop([&] {
             out.Notify(chain.sink.get(), {Famine, 900, 10, 0});
-            in.QueryAccept(&chain.source->pin.types[0]);
+            in.QueryAccept(&chain.source->pin.types.front());
             CMediaType type;
             EXPECT_EQ(S_OK, out.ConnectionMediaType(&type));
             EXPECT_EQ(sizeof(VIDEOINFOHEADER), type.FormatLength());

@@ -38,10 +38,10 @@ Interface* Query(IUnknown* object, REFIID riid)
 TEST(Unknown, FacesShareOneIdentityAndOneCount)
 {
     Held<Probe> probe;
-    IUnknown* const identity = Query<IUnknown>(probe->GetOwner(), IID_IUnknown);
+    auto* const identity = Query<IUnknown>(probe->GetOwner(), IID_IUnknown);
     for (const IID* riid : {&IID_IBaseFilter, &IID_IMediaFilter, &IID_IPersist, &IID_IAMovieSetup}) {
-        IUnknown* const face = Query<IUnknown>(identity, *riid);
-        IUnknown* const back = Query<IUnknown>(face, IID_IUnknown);
+        auto* const face = Query<IUnknown>(identity, *riid);
+        auto* const back = Query<IUnknown>(face, IID_IUnknown);
         EXPECT_EQ(identity, back);
         EXPECT_EQ(3u, back->Release());
         EXPECT_EQ(2u, face->Release());
@@ -71,9 +71,9 @@ TEST(Unknown, AggregatedFilterDelegatesToTheOuterObject)
         ASSERT_EQ(S_OK, probe->NonDelegatingQueryInterface(IID_IUnknown, reinterpret_cast<void**>(&outer.inner)));
         EXPECT_EQ(0u, outer.count);
 
-        IBaseFilter* const face = Query<IBaseFilter>(&outer, IID_IBaseFilter);
+        auto* const face = Query<IBaseFilter>(&outer, IID_IBaseFilter);
         EXPECT_EQ(1u, outer.count) << "a face counts on the outer object";
-        IUnknown* const identity = Query<IUnknown>(face, IID_IUnknown);
+        auto* const identity = Query<IUnknown>(face, IID_IUnknown);
         EXPECT_EQ(static_cast<IUnknown*>(&outer), identity);
         EXPECT_EQ(1u, identity->Release());
 

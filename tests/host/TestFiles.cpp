@@ -166,40 +166,42 @@ std::string TagAt(const Bytes& from, std::size_t at)
     return {from.begin() + static_cast<std::ptrdiff_t>(at), from.begin() + static_cast<std::ptrdiff_t>(at) + 4};
 }
 
+void Take(const std::string& tag, const Bytes& chunk, ParsedClip& clip, bool& inSound)
+{
+    if (tag == "strh") {
+        inSound = TagAt(chunk, 0) == "auds";
+        (inSound ? clip.soundScale : clip.scale) = Get32(chunk, 20);
+        (inSound ? clip.soundRate : clip.rate) = Get32(chunk, 24);
+        (inSound ? clip.soundLength : clip.length) = Get32(chunk, 32);
+        if (inSound)
+            clip.soundSampleSize = Get32(chunk, 44);
+    } else if (tag == "strf" && inSound) {
+        clip.soundFormat = chunk;
+    } else if (tag == "strf") {
+        clip.width = static_cast<int>(Get32(chunk, 4));
+        clip.height = static_cast<int>(Get32(chunk, 8));
+        clip.bits = static_cast<int>(Get32(chunk, 12) >> 16);
+    } else if (tag == "00db" || tag == "00dc") {
+        clip.frames.push_back(chunk);
+    } else if (tag == "01wb") {
+        clip.sound.insert(clip.sound.end(), chunk.begin(), chunk.end());
+    }
+}
+
 void Parse(const Bytes& file, std::size_t at, std::size_t end, ParsedClip& clip, bool& inSound)
 {
     while (at + 8 <= end) {
         const std::string tag = TagAt(file, at);
         const std::size_t size = Get32(file, at + 4), content = at + 8;
-        const auto piece = [&] {
-            return Bytes(file.begin() + static_cast<std::ptrdiff_t>(content),
-                         file.begin() + static_cast<std::ptrdiff_t>(content + size));
-        };
         if (content + size > end)
             throw std::runtime_error("chunk " + tag + " is longer than what holds it");
         if (tag == "RIFF" || tag == "LIST")
             Parse(file, content + 4, content + size, clip, inSound);
-        if (tag == "strh") {
-            inSound = TagAt(file, content) == "auds";
-            (inSound ? clip.soundScale : clip.scale) = Get32(file, content + 20);
-            (inSound ? clip.soundRate : clip.rate) = Get32(file, content + 24);
-            (inSound ? clip.soundLength : clip.length) = Get32(file, content + 32);
-            if (inSound)
-                clip.soundSampleSize = Get32(file, content + 44);
-        }
-        if (tag == "strf" && inSound)
-            clip.soundFormat = piece();
-        if (tag == "strf" && !inSound) {
-            clip.width = static_cast<int>(Get32(file, content + 4));
-            clip.height = static_cast<int>(Get32(file, content + 8));
-            clip.bits = static_cast<int>(Get32(file, content + 12) >> 16);
-        }
-        if (tag == "00db" || tag == "00dc")
-            clip.frames.push_back(piece());
-        if (tag == "01wb") {
-            const Bytes samples = piece();
-            clip.sound.insert(clip.sound.end(), samples.begin(), samples.end());
-        }
+        else
+            Take(tag,
+                 {file.begin() + static_cast<std::ptrdiff_t>(content),
+                  file.begin() + static_cast<std::ptrdiff_t>(content + size)},
+                 clip, inSound);
         at = content + size + size % 2;
     }
 }

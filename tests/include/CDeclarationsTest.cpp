@@ -105,17 +105,26 @@ TEST(CDeclarations, HaveTheIdentifiersOfCpp)
     EXPECT_TRUE(c::CLSID_VixaAddPixel == CLSID_AddPixel);
 }
 
+#define SAME_SIZE(block) static_assert(sizeof(c::Vixa##block) == sizeof(block))
 #define SAME_FIELD(block, field)                                                                                       \
-    (offsetof(c::Vixa##block, field) == offsetof(block, field) &&                                                      \
-     std::is_same_v<decltype(c::Vixa##block::field), decltype(block::field)>)
-static_assert(sizeof(c::VixaGammaBlock) == sizeof(GammaBlock) && SAME_FIELD(GammaBlock, gamma));
-static_assert(sizeof(c::VixaMultiplyBlock) == sizeof(MultiplyBlock) && SAME_FIELD(MultiplyBlock, factor));
-static_assert(sizeof(c::VixaInvertBlock) == sizeof(InvertBlock) && SAME_FIELD(InvertBlock, mask));
-static_assert(sizeof(c::VixaFilterColorBlock) == sizeof(FilterColorBlock) && SAME_FIELD(FilterColorBlock, intensity) &&
-              SAME_FIELD(FilterColorBlock, colour));
-static_assert(sizeof(c::VixaAddBlock) == sizeof(AddBlock) && SAME_FIELD(AddBlock, redDelta) &&
-              SAME_FIELD(AddBlock, greenDelta) && SAME_FIELD(AddBlock, blueDelta) && SAME_FIELD(AddBlock, moveAll));
-static_assert(sizeof(c::VixaConvolutionBlock) == sizeof(ConvolutionBlock) && SAME_FIELD(ConvolutionBlock, kind));
+    static_assert(offsetof(c::Vixa##block, field) == offsetof(block, field) &&                                         \
+                  std::is_same_v<decltype(c::Vixa##block::field), decltype(block::field)>)
+SAME_SIZE(GammaBlock);
+SAME_FIELD(GammaBlock, gamma);
+SAME_SIZE(MultiplyBlock);
+SAME_FIELD(MultiplyBlock, factor);
+SAME_SIZE(InvertBlock);
+SAME_FIELD(InvertBlock, mask);
+SAME_SIZE(FilterColorBlock);
+SAME_FIELD(FilterColorBlock, intensity);
+SAME_FIELD(FilterColorBlock, colour);
+SAME_SIZE(AddBlock);
+SAME_FIELD(AddBlock, redDelta);
+SAME_FIELD(AddBlock, greenDelta);
+SAME_FIELD(AddBlock, blueDelta);
+SAME_FIELD(AddBlock, moveAll);
+SAME_SIZE(ConvolutionBlock);
+SAME_FIELD(ConvolutionBlock, kind);
 
 constexpr bool operator==(int number, ConvolutionKind kind)
 {

@@ -11,11 +11,12 @@ constexpr bool Same(const GUID& a, const GUID& b)
     return a.Data1 == b.Data1 && a.Data2 == b.Data2 && a.Data3 == b.Data3;
 }
 
-static_assert(Same(__uuidof(IEffectInfo), IID_IEffectInfo), "");
-static_assert(Same(__uuidof(IEffectFilter), IID_IEffectFilter), "");
-static_assert(Same(__uuidof(IInstructionCeiling), IID_IInstructionCeiling), "");
-static_assert(Same(__uuidof(IEffectChaining), IID_IEffectChaining), "");
-static_assert(Same(__uuidof(ISingleValuePropertySetInfo), IID_ISingleValuePropertySetInfo), "");
-static_assert(Same(__uuidof(ISingleEnumPropertySetInfo), IID_ISingleEnumPropertySetInfo), "");
+#define SAME_ID(name) static_assert(Same(__uuidof(name), IID_##name), #name)
+SAME_ID(IEffectInfo);
+SAME_ID(IEffectFilter);
+SAME_ID(IInstructionCeiling);
+SAME_ID(IEffectChaining);
+SAME_ID(ISingleValuePropertySetInfo);
+SAME_ID(ISingleEnumPropertySetInfo);
 
 } // namespace

@@ -181,8 +181,9 @@ TEST(LanguageTexts, NamesThatStandTogetherDiffer)
                                                texts[IDS_GROUP_SHARPNESS]};
         EXPECT_EQ(groups.size(), 3u) << Name(code, 0);
         for (const UINT id :
-             {IDS_RED, IDS_GREEN, IDS_BLUE, IDS_DARKER, IDS_BRIGHTER, IDS_HORIZONTAL, IDS_VERTICAL, IDS_TIP_INVERT_RED,
-              IDS_TIP_INVERT_GREEN, IDS_TIP_INVERT_BLUE, IDS_TIP_SHIFT_HORIZONTAL, IDS_TIP_SHIFT_VERTICAL})
+             std::initializer_list<UINT>{IDS_RED, IDS_GREEN, IDS_BLUE, IDS_DARKER, IDS_BRIGHTER, IDS_HORIZONTAL,
+                                         IDS_VERTICAL, IDS_TIP_INVERT_RED, IDS_TIP_INVERT_GREEN, IDS_TIP_INVERT_BLUE,
+                                         IDS_TIP_SHIFT_HORIZONTAL, IDS_TIP_SHIFT_VERTICAL})
             EXPECT_TRUE(colours.insert(texts[id]).second) << Name(code, id) << " stands for something else, too";
     }
 }

@@ -21,7 +21,7 @@ protected:
 
     ComPtr<IBaseFilter> Filter(REFCLSID effect, IUnknown* set = nullptr) const
     {
-        const auto filter = library.CreateFilter(effect, PromiseOf(effect).name);
+        auto filter = library.CreateFilter(effect, PromiseOf(effect).name);
         EXPECT_EQ(ParametersOf(filter)->SetPropertySet(set), S_OK);
         return filter;
     }

@@ -153,8 +153,8 @@ LSTATUS WINAPI HookCloseKey(HKEY key)
 #define ADDRESS
 #endif
 #define IMPORT(name, size, hook)                                                                                       \
-    extern decltype(&hook) entry##name asm("__imp_" SYMBOL(name, size));                                               \
-    decltype(&hook) entry##name = hook;                                                                                \
+    extern decltype(&(hook)) entry##name asm("__imp_" SYMBOL(name, size));                                             \
+    decltype(&(hook)) entry##name = (hook);                                                                            \
     asm(".globl " SYMBOL(name, size) "\n" SYMBOL(name, size) ": jmp *__imp_" SYMBOL(name, size) ADDRESS "\n");
 
 IMPORT(RegOpenCurrentUser, 8, HookOpenCurrentUser)

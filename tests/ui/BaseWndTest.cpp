@@ -13,7 +13,11 @@ namespace {
 class Panels : public testing::Test
 {
 protected:
-    std::shared_ptr<TestPanel> Make() { return std::shared_ptr<TestPanel>(new TestPanel(&context)); }
+    std::shared_ptr<TestPanel> Make()
+    {
+        // NOLINTNEXTLINE(modernize-make-shared): the panel's own operator new is meant
+        return std::shared_ptr<TestPanel>(new TestPanel(&context));
+    }
     std::shared_ptr<TestPanel> Open(int templateId = 100)
     {
         auto panel = Make();
@@ -283,7 +287,7 @@ struct ToolTipSpy
             return 0;
         }
         if (message == TTM_SETTITLEW)
-            titles.push_back({static_cast<int>(wParam), reinterpret_cast<const wchar_t*>(lParam)});
+            titles.emplace_back(static_cast<int>(wParam), reinterpret_cast<const wchar_t*>(lParam));
         return CallWindowProcW(original, window, message, wParam, lParam);
     }
     explicit ToolTipSpy(HWND tip)
@@ -342,14 +346,14 @@ TEST_F(Panels, TheHookRelaysMovesAndSingleClicks)
     PostMessageW(panel->GetHwnd(), WM_MOUSEMOVE, 0, MAKELPARAM(1, 1)); // not a control of it
     PostMessageW(host.hwnd, WM_MOUSEMOVE, 0, MAKELPARAM(1, 1));
     HostWindow::Pump();
-    for (const MSG& message : spy.relayed) {
+    for (const MSG& message : ToolTipSpy::relayed) {
         if (message.hwnd != control || message.lParam != MAKELPARAM(7, 9))
             continue; // the system's own moves under the pointer
         EXPECT_EQ(message.wParam, 3u);
         numbers.push_back(message.message);
     }
     EXPECT_EQ(numbers, (std::vector<UINT>{WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_RBUTTONDOWN, WM_RBUTTONUP}));
-    for (const MSG& message : spy.relayed)
+    for (const MSG& message : ToolTipSpy::relayed)
         EXPECT_TRUE(IsChild(panel->GetHwnd(), message.hwnd));
 
     // The panel may end while a message is relayed.
@@ -361,8 +365,8 @@ TEST_F(Panels, TheHookRelaysMovesAndSingleClicks)
 }
 
 #ifndef _WIN64
-// Calls a dialog Procedure as a 32-bit caller may: with a stack that is aligned to 4 bytes only.
-INT_PTR CallShifted(DLGPROC Procedure, HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, int shift)
+// Calls a dialog procedure as a 32-bit caller may: with a stack that is aligned to 4 bytes only.
+INT_PTR CallShifted(DLGPROC procedure, HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, int shift)
 {
     INT_PTR result;
     __asm__ volatile("movl %%esp, %%ebx\n\t"
@@ -375,7 +379,7 @@ INT_PTR CallShifted(DLGPROC Procedure, HWND dialog, UINT message, WPARAM wParam,
                      "call *%%eax\n\t"
                      "movl %%ebx, %%esp\n\t"
                      : "=a"(result)
-                     : "a"(Procedure), [shift] "S"(shift), [lParam] "D"(lParam), [wParam] "c"(wParam),
+                     : "a"(procedure), [shift] "S"(shift), [lParam] "D"(lParam), [wParam] "c"(wParam),
                        [message] "d"(message), [dialog] "m"(dialog)
                      : "ebx", "memory", "cc");
     return result;
@@ -384,10 +388,10 @@ INT_PTR CallShifted(DLGPROC Procedure, HWND dialog, UINT message, WPARAM wParam,
 TEST_F(Panels, TheProcedureNeedsNoAlignedStack)
 {
     auto panel = Open();
-    const auto Procedure = reinterpret_cast<DLGPROC>(GetWindowLongPtrW(panel->GetHwnd(), DWLP_DLGPROC));
-    ASSERT_NE(Procedure, nullptr);
+    const auto procedure = reinterpret_cast<DLGPROC>(GetWindowLongPtrW(panel->GetHwnd(), DWLP_DLGPROC));
+    ASSERT_NE(procedure, nullptr);
     for (int shift = 0; shift < 16; shift += 4)
-        EXPECT_EQ(CallShifted(Procedure, panel->GetHwnd(), WM_HSCROLL, TB_LINEUP, 0, shift), FALSE);
+        EXPECT_EQ(CallShifted(procedure, panel->GetHwnd(), WM_HSCROLL, TB_LINEUP, 0, shift), FALSE);
     EXPECT_EQ(panel->scrolls.size(), 4u);
 }
 #endif

@@ -27,11 +27,7 @@ public:
     {
         return VirtualAlloc(nullptr, size, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
     }
-    static void operator delete(void* memory, std::size_t size)
-    {
-        DWORD old;
-        VirtualProtect(memory, size, PAGE_NOACCESS, &old);
-    }
+    static void operator delete(void* memory) { VirtualFree(memory, 0, MEM_DECOMMIT); }
 
     const MessageMapEntry* GetMessageMap() override;
 

@@ -49,7 +49,8 @@ TEST(Text, KeepsEveryLetter)
     EXPECT_EQ(Wide(Utf8(wide)), wide);
     EXPECT_EQ(Utf8(L""), "");
     EXPECT_EQ(LowerCase("Add PIXEL \xC3\x84"), "add pixel \xC3\x84");
-    EXPECT_EQ(Excerpt("a\tb\r\x1B[2J\xE2\x80\xAE\xFF"), "a b \xEF\xBF\xBD[2J\xEF\xBF\xBD\xEF\xBF\xBD");
+    EXPECT_EQ(Excerpt("a\tb\r\x1B[2J\xE2\x80\xAE\xFF\xE2\x80\xAC"),
+              "a b \xEF\xBF\xBD[2J\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
     EXPECT_EQ(Excerpt("ab\xF0\x9F\x8E\xAC", 3), "ab...") << "whole characters";
     EXPECT_EQ(Excerpt("abc", 3), "abc");
 }

@@ -53,7 +53,7 @@ protected:
         return RunHost(folder.Path(), words, interruptWhen);
     }
 
-    void ExpectDone(const Outcome& outcome)
+    static void ExpectDone(const Outcome& outcome)
     {
         EXPECT_EQ(outcome.status, 0u);
         EXPECT_EQ(outcome.err, "");

@@ -21,7 +21,7 @@ class ClipFile : public ::test::ComTest
 protected:
     std::filesystem::path Make(const ClipRecipe& recipe)
     {
-        const auto file = folder / L"clip.avi";
+        auto file = folder / L"clip.avi";
         WriteBytes(file, MakeClip(recipe));
         return file;
     }
@@ -209,7 +209,7 @@ TEST_F(ClipFile, DamagedAndForeignClipsAreRefused)
     // A row of this many pixels has 4 bytes when its bits are counted in 32 bits.
     Bytes wide = whole;
     const std::uint8_t format[] = {'s', 't', 'r', 'f'}, size[] = {1, 0, 0, 8, 1, 0, 0, 0};
-    std::ranges::copy(size, std::ranges::search(wide, format).begin() + 8 + 4);
+    std::ranges::copy(size, std::search(wide.begin(), wide.end(), std::begin(format), std::end(format)) + 8 + 4);
     refused(wide, "a frame larger than its file");
     recipe = {};
     recipe.frames = 0;

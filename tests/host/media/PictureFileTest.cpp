@@ -19,7 +19,7 @@ using namespace test;
 class PictureFile : public ::test::ComTest
 {
 protected:
-    void ExpectRefused(const std::filesystem::path& file)
+    static void ExpectRefused(const std::filesystem::path& file)
     {
         try {
             media::ReadPicture(file);
@@ -257,7 +257,7 @@ TEST_F(PictureFile, TheSampleSceneHasSomethingForEveryEffect)
     EXPECT_FALSE(media::HasAlpha(scene));
     std::set<std::uint32_t> colours;
     for (std::size_t i = 0; i < scene.pixels.size(); i += 4)
-        colours.insert(scene.pixels[i] | scene.pixels[i + 1] << 8 | scene.pixels[i + 2] << 16);
+        colours.insert(RGB(scene.pixels[i], scene.pixels[i + 1], scene.pixels[i + 2]));
     EXPECT_GT(colours.size(), 10'000u) << "ramps, wheel and balls have many colours";
     // The eight bars, from the left: white, yellow, cyan, green, magenta, red, blue, black.
     const std::uint32_t bars[] = {0xFFFFFF, 0xFFFF00, 0x00FFFF, 0x00FF00, 0xFF00FF, 0xFF0000, 0x0000FF, 0x000000};
