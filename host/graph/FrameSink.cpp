@@ -2,77 +2,66 @@
 
 namespace vixahost::graph {
 
-class FrameSinkPin final : public CBaseInputPin
+FrameSinkPin::FrameSinkPin(FrameSink& owner)
+    : CBaseInputPin(L"Frame sink", &owner, &owner.lock, nullptr, L"Input"), sink(owner)
 {
-public:
-    FrameSinkPin(FrameSink& owner, HRESULT* result)
-        : CBaseInputPin(L"Frame sink", &owner, &owner.lock, result, L"Input"), sink(owner)
-    {
-    }
+}
 
-    HRESULT CheckMediaType(const CMediaType* type) override
-    {
-        return sink.taker.Accepts(*type) ? S_OK : VFW_E_TYPE_NOT_ACCEPTED;
-    }
+HRESULT FrameSinkPin::CheckMediaType(const CMediaType* type)
+{
+    return sink.taker.Accepts(*type) ? S_OK : VFW_E_TYPE_NOT_ACCEPTED;
+}
 
-    HRESULT STDMETHODCALLTYPE NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) noexcept override
-    {
-        const bool taken = !allocator || sink.taker.TakesAllocator(*allocator);
-        return taken ? CBaseInputPin::NotifyAllocator(allocator, readOnly) : VFW_E_NO_ALLOCATOR;
-    }
+HRESULT FrameSinkPin::NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) noexcept
+{
+    const bool taken = !allocator || sink.taker.TakesAllocator(*allocator);
+    return taken ? CBaseInputPin::NotifyAllocator(allocator, readOnly) : VFW_E_NO_ALLOCATOR;
+}
 
-    HRESULT STDMETHODCALLTYPE Receive(IMediaSample* sample) noexcept override
-    {
-        const HRESULT result = CBaseInputPin::Receive(sample);
-        return result == S_OK ? sink.taker.Take(*sample) : result;
-    }
+HRESULT FrameSinkPin::Receive(IMediaSample* sample) noexcept
+{
+    const HRESULT result = CBaseInputPin::Receive(sample);
+    return result == S_OK ? sink.taker.Take(*sample) : result;
+}
 
-    HRESULT STDMETHODCALLTYPE ReceiveCanBlock() noexcept override { return S_FALSE; }
+HRESULT FrameSinkPin::EndOfStream() noexcept
+{
+    sink.taker.OnEndOfStream();
+    const HRESULT result = CheckStreaming();
+    if (result != S_OK)
+        return result;
+    CAutoLock hold(&sink.lock);
+    sink.ended = true;
+    sink.ReportEnd();
+    return S_OK;
+}
 
-    HRESULT STDMETHODCALLTYPE EndOfStream() noexcept override
-    {
-        sink.taker.OnEndOfStream();
-        const HRESULT result = CheckStreaming();
-        if (result != S_OK)
-            return result;
-        CAutoLock hold(&sink.lock);
-        sink.ended = true;
-        sink.ReportEnd();
-        return S_OK;
-    }
+HRESULT FrameSinkPin::BeginFlush() noexcept
+{
+    sink.taker.OnFlush(true);
+    return CBaseInputPin::BeginFlush();
+}
 
-    HRESULT STDMETHODCALLTYPE BeginFlush() noexcept override
-    {
-        sink.taker.OnFlush(true);
-        return CBaseInputPin::BeginFlush();
-    }
+HRESULT FrameSinkPin::EndFlush() noexcept
+{
+    sink.taker.OnFlush(false);
+    return CBaseInputPin::EndFlush();
+}
 
-    HRESULT STDMETHODCALLTYPE EndFlush() noexcept override
-    {
-        sink.taker.OnFlush(false);
-        return CBaseInputPin::EndFlush();
-    }
-
-    HRESULT STDMETHODCALLTYPE NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) noexcept override
-    {
-        sink.taker.OnSegment(start, stop);
-        return CBaseInputPin::NewSegment(start, stop, rate);
-    }
-
-private:
-    FrameSink& sink;
-};
+HRESULT FrameSinkPin::NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) noexcept
+{
+    sink.taker.OnSegment(start, stop);
+    return CBaseInputPin::NewSegment(start, stop, rate);
+}
 
 ComPtr<FrameSink> FrameSink::Create(SampleTaker& taker)
 {
-    return new FrameSink(taker);
+    ComPtr<FrameSink> sink(new FrameSink(taker));
+    sink->input = std::make_unique<FrameSinkPin>(*sink.Get());
+    return sink;
 }
 
-FrameSink::FrameSink(SampleTaker& to) : CBaseFilter(L"Frame sink", nullptr, &lock, GUID_NULL), taker(to)
-{
-    HRESULT result = S_OK;
-    pin = std::make_unique<FrameSinkPin>(*this, &result);
-}
+FrameSink::FrameSink(SampleTaker& to) : CBaseFilter(L"Frame sink", nullptr, &lock, GUID_NULL), taker(to) {}
 
 FrameSink::~FrameSink() = default;
 
@@ -85,7 +74,7 @@ HRESULT FrameSink::NonDelegatingQueryInterface(REFIID riid, void** ppv) noexcept
 
 CBasePin* FrameSink::GetPin(int index)
 {
-    return index == 0 ? pin.get() : nullptr;
+    return index == 0 ? input.get() : nullptr;
 }
 
 HRESULT FrameSink::Run(REFERENCE_TIME start) noexcept

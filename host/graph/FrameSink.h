@@ -28,7 +28,7 @@ class FrameSinkPin;
 
 // A renderer: it reports EC_COMPLETE when the last sample was taken and the graph runs. It never waits for a sample's
 // time. The taker must outlive the filter.
-class FrameSink final : public CBaseFilter, public IAMFilterMiscFlags
+class FrameSink : public CBaseFilter, public IAMFilterMiscFlags
 {
 public:
     static ComPtr<FrameSink> Create(SampleTaker& taker);
@@ -43,16 +43,39 @@ public:
     HRESULT STDMETHODCALLTYPE Run(REFERENCE_TIME start) noexcept override;
     HRESULT STDMETHODCALLTYPE Stop() noexcept override;
 
+protected:
+    // Without its pin.
+    explicit FrameSink(SampleTaker& to);
+
+    std::unique_ptr<FrameSinkPin> input;
+
 private:
     friend class FrameSinkPin;
-    explicit FrameSink(SampleTaker& to);
     void ReportEnd();
 
     CCritSec lock;
     SampleTaker& taker;
     bool ended = false;    // guarded by the lock: no more samples will come
     bool reported = false; // guarded by the lock: the graph knows
-    std::unique_ptr<FrameSinkPin> pin;
+};
+
+// Its only pin, which asks and tells the taker.
+class FrameSinkPin : public CBaseInputPin
+{
+public:
+    explicit FrameSinkPin(FrameSink& owner);
+
+    HRESULT CheckMediaType(const CMediaType* type) override;
+    HRESULT STDMETHODCALLTYPE NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) noexcept override;
+    HRESULT STDMETHODCALLTYPE Receive(IMediaSample* sample) noexcept override;
+    HRESULT STDMETHODCALLTYPE ReceiveCanBlock() noexcept override { return S_FALSE; }
+    HRESULT STDMETHODCALLTYPE EndOfStream() noexcept override;
+    HRESULT STDMETHODCALLTYPE BeginFlush() noexcept override;
+    HRESULT STDMETHODCALLTYPE EndFlush() noexcept override;
+    HRESULT STDMETHODCALLTYPE NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) noexcept override;
+
+private:
+    FrameSink& sink;
 };
 
 } // namespace vixahost::graph

@@ -7,6 +7,7 @@
 #include "host/graph/PassTimer.h"
 #include "host/media/Frames.h"
 
+#include <atomic>
 #include <exception>
 #include <memory>
 #include <thread>
@@ -15,7 +16,7 @@ namespace vixahost::graph {
 
 class FrameSourcePin;
 
-class FrameSource final : public CBaseFilter
+class FrameSource : public CBaseFilter
 {
 public:
     // Pushes the reader's frames downstream as 32-bit RGB, on a thread of its own from pause to stop. Frames carry
@@ -40,13 +41,54 @@ public:
     // What the reader threw, if it did; read it when the graph has stopped.
     std::exception_ptr Failure() const noexcept { return failure; }
 
+protected:
+    // Without its pin.
+    FrameSource();
+
+    std::unique_ptr<FrameSourcePin> output;
+
 private:
     friend class FrameSourcePin;
-    FrameSource();
 
     CCritSec lock;
     std::exception_ptr failure;
-    std::unique_ptr<FrameSourcePin> pin;
+};
+
+// Its only pin.
+class FrameSourcePin : public CBaseOutputPin
+{
+public:
+    struct Offer
+    {
+        CMediaType type;
+        long bufferBytes;
+        FrameSource::Allocator allocator;
+    };
+
+    // Without a reader it sends nothing by itself; a timer comes with the reader.
+    FrameSourcePin(FrameSource& owner, Offer offered, media::FrameReader* from = nullptr, PassTimer* clock = nullptr);
+    ~FrameSourcePin() override;
+
+    HRESULT CheckMediaType(const CMediaType* type) override;
+    HRESULT GetMediaType(int index, CMediaType* type) override;
+    HRESULT DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request) override;
+    HRESULT DecideAllocator(IMemInputPin* peer, IMemAllocator** agreed) override;
+    HRESULT Active() override;
+    HRESULT Inactive() override;
+
+protected:
+    Offer offer;
+
+private:
+    void EndThread();
+    void Stream() noexcept;
+    HRESULT DeliverAll() noexcept;
+
+    FrameSource& source;
+    media::FrameReader* const reader;
+    PassTimer* const timer;
+    std::atomic<bool> stopping = false;
+    std::thread thread;
 };
 
 // The media type of a reader's frames: RGB32 with a VIDEOINFOHEADER, bottom-up. E_OUTOFMEMORY.

@@ -6,6 +6,7 @@
 #include <array>
 
 using namespace test;
+using vixahost::fixtures::Record;
 
 namespace {
 
@@ -15,19 +16,15 @@ bool ArrivesInPlace(Chain& chain)
     EXPECT_HRESULT_SUCCEEDED(chain.graph->Run());
     const ComPtr<IMediaSample> sample = chain.Sample(40);
     EXPECT_EQ(S_OK, chain.source->pin.Deliver(sample.Get()));
-    if (chain.sink->pin.arrivals.empty())
-        return ADD_FAILURE() << "nothing arrived", false;
-    const Arrival& last = chain.sink->pin.arrivals.back();
-    EXPECT_EQ(41, last.bytes[0]) << "what arrives has been transformed";
+    const Record& seen = chain.sink->record;
+    EXPECT_EQ(41, seen.content.at(0)) << "what arrives has been transformed";
     BYTE* bytes = nullptr;
     sample->GetPointer(&bytes);
-    const bool inPlace = last.sample == sample.Get();
+    const bool inPlace = seen.last == sample.Get();
     EXPECT_EQ(inPlace ? 41 : 40, bytes[0]) << "a read-only sample must stay as it was";
     EXPECT_HRESULT_SUCCEEDED(chain.graph->Stop());
     return inPlace;
 }
-
-using Mode = SourcePin::Allocator;
 
 // How the output and the input of a chain come to be connected.
 enum class Order
@@ -61,17 +58,17 @@ ComPtr<IMemAllocator> OfferOwn(SinkPin& sink)
 // Upstream is offered downstream's allocator and told of its needs; what upstream decides on is used on both sides.
 TEST(Allocation, UpstreamChoosesKnowingDownstream)
 {
-    for (const Mode mode : {Mode::Peers, Mode::Own}) {
+    for (const Allocator mode : {Allocator::Shared, Allocator::Own}) {
         for (const Order order : {Order::SourceFirst, Order::SinkFirst, Order::SinkAgain}) {
             Chain chain;
-            chain.source->pin.mode = mode;
+            chain.source->pin.offer.allocator = mode;
             const ComPtr<IMemAllocator> sinks = OfferOwn(chain.sink->pin);
-            if (mode == Mode::Own)
+            if (mode == Allocator::Own)
                 chain.sink->pin.needs = {2, 0, 4096, 8};
             Connect(chain, order);
             EXPECT_EQ(std::max(chain.sink->pin.needs.cbAlign, 1L), chain.source->pin.seen.cbAlign);
             EXPECT_EQ(chain.sink->pin.needs.cbPrefix, chain.source->pin.seen.cbPrefix);
-            EXPECT_EQ(mode == Mode::Peers, sinks.Get() == chain.source->pin.PeekAllocator());
+            EXPECT_EQ(mode == Allocator::Shared, sinks.Get() == chain.source->pin.PeekAllocator());
             EXPECT_EQ(chain.source->pin.PeekAllocator(), chain.sink->pin.PeekAllocator());
             EXPECT_TRUE(ArrivesInPlace(chain));
         }
@@ -83,17 +80,17 @@ TEST(Allocation, AnotherSinkBringsItsOwnAllocator)
     Held<Sink> second;
     {
         Chain chain;
-        ASSERT_HRESULT_SUCCEEDED(chain.graph->Add(second.get()));
+        ASSERT_HRESULT_SUCCEEDED(chain.graph->Add(second.Get()));
         ASSERT_EQ(S_OK, chain.Connect());
         const ComPtr<IMemAllocator> first(chain.sink->pin.PeekAllocator());
         EXPECT_EQ(first.Get(), chain.source->pin.PeekAllocator());
         chain.probe->Out().Disconnect();
         chain.sink->pin.Disconnect();
-        second->pin.takesAllocator = [&](IMemAllocator* offered) { return offered != first.Get(); };
+        second->record.insistsOn = OfferOwn(second->pin).Get();
         ASSERT_EQ(S_OK, chain.graph->Connect(chain.probe->Out(), second->pin));
         EXPECT_EQ(second->pin.PeekAllocator(), chain.source->pin.PeekAllocator());
         EXPECT_FALSE(chain.probe->UsingDifferentAllocators());
-        EXPECT_EQ(0, second->pin.refusals) << "it was handed what may die with the first";
+        EXPECT_EQ(0, second->record.refusals) << "it was handed what may die with the first";
         chain.graph.reset();
         EXPECT_EQ(0u, second.Release());
     }
@@ -199,18 +196,18 @@ TEST(Allocation, BuffersAreAskedForAsUpstreamHasThem)
     Chain chain;
     Held<Stingy> stingy;
     ALLOCATOR_PROPERTIES request = {7, 7, 16, 0};
-    EXPECT_EQ(S_OK, chain.probe->DecideBufferSize(stingy.get(), &request));
+    EXPECT_EQ(S_OK, chain.probe->DecideBufferSize(stingy.Get(), &request));
     EXPECT_EQ(1, stingy->asked.cBuffers) << "without an input";
     EXPECT_EQ(1, stingy->asked.cbBuffer);
     ASSERT_EQ(S_OK, chain.Connect());
-    EXPECT_EQ(S_OK, chain.probe->DecideBufferSize(stingy.get(), &request));
+    EXPECT_EQ(S_OK, chain.probe->DecideBufferSize(stingy.Get(), &request));
     EXPECT_EQ(3, stingy->asked.cBuffers);
     EXPECT_EQ(8 * 4 * 4, stingy->asked.cbBuffer);
     EXPECT_EQ(16, stingy->asked.cbAlign);
     for (const ALLOCATOR_PROPERTIES fewer :
          {ALLOCATOR_PROPERTIES{1, 0, 0, 0}, ALLOCATOR_PROPERTIES{0, 1, 0, 0}, ALLOCATOR_PROPERTIES{0, 0, 1, 0}}) {
         stingy->fewer = fewer;
-        EXPECT_EQ(E_FAIL, chain.probe->DecideBufferSize(stingy.get(), &request));
+        EXPECT_EQ(E_FAIL, chain.probe->DecideBufferSize(stingy.Get(), &request));
     }
     EXPECT_EQ(0u, stingy.Release());
 }
@@ -219,7 +216,7 @@ TEST(Allocation, BuffersAreAskedForAsUpstreamHasThem)
 TEST(Allocation, CopiesOfForeignSamples)
 {
     Chain chain;
-    chain.source->pin.mode = SourcePin::Allocator::OwnReadOnly;
+    chain.source->pin.offer.allocator = Allocator::ReadOnly;
     ASSERT_EQ(S_OK, chain.Connect());
     ASSERT_HRESULT_SUCCEEDED(chain.graph->Run());
     std::vector<std::uint8_t> bytes(8 * 4 * 4, 3);
@@ -228,11 +225,11 @@ TEST(Allocation, CopiesOfForeignSamples)
     sample.timeResult = VFW_S_NO_STOP_TIME;
     sample.type = &chain.source->pin.types.front();
     EXPECT_EQ(S_OK, chain.probe->In().Receive(&sample));
-    const Arrival& arrival = chain.sink->pin.arrivals.at(0);
-    EXPECT_EQ(4, arrival.bytes[0]);
-    EXPECT_EQ(100, arrival.properties.tStart);
+    const Record& seen = chain.sink->record;
+    EXPECT_EQ(4, seen.content[0]);
+    EXPECT_EQ(100, seen.properties.tStart);
     EXPECT_EQ(static_cast<DWORD>(AM_SAMPLE_SPLICEPOINT | AM_SAMPLE_TIMEVALID | AM_SAMPLE_TYPECHANGED),
-              arrival.properties.dwSampleFlags);
+              seen.properties.dwSampleFlags);
 
     for (const LONG lie : std::initializer_list<LONG>{8L * 4 * 4 + 1, -1L, -MAXLONG - 1, LONG{MAXLONG}}) {
         sample.length = lie;
@@ -241,23 +238,23 @@ TEST(Allocation, CopiesOfForeignSamples)
     sample.length = 100; // fits the copy, not the sample
     sample.size = 99;
     EXPECT_EQ(E_UNEXPECTED, chain.probe->In().Receive(&sample));
-    EXPECT_EQ(1, chain.sink->pin.received);
+    EXPECT_EQ(1, chain.sink->record.samples);
     sample.size = 0; // not told
     EXPECT_EQ(S_OK, chain.probe->In().Receive(&sample));
-    EXPECT_EQ(100u, chain.sink->pin.arrivals.at(1).bytes.size());
+    EXPECT_EQ(100u, seen.content.size());
     chain.graph->Stop();
 }
 
 // Samples that may not be changed where they lie, and allocators that the other side does not take.
 TEST(Allocation, CopiesAreMadeOnceWhereTheyMustBe)
 {
-    for (const Mode mode : {Mode::OwnReadOnly, Mode::PeersReadOnly, Mode::Own}) {
+    for (const Allocator mode : {Allocator::ReadOnly, Allocator::SharedReadOnly, Allocator::Own}) {
         for (const Order order : {Order::SourceFirst, Order::SinkFirst, Order::SinkAgain}) {
             Chain chain;
-            chain.source->pin.mode = mode;
+            chain.source->pin.offer.allocator = mode;
             const ComPtr<IMemAllocator> sinks = OfferOwn(chain.sink->pin);
-            if (mode != Mode::PeersReadOnly)
-                chain.sink->pin.takesAllocator = [&](IMemAllocator* offered) { return offered == sinks.Get(); };
+            if (mode != Allocator::SharedReadOnly)
+                chain.sink->record.insistsOn = sinks.Get();
             Connect(chain, order);
             EXPECT_TRUE(chain.probe->UsingDifferentAllocators());
             EXPECT_NE(chain.source->pin.PeekAllocator(), chain.sink->pin.PeekAllocator());
@@ -274,7 +271,7 @@ TEST(Allocation, CopiesAreMadeOnceWhereTheyMustBe)
 TEST(Allocation, CopiesCarryEverything)
 {
     Chain chain;
-    chain.source->pin.mode = SourcePin::Allocator::OwnReadOnly;
+    chain.source->pin.offer.allocator = Allocator::ReadOnly;
     ASSERT_EQ(S_OK, chain.Connect());
     ASSERT_HRESULT_SUCCEEDED(chain.graph->Run());
     const ComPtr<IMediaSample> sample = chain.Sample(7);
@@ -287,19 +284,18 @@ TEST(Allocation, CopiesCarryEverything)
     sample->SetPreroll(TRUE);
     sample->SetActualDataLength(100);
     ASSERT_EQ(S_OK, chain.source->pin.Deliver(sample.Get()));
-    const Arrival& arrival = chain.sink->pin.arrivals.at(0);
-    EXPECT_NE(sample.Get(), arrival.sample);
-    EXPECT_EQ(100u, arrival.bytes.size());
-    EXPECT_EQ(8, arrival.bytes[0]);
-    EXPECT_EQ(7, arrival.bytes[99]);
-    EXPECT_EQ(100, arrival.properties.tStart);
-    EXPECT_EQ(250, arrival.properties.tStop);
+    const Record& seen = chain.sink->record;
+    EXPECT_NE(sample.Get(), seen.last);
+    EXPECT_EQ(100u, seen.content.size());
+    EXPECT_EQ(8, seen.content[0]);
+    EXPECT_EQ(7, seen.content[99]);
+    EXPECT_EQ(100, seen.properties.tStart);
+    EXPECT_EQ(250, seen.properties.tStop);
     EXPECT_EQ(static_cast<DWORD>(AM_SAMPLE_SPLICEPOINT | AM_SAMPLE_DATADISCONTINUITY | AM_SAMPLE_PREROLL |
                                  AM_SAMPLE_TIMEVALID | AM_SAMPLE_STOPVALID),
-              arrival.properties.dwSampleFlags);
-    EXPECT_TRUE(arrival.hasMediaTime);
-    EXPECT_EQ(5, arrival.mediaStart);
-    EXPECT_EQ(6, arrival.mediaEnd);
+              seen.properties.dwSampleFlags);
+    EXPECT_EQ(5, seen.mediaStart);
+    EXPECT_EQ(6, seen.mediaEnd);
 
     // No buffer to be had: the sample is lost, and streaming goes on.
     ComPtr<IMemAllocator> output(chain.sink->pin.PeekAllocator());
@@ -316,7 +312,7 @@ TEST(Allocation, AChainOfFiltersSharesOneAllocator)
     Held<Probe> second;
     {
         Chain chain;
-        ASSERT_HRESULT_SUCCEEDED(chain.graph->Add(second.get()));
+        ASSERT_HRESULT_SUCCEEDED(chain.graph->Add(second.Get()));
         chain.sink->pin.needs = {1, 0, 512, 0};
         ASSERT_EQ(S_OK, chain.graph->Connect(chain.source->pin, chain.probe->In()));
         ASSERT_EQ(S_OK, chain.graph->Connect(chain.probe->Out(), second->In()));
@@ -327,8 +323,8 @@ TEST(Allocation, AChainOfFiltersSharesOneAllocator)
         ASSERT_HRESULT_SUCCEEDED(chain.graph->Run());
         const ComPtr<IMediaSample> sample = chain.Sample(1);
         EXPECT_EQ(S_OK, chain.source->pin.Deliver(sample.Get()));
-        EXPECT_EQ(sample.Get(), chain.sink->pin.arrivals.at(0).sample);
-        EXPECT_EQ(3, chain.sink->pin.arrivals.at(0).bytes[0]);
+        EXPECT_EQ(sample.Get(), chain.sink->record.last);
+        EXPECT_EQ(3, chain.sink->record.content.at(0));
         chain.graph->Stop();
         chain.graph.reset();
         EXPECT_EQ(0u, second.Release());

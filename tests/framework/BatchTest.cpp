@@ -94,7 +94,7 @@ TEST_F(Batches, AreDoneInTheOrderOfTheRow)
     a->putsOff = c->putsOff = false;
     EXPECT_EQ(S_OK, Push());
     EXPECT_EQ("ABC", log);
-    EXPECT_EQ(3, sink->pin.received);
+    EXPECT_EQ(3, sink->record.samples);
 }
 
 TEST_F(Batches, AreDoneWhenTheSampleGoesNoFurther)
@@ -110,7 +110,7 @@ TEST_F(Batches, AreDoneWhenTheSampleGoesNoFurther)
     b->putsOff = true;
     EXPECT_EQ(S_FALSE, Push());
     EXPECT_EQ("ab", log);
-    EXPECT_EQ(0, sink->pin.received);
+    EXPECT_EQ(0, sink->record.samples);
     c->In().EndFlush();
     EXPECT_EQ(S_OK, Push());
     EXPECT_EQ("abc", log);
@@ -118,9 +118,9 @@ TEST_F(Batches, AreDoneWhenTheSampleGoesNoFurther)
 
 TEST_F(Batches, AreDoneBeforeTheSampleIsCopied)
 {
-    source->pin.mode = SourcePin::Allocator::Own;
+    source->pin.offer.allocator = Allocator::Own;
     ASSERT_EQ(S_OK, CreateMemoryAllocator(&sink->pin.offers));
-    sink->pin.takesAllocator = [this](IMemAllocator* allocator) { return allocator == sink->pin.offers.Get(); };
+    sink->record.insistsOn = sink->pin.offers.Get();
     Start();
     EXPECT_EQ(S_OK, Push());
     EXPECT_EQ("abC", log);

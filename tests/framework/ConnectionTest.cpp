@@ -93,7 +93,7 @@ TEST(Connection, NeedsAGraphAndATransport)
     {
         Held<Sink> sink;
         {
-            Deaf deaf(sink.get(), &sink->lock);
+            Deaf deaf(*sink);
             EXPECT_EQ(VFW_E_NO_TRANSPORT, source->pin.Connect(&deaf, nullptr));
         }
         EXPECT_EQ(0u, sink.Release());
@@ -143,15 +143,17 @@ TEST(Connection, FailedAttemptsLeaveNothingBehind)
     EXPECT_FALSE(chain.sink->pin.IsConnected());
     EXPECT_EQ(nullptr, chain.probe->Out().ConnectedIMemInputPin());
     chain.sink->pin.completeResult = S_OK;
-    chain.sink->pin.accepts = [](const CMediaType&) { return false; };
+    chain.sink->record.accepts = [](const CMediaType&) { return false; };
     EXPECT_EQ(VFW_E_NO_ACCEPTABLE_TYPES, chain.probe->Out().Connect(&chain.sink->pin, nullptr));
-    chain.sink->pin.accepts = [](const CMediaType&) -> bool { throw std::bad_alloc(); };
+    chain.sink->record.accepts = [](const CMediaType&) -> bool { throw std::bad_alloc(); };
     EXPECT_EQ(E_OUTOFMEMORY, chain.probe->Out().Connect(&chain.sink->pin, nullptr));
-    chain.sink->pin.accepts = [](const CMediaType&) { return true; };
-    chain.sink->pin.takesAllocator = [](IMemAllocator*) { return false; };
+    chain.sink->record.accepts = nullptr;
+    ComPtr<IMemAllocator> another;
+    ASSERT_EQ(S_OK, CreateMemoryAllocator(&another));
+    chain.sink->record.insistsOn = another.Get();
     EXPECT_HRESULT_FAILED(chain.probe->Out().Connect(&chain.sink->pin, nullptr));
     EXPECT_FALSE(chain.sink->pin.IsConnected());
-    chain.sink->pin.takesAllocator = [](IMemAllocator*) { return true; };
+    chain.sink->record.insistsOn = nullptr;
     EXPECT_EQ(S_OK, chain.probe->Out().Connect(&chain.sink->pin, nullptr));
 }
 
@@ -160,7 +162,7 @@ TEST(Connection, RingsAreRefused)
     Held<Probe> second;
     {
         Chain chain;
-        ASSERT_HRESULT_SUCCEEDED(chain.graph->Add(second.get()));
+        ASSERT_HRESULT_SUCCEEDED(chain.graph->Add(second.Get()));
         const CMediaType& type = chain.source->pin.types[0];
         CTransInPlaceInputPin& in = chain.probe->In();
         EXPECT_EQ(VFW_E_CIRCULAR_GRAPH, in.ReceiveConnection(&chain.probe->Out(), &type));
@@ -181,7 +183,7 @@ TEST(Connection, QuestionsComeToAnEnd)
     CTransInPlaceInputPin& in = chain.probe->In();
     CTransInPlaceOutputPin& out = chain.probe->Out();
     chain.source->pin.whenAsked = [&](const CMediaType& type) { EXPECT_EQ(S_OK, in.QueryAccept(&type)); };
-    chain.sink->pin.accepts = [&](const CMediaType& type) { return out.QueryAccept(&type) == S_OK; };
+    chain.sink->record.accepts = [&](const CMediaType& type) { return out.QueryAccept(&type) == S_OK; };
     EXPECT_EQ(S_OK, in.QueryAccept(&chain.source->pin.types.front()));
     EXPECT_EQ(S_OK, out.QueryAccept(&chain.source->pin.types.front()));
     chain.source->pin.whenAsked = nullptr;

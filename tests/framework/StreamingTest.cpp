@@ -20,6 +20,7 @@ protected:
 
     Chain chain;
     SinkPin& sink = chain.sink->pin;
+    vixahost::fixtures::Record& seen = chain.sink->record;
     CTransInPlaceInputPin& in = chain.probe->In();
     CTransInPlaceOutputPin& out = chain.probe->Out();
 };
@@ -43,14 +44,14 @@ TEST_F(Streaming, ReceiveInWrongStates)
     ASSERT_EQ(S_OK, chain.graph->Connect(out, sink));
     EXPECT_EQ(VFW_E_WRONG_STATE, in.Receive(sample.Get()));
     EXPECT_EQ(VFW_E_WRONG_STATE, in.EndOfStream());
-    EXPECT_EQ(0, sink.ends);
+    EXPECT_EQ(0, seen.endsOfStream);
     EXPECT_EQ(E_POINTER, in.Receive(nullptr));
 
     ASSERT_HRESULT_SUCCEEDED(chain.graph->Pause());
     EXPECT_EQ(S_OK, in.Receive(sample.Get())) << "a paused filter streams";
     ASSERT_HRESULT_SUCCEEDED(chain.graph->Stop());
     EXPECT_EQ(VFW_E_WRONG_STATE, in.Receive(sample.Get()));
-    EXPECT_EQ(1, sink.received);
+    EXPECT_EQ(1, seen.samples);
     sample.Reset();
     EXPECT_EQ(0u, allocator.Release());
 }
@@ -62,7 +63,7 @@ TEST_F(Streaming, ResultsOfTransformAndOfDelivery)
     chain.probe->transform = [](IMediaSample*) { return S_FALSE; };
     EXPECT_EQ(S_OK, Push());
     EXPECT_EQ(S_OK, Push());
-    EXPECT_EQ(0, sink.received) << "skipped";
+    EXPECT_EQ(0, seen.samples) << "skipped";
     EXPECT_EQ(1, chain.graph->CountEvents(EC_QUALITY_CHANGE)) << "once from pause to run";
     chain.graph->Pause();
     chain.graph->Run();
@@ -75,11 +76,11 @@ TEST_F(Streaming, ResultsOfTransformAndOfDelivery)
     EXPECT_EQ(E_OUTOFMEMORY, Push());
     chain.probe->transform = [](IMediaSample*) -> HRESULT { throw 1; };
     EXPECT_EQ(E_UNEXPECTED, Push());
-    EXPECT_EQ(0, sink.received);
+    EXPECT_EQ(0, seen.samples);
     chain.probe->transform = nullptr;
-    sink.receiveResult = S_FALSE;
+    seen.answer = S_FALSE;
     EXPECT_EQ(S_FALSE, Push()) << "downstream's answer goes up";
-    EXPECT_EQ(1, sink.received);
+    EXPECT_EQ(1, seen.samples);
 }
 
 TEST_F(Streaming, OtherStreamsPassUntouched)
@@ -94,9 +95,9 @@ TEST_F(Streaming, OtherStreamsPassUntouched)
     ASSERT_EQ(S_OK, sample2->SetProperties(sizeof properties, reinterpret_cast<BYTE*>(&properties)));
     EXPECT_EQ(S_OK, chain.source->pin.Deliver(sample.Get()));
     EXPECT_EQ(0, chain.probe->transforms);
-    ASSERT_EQ(1u, sink.arrivals.size());
-    EXPECT_EQ(sample.Get(), sink.arrivals[0].sample);
-    EXPECT_EQ(9, sink.arrivals[0].bytes[0]);
+    EXPECT_EQ(1, seen.samples);
+    EXPECT_EQ(sample.Get(), seen.last);
+    EXPECT_EQ(9, seen.content.at(0));
 }
 
 TEST_F(Streaming, SeveralSamplesAtOnce)
@@ -125,7 +126,7 @@ TEST_F(Streaming, FlushEndAndSegmentGoDownstream)
 {
     Start();
     EXPECT_EQ(S_OK, in.NewSegment(10, 20, 2.0));
-    EXPECT_EQ(1, sink.segments);
+    EXPECT_EQ(1, seen.segments);
     EXPECT_EQ(10, sink.CurrentStartTime());
     EXPECT_EQ(20, sink.CurrentStopTime());
     EXPECT_EQ(2.0, sink.CurrentRate());
@@ -133,17 +134,17 @@ TEST_F(Streaming, FlushEndAndSegmentGoDownstream)
 
     const ComPtr<IMediaSample> sample = chain.Sample();
     EXPECT_EQ(S_OK, in.BeginFlush());
-    EXPECT_EQ(1, sink.flushesBegun);
+    EXPECT_EQ(1, seen.flushBegins);
     EXPECT_TRUE(sink.IsFlushing());
     EXPECT_EQ(S_FALSE, in.Receive(sample.Get()));
     EXPECT_EQ(S_FALSE, in.EndOfStream());
-    EXPECT_EQ(0, sink.ends) << "the end of a stream that is flushed is not passed on";
-    EXPECT_EQ(0, sink.received);
+    EXPECT_EQ(0, seen.endsOfStream) << "the end of a stream that is flushed is not passed on";
+    EXPECT_EQ(0, seen.samples);
     EXPECT_EQ(S_OK, in.EndFlush());
-    EXPECT_EQ(1, sink.flushesEnded);
+    EXPECT_EQ(1, seen.flushEnds);
     EXPECT_EQ(S_OK, in.Receive(sample.Get()));
     EXPECT_EQ(S_OK, in.EndOfStream());
-    EXPECT_EQ(1, sink.ends);
+    EXPECT_EQ(1, seen.endsOfStream);
 
     // A flush that a stop cuts short does not last into the next start.
     EXPECT_EQ(S_OK, in.BeginFlush());
@@ -154,7 +155,7 @@ TEST_F(Streaming, FlushEndAndSegmentGoDownstream)
 
 TEST_F(Streaming, SampleWithATypeThatIsTaken)
 {
-    chain.source->pin.wanted.cbBuffer = 4096;
+    chain.source->pin.offer.bufferBytes = 4096;
     Start();
     chain.probe->typesSet.clear();
     CMediaType wide = VideoType(16, 8);
@@ -167,12 +168,12 @@ TEST_F(Streaming, SampleWithATypeThatIsTaken)
     EXPECT_TRUE(sink.CurrentMediaType() == wide);
     const std::vector<std::pair<PIN_DIRECTION, LONG>> expected = {{PINDIR_INPUT, 16}, {PINDIR_OUTPUT, 16}};
     EXPECT_EQ(expected, chain.probe->typesSet);
-    EXPECT_TRUE(sink.arrivals.at(0).properties.dwSampleFlags & AM_SAMPLE_TYPECHANGED) << "it passes on with its type";
+    EXPECT_TRUE(seen.properties.dwSampleFlags & AM_SAMPLE_TYPECHANGED) << "it passes on with its type";
 
     // The next one, of the same buffer, carries nothing of it.
     sample.Reset();
     ASSERT_EQ(S_OK, Push());
-    EXPECT_FALSE(sink.arrivals.at(1).properties.dwSampleFlags & AM_SAMPLE_TYPECHANGED);
+    EXPECT_FALSE(seen.properties.dwSampleFlags & AM_SAMPLE_TYPECHANGED);
     EXPECT_TRUE(in.CurrentMediaType() == wide);
 }
 
@@ -184,12 +185,12 @@ TEST_F(Streaming, SampleWithATypeThatIsRefused)
     const ComPtr<IMediaSample> sample = chain.Sample();
     sample->SetMediaType(&other);
     EXPECT_EQ(VFW_E_INVALIDMEDIATYPE, chain.source->pin.Deliver(sample.Get()));
-    EXPECT_EQ(1, sink.ends) << "the stream is over";
-    EXPECT_EQ(0, sink.received);
+    EXPECT_EQ(1, seen.endsOfStream) << "the stream is over";
+    EXPECT_EQ(0, seen.samples);
     sample->SetMediaType(nullptr);
     EXPECT_EQ(VFW_E_RUNTIME_ERROR, chain.source->pin.Deliver(sample.Get()));
     EXPECT_EQ(VFW_E_RUNTIME_ERROR, in.EndOfStream());
-    EXPECT_EQ(1, sink.ends);
+    EXPECT_EQ(1, seen.endsOfStream);
     LONG_PTR reason = 0;
     EXPECT_EQ(1, chain.graph->CountEvents(EC_ERRORABORT, &reason));
     EXPECT_EQ(static_cast<LONG_PTR>(VFW_E_TYPE_NOT_ACCEPTED), reason);
@@ -198,16 +199,16 @@ TEST_F(Streaming, SampleWithATypeThatIsRefused)
     ASSERT_HRESULT_SUCCEEDED(chain.graph->Run());
     EXPECT_EQ(S_OK, Push()) << "a stop ends the error";
     // Downstream's refusal counts as much as the filter's own.
-    sink.accepts = [](const CMediaType&) { return false; };
+    seen.accepts = [](const CMediaType&) { return false; };
     CMediaType wide = VideoType(4, 4);
     sample->SetMediaType(&wide);
     EXPECT_EQ(VFW_E_INVALIDMEDIATYPE, chain.source->pin.Deliver(sample.Get()));
-    EXPECT_EQ(2, sink.ends);
+    EXPECT_EQ(2, seen.endsOfStream);
 }
 
 TEST_F(Streaming, CopyingFilterKeepsItsOutputType)
 {
-    chain.source->pin.mode = SourcePin::Allocator::OwnReadOnly;
+    chain.source->pin.offer.allocator = Allocator::ReadOnly;
     chain.source->pin.types.push_back(VideoType(4, 4));
     Start();
     EXPECT_EQ(S_OK, out.QueryAccept(&chain.source->pin.types.front()));
@@ -239,23 +240,23 @@ TEST_F(Streaming, QualityMessagesGoUpstream)
     } manager;
 
     const Quality late = {Famine, 500, 1000, 0};
-    EXPECT_EQ(VFW_E_NOT_FOUND, out.Notify(chain.sink.get(), late));
+    EXPECT_EQ(VFW_E_NOT_FOUND, out.Notify(chain.sink.Get(), late));
     Start();
     ComPtr<IQualityControl> control;
     ASSERT_EQ(S_OK, out.QueryInterface(IID_IQualityControl, reinterpret_cast<void**>(control.GetAddressOf())));
-    EXPECT_EQ(S_OK, control->Notify(chain.sink.get(), late));
+    EXPECT_EQ(S_OK, control->Notify(chain.sink.Get(), late));
     EXPECT_EQ(1, chain.source->pin.qualityMessages);
     chain.probe->qualityResult = S_OK;
-    EXPECT_EQ(S_OK, control->Notify(chain.sink.get(), late));
+    EXPECT_EQ(S_OK, control->Notify(chain.sink.Get(), late));
     EXPECT_EQ(1, chain.source->pin.qualityMessages) << "the filter dealt with it";
     chain.probe->qualityResult = S_FALSE;
     EXPECT_EQ(S_OK, in.SetSink(&manager));
-    EXPECT_EQ(S_OK, control->Notify(chain.sink.get(), late));
-    EXPECT_EQ(E_UNEXPECTED, control->Notify(chain.sink.get(), late)) << "it threw";
+    EXPECT_EQ(S_OK, control->Notify(chain.sink.Get(), late));
+    EXPECT_EQ(E_UNEXPECTED, control->Notify(chain.sink.Get(), late)) << "it threw";
     EXPECT_EQ(2, manager.count);
     EXPECT_EQ(1, chain.source->pin.qualityMessages);
     EXPECT_EQ(S_OK, in.SetSink(nullptr));
-    EXPECT_EQ(E_NOTIMPL, in.Notify(chain.sink.get(), late)) << "an input is not where a sink complains";
+    EXPECT_EQ(E_NOTIMPL, in.Notify(chain.sink.Get(), late)) << "an input is not where a sink complains";
 }
 
 TEST_F(Streaming, StatesAndClock)
@@ -326,7 +327,7 @@ TEST_F(Streaming, FilterInTheGraph)
     in.Disconnect();
     EXPECT_EQ(S_OK, chain.sink->Pause());
     EXPECT_EQ(S_OK, probe.Pause());
-    EXPECT_EQ(1, sink.ends);
+    EXPECT_EQ(1, seen.endsOfStream);
     EXPECT_EQ(S_OK, probe.Stop());
     EXPECT_EQ(S_OK, chain.sink->Stop());
     const std::wstring longName(200, L'x');

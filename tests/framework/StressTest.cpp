@@ -14,11 +14,11 @@ constexpr DWORD duration = 1000; // milliseconds of each run
 
 TEST(Stress, StatesChangeWhileSamplesCome)
 {
-    for (const auto mode : {SourcePin::Allocator::Peers, SourcePin::Allocator::OwnReadOnly}) {
+    for (const auto mode : {Allocator::Shared, Allocator::ReadOnly}) {
         Chain chain;
-        chain.source->pin.mode = mode;
+        chain.source->pin.offer.allocator = mode;
         chain.source->pin.StreamByItself();
-        chain.sink->pin.remembers = false;
+        chain.sink->record.keepsContent = false;
         ASSERT_EQ(S_OK, chain.Connect());
         const ULONGLONG end = GetTickCount64() + duration;
         int rounds = 0;
@@ -31,15 +31,15 @@ TEST(Stress, StatesChangeWhileSamplesCome)
             }
             ASSERT_HRESULT_SUCCEEDED(chain.graph->Stop());
             ASSERT_FALSE(chain.probe->streaming);
-            const int before = chain.sink->pin.received;
+            const int before = chain.sink->record.samples;
             Sleep(0);
-            ASSERT_EQ(before, chain.sink->pin.received) << "a frame after the stop";
+            ASSERT_EQ(before, chain.sink->record.samples) << "a frame after the stop";
         }
         EXPECT_GT(rounds, 10);
-        EXPECT_GT(chain.source->pin.pushed, 0);
+        EXPECT_GT(chain.sink->record.samples, 0);
         // A frame that was in the filter when the sink had stopped already is refused there.
-        EXPECT_LE(chain.sink->pin.received, chain.probe->transforms);
-        EXPECT_GE(chain.sink->pin.received + rounds, chain.probe->transforms);
+        EXPECT_LE(chain.sink->record.samples, chain.probe->transforms);
+        EXPECT_GE(chain.sink->record.samples + rounds, chain.probe->transforms);
     }
 }
 
@@ -60,7 +60,7 @@ TEST(Stress, FilterAloneStopsWithEveryBufferOut)
     };
     CAMEvent asked;
     Chain chain;
-    chain.source->pin.mode = SourcePin::Allocator::OwnReadOnly;
+    chain.source->pin.offer.allocator = Allocator::ReadOnly;
     chain.sink->pin.offers = new Telling(asked);
     ASSERT_EQ(S_OK, chain.Connect());
     ASSERT_HRESULT_SUCCEEDED(chain.graph->Run());
@@ -82,7 +82,7 @@ TEST(Stress, QuestionsFromEveryThread)
 {
     Chain chain;
     chain.source->pin.StreamByItself();
-    chain.sink->pin.remembers = false;
+    chain.sink->record.keepsContent = false;
     ASSERT_EQ(S_OK, chain.Connect());
     std::atomic<bool> done = false;
     const auto loop = [&](auto action) {
@@ -100,7 +100,7 @@ TEST(Stress, QuestionsFromEveryThread)
             Sleep(1);
         }),
         loop([&] {
-            out.Notify(chain.sink.get(), {Famine, 900, 10, 0});
+            out.Notify(chain.sink.Get(), {Famine, 900, 10, 0});
             in.QueryAccept(&chain.source->pin.types.front());
             CMediaType type;
             EXPECT_EQ(S_OK, out.ConnectionMediaType(&type));

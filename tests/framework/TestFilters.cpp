@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace test {
@@ -9,9 +10,6 @@ namespace test {
 const CLSID probeClass = {0x2B0C7A11, 0x93D4, 0x4E0B, {0x8B, 0x11, 0x5D, 0x60, 0x11, 0x7E, 0x20, 0x01}};
 
 namespace {
-
-const CLSID sourceClass = {0x2B0C7A11, 0x93D4, 0x4E0B, {0x8B, 0x11, 0x5D, 0x60, 0x11, 0x7E, 0x20, 0x02}};
-const CLSID sinkClass = {0x2B0C7A11, 0x93D4, 0x4E0B, {0x8B, 0x11, 0x5D, 0x60, 0x11, 0x7E, 0x20, 0x03}};
 
 template <typename Interface>
 ComPtr<Interface> As(IUnknown* object, REFIID riid)
@@ -32,19 +30,11 @@ HRESULT TypeAt(const std::vector<CMediaType>& types, int index, CMediaType* type
 
 } // namespace
 
-SourcePin::SourcePin(CBaseFilter* filter, CCritSec* pinLock)
-    : CBaseOutputPin(nullptr, filter, pinLock, nullptr, L"Frames")
-{
-}
-
 HRESULT SourcePin::CheckMediaType(const CMediaType* type)
 {
     if (whenAsked)
         whenAsked(*type);
-    for (const CMediaType& known : types)
-        if (known == *type)
-            return S_OK;
-    return VFW_E_TYPE_NOT_ACCEPTED;
+    return std::ranges::find(types, *type) != types.end() ? S_OK : VFW_E_TYPE_NOT_ACCEPTED;
 }
 
 HRESULT SourcePin::GetMediaType(int index, CMediaType* type)
@@ -55,62 +45,33 @@ HRESULT SourcePin::GetMediaType(int index, CMediaType* type)
 HRESULT SourcePin::DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request)
 {
     seen = *request;
-    ALLOCATOR_PROPERTIES asked = wanted;
-    asked.cbAlign = std::max(wanted.cbAlign, request->cbAlign);
-    asked.cbPrefix = std::max(wanted.cbPrefix, request->cbPrefix);
-    ALLOCATOR_PROPERTIES granted;
-    return allocator->SetProperties(&asked, &granted);
-}
-
-HRESULT SourcePin::DecideAllocator(IMemInputPin* peer, IMemAllocator** allocator)
-{
-    if (mode == Allocator::Peers)
-        return CBaseOutputPin::DecideAllocator(peer, allocator);
-    ALLOCATOR_PROPERTIES needed = {};
-    peer->GetAllocatorRequirements(&needed);
-    ComPtr<IMemAllocator> chosen;
-    HRESULT result = mode == Allocator::PeersReadOnly ? peer->GetAllocator(&chosen) : InitAllocator(&chosen);
-    if (SUCCEEDED(result))
-        result = DecideBufferSize(chosen.Get(), &needed);
-    if (SUCCEEDED(result))
-        result = peer->NotifyAllocator(chosen.Get(), mode != Allocator::Own);
-    *allocator = SUCCEEDED(result) ? chosen.Detach() : nullptr;
-    return result;
+    request->cBuffers = 3;
+    return FrameSourcePin::DecideBufferSize(allocator, request);
 }
 
 HRESULT SourcePin::Active()
 {
     if (FAILED(activeResult))
         return activeResult;
-    const HRESULT result = CBaseOutputPin::Active();
-    if (SUCCEEDED(result) && ownThread) {
-        stopping.Reset();
-        thread.reset(CreateThread(nullptr, 0, Stream, this, 0, nullptr));
-    }
+    const HRESULT result = FrameSourcePin::Active();
+    if (SUCCEEDED(result) && ownThread)
+        thread = std::jthread([this](const std::stop_token& stop) {
+            while (!stop.stop_requested()) {
+                ComPtr<IMediaSample> sample;
+                // A failure: stopped, or stopping downstream.
+                if (SUCCEEDED(GetDeliveryBuffer(&sample, nullptr, nullptr, 0)))
+                    Deliver(sample.Get());
+            }
+        });
     return result;
 }
 
 HRESULT SourcePin::Inactive()
 {
-    stopping.Set();
-    const HRESULT result = CBaseOutputPin::Inactive(); // wakes the thread from GetBuffer
-    if (thread)
-        WaitForSingleObject(thread.get(), INFINITE);
-    thread.reset();
+    thread.request_stop();
+    const HRESULT result = FrameSourcePin::Inactive(); // wakes the thread from GetBuffer
+    thread = {};
     return result;
-}
-
-DWORD WINAPI SourcePin::Stream(void* pin) noexcept
-{
-    auto& self = *static_cast<SourcePin*>(pin);
-    while (!self.stopping.Check()) {
-        ComPtr<IMediaSample> sample;
-        if (FAILED(self.GetDeliveryBuffer(&sample, nullptr, nullptr, 0)))
-            continue; // stopped, or stopping downstream
-        if (self.Deliver(sample.Get()) == S_OK)
-            ++self.pushed;
-    }
-    return 0;
 }
 
 HRESULT SourcePin::Notify(IBaseFilter*, Quality) noexcept
@@ -119,43 +80,21 @@ HRESULT SourcePin::Notify(IBaseFilter*, Quality) noexcept
     return S_OK;
 }
 
-Source::Source() : CBaseFilter(nullptr, nullptr, &lock, sourceClass), pin(this, &lock) {}
-
-SinkPin::SinkPin(CBaseFilter* filter, CCritSec* pinLock) : CBaseInputPin(nullptr, filter, pinLock, nullptr, L"Shown") {}
-
-HRESULT SinkPin::CheckMediaType(const CMediaType* type)
-{
-    return accepts(*type) ? S_OK : VFW_E_TYPE_NOT_ACCEPTED;
-}
-
 HRESULT SinkPin::GetMediaType(int index, CMediaType* type)
 {
     return TypeAt(types, index, type);
 }
 
-HRESULT SinkPin::CompleteConnect(IPin*)
-{
-    return completeResult;
-}
-
 HRESULT SinkPin::Inactive()
 {
-    const HRESULT result = CBaseInputPin::Inactive();
+    const HRESULT result = FrameSinkPin::Inactive();
     CAutoLock wait(&receiving);
     return result;
 }
 
 HRESULT SinkPin::GetAllocator(IMemAllocator** allocator) noexcept
 {
-    return offers ? offers.CopyTo(allocator) : CBaseInputPin::GetAllocator(allocator);
-}
-
-HRESULT SinkPin::NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) noexcept
-{
-    if (takesAllocator(allocator))
-        return CBaseInputPin::NotifyAllocator(allocator, readOnly);
-    ++refusals;
-    return E_FAIL;
+    return offers ? offers.CopyTo(allocator) : FrameSinkPin::GetAllocator(allocator);
 }
 
 HRESULT SinkPin::GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) noexcept
@@ -169,48 +108,8 @@ HRESULT SinkPin::GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) noex
 HRESULT SinkPin::Receive(IMediaSample* sample) noexcept
 {
     CAutoLock lock(&receiving);
-    const HRESULT result = CBaseInputPin::Receive(sample);
-    if (result != S_OK)
-        return result;
-    ++received;
-    if (remembers) {
-        Arrival arrival = {};
-        arrival.sample = sample;
-        arrival.properties = *SampleProps();
-        BYTE* bytes = nullptr;
-        sample->GetPointer(&bytes);
-        arrival.bytes.assign(bytes, bytes + sample->GetActualDataLength());
-        arrival.hasMediaTime = sample->GetMediaTime(&arrival.mediaStart, &arrival.mediaEnd) == S_OK;
-        arrivals.push_back(std::move(arrival));
-    }
-    return receiveResult;
+    return FrameSinkPin::Receive(sample);
 }
-
-HRESULT SinkPin::EndOfStream() noexcept
-{
-    ++ends;
-    return CheckStreaming();
-}
-
-HRESULT SinkPin::BeginFlush() noexcept
-{
-    ++flushesBegun;
-    return CBaseInputPin::BeginFlush();
-}
-
-HRESULT SinkPin::EndFlush() noexcept
-{
-    ++flushesEnded;
-    return CBaseInputPin::EndFlush();
-}
-
-HRESULT SinkPin::NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) noexcept
-{
-    ++segments;
-    return CBaseInputPin::NewSegment(start, stop, rate);
-}
-
-Sink::Sink() : CBaseFilter(nullptr, nullptr, &lock, sinkClass), pin(this, &lock) {}
 
 HRESULT Probe::CheckInputType(const CMediaType* type)
 {
@@ -318,9 +217,9 @@ int Graph::CountEvents(long code, LONG_PTR* parameter)
 
 Chain::Chain()
 {
-    EXPECT_HRESULT_SUCCEEDED(graph->Add(source.get(), L"source"));
-    EXPECT_HRESULT_SUCCEEDED(graph->Add(probe.get(), L"probe"));
-    EXPECT_HRESULT_SUCCEEDED(graph->Add(sink.get(), L"sink"));
+    EXPECT_HRESULT_SUCCEEDED(graph->Add(source.Get(), L"source"));
+    EXPECT_HRESULT_SUCCEEDED(graph->Add(probe.Get(), L"probe"));
+    EXPECT_HRESULT_SUCCEEDED(graph->Add(sink.Get(), L"sink"));
 }
 
 Chain::~Chain()
@@ -332,13 +231,13 @@ Chain::~Chain()
     EXPECT_EQ(0, CBaseObject::ObjectsActive());
 }
 
-HRESULT Chain::Connect()
+HRESULT Chain::Connect() const
 {
     const HRESULT result = graph->Connect(source->pin, probe->In());
     return FAILED(result) ? result : graph->Connect(probe->Out(), sink->pin);
 }
 
-HRESULT Chain::Disconnect()
+HRESULT Chain::Disconnect() const
 {
     for (CBasePin* pin : std::initializer_list<CBasePin*>{&sink->pin, &probe->Out(), &probe->In(), &source->pin}) {
         const HRESULT result = pin->Disconnect();
@@ -348,7 +247,7 @@ HRESULT Chain::Disconnect()
     return S_OK;
 }
 
-ComPtr<IMediaSample> Chain::Sample(BYTE first)
+ComPtr<IMediaSample> Chain::Sample(BYTE first) const
 {
     ComPtr<IMediaSample> sample;
     EXPECT_HRESULT_SUCCEEDED(source->pin.GetDeliveryBuffer(&sample, nullptr, nullptr, AM_GBF_NOWAIT));

@@ -1,4 +1,4 @@
-// A source, a sink and an in-place filter that count and remember what happens to them.
+// The host's source and sink as these tests need them, and an in-place filter that counts what happens to it.
 #pragma once
 
 #include "framework/DirectShow.h"
@@ -8,13 +8,14 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
-#include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
 namespace test {
 
 using vixahost::fixtures::VideoType;
+using Allocator = vixahost::graph::FrameSource::Allocator;
 
 // Owns a framework object by one reference of its own; Release tells how many are left.
 template <typename Object>
@@ -32,7 +33,7 @@ public:
 
     Object* operator->() const { return object; }
     Object& operator*() const { return *object; }
-    Object* get() const { return object; }
+    Object* Get() const { return object; }
     ULONG Release()
     {
         Object* const released = std::exchange(object, nullptr);
@@ -43,119 +44,80 @@ private:
     Object* object;
 };
 
-// Pushes what the test hands it.
-class SourcePin : public CBaseOutputPin
+// The host's source with several types, which tells what it is asked and may push by itself whatever comes of it.
+class SourcePin : public vixahost::graph::FrameSourcePin
 {
 public:
-    enum class Allocator
+    explicit SourcePin(vixahost::graph::FrameSource& owner)
+        : FrameSourcePin(owner, {{}, 8 * 4 * 4, Allocator::Shared})
     {
-        Peers,
-        Own,
-        OwnReadOnly,
-        PeersReadOnly
-    };
-
-    SourcePin(CBaseFilter* filter, CCritSec* lock);
+    }
 
     HRESULT CheckMediaType(const CMediaType* type) override;
     HRESULT GetMediaType(int index, CMediaType* type) override;
+    // Asks for three.
     HRESULT DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request) override;
-    HRESULT DecideAllocator(IMemInputPin* pin, IMemAllocator** allocator) override;
     HRESULT Active() override;
     HRESULT Inactive() override;
     HRESULT STDMETHODCALLTYPE Notify(IBaseFilter* sender, Quality quality) noexcept override;
 
+    using FrameSourcePin::offer; // without its type
     IMemAllocator* PeekAllocator() const { return m_pAllocator.Get(); }
-    IMemInputPin* Peers() const { return m_pInputPin.Get(); }
     // An own thread that pushes samples from Active to Inactive.
     void StreamByItself() { ownThread = true; }
 
     std::vector<CMediaType> types = {VideoType(8, 4)};
-    Allocator mode = Allocator::Peers;
-    ALLOCATOR_PROPERTIES wanted = {3, 8 * 4 * 4, 1, 0};
     ALLOCATOR_PROPERTIES seen = {}; // the requirements when the allocator was decided
     std::function<void(const CMediaType&)> whenAsked;
     std::atomic<int> qualityMessages = 0;
-    std::atomic<int> pushed = 0;
     HRESULT activeResult = S_OK;
 
 private:
-    static DWORD WINAPI Stream(void* pin) noexcept;
-
     bool ownThread = false;
-    CAMEvent stopping{true};
-    vixa::UniqueThread thread;
+    std::jthread thread;
 };
 
-class Source : public CBaseFilter
+class Source : public vixahost::graph::FrameSource
 {
 public:
-    Source();
-    int GetPinCount() override { return 1; }
-    CBasePin* GetPin(int index) override { return index == 0 ? &pin : nullptr; }
+    Source() : pin(*new SourcePin(*this)) { output.reset(&pin); }
 
-    CCritSec lock;
-    SourcePin pin;
+    SourcePin& pin;
 };
 
-struct Arrival
-{
-    IMediaSample* sample; // for its identity only
-    std::vector<BYTE> bytes;
-    AM_SAMPLE2_PROPERTIES properties; // its pointers are dead
-    LONGLONG mediaStart, mediaEnd;
-    bool hasMediaTime;
-};
-
-class SinkPin : public CBaseInputPin
+// The host's sink with types of its own, whose answers can be chosen.
+class SinkPin : public vixahost::graph::FrameSinkPin
 {
 public:
-    SinkPin(CBaseFilter* filter, CCritSec* lock);
+    using FrameSinkPin::FrameSinkPin;
 
-    HRESULT CheckMediaType(const CMediaType* type) override;
     HRESULT GetMediaType(int index, CMediaType* type) override;
-    HRESULT CompleteConnect(IPin* pin) override;
+    HRESULT CompleteConnect(IPin* /*pin*/) override { return completeResult; }
     HRESULT Inactive() override;
     HRESULT STDMETHODCALLTYPE GetAllocator(IMemAllocator** allocator) noexcept override;
-    HRESULT STDMETHODCALLTYPE NotifyAllocator(IMemAllocator* allocator, BOOL readOnly) noexcept override;
     HRESULT STDMETHODCALLTYPE GetAllocatorRequirements(ALLOCATOR_PROPERTIES* properties) noexcept override;
     HRESULT STDMETHODCALLTYPE Receive(IMediaSample* sample) noexcept override;
     HRESULT STDMETHODCALLTYPE ReceiveCanBlock() noexcept override { return canBlock; }
-    HRESULT STDMETHODCALLTYPE EndOfStream() noexcept override;
-    HRESULT STDMETHODCALLTYPE BeginFlush() noexcept override;
-    HRESULT STDMETHODCALLTYPE EndFlush() noexcept override;
-    HRESULT STDMETHODCALLTYPE NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) noexcept override;
+
+    IMemAllocator* PeekAllocator() const { return m_pAllocator.Get(); }
 
     std::vector<CMediaType> types;
-    std::function<bool(const CMediaType&)> accepts = [](const CMediaType&) { return true; };
-    std::function<bool(IMemAllocator*)> takesAllocator = [](IMemAllocator*) { return true; };
-    int refusals = 0;             // of allocators
     ComPtr<IMemAllocator> offers; // whatever was agreed on; else as the base
     ALLOCATOR_PROPERTIES needs = {};
     HRESULT completeResult = S_OK;
-    HRESULT receiveResult = S_OK;
     HRESULT canBlock = S_FALSE;
-    bool remembers = true;
-    std::vector<Arrival> arrivals;
-    std::atomic<int> received = 0;
-    std::atomic<int> ends = 0;
-    std::atomic<int> flushesBegun = 0;
-    std::atomic<int> flushesEnded = 0;
-    std::atomic<int> segments = 0;
 
 private:
     CCritSec receiving;
 };
 
-class Sink : public CBaseFilter
+class Sink : public vixahost::graph::FrameSink
 {
 public:
-    Sink();
-    int GetPinCount() override { return 1; }
-    CBasePin* GetPin(int index) override { return index == 0 ? &pin : nullptr; }
+    Sink() : FrameSink(record), pin(*new SinkPin(*this)) { input.reset(&pin); }
 
-    CCritSec lock;
-    SinkPin pin;
+    vixahost::fixtures::Record record;
+    SinkPin& pin;
 };
 
 extern const CLSID probeClass;
@@ -218,10 +180,10 @@ struct Chain
     Chain();
     ~Chain();
     // Source to probe, then probe to sink.
-    HRESULT Connect();
-    HRESULT Disconnect();
-    // A sample of the source's allocator with that first byte.
-    ComPtr<IMediaSample> Sample(BYTE first = 0);
+    HRESULT Connect() const;
+    HRESULT Disconnect() const;
+    // A sample of the source's allocator, filled with that byte.
+    ComPtr<IMediaSample> Sample(BYTE first = 0) const;
 };
 
 } // namespace test
