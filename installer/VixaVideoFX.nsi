@@ -13,6 +13,7 @@ SetCompressor /SOLID lzma
 !include FileFunc.nsh
 !include LogicLib.nsh
 !include MUI2.nsh
+!include x64.nsh
 !include "${FILES}"
 
 !define NAME "VixaVideoFX"
@@ -78,6 +79,43 @@ VIAddVersionKey LegalCopyright ""
     ${EndIf}
 !macroend
 
+; The library, in either width, and the host.
+!macro RequireAllUnused FOLDER
+    !insertmacro RequireUnused "${FOLDER}\x86\${NAME}.dll"
+    !insertmacro RequireUnused "${FOLDER}\x86\vixahost.exe"
+    !insertmacro RequireUnused "${FOLDER}\x64\${NAME}.dll"
+    !insertmacro RequireUnused "${FOLDER}\x64\vixahost.exe"
+!macroend
+
+; Runs the system's registration program over the libraries of a folder, each in its own width. Sets $0 to 0 when all went
+; well. A 32-bit program reaches the 64-bit system folder by another name.
+!macro Register WORDS FOLDER
+    ClearErrors
+    ExecWait '"$SYSDIR\regsvr32.exe" ${WORDS} /s "${FOLDER}\x86\${NAME}.dll"' $0
+    ${If} ${RunningX64}
+    ${AndIf} $0 == 0
+        ExecWait '"$WINDIR\Sysnative\regsvr32.exe" ${WORDS} /s "${FOLDER}\x64\${NAME}.dll"' $0
+    ${EndIf}
+    ${If} ${Errors}
+        StrCpy $0 "none"
+    ${EndIf}
+!macroend
+
+; Takes the libraries of a folder out of the registry, as far as they are in it: when one fails the other goes all the same.
+!macro Unregister FOLDER
+    ExecWait '"$SYSDIR\regsvr32.exe" /u /s "${FOLDER}\x86\${NAME}.dll"'
+    ${If} ${RunningX64}
+        ExecWait '"$WINDIR\Sysnative\regsvr32.exe" /u /s "${FOLDER}\x64\${NAME}.dll"'
+    ${EndIf}
+!macroend
+
+; Sets $1 to the registered path in the registry's view VIEW.
+!macro RegisteredPath VIEW
+    SetRegView ${VIEW}
+    ReadRegStr $1 HKCR "CLSID\{DDBE68A3-F53E-4E2D-B5AF-578F4302C032}\InprocServer32" ""
+    SetRegView 32
+!macroend
+
 !define FOREIGN_FOLDER "There are other files in $INSTDIR.$\r$\n$\r$\nNothing was changed. Please choose a folder that is new or empty."
 
 Var old            ; the folder of the installed version's files, or empty
@@ -85,6 +123,7 @@ Var aside          ; where they wait when the new version goes to the same folde
 Var folderWasThere ; 1: the folder was there before its first installation, and stays
 Var folderIsOurs   ; 1: the folder is new, empty or the installed version's
 Var failed         ; 1: MoveAll could not move everything
+Var trouble        ; why the new version cannot be installed, or empty
 
 Function .onInit
     !insertmacro RequireAdministrator
@@ -179,7 +218,8 @@ Section
         !insertmacro Refuse ${CODE_FOREIGN_FOLDER} "${FOREIGN_FOLDER}"
     ${EndIf}
     ${If} $old != ""
-        !insertmacro RequireUnused "$old\${NAME}.dll"
+        !insertmacro RequireAllUnused "$old"
+        !insertmacro RequireUnused "$old\${NAME}.dll" ; as 1.0.0 had it, which knew 32 bit only
         !insertmacro RequireUnused "$old\vixahost.exe"
     ${EndIf}
 
@@ -217,26 +257,32 @@ Section
         WriteUninstaller "$INSTDIR\Uninstall.exe"
     ${EndIf}
     ${If} ${Errors}
-        StrCpy $0 "the files could not be written to $INSTDIR"
+        StrCpy $trouble "the files could not be written to $INSTDIR"
     ${Else}
         SetOutPath "$INSTDIR"
-        ExecWait '"$SYSDIR\regsvr32.exe" /s "$INSTDIR\${NAME}.dll"' $0
-        ${If} ${Errors}
-        ${OrIf} $0 != 0
-            StrCpy $0 "the effects could not be registered (code $0)"
-            ExecWait '"$SYSDIR\regsvr32.exe" /u /s "$INSTDIR\${NAME}.dll"'
+        !insertmacro Register "" "$INSTDIR"
+        ${If} $0 != 0
+            StrCpy $trouble "the effects could not be registered (code $0)"
         ${Else}
-            StrCpy $0 ""
+            StrCpy $trouble ""
             ; The library enters 259 characters of its path.
-            ReadRegStr $1 HKCR "CLSID\{DDBE68A3-F53E-4E2D-B5AF-578F4302C032}\InprocServer32" ""
-            ${If} $1 != "$INSTDIR\${NAME}.dll"
-                ExecWait '"$SYSDIR\regsvr32.exe" /u /s "$INSTDIR\${NAME}.dll"'
-                StrCpy $0 "programs could not load it from $INSTDIR; please choose a folder with a short, plain name"
+            !insertmacro RegisteredPath 32
+            StrCpy $3 $1
+            StrCpy $1 "$INSTDIR\x64\${NAME}.dll"
+            ${If} ${RunningX64}
+                !insertmacro RegisteredPath 64
             ${EndIf}
+            ${If} $3 != "$INSTDIR\x86\${NAME}.dll"
+            ${OrIf} $1 != "$INSTDIR\x64\${NAME}.dll"
+                StrCpy $trouble "programs could not load it from $INSTDIR; please choose a folder with a short, plain name"
+            ${EndIf}
+        ${EndIf}
+        ${If} $trouble != ""
+            !insertmacro Unregister "$INSTDIR"
         ${EndIf}
     ${EndIf}
 
-    ${If} $0 != ""
+    ${If} $trouble != ""
         SetOutPath "$TEMP"
         !insertmacro DeleteFiles
         Delete "$INSTDIR\Uninstall.exe"
@@ -244,13 +290,17 @@ Section
         ${If} $old != ""
             !insertmacro PutBack
             ReadRegStr $old HKLM "${UNINSTALL_KEY}" InstallLocation
-            ExecWait '"$SYSDIR\regsvr32.exe" /s "$old\${NAME}.dll"'
-            StrCpy $0 "$0. The installed version is as it was"
+            ${If} ${FileExists} "$old\${NAME}.dll"
+                ExecWait '"$SYSDIR\regsvr32.exe" /s "$old\${NAME}.dll"'
+            ${Else}
+                !insertmacro Register "" "$old"
+            ${EndIf}
+            StrCpy $trouble "$trouble. The installed version is as it was"
         ${EndIf}
         ${If} $folderWasThere == 0
             RMDir "$INSTDIR"
         ${EndIf}
-        !insertmacro Refuse ${CODE_FAILED} "${NAME} was not installed: $0."
+        !insertmacro Refuse ${CODE_FAILED} "${NAME} was not installed: $trouble."
     ${EndIf}
 
     ; The old version removes itself: only it knows its files. It is waited for, so it runs in place and leaves its own
@@ -266,7 +316,7 @@ Section
                 RMDir "$old"
             ${EndIf}
         ${EndIf}
-        ExecWait '"$SYSDIR\regsvr32.exe" /s "$INSTDIR\${NAME}.dll"'
+        !insertmacro Register "" "$INSTDIR"
     ${EndIf}
 
     WriteRegStr HKLM "${UNINSTALL_KEY}" DisplayName "${NAME}"
@@ -338,13 +388,12 @@ FunctionEnd
 Section Uninstall
     SetShellVarContext all
     ${If} $filesOnly == 0
-        !insertmacro RequireUnused "$INSTDIR\${NAME}.dll"
-        !insertmacro RequireUnused "$INSTDIR\vixahost.exe"
-        ClearErrors
-        ExecWait '"$SYSDIR\regsvr32.exe" /u /s "$INSTDIR\${NAME}.dll"' $0
-        ${If} ${Errors}
-        ${OrIf} $0 != 0
-            !insertmacro Refuse ${CODE_FAILED} "The effects could not be unregistered (code $0). Nothing was removed."
+        !insertmacro RequireAllUnused "$INSTDIR"
+        !insertmacro Register "/u" "$INSTDIR"
+        ${If} $0 != 0
+            StrCpy $1 $0
+            !insertmacro Register "" "$INSTDIR" ; what had been unregistered
+            !insertmacro Refuse ${CODE_FAILED} "The effects could not be unregistered (code $1). Nothing was removed."
         ${EndIf}
     ${EndIf}
     !insertmacro DeleteOwnFiles

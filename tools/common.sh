@@ -12,6 +12,9 @@ fail() {
     exit 1
 }
 
+# runs32: whether 32-bit programs can run here. Debian's Wine has a loader for each width, and some machines get one only.
+runs32() { [ -x /usr/lib/wine/wine ] || [ ! -x /usr/lib/wine/wine64 ]; }
+
 # step NAME WHAT COMMAND...: runs a command with its output in a log, and says in one line when it fails and where to read why.
 step() {
     local name=$1 what=$2 log="$LOGS/$1.log"

@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
-# package.sh: makes the installer and a plain zip of the same files in build/package. The same commit gives the same bytes:
-# every file carries the commit's date, and all lists are sorted.
+# package.sh: makes the installer, a plain zip of the same files, and a zip for programs that use the library, in
+# build/package. The same commit gives the same bytes: every file carries the commit's date, and all lists are sorted.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 "$ROOT/tools/setup.sh"
-build win32 VixaVideoFX vixahost languages
+for width in 32 64; do
+    build win$width VixaVideoFX vixahost languages
+done
 
 version=$(sed -n 's/^project(VixaVideoFX VERSION \([0-9.]*\) .*/\1/p' "$ROOT/CMakeLists.txt")
 # Without the history, as in an unpacked archive of the sources, their own date does.
@@ -13,39 +15,64 @@ export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C
 [ -z "$(git -C "$ROOT" status --porcelain 2>/dev/null)" ] || say "    (the working tree differs from the commit)"
 
 out="$BUILD/package"
-name="VixaVideoFX-$version"
-stage="$out/$name"
+name="VixaVideoFX-$version-x86-x64" sdk_name="VixaVideoFX-$version-sdk"
+stage="$out/$name" sdk="$out/$sdk_name"
 rm -rf "$out"
-mkdir -p "$stage"/{include/vixavideofx,lib,docs,examples}
+mkdir -p "$stage"/{x86,x64,docs,notices} "$sdk"/{include/vixavideofx,cmake,docs,examples}
 
-# The library and its language files stand side by side: that is where the library looks for them.
-bin="$BUILD/win32/bin"
-for file in VixaVideoFX.dll vixahost.exe; do
-    i686-w64-mingw32-strip --strip-all --remove-section=.gnu_debuglink -o "$stage/$file" "$bin/$file"
+# of_package FILE TARGET: a text of the packages' own.
+of_package() { sed "s/@VERSION@/$version/g" "$ROOT/installer/$1" >"$2"; }
+
+# A library and its language files stand side by side: that is where the library looks for them.
+for folder in x86:32:i686 x64:64:x86_64; do
+    IFS=: read -r folder width machine <<<"$folder"
+    bin="$BUILD/win$width/bin"
+    for file in VixaVideoFX.dll vixahost.exe; do
+        $machine-w64-mingw32-strip --strip-all --remove-section=.gnu_debuglink -o "$stage/$folder/$file" "$bin/$file"
+    done
+    cp "$bin"/VixaVideoFX_*.nls "$stage/$folder/"
 done
-cp "$bin"/VixaVideoFX_*.nls "$stage/"
-cp "$ROOT"/include/vixavideofx/*.h "$stage/include/vixavideofx/"
-cp "$ROOT"/examples/host.* "$stage/examples/"
-i686-w64-mingw32-objcopy --enable-deterministic-archives \
-    "$(find "$BUILD/win32/module" -name 'libVixaVideoFX.dll.a')" "$stage/lib/libVixaVideoFX.dll.a"
-cp "$ROOT"/README.md "$stage/"
-find "$ROOT/docs" -maxdepth 1 -name '*.md' -exec cp {} "$stage/docs/" \;
-cp "$BUILD/deps/tinyxml/copyright" "$stage/docs/tinyxml-copyright.txt"
-find "$stage" -type f -exec chmod 644 {} + -o -type d -exec chmod 755 {} +
-find "$stage" -exec touch --no-dereference --date="@$SOURCE_DATE_EPOCH" {} +
+# The two manifests differ in the processor only, and 64-bit programs run everywhere.
+manifest=VixaVideoFX.Effects.manifest
+step package-manifest "Asking the library for its manifest" \
+    sh -c "'$ROOT/tools/wine-run.sh' '$BUILD/win64/bin/vixahost.exe' manifest >'$stage/x64/$manifest'"
+sed 's/"amd64"/"x86"/' "$stage/x64/$manifest" >"$stage/x86/$manifest"
 
-step package-zip "Making $name.zip" \
-    sh -c "cd '$out' && find '$name' -type f | sort | zip -X -q -9 -@ '$name.zip'"
+of_package README.md "$stage/README.md"
+cp "$ROOT"/docs/{installation,stack-files,validator}.md "$ROOT/CHANGELOG.md" "$stage/docs/"
+of_package sdk/README.md "$sdk/README.md"
+cmake "-DVERSION=$version" "-DFILE=$sdk/cmake/VixaVideoFXConfigVersion.cmake" -P "$ROOT/installer/sdk/version.cmake"
+cp "$ROOT/installer/sdk/VixaVideoFXConfig.cmake" "$sdk/cmake/"
+cp "$ROOT"/include/vixavideofx/*.h "$sdk/include/vixavideofx/"
+cp "$ROOT"/examples/host.* "$sdk/examples/"
+cp "$ROOT/module/VixaVideoFX.def" "$sdk/"
+cp "$ROOT/docs/hosting.md" "$ROOT/CHANGELOG.md" "$sdk/docs/"
+# Everything that is linked statically, by the texts of the packages that it came from.
+cp "$BUILD/deps/tinyxml/copyright" "$stage/notices/tinyxml.txt"
+cp /usr/share/doc/g++-mingw-w64-i686-posix/copyright "$stage/notices/compiler-runtime.txt"
+cp /usr/share/doc/mingw-w64-common/copyright "$stage/notices/windows-runtime.txt"
+cp /usr/share/doc/libcli11-dev/copyright "$stage/notices/vixahost-command-line.txt"
+cp /usr/share/doc/nlohmann-json3-dev/copyright "$stage/notices/vixahost-json.txt"
+find "$stage" "$sdk" -type f -exec chmod 644 {} + -o -type d -exec chmod 755 {} +
+find "$stage" "$sdk" -exec touch --no-dereference --date="@$SOURCE_DATE_EPOCH" {} +
 
-# The installer's lists, from the same tree: what goes in, and exactly that out again, the deepest folder first.
+for zip in "$name" "$sdk_name"; do
+    step "package-zip-$zip" "Making $zip.zip" \
+        sh -c "cd '$out' && find '$zip' -type f | sort | zip -X -q -9 -@ '$zip.zip'"
+done
+
+# The installer's lists, from the same tree: what goes in (x64 on 64-bit systems only), and exactly that out again, the
+# deepest folder first.
 lists="$out/files.nsh"
 mapfile -t folders < <(cd "$stage" && find . -mindepth 1 -type d | sort)
 {
     printf '!macro InstallFiles\n'
     for folder in . "${folders[@]}"; do
+        [ "$folder" != ./x64 ] || printf '    ${If} ${RunningX64}\n'
         target=$(printf '%s' "${folder#.}" | tr / '\\')
         printf '    SetOutPath "$INSTDIR%s"\n' "$target"
         (cd "$stage" && find "$folder" -maxdepth 1 -type f | sort | sed "s|^\./|    File \"$stage/|; s|\$|\"|")
+        [ "$folder" != ./x64 ] || printf '    ${EndIf}\n'
     done
     printf '!macroend\n!macro DeleteFiles\n'
     (cd "$stage" && find . -type f | sort | sed 's|^\./|    Delete "$INSTDIR\\|; s|$|"|' | tr / '\\')
@@ -63,4 +90,4 @@ step package-installer "Making $name-setup.exe" \
     makensis -V3 "-DVERSION=$version" "-DFILES=$lists" "-DOUT_FILE=$out/$name-setup.exe" \
     "-DSIZE_KB=$(du -sk --apparent-size "$stage" | cut -f1)" "$ROOT/installer/VixaVideoFX.nsi"
 
-(cd "$out" && sha256sum "$name.zip" "$name-setup.exe")
+(cd "$out" && sha256sum "$name.zip" "$sdk_name.zip" "$name-setup.exe" | tee SHA256SUMS)

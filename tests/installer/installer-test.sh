@@ -1,21 +1,23 @@
 #!/usr/bin/env bash
 # Installs, uses, upgrades and uninstalls silently in a fresh Wine prefix, and compares its registry and files with what they
-# were before: nothing may differ but the host's two category keys, which stay behind empty, and what Wine itself writes at
-# every start. On the way, what fails must change nothing, and no file of the user's may be lost. Leaves the states and their
-# differences in build/package/check.
+# were before: nothing may differ but the host's category keys, which stay behind empty, and what Wine itself writes at every
+# start. On the way, what fails must change nothing, and no file of the user's may be lost. Then, shorter, the same on a
+# 32-bit system. Takes the installer of tools/package.sh; leaves the states and their differences in build/package/check.
 . "$(dirname "${BASH_SOURCE[0]}")/../../tools/common.sh"
 
 if [ -z "${VIXA_WINEPREFIX:-}" ]; then
-    "$ROOT/tools/package.sh"
-    build win32 RunWithoutRights
-    exec "$ROOT/tools/wine-fresh.sh" --host "${BASH_SOURCE[0]}"
+    runs32 || fail "The installer is a 32-bit program, and these don't run here: it was not tested."
+    VIXA_WINEARCH=win64 "$ROOT/tools/wine-fresh.sh" --host "${BASH_SOURCE[0]}"
+    VIXA_WINEARCH=win32 exec "$ROOT/tools/wine-fresh.sh" --host "${BASH_SOURCE[0]}"
 fi
 
 prefix=$VIXA_WINEPREFIX
 installer=$(ls "$BUILD"/package/VixaVideoFX-*-setup.exe)
 stage=${installer%-setup.exe}
-installed="$prefix/drive_c/Program Files/VixaVideoFX"
-check="$BUILD/package/check"
+programs='Program Files (x86)'
+[ "$VIXA_WINEARCH" = win64 ] || programs='Program Files'
+installed="$prefix/drive_c/$programs/VixaVideoFX"
+check="$BUILD/package/check/$VIXA_WINEARCH"
 rm -rf "$check"
 mkdir -p "$check"
 wine() { timeout 120 "$ROOT/tools/wine-run.sh" "$@" </dev/null; }
@@ -63,9 +65,32 @@ unpacked() {
     diff -r "$stage" "$installed" 2>&1 | sed "s|$installed|.|" | grep -v '^Only in .: Uninstall.exe$' || true
 }
 
-# What a removal may leave: the categories are the hosts'.
+# registered NAME: how many effects a state has in the host's lists.
+registered() { grep -c 'Editor\\\\Effects\] "{' "$check/$1.registry"; }
+
+# What a removal may leave: the categories are the hosts', in each view of the registry.
+other_categories='
+> system.reg [Software\\Wow6432Node\\Vixa\\Vixa 12\\Editor\\Effects7]
+> system.reg [Software\\Wow6432Node\\Vixa\\Vixa 12\\Editor\\Effects]'
 categories='> system.reg [Software\\Vixa\\Vixa 12\\Editor\\Effects7]
 > system.reg [Software\\Vixa\\Vixa 12\\Editor\\Effects]'
+[ "$VIXA_WINEARCH" = win32 ] || categories=$categories$other_categories
+
+if [ "$VIXA_WINEARCH" = win32 ]; then
+    say "Installing and uninstalling on a 32-bit system"
+    wine wineboot --restart
+    state before
+    expect "exit code, installation" 0 "$(code wine "$installer" /S)"
+    state installed
+    expect "effects registered" 13 "$(registered installed)"
+    expect "files not as packed" "Only in $stage: x64" "$(unpacked)"
+    expect "exit code, uninstallation" 0 "$(code wine "$installed/Uninstall.exe" /S)"
+    settle
+    wine wineboot --restart
+    state after
+    expect "differences after uninstallation" "$categories" "$(differences after)"
+    exit
+fi
 
 say "Installing, using and uninstalling in a fresh prefix"
 # An uninstaller's copy of itself goes with a restart; what else that changes is so in both states.
@@ -73,18 +98,18 @@ wine wineboot --restart
 state before
 
 expect "exit code without administrator rights" $((740 % 256)) \
-    "$(code wine "$BUILD/win32/bin/RunWithoutRights.exe" "$installer" /S)"
+    "$(code wine "$BUILD/win64/bin/RunWithoutRights.exe" "$installer" /S)"
 state refused
 expect "differences after that" "" "$(differences refused)"
 
-# A version that cannot be registered.
-sed "s|File \"$stage/VixaVideoFX.dll\"|File \"/oname=VixaVideoFX.dll\" \"$stage/README.md\"|" "$BUILD/package/files.nsh" \
+# A version whose second library cannot be registered.
+sed "s|File \"$stage/x64/VixaVideoFX.dll\"|File \"/oname=VixaVideoFX.dll\" \"$stage/README.md\"|" "$BUILD/package/files.nsh" \
     >"$check/broken.nsh"
 makensis -V1 -DVERSION=9.9.9 "-DFILES=$check/broken.nsh" "-DOUT_FILE=$check/broken-setup.exe" -DSIZE_KB=1 \
     "$ROOT/installer/VixaVideoFX.nsi"
 expect "exit code, failing installation" 2 "$(code wine "$check/broken-setup.exe" /S)"
 state failed
-expect "differences after that" "" "$(differences failed)"
+expect "differences after that" "${other_categories:1}" "$(differences failed)"
 
 # Nobody's folder becomes ours because it was chosen.
 mine="$prefix/drive_c/Mine"
@@ -102,8 +127,26 @@ for round in first repeated; do
     expect "files not as packed, $round installation" "" "$(unpacked)"
 done
 state installed
-expect "effects registered" 13 "$(grep -c 'Editor\\\\Effects\] "{' "$check/installed.registry")"
-expect "exit code, checking the library in the installed folder" 0 "$(cd "$installed" && code wine vixahost.exe validate)"
+expect "effects registered" 26 "$(registered installed)"
+expect "exit code, checking the 64-bit library in the installed folder" 0 \
+    "$(cd "$installed" && code wine x64/vixahost.exe validate --only loading)"
+expect "exit code, checking the 32-bit one, by way of the other host" 0 \
+    "$(cd "$installed" && code wine x64/vixahost.exe validate 'x86\VixaVideoFX.dll')"
+expect "the 32-bit manifest, and what the library says" "" \
+    "$(diff "$installed/x86/VixaVideoFX.Effects.manifest" <(cd "$installed" && wine x86/vixahost.exe manifest) 2>&1)"
+
+# One library goes and the other one's half of the registry stays as it is.
+for half in x64:system32:-c x86:syswow64:-vc; do
+    IFS=: read -r library folder others <<<"$half"
+    register=(wine "C:\\windows\\$folder\\regsvr32.exe" /s "C:\\$programs\\VixaVideoFX\\$library\\VixaVideoFX.dll")
+    expect "exit code, removing the $library library alone" 0 "$(code "${register[@]}" /u)"
+    state alone
+    expect "effects registered then" 13 "$(registered alone)"
+    expect "differences in the other half" 0 "$(differences alone installed | grep $others Wow6432Node)"
+    expect "exit code, registering it again" 0 "$(code "${register[@]}")"
+    state again
+    expect "differences after that" "" "$(differences again installed)"
+done
 
 # A failing upgrade, in the same folder and to another, leaves the installed version as it was.
 for folder in "" '/D=C:\Other'; do
@@ -117,7 +160,8 @@ done
 mkdir "$prefix/drive_c/aside"
 mv "$installed"/* "$prefix/drive_c/aside/"
 mv "$prefix/drive_c/aside" "$installed/.previous"
-printf 'part' >"$installed/VixaVideoFX.dll"
+mkdir "$installed/x86"
+printf 'part' >"$installed/x86/VixaVideoFX.dll"
 expect "exit code, installation after one that was cut short" 0 "$(code wine "$installer" /S)"
 state again
 expect "differences after that" "" "$(differences again installed)"
@@ -130,7 +174,7 @@ expect "beside what was packed after that" "Only in .: README.md.kept Only in ./
 rm "$installed/README.md.kept" "$installed/docs/mine.txt"
 
 # While somebody reads the library nothing is touched.
-printf '@ping -n 9 127.0.0.1 <"C:\\Program Files\\VixaVideoFX\\VixaVideoFX.dll" >nul\r\n' >"$prefix/drive_c/read.cmd"
+printf '@ping -n 9 127.0.0.1 <"C:\\%s\\VixaVideoFX\\x64\\VixaVideoFX.dll" >nul\r\n' "$programs" >"$prefix/drive_c/read.cmd"
 wine cmd /c 'C:\read.cmd' &
 sleep 2
 expect "exit code, installation over a library in use" 5 "$(code wine "$installer" /S)"
@@ -146,7 +190,15 @@ settle
 expect "left in the old folder" "" "$(ls -A "$installed" 2>/dev/null)"
 installed="$prefix/drive_c/日本"
 expect "files not as packed after that" "" "$(unpacked)"
-expect "exit code, checking the library there" 0 "$(cd "$installed" && code wine vixahost.exe validate --only loading)"
+expect "exit code, checking the library there" 0 "$(cd "$installed" && code wine x86/vixahost.exe validate --only loading)"
+
+# When one library cannot be unregistered nothing is removed.
+state moved
+mv "$installed/x64/VixaVideoFX.dll" "$check/"
+expect "exit code, uninstallation without the 64-bit library" 2 "$(code wine "$installed/Uninstall.exe" /S '_?=C:\日本')"
+mv "$check/VixaVideoFX.dll" "$installed/x64/"
+state kept
+expect "differences after that" "" "$(differences kept moved)"
 
 touch "$installed/of somebody else.txt"
 printf 'mine\n' >"$installed/docs/installation.md"
