@@ -134,7 +134,7 @@ int main(int count, char** words)
     try {
         const Options options = ReadOptions(count, words);
         CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-        Report report("Filters, 32-bit library", options.json);
+        Report report(sizeof(void*) == 8 ? "Filters, 64-bit library" : "Filters, 32-bit library", options.json);
         MeasureStart(report);
         const EffectLibrary library;
         MeasureOverhead(library, report);

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # bench.sh [--peers] [--json] [--native | --wine] [--quick] [--only PART-OF-A-NAME] [WIDTHxHEIGHT...]: builds and runs the
 # benchmarks: the kernels natively (beside other libraries, as far as they are installed; --peers installs them), the kernels
-# in 32-bit code on Wine, and the library's filters on Wine through their input pins. On one core, as ratios.
+# in 32-bit code on Wine, and the filters of the libraries of both widths on Wine through their input pins. On one core, as
+# ratios.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 json= native=1 wine=1
@@ -36,7 +37,10 @@ pinned() { taskset -c "$core" "$@" >&3; }
 separator() { [ -z "$json" ] || printf ',\n' >&3; }
 
 [ -z "$native" ] || build bench vixa_bench
-[ -z "$wine" ] || build win32 vixa_bench vixa_filter_bench VixaVideoFX
+if [ -n "$wine" ]; then
+    build win64 vixa_filter_bench VixaVideoFX
+    ! runs32 || build win32 vixa_bench vixa_filter_bench VixaVideoFX
+fi
 
 [ -z "$json" ] || printf '{"processor": "%s", "programs": [\n' "$(sed -n '/^model name/{s/.*: //p;q}' /proc/cpuinfo)" >&3
 if [ -n "$native" ]; then
@@ -44,8 +48,12 @@ if [ -n "$native" ]; then
 fi
 if [ -n "$wine" ]; then
     [ -z "$native" ] || separator
-    pinned "$ROOT/tools/wine-run.sh" "$BUILD/win32/bin/vixa_bench.exe" "${words[@]}"
-    separator
-    pinned "$ROOT/tools/wine-run.sh" "$BUILD/win32/bin/vixa_filter_bench.exe" "${words[@]}"
+    if runs32; then
+        pinned "$ROOT/tools/wine-run.sh" "$BUILD/win32/bin/vixa_bench.exe" "${words[@]}"
+        separator
+        pinned "$ROOT/tools/wine-run.sh" "$BUILD/win32/bin/vixa_filter_bench.exe" "${words[@]}"
+        separator
+    fi
+    pinned "$ROOT/tools/wine-run.sh" "$BUILD/win64/bin/vixa_filter_bench.exe" "${words[@]}"
 fi
 [ -z "$json" ] || printf ']}\n' >&3

@@ -11,7 +11,7 @@ have() {
 }
 # The stamp lives with the checkout; the machine under it may have changed since.
 if [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$fingerprint" ] &&
-    have wine i686-w64-mingw32-g++-posix cmake ninja clang++ xvfb-run; then
+    have wine i686-w64-mingw32-g++-posix x86_64-w64-mingw32-g++-posix cmake ninja clang++ xvfb-run; then
     exec "$ROOT/tools/fetch-tinyxml.sh"
 fi
 
@@ -28,12 +28,22 @@ if [ ${#missing[@]} -gt 0 ]; then
         fail "Set-up knows Debian 12 only (this is: $os). Install by hand what tools/packages.txt lists, then start again."
     [ "$(id -u)" = 0 ] || fail "Set-up must install packages (${missing[*]}) and needs root: start this command as root once."
     say "Setting up: the build needs ${#missing[@]} Debian packages that are not here: ${missing[*]}"
-    dpkg --add-architecture i386
+    added=
+    if ! dpkg --print-foreign-architectures | grep -qx i386; then
+        ! dpkg --add-architecture i386 || added=i386
+    fi
     # An index of a side suite may be stale on a mirror; whether what is needed can be had shows in the next step.
     apt-get update >"$LOGS/apt-update.log" 2>&1 || say "    (package lists: not all could be refreshed, see $LOGS/apt-update.log)"
     codename=$(. /etc/os-release && printf '%s' "$VERSION_CODENAME")
-    step apt-install "Installing packages (about a minute)" env DEBIAN_FRONTEND=noninteractive \
-        apt-get install -y --no-install-recommends -t "$codename" "${missing[@]}"
+    install=(env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends -t "$codename")
+    # Not every mirror and machine has the 32-bit packages; what needs them is left out then.
+    mapfile -t own < <(printf '%s\n' "${missing[@]}" | grep -v ':i386$')
+    if [ ${#own[@]} -lt ${#missing[@]} ] && ! "${install[@]}" --simulate "${missing[@]}" >"$LOGS/apt-32-bit.log" 2>&1; then
+        say "    (32-bit Wine can't be had here, see $LOGS/apt-32-bit.log: only 64-bit programs will run)"
+        [ -z "$added" ] || dpkg --remove-architecture i386
+        missing=("${own[@]}")
+    fi
+    [ ${#missing[@]} -eq 0 ] || step apt-install "Installing packages (about a minute)" "${install[@]}" "${missing[@]}"
 fi
 printf '%s\n' "$fingerprint" >"$stamp"
 "$ROOT/tools/fetch-tinyxml.sh"
