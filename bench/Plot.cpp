@@ -110,7 +110,7 @@ public:
     }
 
 private:
-    double At(double ratio) const
+    static double At(double ratio)
     {
         const double low = std::log(0.5), high = std::log(600.0);
         return left + (std::log(std::clamp(ratio, 0.5, 600.0)) - low) / (high - low) * (right - left);

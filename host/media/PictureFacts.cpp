@@ -173,7 +173,7 @@ Picture TurnUpright(const Picture& stored, unsigned orientation)
             const int column = sideways ? y : x, row = sideways ? x : y;
             const int fromX = fromRight ? stored.width - 1 - column : column;
             const int fromY = fromBottom ? stored.height - 1 - row : row;
-            std::memcpy(upright.Row(y) + x * 4, stored.Row(fromY) + fromX * 4, 4);
+            std::memcpy(upright.Row(y) + std::ptrdiff_t{x} * 4, stored.Row(fromY) + std::ptrdiff_t{fromX} * 4, 4);
         }
     }
     return upright;

@@ -78,7 +78,7 @@ void Click(POINT at)
 {
     SetCursorPos(at.x, at.y);
     Sleep(10);
-    for (const DWORD flag : {MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP}) {
+    for (const DWORD flag : {DWORD{MOUSEEVENTF_LEFTDOWN}, DWORD{MOUSEEVENTF_LEFTUP}}) {
         INPUT input = {};
         input.type = INPUT_MOUSE;
         input.mi.dwFlags = flag;
@@ -188,8 +188,8 @@ protected:
     std::vector<HTREEITEM> Effects() const
     {
         std::vector<HTREEITEM> effects;
-        for (HTREEITEM group = TreeView_GetRoot(tree); group; group = TreeView_GetNextSibling(tree, group))
-            for (HTREEITEM item = TreeView_GetChild(tree, group); item; item = TreeView_GetNextSibling(tree, item))
+        for (auto* group = TreeView_GetRoot(tree); group; group = TreeView_GetNextSibling(tree, group))
+            for (auto* item = TreeView_GetChild(tree, group); item; item = TreeView_GetNextSibling(tree, item))
                 effects.push_back(item);
         return effects;
     }

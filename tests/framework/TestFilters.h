@@ -48,8 +48,7 @@ private:
 class SourcePin : public vixahost::graph::FrameSourcePin
 {
 public:
-    explicit SourcePin(vixahost::graph::FrameSource& owner)
-        : FrameSourcePin(owner, {{}, 8 * 4 * 4, Allocator::Shared})
+    explicit SourcePin(vixahost::graph::FrameSource& owner) : FrameSourcePin(owner, {{}, 8 * 4 * 4, Allocator::Shared})
     {
     }
 
