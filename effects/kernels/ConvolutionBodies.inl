@@ -1,244 +1,239 @@
 // The bodies of the convolutions, written once over the level's Backend. Included after PointBodies.inl, inside the
 // same anonymous namespace.
 //
-// Sums are kept in 16-bit lanes (the largest magnitude is 2550), blue and red apart from green and the fourth byte: a
-// word's lower byte is its "even" half, the upper byte its "odd" half. One pixel to the left or right is then four
-// bytes in memory, for pixels and for sums alike.
+// Bytes become sums of 16 bits (the largest magnitude is 2550) by interleaving two vectors and multiplying pairs; a
+// pixel's neighbour to the left or to the right is a load four bytes away.
 //
-// Two rows are made at a time, in stretches of a row. First the columns: from the four rows around them, sums that look
-// only up and down go into planes, small enough to stay in the nearest cache. Then the rows: planes are read one pixel
-// to the left and to the right, and the results replace the frame. The frame's row above has been overwritten by then,
-// so it comes from a copy. Results stay one vector behind the columns, whose planes alone know the pixels that the
-// results replaced.
+// Two rows are made at a time, and the results replace the frame. What they need of the rows above has been worked out
+// before: for each vector one or two sums of a row, kept until the rows under it have been read. So a step looks at
+// three rows only: an upper and a middle one, which get the results, and the lower one.
 
-// One plane: element x of the stretch, for x from -2 vectors.
-struct Planes
+// The bytes of one vector as words, or sums of them.
+using Words = B::Words;
+
+VIXA_INLINE Words operator+(Words a, Words b) noexcept
 {
-    std::uint8_t* base;
+    return {B::Add16(a.low, b.low), B::Add16(a.high, b.high)};
+}
 
-    VIXA_INLINE std::uint8_t* At(std::size_t plane, std::size_t x) const noexcept
-    {
-        return base + plane * planeBytes + x;
-    }
-    VIXA_INLINE Vector Left(std::size_t plane, std::size_t x) const noexcept
-    {
-        return B::Load(At(plane, x) - pixelBytes);
-    }
-    VIXA_INLINE Vector Here(std::size_t plane, std::size_t x) const noexcept { return B::Load(At(plane, x)); }
-    VIXA_INLINE Vector Right(std::size_t plane, std::size_t x) const noexcept
-    {
-        return B::Load(At(plane, x) + pixelBytes);
-    }
-    VIXA_INLINE void Set(std::size_t plane, std::size_t x, Vector v) const noexcept { B::Store(At(plane, x), v); }
-};
-
-VIXA_INLINE Vector Pack(Vector even, Vector odd) noexcept
+VIXA_INLINE Words operator-(Words a, Words b) noexcept
 {
-    return B::Interleave8(B::PackU8(even, odd));
+    return {B::Sub16(a.low, b.low), B::Sub16(a.high, b.high)};
 }
 
 // A positive sum divided, truncating; a negative one stays below 0, which packing clamps.
 // 13108 / 65536, 21846 / 65536 and 7282 / 65536 give exact quotients by 5, 3 and 9 over all sums that occur.
 template <int reciprocal>
-VIXA_INLINE Vector Divide(Vector sum) noexcept
+VIXA_INLINE Words Divide(Words sum) noexcept
 {
-    return B::MultiplyHighI16(sum, B::Set16(reciprocal));
+    return {B::MultiplyHighI16(sum.low, B::Set16(reciprocal)), B::MultiplyHighI16(sum.high, B::Set16(reciprocal))};
 }
 
-// Centre times a weight less the 3 x 3 sum, or the mean: the columns are sums of three.
+VIXA_INLINE Vector Pack(Words sum) noexcept
+{
+    return B::PackU8(sum.low, sum.high);
+}
+
+// One vector of a row and the pixels to both sides.
+struct Neighbours
+{
+    Vector left, here, right;
+};
+
+// One vector's place in the rows of a step.
+struct Place
+{
+    std::uint8_t* upper;
+    std::uint8_t* middle;
+    const std::uint8_t* lower;
+    std::uint8_t* sums;
+
+    VIXA_INLINE Vector Upper() const noexcept { return B::Load(upper); }
+    // The pixels to the left must be given, because results have replaced the first of them.
+    VIXA_INLINE Neighbours Middle(Vector left) const noexcept
+    {
+        return {left, B::Load(middle), B::Load(middle + pixelBytes)};
+    }
+    VIXA_INLINE Neighbours Lower() const noexcept
+    {
+        return {B::Load(lower - pixelBytes), B::Load(lower), B::Load(lower + pixelBytes)};
+    }
+    VIXA_INLINE void SetUpper(Vector result) const noexcept { B::Store(upper, result); }
+    VIXA_INLINE void SetMiddle(Vector result) const noexcept { B::Store(middle, result); }
+
+    template <int number>
+    VIXA_INLINE Words Kept() const noexcept
+    {
+        return {B::Load(sums + 2 * number * B::bytes), B::Load(sums + (2 * number + 1) * B::bytes)};
+    }
+    template <int number>
+    VIXA_INLINE void Keep(Words words) const noexcept
+    {
+        B::Store(sums + 2 * number * B::bytes, words.low);
+        B::Store(sums + (2 * number + 1) * B::bytes, words.high);
+    }
+};
+
+// Eight registers do not hold all that a step of the longest form reads. With more it is faster to read before writing.
+constexpr bool manyRegisters = sizeof(void*) == 8;
+
+// Centre times a weight less the 3 x 3 sum, or the mean. Kept: the sums of three pixels side by side, in the row above
+// the upper one and in the upper one.
 template <int centre>
 struct BoxForm
 {
-    static constexpr std::size_t planes = 4;
-
-    static VIXA_INLINE void Columns(Planes to, std::size_t x, Vector a, Vector b, Vector c, Vector d) noexcept
+    static VIXA_INLINE Words Sum(Neighbours row) noexcept
     {
-        const Vector even = B::Add16(B::Even(b), B::Even(c));
-        const Vector odd = B::Add16(B::Odd(b), B::Odd(c));
-        to.Set(0, x, B::Add16(even, B::Even(a)));
-        to.Set(1, x, B::Add16(odd, B::Odd(a)));
-        to.Set(2, x, B::Add16(even, B::Even(d)));
-        to.Set(3, x, B::Add16(odd, B::Odd(d)));
+        return B::Weigh<1, 1>(row.left, row.right) + B::Widen(row.here);
     }
 
-    template <std::size_t row>
-    static VIXA_INLINE Vector Result(Planes from, std::size_t x, Vector middle) noexcept
+    static VIXA_INLINE Vector Result(Vector pixels, Words sum) noexcept
     {
-        constexpr std::size_t e = 2 * row, o = 2 * row + 1;
-        if constexpr (centre == 0) {
-            const Vector even = B::Add16(B::Add16(from.Left(e, x), from.Here(e, x)), from.Right(e, x));
-            const Vector odd = B::Add16(B::Add16(from.Left(o, x), from.Here(o, x)), from.Right(o, x));
-            // Eleven ninety-ninths are a ninth.
-            return Pack(Divide<7282>(even), Divide<7282>(odd));
-        } else {
-            Vector even = B::template TimesEven<centre>(middle), odd = B::template TimesOdd<centre>(middle);
-            even = B::Sub16(B::Sub16(B::Sub16(even, from.Here(e, x)), from.Left(e, x)), from.Right(e, x));
-            odd = B::Sub16(B::Sub16(B::Sub16(odd, from.Here(o, x)), from.Left(o, x)), from.Right(o, x));
-            return Pack(even, odd);
-        }
+        if constexpr (centre == 0)
+            return Pack(Divide<7282>(sum)); // eleven ninety-ninths are a ninth
+        else
+            return Pack(B::Weigh<centre, 0>(pixels, pixels) - sum);
+    }
+
+    static VIXA_INLINE void Step(Place at, Vector left) noexcept
+    {
+        Neighbours lower;
+        if constexpr (manyRegisters)
+            lower = at.Lower();
+        const Words middleSum = Sum(at.Middle(left)), both = at.Kept<1>() + middleSum;
+        at.SetUpper(Result(at.Upper(), at.Kept<0>() + both));
+        at.Keep<0>(middleSum);
+        if constexpr (!manyRegisters)
+            lower = at.Lower();
+        const Words lowerSum = Sum(lower);
+        at.Keep<1>(lowerSum);
+        at.SetMiddle(Result(at.Middle(left).here, both + lowerSum));
     }
 };
 
-// The sums of two rows: p = row y + row y + 1. The emboss is p(below, x) + p(below, x + 1) - p(above, x) - p(above, x -
-// 1), in which the middle pixel drops out.
+// With l the sum of a pixel and the one to its left, and r of a pixel and the one to its right: r below + r - l - l
+// above. Kept: all but the first of them for the upper row, and that row's l.
 struct EmbossForm
 {
-    static constexpr std::size_t planes = 6;
-
-    static VIXA_INLINE void Columns(Planes to, std::size_t x, Vector a, Vector b, Vector c, Vector d) noexcept
+    static VIXA_INLINE Vector Result(Words sum) noexcept
     {
-        const Vector evenB = B::Even(b), oddB = B::Odd(b), evenC = B::Even(c), oddC = B::Odd(c);
-        to.Set(0, x, B::Add16(B::Even(a), evenB));
-        to.Set(1, x, B::Add16(B::Odd(a), oddB));
-        to.Set(2, x, B::Add16(evenB, evenC));
-        to.Set(3, x, B::Add16(oddB, oddC));
-        to.Set(4, x, B::Add16(evenC, B::Even(d)));
-        to.Set(5, x, B::Add16(oddC, B::Odd(d)));
+        // Clamping to -128 ... 127 and turning the sign bit is adding 128 and clamping to 0 ... 255.
+        return B::Xor(B::PackI8(sum.low, sum.high), B::Pattern(0x80808080u));
     }
 
-    template <std::size_t row>
-    static VIXA_INLINE Vector Result(Planes from, std::size_t x, Vector) noexcept
+    static VIXA_INLINE void Step(Place at, Vector left) noexcept
     {
-        constexpr std::size_t e = 2 * row, o = 2 * row + 1;
-        const Vector even =
-            B::Sub16(B::Add16(from.Here(e + 2, x), from.Right(e + 2, x)), B::Add16(from.Here(e, x), from.Left(e, x)));
-        const Vector odd =
-            B::Sub16(B::Add16(from.Here(o + 2, x), from.Right(o + 2, x)), B::Add16(from.Here(o, x), from.Left(o, x)));
-        // Clamping to -128 ... 127 and turning the sign bit is adding 128 and clamping to 0 ... 255.
-        return B::Xor(B::Interleave8(B::PackI8(even, odd)), B::Pattern(0x80808080u));
+        const Neighbours middle = at.Middle(left), lower = at.Lower();
+        const Words middleRight = B::Weigh<1, 1>(middle.here, middle.right);
+        at.SetUpper(Result(at.Kept<0>() + middleRight));
+        const Words middleLeft = B::Weigh<1, 1>(middle.left, middle.here);
+        const Words rest = middleRight - middleLeft - at.Kept<1>();
+        const Words lowerRight = B::Weigh<1, 1>(lower.here, lower.right);
+        at.SetMiddle(Result(rest + lowerRight));
+        const Words lowerLeft = B::Weigh<1, 1>(lower.left, lower.here);
+        at.Keep<0>(lowerRight - lowerLeft - middleLeft);
+        at.Keep<1>(lowerLeft);
     }
 };
 
-// Centre times a weight less the four corners, a third of it: the columns are sums of the rows above and below.
+// Centre times a weight less the four corners, a third of it. Kept: the sums of the neighbours to the left and to the
+// right, in the row above the upper one and in the upper one.
 struct CornersForm
 {
-    static constexpr std::size_t planes = 4;
-
-    static VIXA_INLINE void Columns(Planes to, std::size_t x, Vector a, Vector b, Vector c, Vector d) noexcept
+    static VIXA_INLINE Vector Result(Vector pixels, Words corners) noexcept
     {
-        to.Set(0, x, B::Add16(B::Even(a), B::Even(c)));
-        to.Set(1, x, B::Add16(B::Odd(a), B::Odd(c)));
-        to.Set(2, x, B::Add16(B::Even(b), B::Even(d)));
-        to.Set(3, x, B::Add16(B::Odd(b), B::Odd(d)));
+        return Pack(Divide<21846>(B::Weigh<7, 0>(pixels, pixels) - corners));
     }
 
-    template <std::size_t row>
-    static VIXA_INLINE Vector Result(Planes from, std::size_t x, Vector middle) noexcept
+    static VIXA_INLINE void Step(Place at, Vector left) noexcept
     {
-        constexpr std::size_t e = 2 * row, o = 2 * row + 1;
-        const Vector even = B::Sub16(B::Sub16(B::template TimesEven<7>(middle), from.Left(e, x)), from.Right(e, x));
-        const Vector odd = B::Sub16(B::Sub16(B::template TimesOdd<7>(middle), from.Left(o, x)), from.Right(o, x));
-        return Pack(Divide<21846>(even), Divide<21846>(odd));
+        Neighbours lower;
+        if constexpr (manyRegisters)
+            lower = at.Lower();
+        const Words middleSum = B::Weigh<1, 1>(left, at.Middle(left).right);
+        at.SetUpper(Result(at.Upper(), at.Kept<0>() + middleSum));
+        at.Keep<0>(middleSum);
+        if constexpr (!manyRegisters)
+            lower = at.Lower();
+        const Words lowerSum = B::Weigh<1, 1>(lower.left, lower.right);
+        at.SetMiddle(Result(at.Middle(left).here, at.Kept<1>() + lowerSum));
+        at.Keep<1>(lowerSum);
     }
 };
 
-// The cross of five: `centre` times the middle pixel and `arm` (1 or -1) times its four neighbours. Planes 0 to 3 hold
-// the vertical part, 4 to 7 the rows themselves.
+// The cross of five: `centre` times the middle pixel and `arm` (1 or -1) times its four neighbours. Kept: all but the
+// pixel below, for the upper row.
 template <int centre, int arm, int reciprocal>
 struct CrossForm
 {
-    static constexpr std::size_t planes = 8;
-
-    static VIXA_INLINE Vector Join(Vector sum, Vector neighbour) noexcept
+    static VIXA_INLINE Words Sum(Vector above, Neighbours row) noexcept
     {
-        return arm > 0 ? B::Add16(sum, neighbour) : B::Sub16(sum, neighbour);
+        return B::Weigh<centre, arm>(row.here, above) + B::Weigh<arm, arm>(row.left, row.right);
     }
 
-    static VIXA_INLINE void Columns(Planes to, std::size_t x, Vector a, Vector b, Vector c, Vector d) noexcept
+    static VIXA_INLINE Vector Result(Words sum, Vector below) noexcept
     {
-        const Vector evenB = B::Even(b), oddB = B::Odd(b), evenC = B::Even(c), oddC = B::Odd(c);
-        to.Set(0, x, Join(Join(B::template TimesEven<centre>(b), B::Even(a)), evenC));
-        to.Set(1, x, Join(Join(B::template TimesOdd<centre>(b), B::Odd(a)), oddC));
-        to.Set(2, x, Join(Join(B::template TimesEven<centre>(c), evenB), B::Even(d)));
-        to.Set(3, x, Join(Join(B::template TimesOdd<centre>(c), oddB), B::Odd(d)));
-        to.Set(4, x, evenB);
-        to.Set(5, x, oddB);
-        to.Set(6, x, evenC);
-        to.Set(7, x, oddC);
-    }
-
-    template <std::size_t row>
-    static VIXA_INLINE Vector Result(Planes from, std::size_t x, Vector) noexcept
-    {
-        constexpr std::size_t e = 2 * row, o = 2 * row + 1;
-        const Vector even = Join(Join(from.Here(e, x), from.Left(e + 4, x)), from.Right(e + 4, x));
-        const Vector odd = Join(Join(from.Here(o, x), from.Left(o + 4, x)), from.Right(o + 4, x));
+        const Words all = arm > 0 ? sum + B::Widen(below) : sum - B::Widen(below);
         if constexpr (reciprocal == 0)
-            return Pack(even, odd);
+            return Pack(all);
         else
-            return Pack(Divide<reciprocal>(even), Divide<reciprocal>(odd));
+            return Pack(Divide<reciprocal>(all));
+    }
+
+    static VIXA_INLINE void Step(Place at, Vector left) noexcept
+    {
+        const Vector upper = at.Upper();
+        const Neighbours middle = at.Middle(left), lower = at.Lower();
+        at.SetUpper(Result(at.Kept<0>(), middle.here));
+        at.SetMiddle(Result(Sum(upper, middle), lower.here));
+        at.Keep<0>(Sum(middle.here, lower));
     }
 };
 
-// The rows of one step: a from the copy, b and c (which get results) and d from the frame.
-struct FourRows
+VIXA_INLINE void ClearEnds(std::uint8_t* row, std::size_t rowBytes) noexcept
 {
-    std::uint8_t* saved;
-    std::uint8_t* b;
-    std::uint8_t* c;
-    const std::uint8_t* d;
-};
-
-VIXA_INLINE void ClearPixel(std::uint8_t* pixel) noexcept
-{
-    std::memset(pixel, 0, pixelBytes);
+    std::memset(row, 0, pixelBytes);
+    std::memset(row + rowBytes - pixelBytes, 0, pixelBytes);
 }
 
-template <typename Form>
-VIXA_INLINE void MakeTwoRows(FourRows rows, std::size_t rowBytes, Planes planes) noexcept
+// The rows of a step. There is memory before the middle and the lower one, a pixel of any value, and less than a vector
+// behind the middle one, if that is longer than a vector.
+struct ThreeRows
 {
-    constexpr std::size_t lead =
-        2 * B::bytes;     // where a stretch starts in its planes; two vectors of the one before stand there
-    std::size_t done = 0; // results so far, in bytes of the row
-    std::size_t start = 0;
-    while (true) {
-        const std::size_t end = rowBytes - start > stretchBytes ? start + stretchBytes : rowBytes;
-        const Planes to{planes.base + lead - start};
-        std::size_t x = start;
-        for (; x + B::bytes <= end; x += B::bytes) {
-            const Vector c = B::Load(rows.c + x);
-            Form::Columns(to, x, B::Load(rows.saved + x), B::Load(rows.b + x), c, B::Load(rows.d + x));
-            B::Store(rows.saved + x, c);
-        }
-        if (x < end) {
-            const std::size_t part = end - x;
-            const Vector c = B::LoadPart(rows.c + x, part);
-            Form::Columns(to, x, B::Load(rows.saved + x), B::LoadPart(rows.b + x, part), c,
-                          B::LoadPart(rows.d + x, part));
-            B::Store(rows.saved + x, c);
-        }
+    std::uint8_t* upper;
+    std::uint8_t* middle;
+    const std::uint8_t* lower;
+};
 
-        const bool last = end == rowBytes;
-        const std::size_t until = last ? rowBytes : end - B::bytes;
-        for (x = done; x + B::bytes <= until; x += B::bytes) {
-            const Vector first = Form::template Result<0>(to, x, B::Load(rows.b + x));
-            const Vector second = Form::template Result<1>(to, x, B::Load(rows.c + x));
-            B::Store(rows.b + x, first);
-            B::Store(rows.c + x, second);
-        }
-        if (last) {
-            if (x < until) {
-                const std::size_t part = until - x;
-                const Vector first = Form::template Result<0>(to, x, B::LoadPart(rows.b + x, part));
-                const Vector second = Form::template Result<1>(to, x, B::LoadPart(rows.c + x, part));
-                B::StorePart(rows.b + x, first, part);
-                B::StorePart(rows.c + x, second, part);
-            }
-            break;
-        }
-        done = until;
-        for (std::size_t plane = 0; plane < Form::planes; ++plane) {
-            const Vector one = to.Here(plane, end - 2 * B::bytes), other = to.Here(plane, end - B::bytes);
-            const Planes next{planes.base + lead - end};
-            next.Set(plane, end - 2 * B::bytes, one);
-            next.Set(plane, end - B::bytes, other);
-        }
-        start = end;
+template <typename Form>
+VIXA_INLINE void MakeTwoRows(ThreeRows rows, std::size_t rowBytes, std::uint8_t* sums) noexcept
+{
+    Vector left =
+        rowBytes < B::bytes ? B::LoadPart(rows.middle - pixelBytes, rowBytes) : B::Load(rows.middle - pixelBytes);
+    std::size_t x = 0;
+    for (; x + B::bytes < rowBytes; x += B::bytes) {
+        // The next step's rows come from memory, and nothing asks for them in time: processors do that by themselves
+        // for rows that are read one after the other, but hardly for so many at once.
+        for (std::size_t line = 0; line < 2 * B::bytes; line += cacheLine)
+            _mm_prefetch(reinterpret_cast<const char*>(rows.lower + rowBytes + 2 * x + line), _MM_HINT_T1);
+        const Vector nextLeft = B::Load(rows.middle + x + B::bytes - pixelBytes);
+        Form::Step({rows.upper + x, rows.middle + x, rows.lower + x, sums + 4 * x}, left);
+        left = nextLeft;
     }
-    ClearPixel(rows.b);
-    ClearPixel(rows.b + rowBytes - pixelBytes);
-    ClearPixel(rows.c);
-    ClearPixel(rows.c + rowBytes - pixelBytes);
+
+    // The last vector goes through copies, because what is behind the row must not be touched.
+    std::uint8_t upper[B::bytes] = {}, middle[B::bytes + pixelBytes] = {},
+                 lower[pixelBytes + B::bytes + pixelBytes] = {};
+    const std::size_t part = rowBytes - x;
+    std::memcpy(upper, rows.upper + x, part);
+    std::memcpy(middle, rows.middle + x, part);
+    std::memcpy(lower, rows.lower + x - pixelBytes, pixelBytes + part);
+    Form::Step({upper, middle, lower + pixelBytes, sums + 4 * x}, left);
+    std::memcpy(rows.upper + x, upper, part);
+    std::memcpy(rows.middle + x, middle, part);
+
+    ClearEnds(rows.upper, rowBytes);
+    ClearEnds(rows.middle, rowBytes);
 }
 
 VIXA_INLINE std::uint8_t* Aligned(std::uint8_t* at) noexcept
@@ -250,25 +245,30 @@ template <typename Form>
 std::size_t ConvolveForm(std::uint8_t* frame, std::size_t rowBytes, std::size_t height, std::uint8_t* scratch,
                          std::size_t done, std::size_t ready) noexcept
 {
-    std::uint8_t* const saved = Aligned(scratch);
-    std::uint8_t* const planes = Aligned(saved + rowBytes + B::bytes);
+    std::uint8_t* const sums = Aligned(scratch);
+    std::uint8_t* const copy = sums + 4 * (rowBytes + widestVector);
     std::size_t y = done;
     if (y == 0) {
-        std::memcpy(saved, frame, rowBytes);
+        if (ready < 2)
+            return 0;
+        // A step for the sums of the first two rows: its results mean nothing.
+        std::memcpy(copy, frame, rowBytes);
+        MakeTwoRows<Form>({frame, copy, frame + rowBytes}, rowBytes, sums);
         std::memset(frame, 0, rowBytes);
         y = 1;
     }
     for (; y + 2 < ready; y += 2) {
-        std::uint8_t* const b = frame + y * rowBytes;
-        MakeTwoRows<Form>({saved, b, b + rowBytes, b + 2 * rowBytes}, rowBytes, {planes});
+        std::uint8_t* const upper = frame + y * rowBytes;
+        MakeTwoRows<Form>({upper, upper + rowBytes, upper + 2 * rowBytes}, rowBytes, sums);
     }
     if (ready < height)
         return y;
     if (y + 1 < height) {
-        // One inner row is left: the second result falls on the last row, which is cleared below, and any row serves as
-        // the one under it.
-        std::uint8_t* const b = frame + y * rowBytes;
-        MakeTwoRows<Form>({saved, b, b + rowBytes, b + rowBytes}, rowBytes, {planes});
+        // One inner row is left: the second result falls on a copy of the last row, and any row serves as the one under
+        // it.
+        std::uint8_t* const upper = frame + y * rowBytes;
+        std::memcpy(copy, upper + rowBytes, rowBytes);
+        MakeTwoRows<Form>({upper, copy, copy}, rowBytes, sums);
     }
     std::memset(frame + (height - 1) * rowBytes, 0, rowBytes);
     return height;
@@ -303,8 +303,7 @@ VIXA_INLINE void ShiftRow(std::uint8_t* row, const std::uint8_t* from, std::size
         B::StorePart(first, DifferenceOf(B::LoadPart(first, part), B::LoadPart(from + (pixelBytes - left), part)),
                      part);
     }
-    ClearPixel(row);
-    ClearPixel(row + rowBytes - pixelBytes);
+    ClearEnds(row, rowBytes);
 }
 
 // Each byte less one of the row above or of its own, `left` bytes to the left. Rows are made from the last one that is

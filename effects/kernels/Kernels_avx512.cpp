@@ -50,28 +50,23 @@ struct Backend
     static VIXA_INLINE Vector UnpackHigh8(Vector a, Vector b) { return _mm512_unpackhi_epi8(a, b); }
     static VIXA_INLINE Vector PackU8(Vector a, Vector b) { return _mm512_packus_epi16(a, b); }
     static VIXA_INLINE Vector PackI8(Vector a, Vector b) { return _mm512_packs_epi16(a, b); }
-    // Lower and upper eight bytes of each 16 in turn.
-    static VIXA_INLINE Vector Interleave8(Vector v)
-    {
-        return _mm512_shuffle_epi8(
-            v, _mm512_broadcast_i32x4(_mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15)));
-    }
 
     static VIXA_INLINE Vector Add16(Vector a, Vector b) { return _mm512_add_epi16(a, b); }
     static VIXA_INLINE Vector Sub16(Vector a, Vector b) { return _mm512_sub_epi16(a, b); }
     static VIXA_INLINE Vector MultiplyHighU16(Vector a, Vector b) { return _mm512_mulhi_epu16(a, b); }
+    static VIXA_INLINE Vector MultiplyLow16(Vector a, Vector b) { return _mm512_mullo_epi16(a, b); }
     static VIXA_INLINE Vector MultiplyHighI16(Vector a, Vector b) { return _mm512_mulhi_epi16(a, b); }
-    static VIXA_INLINE Vector Even(Vector v) { return _mm512_and_si512(v, _mm512_set1_epi16(0xFF)); }
-    static VIXA_INLINE Vector Odd(Vector v) { return _mm512_srli_epi16(v, 8); }
-    template <int factor>
-    static VIXA_INLINE Vector TimesEven(Vector v)
+    struct Words
     {
-        return _mm512_maddubs_epi16(v, _mm512_set1_epi16(factor & 0xFF));
-    }
-    template <int factor>
-    static VIXA_INLINE Vector TimesOdd(Vector v)
+        Vector low, high;
+    };
+    static VIXA_INLINE Words Widen(Vector v) { return {UnpackLow8(v, Zero()), UnpackHigh8(v, Zero())}; }
+    // The bytes of `a` times one weight and those of `b` times the other, both -128 to 127.
+    template <int weightA, int weightB>
+    static VIXA_INLINE Words Weigh(Vector a, Vector b)
     {
-        return _mm512_maddubs_epi16(v, _mm512_set1_epi16(static_cast<short>(factor * 256)));
+        const Vector weights = Set16((weightA & 0xFF) | weightB * 256);
+        return {_mm512_maddubs_epi16(UnpackLow8(a, b), weights), _mm512_maddubs_epi16(UnpackHigh8(a, b), weights)};
     }
 
     static VIXA_INLINE Vector Add32(Vector a, Vector b) { return _mm512_add_epi32(a, b); }

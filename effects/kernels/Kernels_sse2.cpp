@@ -56,24 +56,31 @@ struct Backend
     static VIXA_INLINE Vector UnpackHigh8(Vector a, Vector b) { return _mm_unpackhi_epi8(a, b); }
     static VIXA_INLINE Vector PackU8(Vector a, Vector b) { return _mm_packus_epi16(a, b); }
     static VIXA_INLINE Vector PackI8(Vector a, Vector b) { return _mm_packs_epi16(a, b); }
-    // Lower and upper eight bytes of each 16 in turn.
-    static VIXA_INLINE Vector Interleave8(Vector v) { return _mm_unpacklo_epi8(v, _mm_unpackhi_epi64(v, v)); }
 
     static VIXA_INLINE Vector Add16(Vector a, Vector b) { return _mm_add_epi16(a, b); }
     static VIXA_INLINE Vector Sub16(Vector a, Vector b) { return _mm_sub_epi16(a, b); }
     static VIXA_INLINE Vector MultiplyHighU16(Vector a, Vector b) { return _mm_mulhi_epu16(a, b); }
+    static VIXA_INLINE Vector MultiplyLow16(Vector a, Vector b) { return _mm_mullo_epi16(a, b); }
     static VIXA_INLINE Vector MultiplyHighI16(Vector a, Vector b) { return _mm_mulhi_epi16(a, b); }
     static VIXA_INLINE Vector Even(Vector v) { return _mm_and_si128(v, _mm_set1_epi16(0xFF)); }
     static VIXA_INLINE Vector Odd(Vector v) { return _mm_srli_epi16(v, 8); }
-    template <int factor>
-    static VIXA_INLINE Vector TimesEven(Vector v)
+    struct Words
     {
-        return _mm_mullo_epi16(Even(v), _mm_set1_epi16(factor));
+        Vector low, high;
+    };
+    static VIXA_INLINE Words Widen(Vector v) { return {UnpackLow8(v, Zero()), UnpackHigh8(v, Zero())}; }
+    template <int factor>
+    static VIXA_INLINE Vector Times16(Vector v)
+    {
+        return factor == 1 ? v : MultiplyLow16(v, Set16(factor));
     }
-    template <int factor>
-    static VIXA_INLINE Vector TimesOdd(Vector v)
+    // The bytes of `a` times one weight and those of `b` times the other, both -128 to 127.
+    template <int weightA, int weightB>
+    static VIXA_INLINE Words Weigh(Vector a, Vector b)
     {
-        return _mm_mullo_epi16(Odd(v), _mm_set1_epi16(factor));
+        const Words first = Widen(a), second = Widen(b);
+        return {Add16(Times16<weightA>(first.low), Times16<weightB>(second.low)),
+                Add16(Times16<weightA>(first.high), Times16<weightB>(second.high))};
     }
 
     static VIXA_INLINE Vector Add32(Vector a, Vector b) { return _mm_add_epi32(a, b); }

@@ -73,9 +73,10 @@ ConvolutionPlan PlanConvolution(Frame frame, std::int32_t width, std::int32_t he
 
 std::size_t ConvolutionScratchBytes(std::int32_t width) noexcept
 {
-    // The scalar form keeps two rows, the vector forms one and a fixed amount.
+    // The scalar form keeps two rows. The vector forms keep two sums of 16 bits for each byte of a row, by whole
+    // vectors, and begin with one row's copy.
     const std::uint64_t row = 4 * static_cast<std::uint64_t>(width);
-    const std::uint64_t bytes = width < 1 ? 0 : row + std::max<std::uint64_t>(row, scratchBesidesRow);
+    const std::uint64_t bytes = width < 1 ? 0 : 5 * row + 6 * widestVector;
     return static_cast<std::size_t>(std::min<std::uint64_t>(bytes, std::numeric_limits<std::size_t>::max()));
 }
 

@@ -36,15 +36,9 @@ struct VectorKernels
                             std::uint8_t* scratch, std::size_t done, std::size_t ready) noexcept;
 };
 
-// The widest vector of any level, and how a convolution's scratch is laid out at every level: one saved row, then the
-// planes of one stretch of a row.
+// The widest vector of any level.
 inline constexpr std::size_t widestVector = 64;
-inline constexpr std::size_t stretchBytes = 2048;
-// A little more than the stretch and a vector at each end, and no multiple of 4096, so that planes do not fall on each
-// other in the cache.
-inline constexpr std::size_t planeBytes = stretchBytes + 4 * widestVector;
-inline constexpr std::size_t planeCount = 8;
-inline constexpr std::size_t scratchBesidesRow = 3 * widestVector + planeCount * planeBytes;
+inline constexpr std::size_t cacheLine = 64;
 
 extern const VectorKernels sse2Kernels;
 extern const VectorKernels avx2Kernels;

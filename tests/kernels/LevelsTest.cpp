@@ -136,8 +136,7 @@ TEST_F(Levels, ConvolveEverySizeAsTheScalarFormDoes)
             }
         }
     }
-    // Rows longer than a stretch, ending around its border.
-    for (const std::int32_t width : {495, 496, 511, 512, 513, 514, 528, 529, 1023, 1024, 1025, 1041, 2047, 2050}) {
+    for (const std::int32_t width : {511, 512, 513, 1023, 1025, 2047, 2050}) {
         for (std::int32_t kind = firstKind; kind <= lastKind; ++kind)
             ASSERT_TRUE(check(width, 3 + (width + kind) % 6, kind));
     }
