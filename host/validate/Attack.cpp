@@ -4,7 +4,7 @@
 #include "host/base/Text.h"
 #include "host/fixtures/GuardedMemory.h"
 #include "host/fixtures/PushGraph.h"
-#include "host/validate/CrashWords.h"
+#include "host/validate/CrashWatch.h"
 #include "host/validate/EmbeddedPanel.h"
 
 #include <vixavideofx/ClassIds.h>
@@ -205,13 +205,11 @@ constexpr Attempt attempts[] = {
     {"panel messages", 2, PanelMessages},
 };
 
-LONG WINAPI SayWhere(EXCEPTION_POINTERS* fault)
+void SayWhere(const char* words)
 {
     Say("crash: ");
-    Say(CrashWords(*fault->ExceptionRecord));
+    Say(words);
     Say("\n");
-    TerminateProcess(GetCurrentProcess(), 3);
-    return EXCEPTION_EXECUTE_HANDLER;
 }
 
 // All attempts at once, each on its threads.
@@ -312,7 +310,7 @@ private:
 void Attack(const std::filesystem::path& file, int minutes, const std::function<void(const std::string&)>& say)
 {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
-    SetUnhandledExceptionFilter(SayWhere);
+    WatchForCrashes(SayWhere);
     Subject library(file);
     library.Info(vixavideofx::CLSID_Emboss);
     const effects::PanelWindow first(1, 1); // two threads that register a window class at once may find none

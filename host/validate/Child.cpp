@@ -1,7 +1,7 @@
 // The child process: one group's checks on one copy of the library.
 #include "host/base/HostError.h"
 #include "host/fixtures/PushGraph.h"
-#include "host/validate/CrashWords.h"
+#include "host/validate/CrashWatch.h"
 #include "host/validate/Report.h"
 #include "host/validate/Subject.h"
 #include "host/validate/Validation.h"
@@ -47,11 +47,9 @@ bool ReadOrders()
     return std::freopen("NUL", "r", stdin) && understood && SetHandleInformation(report, HANDLE_FLAG_INHERIT, 0);
 }
 
-LONG WINAPI LastWords(EXCEPTION_POINTERS* fault)
+void LastWords(const char* words)
 {
-    Report(Statement::Kind::Crashes, 0, Status::Success, CrashWords(*fault->ExceptionRecord));
-    TerminateProcess(GetCurrentProcess(), 3);
-    return EXCEPTION_EXECUTE_HANDLER;
+    Report(Statement::Kind::Crashes, 0, Status::Success, words);
 }
 
 Finding RunOne(const Check& check, Subject& library)
@@ -77,7 +75,7 @@ void RunAsChild(const std::filesystem::path& library, const std::string& group, 
     if (!ReadOrders())
         throw WrongWords("validate-child is for `vixahost validate` alone.");
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
-    SetUnhandledExceptionFilter(LastWords);
+    WatchForCrashes(LastWords);
     Subject subject(library);
     const auto checks = ChecksOf(group);
     for (int i = firstCheck; i < static_cast<int>(checks.size()); ++i) {

@@ -1,6 +1,7 @@
 #include "host/validate/Subject.h"
 
 #include "host/validate/Contract.h"
+#include "host/validate/CrashWatch.h"
 
 namespace vixahost::validate {
 
@@ -8,9 +9,16 @@ HMODULE Subject::Module()
 {
     if (!module)
         module.reset(LoadLibraryW(file.c_str()));
+    WatchModule(module.get());
     if (!module)
         Skip("the library does not load (see loading/loads)");
     return module.get();
+}
+
+void Subject::Unload() noexcept
+{
+    module.reset();
+    WatchModule(nullptr);
 }
 
 HRESULT Subject::ClassObject(REFCLSID classId, REFIID riid, void** object)

@@ -28,7 +28,7 @@ public:
 
     // The loaded module; loads it first. Skips the check when it can't be loaded: a check of its own says so.
     HMODULE Module();
-    void Unload() noexcept { module.reset(); }
+    void Unload() noexcept;
 
     // An export, or null.
     void* Export(const char* name) { return reinterpret_cast<void*>(GetProcAddress(Module(), name)); }

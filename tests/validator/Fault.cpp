@@ -28,9 +28,11 @@ extern "C" {
 extern void* infoTable[] __asm__(SYMBOL("_ZTVN23VixaVideoFXClassFactory10EffectInfoE"));
 extern void* factoryTable[] __asm__(SYMBOL("_ZTV23VixaVideoFXClassFactory"));
 extern void* convolutionTable[] __asm__(SYMBOL("_ZTV15CConvCorrection"));
+extern void* invertPanelTable[] __asm__(SYMBOL("_ZTV13CDialogInvert"));
 extern void* addTable[] __asm__(SYMBOL("_ZTV9CAddPixel"));
 HRESULT __thiscall KernelTransform(void* self,
                                    IMediaSample* sample) __asm__(SYMBOL("_ZN12KernelEffect9TransformEP12IMediaSample"));
+void __thiscall PanelDestroyed(void* self) __asm__(SYMBOL("_ZN8CBaseWnd9OnDestroyEv"));
 }
 
 namespace {
@@ -240,6 +242,20 @@ void Break()
 {
     old = *Slot(ShowSettingsDialog);
     Put(Slot(ShowSettingsDialog), reinterpret_cast<void*>(SilentDialog));
+}
+
+#elif defined(VIXA_FAULT_DESTROY)
+
+// Inside a window procedure, where the system may swallow it.
+void __thiscall Faulting(void* self)
+{
+    PanelDestroyed(self);
+    static volatile int* nowhere = nullptr;
+    *nowhere = 0;
+}
+void Break()
+{
+    Exchange(invertPanelTable, reinterpret_cast<void*>(PanelDestroyed), reinterpret_cast<void*>(Faulting));
 }
 
 #elif defined(VIXA_FAULT_LANGUAGE)

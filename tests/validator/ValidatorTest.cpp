@@ -55,6 +55,7 @@ constexpr Fault faults[] = {
     {"ICON", "icons/size", Status::Failed, "3714 instead of 3712"},
     {"DEFAULT", "defaults/blocks", Status::Failed, "Emboss"},
     {"SILENT", "panels/notifies", Status::Failed, "notifications is 0"},
+    {"DESTROY", "panels/reopened", Status::Crashed, "access violation at VixaVideoFX.dll"},
     {"BORDER", "streaming/borders", Status::Failed, "border pixel (1, 0)"},
     {"TIMES", "streaming/sample-untouched", Status::Failed, "Add pixel"},
     {"NULL", "bad-input/null-set", Status::Crashed, "access violation"},

@@ -1,5 +1,6 @@
-#include "host/validate/CrashWords.h"
+#include "host/validate/CrashWatch.h"
 
+#include <atomic>
 #include <cinttypes>
 #include <cstddef>
 #include <cstdio>
@@ -7,6 +8,10 @@
 namespace vixahost::validate {
 
 namespace {
+
+void (*tellOwner)(const char*) = nullptr;
+std::atomic<HMODULE> watched = nullptr;
+HMODULE program = nullptr, runtime = nullptr; // this program and the C run-time library
 
 // "VixaVideoFX.dll+0x1234".
 void DescribePlace(const void* address, char* text, std::size_t size)
@@ -27,8 +32,6 @@ void DescribePlace(const void* address, char* text, std::size_t size)
         std::snprintf(text, size, "%p", address);
 }
 
-} // namespace
-
 const char* CrashWords(const EXCEPTION_RECORD& record) noexcept
 {
     static char place[MAX_PATH + 32], words[MAX_PATH + 128];
@@ -43,6 +46,53 @@ const char* CrashWords(const EXCEPTION_RECORD& record) noexcept
         std::snprintf(words, sizeof words, "exception 0x%08lX at %s", static_cast<unsigned long>(record.ExceptionCode),
                       place);
     return words;
+}
+
+LONG WINAPI TellAndEnd(EXCEPTION_POINTERS* fault)
+{
+    tellOwner(CrashWords(*fault->ExceptionRecord));
+    TerminateProcess(GetCurrentProcess(), 3);
+    return EXCEPTION_EXECUTE_HANDLER;
+}
+
+// Access violations and the like: errors of the system's own numbering, which C++ exceptions of any compiler are not.
+bool IsFault(DWORD code) noexcept
+{
+    constexpr DWORD error = 3UL << 30, customer = 1UL << 29;
+    return (code & (error | customer)) == error;
+}
+
+// Asks for the pages instead of the list of modules, whose lock another thread may hold.
+bool IsOurPlace(const void* address) noexcept
+{
+    MEMORY_BASIC_INFORMATION pages = {};
+    if (!VirtualQuery(address, &pages, sizeof pages) || pages.State != MEM_COMMIT || pages.Type != MEM_IMAGE)
+        return true;
+    return pages.AllocationBase == watched || pages.AllocationBase == program || pages.AllocationBase == runtime;
+}
+
+LONG WINAPI FirstLook(EXCEPTION_POINTERS* fault)
+{
+    const EXCEPTION_RECORD& record = *fault->ExceptionRecord;
+    if (IsFault(record.ExceptionCode) && IsOurPlace(record.ExceptionAddress))
+        return TellAndEnd(fault);
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+} // namespace
+
+void WatchForCrashes(void (*tell)(const char* words)) noexcept
+{
+    tellOwner = tell;
+    program = GetModuleHandleW(nullptr);
+    runtime = GetModuleHandleW(L"msvcrt.dll");
+    SetUnhandledExceptionFilter(TellAndEnd);
+    AddVectoredExceptionHandler(TRUE, FirstLook);
+}
+
+void WatchModule(HMODULE module) noexcept
+{
+    watched = module;
 }
 
 } // namespace vixahost::validate
