@@ -21,8 +21,10 @@ public:
         return answer;
     }
     void OnFormatChanged() override { ++formats; }
+    HRESULT StartStreaming() override { return starts; }
 
     HRESULT created = S_OK;
+    HRESULT starts = S_OK;
     HRESULT answer = S_OK;
     int frames = 0;
     int formats = 0;
@@ -86,6 +88,13 @@ TEST_F(InPlace, RecordsTheGeometryWhenBothPinsAreConnected)
         PushGraph graph(probe.Get(), VideoType(0x60000000, 1));
         EXPECT_EQ(probe->width, 0x60000000);
     }
+}
+
+TEST_F(InPlace, OneThatDoesNotStartIsRefusedAndLetsGo)
+{
+    const ComPtr<Probe> probe = new Probe;
+    probe->starts = E_ABORT;
+    EXPECT_THROW(PushGraph(probe.Get(), VideoType(4, 4)), Refusal);
 }
 
 TEST_F(InPlace, DroppedAndFailedFrames)
