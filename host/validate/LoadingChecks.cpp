@@ -34,7 +34,7 @@ struct Image
         const bool inside = offset <= bytes.size() && count <= (bytes.size() - offset) / sizeof(Type);
         return inside ? reinterpret_cast<const Type*>(bytes.data() + offset) : nullptr;
     }
-    // Where an address of the loaded module lies in the file; beyond it when nowhere.
+    // Where an address of the loaded module lies in the file; its end when nowhere.
     std::size_t OffsetOf(DWORD address) const
     {
         const auto first =
@@ -43,7 +43,8 @@ struct Image
             const auto* const section = At<IMAGE_SECTION_HEADER>(first + i * sizeof(IMAGE_SECTION_HEADER));
             if (section && address >= section->VirtualAddress &&
                 address - section->VirtualAddress < section->SizeOfRawData)
-                return section->PointerToRawData + (address - section->VirtualAddress);
+                return std::min<std::size_t>(bytes.size(), std::uint64_t{section->PointerToRawData} +
+                                                               (address - section->VirtualAddress));
         }
         return bytes.size();
     }
@@ -89,11 +90,13 @@ void Imports(Subject& library)
     const DWORD table = image.headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
     wchar_t folder[MAX_PATH] = {};
     GetSystemDirectoryW(folder, MAX_PATH);
-    for (std::size_t at = image.OffsetOf(table);; at += sizeof(IMAGE_IMPORT_DESCRIPTOR)) {
+    for (std::size_t at = image.OffsetOf(table); table != 0; at += sizeof(IMAGE_IMPORT_DESCRIPTOR)) {
         const auto* const entry = image.At<IMAGE_IMPORT_DESCRIPTOR>(at);
-        if (!entry || entry->Name == 0)
+        Require(entry != nullptr, "the file ends before its table of imports does");
+        if (entry->Name == 0)
             return;
         const std::string name = image.Name(entry->Name);
+        Require(!name.empty(), "the file ends before the names of its imports");
         if (GetFileAttributesW((std::filesystem::path(folder) / Wide(name)).c_str()) == INVALID_FILE_ATTRIBUTES)
             throw Finding{Status::Failed, "the library needs " + name + ", which is not part of the system"};
     }

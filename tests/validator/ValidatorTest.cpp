@@ -11,6 +11,7 @@
 #include <fstream>
 #include <iterator>
 #include <set>
+#include <stdexcept>
 
 using namespace vixahost;
 using namespace vixahost::validate;
@@ -25,6 +26,15 @@ std::vector<Result> Examine(const std::filesystem::path& library, std::vector<st
     request.groups = std::move(groups);
     request.secondsPerCheck = seconds;
     return Validate(request, {});
+}
+
+// Of the check with this name, which must be there.
+Result ResultOf(const std::vector<Result>& results, std::string_view id)
+{
+    for (const Result& result : results)
+        if (result.check->Id() == id)
+            return result;
+    throw std::out_of_range(std::string(id));
 }
 
 TEST(Validator, PassesTheProduct)
@@ -81,11 +91,9 @@ TEST_P(BrokenLibrary, IsCaughtByTheCheckMeantForIt)
     const auto results = Examine(library, {group}, 2);
     // A crash doesn't end the others' run: every check of the group has a result.
     EXPECT_EQ(results.size(), ChecksOf(group).size());
-    const auto caught =
-        std::find_if(results.begin(), results.end(), [&](const Result& result) { return result.check->Id() == check; });
-    ASSERT_NE(caught, results.end());
-    EXPECT_EQ(caught->status, fault.status) << caught->reason;
-    EXPECT_NE(caught->reason.find(fault.words), std::string::npos) << caught->reason;
+    const Result caught = ResultOf(results, check);
+    EXPECT_EQ(caught.status, fault.status) << caught.reason;
+    EXPECT_NE(caught.reason.find(fault.words), std::string::npos) << caught.reason;
     // One fault is not everybody's.
     EXPECT_TRUE(std::any_of(results.begin(), results.end(),
                             [](const Result& result) { return result.status == Status::Success; }));
@@ -126,18 +134,27 @@ TEST(Report, OnlyTheNextLineOfTheKeysOwnerCounts)
               reason.substr(0, maxReason) + "...");
 }
 
-TEST(Validator, AFileThatIsNoLibrary)
+TEST(Validator, FilesThatAreNoLibrary)
 {
     const auto results = Examine(VIXA_PAGE, {"loading", "factories"});
-    for (const Result& result : results) {
-        const std::string id = result.check->Id();
-        if (id == "loading/machine" || id == "loading/loads") {
-            EXPECT_EQ(result.status, Status::Failed) << id;
+    ASSERT_EQ(results.size(), ChecksOf("loading").size() + ChecksOf("factories").size());
+    EXPECT_EQ(ResultOf(results, "loading/machine").status, Status::Failed);
+    EXPECT_EQ(ResultOf(results, "loading/loads").status, Status::Failed);
+    for (const Result& result : results)
+        if (std::string_view(result.check->group) == "factories") {
+            EXPECT_EQ(result.status, Status::Skipped) << result.check->Id() << ": " << result.reason;
         }
-        if (id.starts_with("factories/")) {
-            EXPECT_EQ(result.status, Status::Skipped) << id << ": " << result.reason;
-        }
-    }
+
+    // One that was cut short between its imports and their names.
+    const auto library = effects::LibraryBesideTheProgram(), cut = library.parent_path() / L"cut.dll";
+    std::ifstream whole(library, std::ios::binary);
+    std::string bytes(std::istreambuf_iterator<char>(whole), {});
+    bytes.resize(std::min(bytes.size(), bytes.find("KERNEL32.dll")));
+    std::ofstream(cut, std::ios::binary) << bytes;
+    const Result imports = ResultOf(Examine(cut, {"loading"}), "loading/imports");
+    EXPECT_EQ(imports.status, Status::Failed) << imports.reason;
+    EXPECT_NE(imports.reason.find("names of its imports"), std::string::npos) << imports.reason;
+    std::filesystem::remove(cut);
 }
 
 // The page names every check with its sentence, and no other.
