@@ -11,6 +11,7 @@
 
 #include <psapi.h>
 
+#include <algorithm>
 #include <atomic>
 #include <climits>
 #include <mutex>
@@ -225,19 +226,25 @@ public:
         for (const auto& worker : workers)
             worker->thread = std::thread(&Assault::Work, this, std::ref(*worker), ++seed);
     }
-    ~Assault() { End(); }
+    ~Assault()
+    {
+        Stop();
+        for (const auto& worker : workers)
+            worker->thread.join();
+    }
     Assault(const Assault&) = delete;
     Assault& operator=(const Assault&) = delete;
 
-    // Something was found, or End was called.
-    bool Over() const noexcept { return over; }
-    // Waits for the threads. What was found first; empty when nothing was.
-    const std::string& End()
+    void Stop() noexcept { over = true; }
+    // All threads have ended, after Stop or because one found something.
+    bool Ended() const
     {
-        over = true;
-        for (const auto& worker : workers)
-            if (worker->thread.joinable())
-                worker->thread.join();
+        return std::all_of(workers.begin(), workers.end(), [](const auto& worker) { return worker->ended.load(); });
+    }
+    // What was found first; empty when nothing was.
+    std::string Fault()
+    {
+        const std::lock_guard hold(lock);
         return fault;
     }
     std::string Figures() const
@@ -254,16 +261,19 @@ public:
         GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
         return text + std::to_string(memory.PagefileUsage / 1024) + " KB of memory\n";
     }
-    // What has got no further since the last call, or null.
-    const char* Stuck()
+    // What got no further for so long, or null. Asked by one thread, often.
+    const char* Stuck(ULONGLONG milliseconds)
     {
-        const char* stuck = nullptr;
+        const ULONGLONG now = GetTickCount64();
         for (const auto& worker : workers) {
-            if (worker->done == worker->doneBefore && !over)
-                stuck = worker->attempt.what;
-            worker->doneBefore = worker->done;
+            if (const std::uint64_t done = worker->done; done != worker->doneBefore) {
+                worker->doneBefore = done;
+                worker->since = now;
+            } else if (!worker->ended && now - worker->since > milliseconds) {
+                return worker->attempt.what;
+            }
         }
-        return stuck;
+        return nullptr;
     }
 
 private:
@@ -272,7 +282,9 @@ private:
         explicit Worker(const Attempt& its) : attempt(its) {}
         const Attempt& attempt;
         std::atomic<std::uint64_t> done = 0;
-        std::uint64_t doneBefore = 0; // when it was last looked at
+        std::atomic<bool> ended = false;
+        std::uint64_t doneBefore = 0; // when it was last looked at, and since when it is so
+        ULONGLONG since = GetTickCount64();
         std::thread thread;
     };
 
@@ -289,6 +301,7 @@ private:
         }
         if (SUCCEEDED(com))
             CoUninitialize();
+        worker.ended = true;
     }
     void Fail(const Worker& worker, const std::string& found)
     {
@@ -315,16 +328,20 @@ void Attack(const std::filesystem::path& file, int minutes, const std::function<
     library.Info(vixavideofx::CLSID_Emboss);
     const effects::PanelWindow first(1, 1); // two threads that register a window class at once may find none
     Assault assault(library);
-    for (int seconds = 1; seconds <= minutes * 60 && !assault.Over(); ++seconds) {
+    // Whoever doesn't end is stuck too, so the threads are watched until the last has ended.
+    for (int seconds = 1; !assault.Ended(); ++seconds) {
         Sleep(1000);
+        if (seconds == minutes * 60)
+            assault.Stop();
         if (seconds % 60 == 0)
             say(std::to_string(seconds / 60) + " min: " + assault.Figures());
-        if (const char* const stuck = seconds % 120 == 0 ? assault.Stuck() : nullptr) {
-            say(std::string("hang: ") + stuck + " get no further\n");
+        if (const char* const stuck = assault.Stuck(120'000)) {
+            const std::string fault = assault.Fault();
+            say("hang: " + std::string(stuck) + " get no further\n" + (fault.empty() ? "" : fault + "\n"));
             TerminateProcess(GetCurrentProcess(), 4);
         }
     }
-    const std::string fault = assault.End();
+    const std::string fault = assault.Fault();
     if (!fault.empty())
         throw FailedJob("The library gave way: " + fault);
     if (library.CanUnload() != S_OK)
