@@ -111,10 +111,31 @@ struct Backend
 #include "effects/kernels/PointBodies.inl"
 
 #include "effects/kernels/ConvolutionBodies.inl"
-#include "effects/kernels/GammaLookup.inl"
+
+// The table in sixteen parts of 16 entries. A shuffle looks up the lower half of each byte in one part, and gives 0
+// where the byte's highest bit is set: so the parts i and i + 8 are looked up together, and the other three bits choose
+// between the eight results.
+void Gamma(std::uint8_t* frame, std::size_t pixels, const std::uint8_t* table) noexcept
+{
+    ForEachVector(frame, pixels * pixelBytes, [&](Vector v) {
+        const Vector turned = B::Xor(v, B::Pattern(0x80808080u));
+        const auto part = [&](std::size_t i) {
+            return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i_u*>(table + 16 * i)));
+        };
+        const auto one = [&](std::size_t i) {
+            return B::Or(_mm256_shuffle_epi8(part(i), v), _mm256_shuffle_epi8(part(i + 8), turned));
+        };
+        // A choice looks at the highest bit of each byte.
+        const Vector bit4 = _mm256_slli_epi16(v, 3), bit5 = _mm256_slli_epi16(v, 2), bit6 = _mm256_slli_epi16(v, 1);
+        const auto ofTwo = [&](std::size_t i) { return _mm256_blendv_epi8(one(i), one(i + 1), bit4); };
+        const auto ofFour = [&](std::size_t i) { return _mm256_blendv_epi8(ofTwo(i), ofTwo(i + 2), bit5); };
+        const Vector result = _mm256_blendv_epi8(ofFour(0), ofFour(4), bit6);
+        return _mm256_blendv_epi8(result, v, B::Pattern(0xFF000000u));
+    });
+}
 
 } // namespace
 
-const VectorKernels avx2Kernels = {GammaLookup, Multiply, Invert, FilterColor, Add, Convolve};
+const VectorKernels avx2Kernels = {Gamma, Multiply, Invert, FilterColor, Add, Convolve};
 
 } // namespace vixa::kernels

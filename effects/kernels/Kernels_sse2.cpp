@@ -119,10 +119,27 @@ struct Backend
 #include "effects/kernels/PointBodies.inl"
 
 #include "effects/kernels/ConvolutionBodies.inl"
-#include "effects/kernels/GammaLookup.inl"
+
+// One table per channel whose entries stand where they belong in the pixel, so that three look-ups and three "or"s make
+// a pixel.
+void Gamma(std::uint8_t* frame, std::size_t pixels, const std::uint8_t* table) noexcept
+{
+    std::uint32_t blue[256], green[256], red[256];
+    for (std::size_t i = 0; i < 256; ++i) {
+        blue[i] = table[i];
+        green[i] = std::uint32_t{table[i]} << 8;
+        red[i] = std::uint32_t{table[i]} << 16;
+    }
+    for (std::uint8_t* const end = frame + pixels * pixelBytes; frame != end; frame += pixelBytes) {
+        std::uint32_t pixel;
+        std::memcpy(&pixel, frame, pixelBytes);
+        pixel = (pixel & 0xFF000000u) | blue[pixel & 0xFF] | green[pixel >> 8 & 0xFF] | red[pixel >> 16 & 0xFF];
+        std::memcpy(frame, &pixel, pixelBytes);
+    }
+}
 
 } // namespace
 
-const VectorKernels sse2Kernels = {GammaLookup, Multiply, Invert, FilterColor, Add, Convolve};
+const VectorKernels sse2Kernels = {Gamma, Multiply, Invert, FilterColor, Add, Convolve};
 
 } // namespace vixa::kernels
