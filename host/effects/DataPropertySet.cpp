@@ -8,7 +8,7 @@ namespace vixahost::effects {
 Microsoft::WRL::ComPtr<DataPropertySet> DataPropertySet::Create(std::span<const std::int32_t> block)
 {
     Microsoft::WRL::ComPtr<DataPropertySet> set;
-    set.Attach(new DataPropertySet(block));
+    *set.GetAddressOf() = new DataPropertySet(block); // not Attach: this platform's counts one more there
     return set;
 }
 

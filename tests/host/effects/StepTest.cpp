@@ -1,5 +1,6 @@
 // Effects by their names, and their settings.
 #include "host/base/HostError.h"
+#include "host/effects/DataPropertySet.h"
 #include "host/effects/EffectStack.h"
 
 #include <gtest/gtest.h>
@@ -64,6 +65,13 @@ TEST_F(Steps, NamedValuesAndRangesAreKept)
     } catch (const WrongWords& fault) {
         EXPECT_NE(std::string(fault.what()).find("\"Emboss\""), std::string::npos) << fault.what();
     }
+}
+
+TEST(PropertySets, GoWithTheirLastReference)
+{
+    const auto set = effects::DataPropertySet::Create(std::vector<std::int32_t>{1});
+    EXPECT_EQ(set->AddRef(), 2u);
+    EXPECT_EQ(set->Release(), 1u);
 }
 
 } // namespace
