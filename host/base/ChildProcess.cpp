@@ -32,10 +32,10 @@ public:
         InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
         room.resize(size);
         list = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(room.data());
-        if (!InitializeProcThreadAttributeList(list, 1, 0, &size))
+        if (!InitializeProcThreadAttributeList(list, 1, 0, &size) ||
+            !UpdateProcThreadAttribute(list, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, handles.data(),
+                                       handles.size() * sizeof(HANDLE), nullptr, nullptr))
             throw FailedJob("There is no room for what a process inherits.");
-        UpdateProcThreadAttribute(list, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, handles.data(),
-                                  handles.size() * sizeof(HANDLE), nullptr, nullptr);
         for (const HANDLE handle : handles) {
             DWORD before = 0;
             if (GetHandleInformation(handle, &before) && !(before & HANDLE_FLAG_INHERIT)) {

@@ -27,18 +27,10 @@ constexpr std::optional<std::size_t> DibBytes(std::int64_t width, std::int64_t h
     return static_cast<std::size_t>(row * height);
 }
 
-// The bytes of a picture of 32 bits a pixel that stays in this program's own memory; none where no program of this
-// width can address them.
-constexpr std::optional<std::size_t> PictureBytes(std::int64_t width, std::int64_t height) noexcept
-{
-    return DibBytes(width, height, 32, std::numeric_limits<std::ptrdiff_t>::max());
-}
-
 // The numbers with which a product of 32 bits comes round to something small.
 static_assert(DibBytes(0x08000001, 1, 32) == 0x20000004 && !DibBytes(0x20000001, 1, 32) &&
               !DibBytes(1, 0x20000000, 32));
 static_assert(DibBytes(17, -3, 24) == 156 && !DibBytes(0, 1, 32) && !DibBytes(1, std::int64_t{-1} << 31, 1) &&
               !DibBytes(8, 8, 2));
-static_assert(PictureBytes(30000, 30000).has_value() == (sizeof(void*) > 4) && !PictureBytes(0x7FFFFFFF, 0x7FFFFFFF));
 
 } // namespace vixahost::media
