@@ -39,7 +39,11 @@ LRESULT Window::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
 
 void Window::OnFault(const char* message) noexcept
 {
-    Complain(message);
+    const HWND above = hwnd ? GetParent(hwnd) : nullptr;
+    if (above && GetWindowLongPtrW(above, GWLP_WNDPROC) == reinterpret_cast<LONG_PTR>(&Window::Procedure))
+        if (auto* const parent = reinterpret_cast<Window*>(GetWindowLongPtrW(above, GWLP_USERDATA)))
+            return parent->OnFault(message);
+    Complain(std::string(message) + "\n");
 }
 
 LRESULT CALLBACK Window::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept

@@ -29,7 +29,7 @@ protected:
 
     // May throw: what is thrown reaches OnFault.
     virtual LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
-    // Tells the user what `message` (UTF-8) says.
+    // Tells the user what `message` (UTF-8) says: as the window above does, when that is one of these.
     virtual void OnFault(const char* message) noexcept;
 
     HWND hwnd = nullptr;

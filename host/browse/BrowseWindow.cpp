@@ -60,11 +60,11 @@ BrowseWindow::BrowseWindow(SIZE size) : style(std::make_unique<Style>())
 
 BrowseWindow::~BrowseWindow()
 {
-    // The panel lives in the library and must be gone before the session lets go of it.
-    panel.reset();
-    preview.reset();
+    // With the window goes the panel, which lives in the library: that is the session's, and goes last.
     if (hwnd)
         DestroyWindow(hwnd);
+    panel.reset();
+    preview.reset();
     tree.reset();
     list.reset();
     session.reset();

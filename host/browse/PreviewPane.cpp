@@ -11,6 +11,23 @@
 
 namespace vixahost::browse {
 
+namespace {
+
+// Whatever goes wrong meanwhile: the window counts as painted, or it would ask for it for ever.
+struct Painting
+{
+    explicit Painting(HWND handle) : window(handle), dc(BeginPaint(window, &paint)) {}
+    ~Painting() { EndPaint(window, &paint); }
+    Painting(const Painting&) = delete;
+    Painting& operator=(const Painting&) = delete;
+
+    HWND window;
+    PAINTSTRUCT paint = {};
+    HDC dc;
+};
+
+} // namespace
+
 PreviewPane::PreviewPane(HWND parent, int id, const Style& look) : style(look)
 {
     Create({L"VixaPreviewPane", CS_DBLCLKS, IDC_SIZEWE, nullptr}, L"Preview",
@@ -55,13 +72,9 @@ LRESULT PreviewPane::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
     switch (message) {
     case WM_ERASEBKGND:
         return 1;
-    case WM_PAINT: {
-        PAINTSTRUCT paint = {};
-        const HDC dc = BeginPaint(hwnd, &paint);
-        Paint(dc);
-        EndPaint(hwnd, &paint);
+    case WM_PAINT:
+        Paint(Painting(hwnd).dc);
         return 0;
-    }
     case WM_PRINTCLIENT:
         Paint(reinterpret_cast<HDC>(wParam));
         return 0;
