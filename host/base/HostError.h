@@ -35,4 +35,11 @@ public:
     explicit FailedJob(const std::string& message) : HostError(statusFailedJob, message) {}
 };
 
+// The user ended the job.
+class StoppedJob : public FailedJob
+{
+public:
+    StoppedJob() : FailedJob("Stopped before the end; nothing was written.") {}
+};
+
 } // namespace vixahost

@@ -15,6 +15,8 @@ using View = std::span<const std::uint8_t>;
 // What a clip of any sense stays below: the header of a clip with a hundred streams has some tens of kilobytes.
 constexpr std::uint64_t mostHeaderBytes = 1 << 20, mostTopChunks = 10'000, mostStreams = 100;
 constexpr std::uint32_t mostSampleBytes = 1 << 20;
+// What any clip may suggest for a buffer: some programs suggest the same for all of theirs.
+constexpr std::uint64_t leastBufferBytes = 1 << 24;
 
 [[noreturn]] void Damaged(const std::string& what)
 {
@@ -94,7 +96,7 @@ void CheckPictureFormat(const AviStream& stream, std::uint64_t fileBytes)
     if (layout.bytes > fileBytes)
         Damaged("its frames are larger than the file");
     const auto frame = DibBytes(layout.width, layout.height, 32);
-    if (!frame || stream.suggestedBuffer > std::max<std::uint64_t>(*frame, fileBytes))
+    if (!frame || stream.suggestedBuffer > std::max<std::uint64_t>({*frame, fileBytes, leastBufferBytes}))
         Damaged("it asks for more memory than a frame has");
 }
 
@@ -264,7 +266,7 @@ void ReadIndex(FileBytes& file, const FileChunk& index, const FileChunk& movie, 
             const std::uint64_t place = Number32(block, entry + 8);
             if (!base) {
                 const auto counted = ChunkAt(file, movie.content - 4 + place);
-                base = counted && counted->tag == tag ? movie.content - 4 : 0;
+                base = counted && (counted->tag == tag || counted->type == tag) ? movie.content - 4 : 0;
             }
             if (tag == TagOf("rec ") || !StreamOf(tag))
                 continue;
@@ -385,7 +387,7 @@ PictureLayout LayoutOfFormat(View format)
 void ToRgb32(const PictureLayout& layout, View stored, std::span<std::uint8_t> frame)
 {
     const auto width = static_cast<std::size_t>(layout.width), height = static_cast<std::size_t>(layout.height);
-    const std::size_t storedRow = (width * layout.bits + 31) / 32 * 4;
+    const std::size_t storedRow = layout.bytes / height;
     for (std::size_t y = 0; y < height; ++y) {
         const std::uint8_t* const in = stored.data() + (layout.topDown ? height - 1 - y : y) * storedRow;
         std::uint8_t* const out = frame.data() + y * width * 4;
@@ -404,9 +406,9 @@ void ToRgb32(const PictureLayout& layout, View stored, std::span<std::uint8_t> f
                     pixel |= (five << 3 | five >> 2) << (8 * channel);
                 }
             } else { // the leftmost pixel in a byte's highest bits
-                const std::size_t bit = x * layout.bits;
-                const unsigned shift = 8 - layout.bits - static_cast<unsigned>(bit % 8);
-                pixel = layout.colours[in[bit / 8] >> shift & ((1u << layout.bits) - 1)];
+                const std::size_t inByte = x % (8 / layout.bits);
+                const unsigned shift = 8 - layout.bits * static_cast<unsigned>(inByte + 1);
+                pixel = layout.colours[in[x / (8 / layout.bits)] >> shift & ((1u << layout.bits) - 1)];
             }
             for (unsigned channel = 0; channel < 4; ++channel)
                 out[x * 4 + channel] = static_cast<std::uint8_t>(pixel >> (8 * channel));

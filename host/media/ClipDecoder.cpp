@@ -89,6 +89,9 @@ void ClipDecoder::Decode(std::int64_t index, std::span<std::uint8_t> frame)
         std::memcpy(frame.data(), bits, frame.size());
     else
         Convert(*info, bits, frame);
+    // Not every decoder writes the byte that has no colour; what stood there before differs from run to run.
+    for (std::size_t i = 3; i < frame.size(); i += 4)
+        frame[i] = 0;
 }
 
 void ClipDecoder::Convert(const BITMAPINFO& info, const std::uint8_t* bits, std::span<std::uint8_t> frame)

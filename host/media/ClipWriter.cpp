@@ -35,9 +35,10 @@ void Require(HRESULT result, const std::filesystem::path& file)
                         "); is the disk full or the folder protected?");
 }
 
-std::uint64_t SoundBytes(const AviStream& stream)
+// A chunk is cut in two at most once per frame.
+std::uint64_t SoundBytes(const AviStream& stream, std::int64_t frames)
 {
-    return stream.ChunkBytes() + stream.chunks.size() * chunkRoom;
+    return stream.ChunkBytes() + (stream.chunks.size() + static_cast<std::uint64_t>(frames)) * chunkRoom;
 }
 
 // What a new file takes over of a stream's header.
@@ -66,9 +67,8 @@ AVISTREAMINFOW InformationOf(const AviStream& stream)
 ClipDepth DepthFor(const FrameFormat& format, std::int64_t frames, std::uint64_t soundBytes)
 {
     for (const ClipDepth depth : {ClipDepth::Rgb32, ClipDepth::Rgb24}) {
-        // Sound comes along in at most one more chunk per frame.
         const std::uint64_t bytes =
-            static_cast<std::uint64_t>(frames) * (StoredBytes(format, depth) + 2 * chunkRoom) + soundBytes + headerRoom;
+            static_cast<std::uint64_t>(frames) * (StoredBytes(format, depth) + chunkRoom) + soundBytes + headerRoom;
         if (bytes <= largestFile)
             return depth;
     }
@@ -102,17 +102,21 @@ public:
     }
 
 private:
-    // Samples of one size are cut where they are due, and may go on in the next chunk; one without a fixed size is a
-    // chunk.
+    // A sample without a fixed size is a chunk, which may be empty. Samples of one size are cut where they are due, and
+    // may go on in the next chunk.
     void Copy()
     {
+        const std::size_t size = sound.sampleSize;
         while (static_cast<double>(copied) < limit) {
-            const std::size_t size = sound.sampleSize > 0 ? sound.sampleSize : std::max<std::size_t>(data.size(), 1);
-            const std::size_t whole = (data.size() - done) / size;
+            const std::size_t whole = size > 0 ? (data.size() - done) / size : 0;
             if (whole == 0) {
                 if (chunk == sound.chunks.size())
                     return;
                 Load(sound.chunks[chunk++]);
+                if (size == 0) {
+                    Write(data, 1);
+                    done = data.size();
+                }
                 continue;
             }
             const double due = std::ceil(std::min(limit - static_cast<double>(copied), static_cast<double>(whole)));
@@ -135,10 +139,14 @@ private:
 
     void Write(std::span<std::uint8_t> bytes, std::size_t samples)
     {
+        std::uint8_t nothing = 0; // no place, not even for no bytes, is an error
         // -1: behind what is there. The interface counts what was written in its own way.
-        Require(sink->Write(-1, static_cast<LONG>(samples), bytes.data(), static_cast<LONG>(bytes.size()),
-                            AVIIF_KEYFRAME, nullptr, nullptr),
-                path);
+        const HRESULT result = sink->Write(-1, static_cast<LONG>(samples), bytes.empty() ? &nothing : bytes.data(),
+                                           static_cast<LONG>(bytes.size()), AVIIF_KEYFRAME, nullptr, nullptr);
+        if (result == AVIERR_BADPARAM && sound.sampleSize == 0)
+            throw FailedJob("This system can't write the clip's sound, whose samples have no fixed size; convert it to "
+                            "PCM first.");
+        Require(result, path);
         copied += samples;
     }
 
@@ -158,7 +166,7 @@ ClipWriter::ClipWriter(std::filesystem::path target, ClipReader& source)
 {
     std::uint64_t soundBytes = 0;
     for (const AviStream* const stream : source.Sound())
-        soundBytes += SoundBytes(*stream);
+        soundBytes += SoundBytes(*stream, source.FrameCount());
     depth = DepthFor(format, source.FrameCount(), soundBytes);
     if (depth == ClipDepth::Rgb24)
         narrow.resize(StoredBytes(format, depth));

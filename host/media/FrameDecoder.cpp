@@ -41,8 +41,6 @@ std::uint8_t* PixelsOf(const UniqueView& view)
     return static_cast<std::uint8_t*>(view.get()) + pixelsAt;
 }
 
-constexpr DWORD patience = 20'000; // milliseconds
-
 // The host beside the program that runs, which may be a test.
 std::filesystem::path HostProgram()
 {
@@ -59,7 +57,8 @@ LONG WINAPI EndOnFault(EXCEPTION_POINTERS* fault)
 
 } // namespace
 
-FrameDecoder::FrameDecoder(const std::filesystem::path& clip, int width, int height) : name(Show(clip))
+FrameDecoder::FrameDecoder(const std::filesystem::path& source, int width, int height, DWORD milliseconds)
+    : clip(source), patience(milliseconds)
 {
     const std::uint64_t bytes = pixelsAt + DibBytes(width, height, 32).value_or(0);
     mapping.reset(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, static_cast<DWORD>(bytes >> 32),
@@ -69,12 +68,12 @@ FrameDecoder::FrameDecoder(const std::filesystem::path& clip, int width, int hei
     if (!view)
         throw NoRoomFor(width, height);
     HeadOf(view) = {width, height, -1, 0, {}};
-    Start(clip);
-    Wait("can't be opened");
+    Start();
 }
 
-void FrameDecoder::Start(const std::filesystem::path& clip)
+void FrameDecoder::Start()
 {
+    HeadOf(view).failed = 0;
     asked.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));
     answered.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));
     HANDLE self = nullptr;
@@ -88,6 +87,7 @@ void FrameDecoder::Start(const std::filesystem::path& clip)
         start.words += L" " + std::to_wstring(reinterpret_cast<UINT_PTR>(end));
     start.flags = CREATE_NO_WINDOW;
     process.emplace(start);
+    Wait("can't be opened");
 }
 
 void FrameDecoder::Wait(const std::string& what)
@@ -99,7 +99,8 @@ void FrameDecoder::Wait(const std::string& what)
         which = WaitForMultipleObjects(static_cast<DWORD>(ends.size()), ends.data(), FALSE, 100);
     if (which == WAIT_OBJECT_0 && HeadOf(view).failed == 0)
         return;
-    std::string reason = name + " " + what + ": ";
+    const bool stopped = which == WAIT_TIMEOUT && Interrupted();
+    std::string reason = Show(clip) + " " + what + ": ";
     if (which == WAIT_OBJECT_0) {
         const auto& text = HeadOf(view).failure;
         reason.assign(text.begin(), std::find(text.begin(), text.end() - 1, '\0'));
@@ -108,18 +109,20 @@ void FrameDecoder::Wait(const std::string& what)
     } else if (which == WAIT_OBJECT_0 + 1) {
         reason += "the system's decoder crashed (" + Show(static_cast<HRESULT>(process->Status())) +
                   "). The clip is damaged, or convert it to uncompressed RGB first.";
-    } else if (Interrupted()) {
-        reason = "Stopped before the end; nothing was written.";
     } else {
-        reason += "the system's decoder gave no answer for " + std::to_string(patience / 1000) +
+        reason += "the system's decoder gave no answer for " + std::to_string((patience + 999) / 1000) +
                   " s. The clip is damaged, or convert it to uncompressed RGB first.";
     }
-    process->End(0);
+    process.reset();
+    if (stopped)
+        throw StoppedJob();
     throw FailedJob(reason);
 }
 
 void FrameDecoder::Decode(std::int64_t index, std::span<std::uint8_t> frame)
 {
+    if (!process)
+        Start(); // the last frame that was asked for took it along
     HeadOf(view).index = index;
     SetEvent(asked.get());
     Wait("has a frame " + std::to_string(index) + " that can't be decoded");

@@ -11,28 +11,30 @@
 
 namespace vixahost::media {
 
-// A decoder meets whatever a file holds, and is not ours: one that crashes or hangs takes only its process along.
-// Frames come back through memory that both share. One thread at a time.
+// A decoder meets whatever a file holds, and is not ours: one that crashes or hangs takes only its process along, and
+// the next frame is asked of a new one. Frames come back through memory that both share. One thread at a time.
 class FrameDecoder
 {
 public:
-    // The clip must be one that ReadAviFile takes, its frames of that size. Throws FailedJob when the system has no
-    // decoder for it, when there is no memory for a frame, or when the decoder fails or takes more than 20 s.
-    FrameDecoder(const std::filesystem::path& clip, int width, int height);
+    // The clip must be one that ReadAviFile takes, its frames of that size. A decoder that gives no answer for so many
+    // milliseconds hangs. Throws FailedJob when the system has no decoder for the clip, when there is no memory for a
+    // frame, or when the decoder fails or hangs.
+    FrameDecoder(const std::filesystem::path& source, int width, int height, DWORD milliseconds = 20'000);
 
-    // Frame `index` as 32-bit RGB, bottom-up; `frame` has width * height * 4 bytes. Throws FailedJob, within 20 s; and
-    // soon after the user has interrupted the process.
+    // Frame `index` as 32-bit RGB, bottom-up; `frame` has width * height * 4 bytes. Throws FailedJob when the decoder
+    // fails or hangs, and soon after the user has interrupted the process.
     void Decode(std::int64_t index, std::span<std::uint8_t> frame);
 
 private:
-    void Start(const std::filesystem::path& clip);
+    void Start();
     void Wait(const std::string& what);
 
-    std::string name; // the clip's, for messages
+    std::filesystem::path clip;
+    DWORD patience; // milliseconds
     UniqueMapping mapping;
     UniqueView view; // of the mapping
     UniqueEvent asked, answered;
-    std::optional<ChildProcess> process;
+    std::optional<ChildProcess> process; // none after a frame that it could not give
 };
 
 // What the other process needs, as inherited handles.

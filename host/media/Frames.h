@@ -5,7 +5,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
+#include <vector>
 
 namespace vixahost::media {
 
@@ -29,6 +31,10 @@ struct FrameFormat
         return units / rate * 10'000'000 + units % rate * 10'000'000 / rate;
     }
 };
+
+// A frame that several hold.
+using FrameBytes = std::vector<std::uint8_t>;
+using SharedFrame = std::shared_ptr<const FrameBytes>;
 
 // Gives frames one after the other. Called on the graph's streaming thread only.
 class FrameReader

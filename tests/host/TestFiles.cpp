@@ -272,10 +272,11 @@ Bytes MakeClip(const ClipRecipe& recipe)
           static_cast<std::uint32_t>(recipe.width), static_cast<std::uint32_t>(recipe.height), 0u, 0u, 0u, 0u})
         Put32(main, value);
     headers.push_back(Chunk("avih", main));
-    headers.push_back(List("LIST", "strl",
-                           {StreamHeader({"vids", recipe.compression[0] ? recipe.compression : "DIB ", recipe.scale,
-                                          recipe.rate, frames, frameBytes, 0, recipe.width, recipe.height}),
-                            Chunk("strf", pictureFormat)}));
+    headers.push_back(
+        List("LIST", "strl",
+             {StreamHeader({"vids", recipe.compression[0] ? recipe.compression : "DIB ", recipe.scale, recipe.rate,
+                            frames, recipe.buffer ? recipe.buffer : frameBytes, 0, recipe.width, recipe.height}),
+              Chunk("strf", pictureFormat)}));
     if (recipe.sound)
         headers.push_back(
             List("LIST", "strl",
@@ -286,20 +287,36 @@ Bytes MakeClip(const ClipRecipe& recipe)
     std::vector<Bytes> data;
     Bytes index;
     std::uint32_t offset = 4;
-    const auto add = [&](const char* tag, const Bytes& content) {
-        data.push_back(Chunk(tag, content));
+    const auto enter = [&](const char* tag, std::uint32_t flags, std::size_t bytes) {
         PutTag(index, tag);
-        Put32(index, 0x10);
-        Put32(index, offset);
-        Put32(index, static_cast<std::uint32_t>(content.size()));
-        offset += static_cast<std::uint32_t>(data.back().size());
+        for (const std::uint32_t value : {flags, offset, static_cast<std::uint32_t>(bytes)})
+            Put32(index, value);
     };
     for (int frame = 0; frame < recipe.frames; ++frame) {
-        add("00db", frame == recipe.emptyFrame ? Bytes() : StoredFrame(recipe, frame));
+        std::vector<std::pair<const char*, Bytes>> parts;
+        parts.emplace_back("00db", frame == recipe.emptyFrame ? Bytes() : StoredFrame(recipe, frame));
         if (recipe.sound)
-            add("01wb",
+            parts.emplace_back(
+                "01wb",
                 Bytes(sound.begin() + static_cast<std::ptrdiff_t>(SamplesUpTo(recipe, frame) * blockAlign),
                       sound.begin() + static_cast<std::ptrdiff_t>(SamplesUpTo(recipe, frame + 1) * blockAlign)));
+        std::vector<Bytes> chunks;
+        std::size_t bytes = 4;
+        for (const auto& [tag, content] : parts) {
+            chunks.push_back(Chunk(tag, content));
+            bytes += chunks.back().size();
+        }
+        if (recipe.records) {
+            enter("rec ", 1, bytes);
+            offset += 12;
+            data.push_back(List("LIST", "rec ", chunks));
+        }
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            enter(parts[i].first, 0x10, parts[i].second.size());
+            offset += static_cast<std::uint32_t>(chunks[i].size());
+            if (!recipe.records)
+                data.push_back(chunks[i]);
+        }
     }
     return List("RIFF", "AVI ", {List("LIST", "hdrl", headers), List("LIST", "movi", data), Chunk("idx1", index)});
 }

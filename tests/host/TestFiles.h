@@ -49,6 +49,8 @@ struct ClipRecipe
     bool sound = true;                     // 16-bit stereo at 44100 Hz, as long as the pictures
     char compression[5] = {0, 0, 0, 0, 0}; // "MRLE": run lengths, for 8 bits; zeros: uncompressed
     int emptyFrame = -1;                   // a frame without data: the one before it stays
+    bool records = false;                  // what belongs together stands in a list of its own
+    std::uint32_t buffer = 0;              // that the pictures' header suggests; 0: a frame's bytes
 };
 
 // Blue, green, red and the fourth byte of one pixel, counted from the picture's bottom row.
