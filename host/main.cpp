@@ -1,6 +1,5 @@
 // vixahost: a small host of the effect library. Exit status: 0 done, 1 the job failed, 2 the words were wrong.
 #include "host/base/HostError.h"
-#include "host/base/Interrupt.h"
 #include "host/base/Text.h"
 #include "host/commands/CommandLine.h"
 
@@ -23,7 +22,6 @@ int Complaint(int status, const std::string& message)
 
 int wmain(int count, wchar_t** words)
 {
-    CatchInterrupts();
     const HRESULT com = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     int status = statusDone;
     try {

@@ -14,8 +14,8 @@
 
 namespace vixahost::browse {
 
-using FrameBytes = std::vector<std::uint8_t>;
-using SharedFrame = std::shared_ptr<const FrameBytes>;
+using media::FrameBytes;
+using media::SharedFrame;
 
 // One frame before and after the effects, and how many results there were before it.
 struct LiveResult

@@ -1,14 +1,17 @@
 // What the browser has open: a picture or a clip.
 #pragma once
 
-#include "host/browse/LiveGraph.h"
 #include "host/media/ClipReader.h"
+#include "host/media/Frames.h"
 #include "host/media/Picture.h"
 
 #include <filesystem>
 #include <memory>
 
 namespace vixahost::browse {
+
+using media::FrameBytes;
+using media::SharedFrame;
 
 class Medium
 {

@@ -41,8 +41,6 @@ public:
 
 private:
     void Run();
-    void SavePicture();
-    void SaveClip();
 
     SaveOrder order;
     std::function<void()> onEnd;

@@ -38,8 +38,15 @@ void Session::OpenFile(const std::filesystem::path& file)
 
 void Session::Seek(std::int64_t index)
 {
-    player.Seek(index);
-    frame = medium->Frame(player.Position());
+    class Player moved = player;
+    moved.Seek(index);
+    MoveTo(moved);
+}
+
+void Session::MoveTo(const class Player& moved)
+{
+    frame = medium->Frame(moved.Position());
+    player = moved;
     Push();
 }
 
@@ -47,11 +54,12 @@ bool Session::Advance(std::uint64_t now)
 {
     if (!player.Playing() || graph->Busy())
         return false;
-    const std::int64_t before = player.Position();
-    if (player.Advance(now) == before)
+    class Player moved = player;
+    if (moved.Advance(now) == player.Position()) {
+        player = moved;
         return !player.Playing();
-    frame = medium->Frame(player.Position());
-    Push();
+    }
+    MoveTo(moved);
     return true;
 }
 
@@ -70,9 +78,9 @@ double Session::RestartAndMedian()
 
 void Session::BuildGraph()
 {
-    graph.reset();
-    running = effects::SwitchedOn(stack.Items());
-    graph = std::make_unique<LiveGraph>(library, medium->Format(), running, medium->Duration(), onResult);
+    effects::EffectStack steps = effects::SwitchedOn(stack.Items());
+    graph = std::make_unique<LiveGraph>(library, medium->Format(), steps, medium->Duration(), onResult);
+    running = std::move(steps);
 }
 
 void Session::Show()

@@ -29,14 +29,21 @@ public:
 
     const StackModel& Stack() const noexcept { return stack; }
     // Changes the stack through a function that takes a StackModel&, and shows the result. True when something changed.
+    // Throws HostError when it can't be shown; the stack then stays.
     template <typename Function>
     bool Change(Function change)
     {
-        const effects::EffectStack before = stack.Items();
-        change(stack);
-        if (stack.Items() == before)
+        StackModel changed = stack;
+        change(changed);
+        std::swap(stack, changed);
+        if (stack.Items() == changed.Items())
             return false;
-        Show();
+        try {
+            Show();
+        } catch (...) {
+            std::swap(stack, changed);
+            throw;
+        }
         return true;
     }
 
@@ -45,8 +52,9 @@ public:
     const class Player& Player() const noexcept { return player; }
     void Play(std::uint64_t now) { player.Play(now); }
     void Pause() { player.Pause(); }
+    // Pauses on frame `index` and sends it. Throws HostError when it can't be had; the position then stays.
     void Seek(std::int64_t index);
-    // Sends the frame that is due, when the graph is ready for it. True when the position has changed.
+    // Sends the frame that is due, when the graph is ready for it. True when the position has changed. Throws as Seek.
     bool Advance(std::uint64_t now);
 
     LiveResult Latest() const { return graph->Latest(); }
@@ -59,6 +67,7 @@ public:
 private:
     void Show();
     void BuildGraph();
+    void MoveTo(const class Player& moved);
 
     std::function<void()> onResult;
     effects::EffectLibrary library; // outlives all that follows

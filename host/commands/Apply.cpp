@@ -7,12 +7,8 @@
 #include "host/base/Text.h"
 #include "host/commands/Words.h"
 #include "host/effects/StackFile.h"
-#include "host/graph/EffectGraph.h"
+#include "host/graph/FileJob.h"
 #include "host/media/AviHeader.h"
-#include "host/media/ClipReader.h"
-#include "host/media/ClipWriter.h"
-#include "host/media/PictureFile.h"
-#include "host/media/PictureFrames.h"
 
 #include <cstdio>
 #include <map>
@@ -30,8 +26,7 @@ void RequireReadable(const std::filesystem::path& file)
         throw FailedJob(Show(file) + " is a folder; name a picture or a clip in it.");
     if (data.nFileSizeLow == 0 && data.nFileSizeHigh == 0)
         throw FailedJob(Show(file) + " is empty; name a picture or a clip that holds something.");
-    if (!Opened(CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
-                            nullptr)))
+    if (!Opened(CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)))
         throw FailedJob(Show(file) + " can't be opened (system error " + std::to_string(GetLastError()) +
                         "); are you allowed to read it?");
 }
@@ -72,12 +67,14 @@ std::string StackText(const effects::EffectStack& stack)
     return text;
 }
 
-void ReportDone(const Job& job, const media::FrameFormat& format, std::int64_t frames, double milliseconds)
+void ReportDone(const Job& job, const graph::JobDone& done)
 {
     char figures[96];
-    std::snprintf(figures, sizeof figures, "%d x %d, %lld %s, %.2f ms per frame", format.width, format.height,
-                  static_cast<long long>(frames), frames == 1 ? "picture" : "frames", milliseconds);
+    std::snprintf(figures, sizeof figures, "%d x %d, %lld %s, %.2f ms per frame", done.format.width, done.format.height,
+                  static_cast<long long>(done.frames), done.frames == 1 ? "picture" : "frames", done.milliseconds);
     Say(StackText(job.stack) + ": " + Show(job.command.output) + ", " + figures + "\n");
+    if (done.depth == media::ClipDepth::Rgb24)
+        Say("The clip has 24 bits per pixel: with 32 it would be larger than the 2 GB that an AVI file may have.\n");
 }
 
 void LowerLevel(const graph::EffectGraph& graph, const Job& job)
@@ -91,52 +88,37 @@ void LowerLevel(const graph::EffectGraph& graph, const Job& job)
     }
 }
 
-void ApplyToPicture(const Job& job, media::PictureFormat format)
+// Its line of the terminal ends with it, however the job ends.
+class ProgressLine
 {
-    media::Picture picture = media::ReadPicture(job.command.input);
-    TargetFile target(job.command.output);
-    double milliseconds = 0;
+public:
+    ~ProgressLine()
     {
-        media::BandedPicture bands(picture, effects::ReachOf(job.stack));
-        graph::EffectGraph graph(job.effectLibrary, job.stack, bands, bands, bands.Format().TimeOf(1));
-        LowerLevel(graph, job);
-        graph.Run();
-        if (!bands.Whole())
-            throw FailedJob("The filter graph gave no picture.");
-        milliseconds = graph.MedianMilliseconds();
+        if (progress)
+            progress->End();
     }
-    media::WritePicture(target.Temporary(), format, picture);
-    if (Interrupted())
-        throw FailedJob("Stopped before the end; nothing was written.");
-    target.Commit();
-    ReportDone(job, {picture.width, picture.height}, 1, milliseconds);
-}
+    void Show(std::int64_t done, std::int64_t total)
+    {
+        if (!progress)
+            progress.emplace(total);
+        progress->Show(done);
+    }
 
-void ApplyToClip(const Job& job)
+private:
+    std::optional<Progress> progress;
+};
+
+graph::JobDone Apply(const Job& job, const std::optional<media::PictureFormat>& format)
 {
-    media::ClipReader reader(job.command.input);
-    TargetFile target(job.command.output);
-    media::ClipWriter writer(target.Temporary(), reader);
-    Progress progress(reader.FrameCount());
-    double milliseconds = 0;
-    try {
-        graph::EffectGraph graph(job.effectLibrary, job.stack, reader, writer,
-                                 reader.Format().TimeOf(reader.FrameCount()));
-        LowerLevel(graph, job);
-        graph.Run([&](std::int64_t done) { progress.Show(done); });
-        milliseconds = graph.MedianMilliseconds();
-    } catch (...) {
-        progress.End();
-        throw;
+    ProgressLine line;
+    graph::FileJob fileJob = {job.effectLibrary, job.stack, job.command.output, Interrupted,
+                              [&job](const graph::EffectGraph& graph) { LowerLevel(graph, job); }};
+    if (format) {
+        media::Picture picture = media::ReadPicture(job.command.input);
+        return SaveThroughEffects(fileJob, picture, *format);
     }
-    progress.End();
-    writer.Finish();
-    if (Interrupted())
-        throw FailedJob("Stopped before the end; nothing was written.");
-    target.Commit();
-    ReportDone(job, reader.Format(), reader.FrameCount(), milliseconds);
-    if (writer.Depth() == media::ClipDepth::Rgb24)
-        Say("The clip has 24 bits per pixel: with 32 it would be larger than the 2 GB that an AVI file may have.\n");
+    fileJob.progress = [&line](std::int64_t done, std::int64_t total) { line.Show(done, total); };
+    return SaveThroughEffects(fileJob, job.command.input);
 }
 
 // The words of `apply`, in the order in which they stood: a setting belongs to the effect before it.
@@ -186,10 +168,8 @@ void Run(const ApplyCommand& command)
                                                        ".bmp, .jpg, .tif)."));
     if (!command.stackFile.empty())
         job.stack = StackOf(job.effectLibrary, command.stackFile);
-    if (clip)
-        ApplyToClip(job);
-    else
-        ApplyToPicture(job, *format);
+    CatchInterrupts();
+    ReportDone(job, Apply(job, format));
 }
 
 Words ApplyWords(CLI::App& program)

@@ -2,6 +2,7 @@
 
 #include "host/base/ChildProcess.h"
 #include "host/base/HostError.h"
+#include "host/base/Interrupt.h"
 #include "host/base/Text.h"
 #include "host/effects/LibraryFile.h"
 
@@ -31,6 +32,7 @@ bool HandOver(const std::filesystem::path& library)
     start.input = GetStdHandle(STD_INPUT_HANDLE);
     start.output = GetStdHandle(STD_OUTPUT_HANDLE);
     start.error = GetStdHandle(STD_ERROR_HANDLE);
+    CatchInterrupts(); // the other one answers them
     const ChildProcess process(start);
     process.EndsWithin(INFINITE);
     const DWORD status = process.Status();

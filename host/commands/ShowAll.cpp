@@ -1,5 +1,6 @@
 #include "host/commands/ShowAll.h"
 #include "host/base/HostError.h"
+#include "host/base/Interrupt.h"
 #include "host/base/TargetFile.h"
 #include "host/base/Text.h"
 #include "host/effects/EffectCatalogue.h"
@@ -54,6 +55,7 @@ void Run(const ShowAllCommand&)
     if (!CreateDirectoryW(folder.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)
         throw FailedJob("The folder \"out\" can't be made here (system error " + std::to_string(GetLastError()) +
                         "); start from a folder that you may write to.");
+    CatchInterrupts();
     const effects::EffectLibrary library;
     const media::Picture scene = media::DrawSampleScene();
     std::vector<media::SheetTile> tiles = {{"The sample picture", "", scene}};

@@ -1,7 +1,6 @@
 #include "host/graph/EffectGraph.h"
 
 #include "host/base/HostError.h"
-#include "host/base/Interrupt.h"
 #include "host/base/Text.h"
 #include "host/effects/DataPropertySet.h"
 #include "host/media/DibSize.h"
@@ -107,23 +106,23 @@ void EffectGraph::Stop() const noexcept
         control->Stop();
 }
 
-void EffectGraph::Run(const std::function<void(std::int64_t)>& onProgress)
+void EffectGraph::Run(const std::function<void(std::int64_t)>& onProgress, const std::function<bool()>& stopped)
 {
     Start();
-    WaitForEnd(onProgress);
+    WaitForEnd(onProgress, stopped);
     Stop();
     if (onProgress)
         onProgress(taker.FramesWritten());
 }
 
-void EffectGraph::WaitForEnd(const std::function<void(std::int64_t)>& onProgress)
+void EffectGraph::WaitForEnd(const std::function<void(std::int64_t)>& onProgress, const std::function<bool()>& stopped)
 {
     OAEVENT handle = 0;
     Require(events->GetEventHandle(&handle), "The graph reports no events");
     for (;;) {
-        if (Interrupted()) {
+        if (stopped()) {
             Stop();
-            throw FailedJob("Stopped before the end; nothing was written.");
+            throw StoppedJob();
         }
         WaitForSingleObject(reinterpret_cast<HANDLE>(handle), 100);
         long code = 0;

@@ -1,6 +1,7 @@
 // A filter graph: source, effects in series, sink.
 #pragma once
 
+#include "host/base/Interrupt.h"
 #include "host/effects/EffectLibrary.h"
 #include "host/effects/EffectStack.h"
 #include "host/graph/FrameSink.h"
@@ -25,10 +26,11 @@ public:
     EffectGraph(const EffectGraph&) = delete;
     EffectGraph& operator=(const EffectGraph&) = delete;
 
-    // Sends all frames through. `onProgress` is called ten times a second with the frames written, and once at the end.
-    // Throws what the reader or the writer threw, FailedJob when the graph fails, and FailedJob("Stopped ...") soon
-    // after the user has interrupted the process.
-    void Run(const std::function<void(std::int64_t)>& onProgress = {});
+    // Sends all frames through. `onProgress` is called ten times a second with the frames written, and once at the end;
+    // `stopped` is asked as often. Throws what the reader or the writer threw, FailedJob when the graph fails, and
+    // StoppedJob soon after `stopped` has answered true.
+    void Run(const std::function<void(std::int64_t)>& onProgress = {},
+             const std::function<bool()>& stopped = Interrupted);
 
     // Sets the graph running and returns; it runs until Stop, or until the reader ends. Throws as Run does, also when
     // there is no memory for a frame.
@@ -45,7 +47,7 @@ public:
 private:
     void Add(IBaseFilter* filter, const std::string& name);
     void Connect(IBaseFilter* from, IBaseFilter* to, const std::string& name);
-    void WaitForEnd(const std::function<void(std::int64_t)>& onProgress);
+    void WaitForEnd(const std::function<void(std::int64_t)>& onProgress, const std::function<bool()>& stopped);
     [[noreturn]] void Fail(HRESULT result) const;
 
     PassTimer timer;

@@ -21,7 +21,8 @@ enum class ClipDepth : std::uint16_t
     Rgb32 = 32,
 };
 
-// The depth for `frames` frames and `soundBytes` of sound with its place in the index. Throws FailedJob when neither fits.
+// The depth for `frames` frames and `soundBytes` of sound with its place in the index. Throws FailedJob when neither
+// fits.
 ClipDepth DepthFor(const FrameFormat& format, std::int64_t frames, std::uint64_t soundBytes);
 
 class ClipWriter : public FrameWriter

@@ -74,6 +74,18 @@ TEST_F(SessionTest, APictureFollowsItsParameters)
     EXPECT_EQ(*Settled(session).after, *untouched.before) << "an empty stack shows the picture as it is";
 }
 
+TEST_F(SessionTest, WhatCantBeShownChangesNothing)
+{
+    Session session([] {});
+    Choose(session, CLSID_InvertColor);
+    Set(session, {7});
+    const LiveResult shown = Settled(session);
+    EXPECT_THROW(session.Change([](StackModel& stack) { stack.Add({IID_IUnknown, "of no library", {}}); }), HostError);
+    EXPECT_EQ(session.Stack().Items().size(), 1u);
+    session.Push();
+    EXPECT_EQ(*Settled(session).after, *shown.after);
+}
+
 TEST_F(SessionTest, AFrameInBandsIsTheSameFrame)
 {
     const effects::EffectLibrary library;

@@ -1,0 +1,60 @@
+#include "host/graph/FileJob.h"
+
+#include "host/base/HostError.h"
+#include "host/base/TargetFile.h"
+#include "host/media/ClipReader.h"
+#include "host/media/PictureFrames.h"
+
+namespace vixahost::graph {
+
+namespace {
+
+void RequireGoingOn(const FileJob& job)
+{
+    if (job.stopped())
+        throw StoppedJob();
+}
+
+double RunGraph(const FileJob& job, media::FrameReader& reader, media::FrameWriter& writer, std::int64_t frames)
+{
+    EffectGraph graph(job.effectLibrary, job.stack, reader, writer, reader.Format().TimeOf(frames));
+    if (job.prepare)
+        job.prepare(graph);
+    graph.Run(
+        [&](std::int64_t done) {
+            if (job.progress)
+                job.progress(done, frames);
+        },
+        job.stopped);
+    return graph.MedianMilliseconds();
+}
+
+} // namespace
+
+JobDone SaveThroughEffects(const FileJob& job, media::Picture& picture, media::PictureFormat format)
+{
+    TargetFile target(job.target);
+    media::BandedPicture bands(picture, effects::ReachOf(job.stack));
+    const double milliseconds = RunGraph(job, bands, bands, 1);
+    if (!bands.Whole())
+        throw FailedJob("The filter graph gave no picture.");
+    RequireGoingOn(job);
+    media::WritePicture(target.Temporary(), format, picture);
+    RequireGoingOn(job);
+    target.Commit();
+    return {{picture.width, picture.height}, 1, milliseconds};
+}
+
+JobDone SaveThroughEffects(const FileJob& job, const std::filesystem::path& clip)
+{
+    media::ClipReader reader(clip);
+    TargetFile target(job.target);
+    media::ClipWriter writer(target.Temporary(), reader);
+    const double milliseconds = RunGraph(job, reader, writer, reader.FrameCount());
+    writer.Finish();
+    RequireGoingOn(job);
+    target.Commit();
+    return {reader.Format(), reader.FrameCount(), milliseconds, writer.Depth()};
+}
+
+} // namespace vixahost::graph

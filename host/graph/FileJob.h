@@ -1,0 +1,38 @@
+// A picture or a clip through a row of effects and into a file.
+#pragma once
+
+#include "host/graph/EffectGraph.h"
+#include "host/media/ClipWriter.h"
+#include "host/media/Picture.h"
+#include "host/media/PictureFile.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+
+namespace vixahost::graph {
+
+// The functions are called on the job's thread.
+struct FileJob
+{
+    const effects::EffectLibrary& effectLibrary;
+    const effects::EffectStack& stack;
+    std::filesystem::path target;                         // appears when it is whole; until then an old one stays
+    std::function<bool()> stopped;                        // asked ten times a second; true ends the job
+    std::function<void(const EffectGraph&)> prepare = {}; // before the first frame
+    std::function<void(std::int64_t, std::int64_t)> progress = {}; // frames written, of how many; ten times a second
+};
+
+struct JobDone
+{
+    media::FrameFormat format;
+    std::int64_t frames;
+    double milliseconds; // that the effects took for a frame
+    media::ClipDepth depth = media::ClipDepth::Rgb32;
+};
+
+// They throw HostError, and FailedJob("Stopped ...") for a job that was stopped; nothing is written then.
+JobDone SaveThroughEffects(const FileJob& job, media::Picture& picture, media::PictureFormat format);
+JobDone SaveThroughEffects(const FileJob& job, const std::filesystem::path& clip);
+
+} // namespace vixahost::graph
