@@ -61,12 +61,12 @@ struct Place
     VIXA_INLINE void SetUpper(Vector result) const noexcept { B::Store(upper, result); }
     VIXA_INLINE void SetMiddle(Vector result) const noexcept { B::Store(middle, result); }
 
-    template <int number>
+    template <std::size_t number>
     VIXA_INLINE Words Kept() const noexcept
     {
         return {B::Load(sums + 2 * number * B::bytes), B::Load(sums + (2 * number + 1) * B::bytes)};
     }
-    template <int number>
+    template <std::size_t number>
     VIXA_INLINE void Keep(Words words) const noexcept
     {
         B::Store(sums + 2 * number * B::bytes, words.low);

@@ -43,8 +43,8 @@ struct Image
             const auto* const section = At<IMAGE_SECTION_HEADER>(first + i * sizeof(IMAGE_SECTION_HEADER));
             if (section && address >= section->VirtualAddress &&
                 address - section->VirtualAddress < section->SizeOfRawData)
-                return std::min<std::size_t>(bytes.size(), std::uint64_t{section->PointerToRawData} +
-                                                               (address - section->VirtualAddress));
+                return static_cast<std::size_t>(std::min<std::uint64_t>(
+                    bytes.size(), std::uint64_t{section->PointerToRawData} + (address - section->VirtualAddress)));
         }
         return bytes.size();
     }
