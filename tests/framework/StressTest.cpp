@@ -84,16 +84,15 @@ TEST(Stress, QuestionsFromEveryThread)
     chain.source->pin.StreamByItself();
     chain.sink->record.keepsContent = false;
     ASSERT_EQ(S_OK, chain.Connect());
-    std::atomic<bool> done = false;
-    const auto loop = [&](auto action) {
-        return std::thread([&done, action] {
-            while (!done)
+    const auto loop = [](auto action) {
+        return std::jthread([action](const std::stop_token& stop) {
+            while (!stop.stop_requested())
                 action();
         });
     };
     CTransInPlaceInputPin& in = chain.probe->In();
     CTransInPlaceOutputPin& out = chain.probe->Out();
-    std::thread threads[] = {
+    const std::jthread threads[] = {
         loop([&] {
             in.BeginFlush();
             in.EndFlush();
@@ -123,9 +122,6 @@ TEST(Stress, QuestionsFromEveryThread)
         Sleep(2);
         ASSERT_HRESULT_SUCCEEDED(chain.graph->Stop());
     }
-    done = true;
-    for (std::thread& thread : threads)
-        thread.join();
 }
 
 } // namespace
