@@ -48,9 +48,15 @@ TEST(BrowserClip, SeeksPlaysAndIsSavedOrCancelled)
         EXPECT_EQ(media::ClipReader(order.target).FrameCount(), 40);
 
         order.target = folder / L"cancelled.avi";
-        SaveJob stopped(order, [] {});
-        stopped.Cancel();
-        EXPECT_NE(stopped.Wait(), "");
+        // On a busy machine a job may be done before it is cancelled, but not every time.
+        std::string said;
+        for (int i = 0; i < 20 && said.empty(); ++i) {
+            DeleteFileW(order.target.c_str());
+            SaveJob stopped(order, [] {});
+            stopped.Cancel();
+            said = stopped.Wait();
+        }
+        EXPECT_TRUE(said.starts_with("Stopped before the end")) << said;
         EXPECT_EQ(folder.Names(), (std::vector<std::wstring>{L"clip.avi", L"out.avi"})) << "nothing is left over";
         order.target = file;
         EXPECT_ANY_THROW(SaveJob(order, [] {}));
