@@ -40,6 +40,15 @@ std::wstring ClassOf(HWND window)
     return name;
 }
 
+// The window of that one's thread that gets the keys, or null.
+HWND FocusOf(HWND window)
+{
+    GUITHREADINFO info = {};
+    info.cbSize = sizeof info;
+    GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info);
+    return info.hwndFocus;
+}
+
 void Press(WORD key, bool down)
 {
     INPUT input = {};
@@ -57,7 +66,6 @@ void Key(WORD key, bool control = false)
     Press(key, false);
     if (control)
         Press(VK_CONTROL, false);
-    Sleep(20);
 }
 
 // Through the clipboard: suggestions that a field makes while letters come in one by one would get between them.
@@ -77,13 +85,11 @@ void Paste(const std::wstring& text)
 void Click(POINT at)
 {
     SetCursorPos(at.x, at.y);
-    Sleep(10);
     for (const DWORD flag : {DWORD{MOUSEEVENTF_LEFTDOWN}, DWORD{MOUSEEVENTF_LEFTUP}}) {
         INPUT input = {};
         input.type = INPUT_MOUSE;
         input.mi.dwFlags = flag;
         SendInput(1, &input, sizeof input);
-        Sleep(10);
     }
 }
 
@@ -177,9 +183,13 @@ protected:
             dialog = GetForegroundWindow();
             return dialog && dialog != frame && ClassOf(dialog) == L"#32770";
         })) << "no file dialog came";
-        Sleep(300);
+        HWND field = nullptr;
+        ASSERT_TRUE(WaitFor([&] {
+            field = FocusOf(dialog);
+            return field && ClassOf(field) == L"Edit";
+        })) << "the file dialog takes no name";
         Paste(file.native());
-        Sleep(200);
+        ASSERT_TRUE(WaitFor([&] { return TextOf(field) == file.native(); })) << "the name did not arrive";
         Key(VK_RETURN);
         ASSERT_TRUE(WaitFor([&] { return !IsWindow(dialog); })) << "the file dialog stayed";
         WaitFor([&] { return GetForegroundWindow() == frame; });
@@ -214,7 +224,6 @@ protected:
         MapWindowPoints(tree, nullptr, reinterpret_cast<POINT*>(&row), 2);
         Click({(row.left + row.right) / 2, (row.top + row.bottom) / 2});
         WaitFor([&] { return TreeView_GetSelection(tree) == effect; });
-        Sleep(50);
     }
 
     // Moves a slider by one page towards a share of its channel.
@@ -255,7 +264,7 @@ protected:
     static void SetFocusByClick(HWND combo)
     {
         Click(PointIn(combo, 0.95, 0.5));
-        Sleep(100);
+        EXPECT_TRUE(WaitFor([&] { return SendMessageW(combo, CB_GETDROPPEDSTATE, 0, 0) != FALSE; }));
         Key(VK_DOWN);
         Key(VK_RETURN);
     }
