@@ -1,6 +1,6 @@
 // The built library, registered as an administrator does it and used as a host does; the program runs in a prefix of
 // its own.
-#include "framework/Handles.h"
+#include "host/base/ChildProcess.h"
 #include "tests/sxs/RegistryView.h"
 
 #include <vixavideofx/ClassIds.h>
@@ -13,6 +13,7 @@
 
 #include <filesystem>
 #include <map>
+#include <stdexcept>
 #include <string>
 
 namespace {
@@ -42,26 +43,30 @@ const std::map<std::wstring, std::wstring> aliasOf = {
     {L"Add pixel", L"{E9523F94-F971-422A-9AD5-578D5AEA1969}"},
 };
 
-// The exit code of a program that is run to its end.
-DWORD ExitCodeOf(std::wstring commandLine)
-{
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process))
-        return GetLastError();
-    const vixa::UniqueEvent thread(process.hThread), child(process.hProcess);
-    WaitForSingleObject(child.get(), 60000);
-    DWORD code = STILL_ACTIVE;
-    GetExitCodeProcess(child.get(), &code);
-    return code;
-}
-
 std::wstring LibraryPath()
 {
     wchar_t path[MAX_PATH];
     GetFullPathNameW(VIXA_LIBRARY, MAX_PATH, path, nullptr);
     return path;
+}
+
+// The exit status of a program that is run to its end. Throws when it can't be started or doesn't end.
+DWORD StatusOf(const std::filesystem::path& program, const std::wstring& words, HANDLE output = nullptr)
+{
+    vixahost::ChildStart start = {program, L" " + words, program.string()};
+    start.output = output;
+    const vixahost::ChildProcess process(start);
+    if (!process.EndsWithin(60000))
+        throw std::runtime_error(program.string() + " does not end");
+    return process.Status();
+}
+
+// The system's program that registers, on the library.
+DWORD StatusOfRegsvr32(const std::wstring& words)
+{
+    wchar_t folder[MAX_PATH] = {};
+    GetSystemDirectoryW(folder, MAX_PATH);
+    return StatusOf(std::filesystem::path(folder) / L"regsvr32.exe", words + L" \"" + LibraryPath() + L"\"");
 }
 
 class RegisteredLibrary : public testing::Test
@@ -83,10 +88,13 @@ TEST_F(RegisteredLibrary, AManifestDoesWithoutRegistration)
     EXPECT_EQ(CreateAddPixel(), REGDB_E_CLASSNOTREG);
     ASSERT_TRUE(CreateDirectoryW(L"C:\\free", nullptr));
     ASSERT_TRUE(CopyFileW(LibraryPath().c_str(), L"C:\\free\\VixaVideoFX.dll", TRUE));
-    ASSERT_EQ(ExitCodeOf(L"cmd /c \"\"" +
-                         (std::filesystem::path(LibraryPath()).parent_path() / L"vixahost.exe").native() +
-                         L"\" manifest > C:\\free\\effects.manifest\""),
-              0u);
+    {
+        const auto manifest = vixahost::Opened(CreateFileW(L"C:\\free\\effects.manifest", GENERIC_WRITE, 0, nullptr,
+                                                           CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+        ASSERT_EQ(StatusOf(std::filesystem::path(LibraryPath()).replace_filename(L"vixahost.exe"), L"manifest",
+                           manifest.get()),
+                  0u);
+    }
     ACTCTXW request = {};
     request.cbSize = sizeof request;
     request.lpSource = L"C:\\free\\effects.manifest";
@@ -103,9 +111,7 @@ TEST_F(RegisteredLibrary, AManifestDoesWithoutRegistration)
 
 TEST_F(RegisteredLibrary, AUserRegistersWithoutAnAdministrator)
 {
-    const auto regsvr32 = [](const std::wstring& words) {
-        return ExitCodeOf(L"regsvr32 /s /n " + words + L" \"" + LibraryPath() + L"\"");
-    };
+    const auto regsvr32 = [](const std::wstring& words) { return StatusOfRegsvr32(L"/s /n " + words); };
     const std::wstring server = L"Software\\Classes\\CLSID\\{DDBE68A3-F53E-4E2D-B5AF-578F4302C032}\\InprocServer32";
     EXPECT_NE(regsvr32(L"/i:nobody"), 0u);
     EXPECT_EQ(regsvr32(L"/i:user"), 0u);
@@ -119,7 +125,7 @@ TEST_F(RegisteredLibrary, AUserRegistersWithoutAnAdministrator)
 
 TEST_F(RegisteredLibrary, HostFindsAndCreatesEveryEffect)
 {
-    ASSERT_EQ(ExitCodeOf(L"regsvr32 /s \"" + LibraryPath() + L"\""), 0u);
+    ASSERT_EQ(StatusOfRegsvr32(L"/s"), 0u);
     ComPtr<IGraphBuilder> graph;
     ASSERT_EQ(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&graph)), S_OK);
 
@@ -156,7 +162,7 @@ TEST_F(RegisteredLibrary, HostFindsAndCreatesEveryEffect)
     graph.Reset();
     CoFreeUnusedLibraries();
 
-    ASSERT_EQ(ExitCodeOf(L"regsvr32 /u /s \"" + LibraryPath() + L"\""), 0u);
+    ASSERT_EQ(StatusOfRegsvr32(L"/u /s"), 0u);
     for (const auto& [id, name] : *listed) {
         CLSID classId;
         CLSIDFromString(id.c_str(), &classId);
@@ -165,7 +171,7 @@ TEST_F(RegisteredLibrary, HostFindsAndCreatesEveryEffect)
     }
     EXPECT_TRUE(ValuesOf(HKEY_LOCAL_MACHINE, effects)->empty());
     EXPECT_TRUE(ValuesOf(HKEY_LOCAL_MACHINE, effects + L"7")->empty());
-    EXPECT_EQ(ExitCodeOf(L"regsvr32 /u /s \"" + LibraryPath() + L"\""), 0u);
+    EXPECT_EQ(StatusOfRegsvr32(L"/u /s"), 0u);
 }
 
 // What a copy of the library at `path` answers, what the class key says then, and whether an effect can be created
