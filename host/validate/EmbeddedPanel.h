@@ -8,6 +8,8 @@
 
 #include <commctrl.h>
 
+#include <vector>
+
 namespace vixahost::validate {
 
 // Used on the thread that makes it.
@@ -106,5 +108,22 @@ private:
         return TRUE;
     }
 };
+
+inline BOOL CALLBACK AddToolTip(HWND window, LPARAM list)
+{
+    wchar_t name[32];
+    GetClassNameW(window, name, 32);
+    if (lstrcmpiW(name, TOOLTIPS_CLASSW) == 0)
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+    return TRUE;
+}
+
+// The tooltip windows of this thread: a panel has one.
+inline std::vector<HWND> ToolTips()
+{
+    std::vector<HWND> found;
+    EnumThreadWindows(GetCurrentThreadId(), AddToolTip, reinterpret_cast<LPARAM>(&found));
+    return found;
+}
 
 } // namespace vixahost::validate

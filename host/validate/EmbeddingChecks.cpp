@@ -195,23 +195,13 @@ void HostsHook(Subject& library)
     requireAll("when no object is left");
 }
 
-BOOL CALLBACK CountToolTip(HWND window, LPARAM sum)
-{
-    wchar_t name[32];
-    GetClassNameW(window, name, 32);
-    *reinterpret_cast<int*>(sum) += lstrcmpiW(name, TOOLTIPS_CLASSW) == 0;
-    return TRUE;
-}
-
 void SetUpOnce(Subject& library)
 {
     const Embedded panel(library, CLSID_FilterColor, anyBlock);
     const HWND list = panel.Item(1003);
     for (const HWND focus : {list, static_cast<HWND>(nullptr), panel.host.Handle()})
         SendMessageW(panel.panel, WM_INITDIALOG, reinterpret_cast<WPARAM>(focus), 0);
-    int toolTips = 0;
-    EnumThreadWindows(GetCurrentThreadId(), CountToolTip, reinterpret_cast<LPARAM>(&toolTips));
-    RequireNumber(toolTips, 1, "the number of tooltips");
+    RequireNumber(static_cast<long long>(ToolTips().size()), 1, "the number of tooltips");
     RequireNumber(SendMessageW(list, CB_GETCOUNT, 0, 0), 3, "the entries of the list");
     panel.Choose(1003, 1);
     RequireNumber(panel.set.writes, 1, "writes by a panel that was told again to set itself up");

@@ -1,4 +1,5 @@
 // A tooltip appears, with title and text, when the user's pointer rests on a control of a panel.
+#include "host/validate/EmbeddedPanel.h"
 #include "tests/dialogs/PanelFixture.h"
 
 #include <gtest/gtest.h>
@@ -33,22 +34,13 @@ struct Spoken
     }
 };
 
-BOOL CALLBACK FindToolTip(HWND window, LPARAM found)
-{
-    wchar_t name[32];
-    GetClassNameW(window, name, 32);
-    if (lstrcmpiW(name, TOOLTIPS_CLASSW) == 0)
-        *reinterpret_cast<HWND*>(found) = window;
-    return TRUE;
-}
-
 template <typename Panel>
 void ExpectToolTip(HostWindow& host, const Block& block, int id, const wchar_t* title, const wchar_t* text)
 {
     Panel panel(host, block);
-    HWND tip = nullptr;
-    EnumThreadWindows(GetCurrentThreadId(), FindToolTip, reinterpret_cast<LPARAM>(&tip));
-    ASSERT_NE(tip, nullptr);
+    const auto tips = vixahost::validate::ToolTips();
+    ASSERT_EQ(tips.size(), 1u);
+    const HWND tip = tips.front();
     Spoken::text.clear();
     Spoken::title.clear();
     Spoken::panelProcedure = Spoken::Replace(panel.window, Spoken::OnPanel);
