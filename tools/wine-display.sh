@@ -12,7 +12,10 @@ flock 8
 WINEPREFIX="$VIXA_WINEPREFIX" wineserver -w 8>&- || true
 # Ended before their display goes, the desktop's own processes don't complain about it.
 status=0
-xvfb-run -a -s "-screen 0 ${VIXA_SCREEN:-2560x1600}x24" bash -c '
+# Two at the same time, one of each width, must not find the same number free.
+number=100
+[ -z "$WIDTH_SUFFIX" ] || number=200
+xvfb-run -a -n $number -s "-screen 0 ${VIXA_SCREEN:-2560x1600}x24" bash -c '
     "$0" --display "$@"
     status=$?
     WINEPREFIX="$VIXA_WINEPREFIX" wineserver -k
