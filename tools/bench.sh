@@ -42,7 +42,14 @@ if [ -n "$wine" ]; then
     ! runs32 || build win32 vixa_bench vixa_filter_bench VixaVideoFX
 fi
 
-[ -z "$json" ] || printf '{"processor": "%s", "programs": [\n' "$(sed -n '/^model name/{s/.*: //p;q}' /proc/cpuinfo)" >&3
+# Names alone do not tell generations apart: some machines say no more than the maker's.
+processor=$(awk -F': *' '/^cpu family/ { family = $2 } /^model\t/ { model = $2 } /^model name/ { name = $2 }
+    /^stepping/ { exit } END { print name ", family " family ", model " model }' /proc/cpuinfo)
+if [ -n "$json" ]; then
+    printf '{"processor": "%s", "programs": [\n' "$processor" >&3
+else
+    printf '%s\n\n' "$processor" >&3
+fi
 if [ -n "$native" ]; then
     pinned "$BUILD/bench/bin/vixa_bench" "${words[@]}"
 fi

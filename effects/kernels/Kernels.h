@@ -68,8 +68,8 @@ enum class Level
 // The highest level that this build holds and that both the processor and the operating system allow.
 Level HighestLevel() noexcept;
 
-// All kernels at one level; a level above the highest is lowered to it. The highest level was the fastest for every
-// effect that was measured; lower ones are for tests, benchmarks and hosts that compare.
+// All kernels at one level; a level above the highest is lowered to it. The highest level is the fastest, with the few
+// exceptions in docs/performance.md; lower ones are for tests, benchmarks and hosts that compare.
 const KernelSet& KernelsOf(Level level) noexcept;
 
 const char* NameOf(Level level) noexcept;
