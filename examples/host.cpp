@@ -169,6 +169,7 @@ public:
     HRESULT STDMETHODCALLTYPE JoinFilterGraph(IFilterGraph* newGraph, LPCWSTR newName) override
     {
         graph = newGraph; // not counted: the graph owns the filter
+        std::fill(std::begin(name), std::end(name), L'\0');
         std::wstring(newName ? newName : L"").copy(name, std::size(name) - 1);
         return S_OK;
     }
@@ -225,12 +226,16 @@ private:
         }
         HRESULT STDMETHODCALLTYPE ConnectionMediaType(AM_MEDIA_TYPE* out) override
         {
-            *out = source.type;
-            out->pbFormat = static_cast<BYTE*>(CoTaskMemAlloc(sizeof source.info));
-            if (!out->pbFormat)
+            *out = {};
+            if (!peer)
+                return VFW_E_NOT_CONNECTED;
+            void* const format = CoTaskMemAlloc(sizeof source.info); // the caller's from here on
+            if (!format)
                 return E_OUTOFMEMORY;
-            std::memcpy(out->pbFormat, &source.info, sizeof source.info);
-            return peer ? S_OK : VFW_E_NOT_CONNECTED;
+            std::memcpy(format, &source.info, sizeof source.info);
+            *out = source.type;
+            out->pbFormat = static_cast<BYTE*>(format);
+            return S_OK;
         }
         HRESULT STDMETHODCALLTYPE QueryPinInfo(PIN_INFO* out) override
         {
