@@ -32,7 +32,7 @@ int wmain(int count, wchar_t** words)
     } catch (const HostError& fault) {
         status = Complaint(fault.Status(), fault.what());
     } catch (const std::bad_alloc&) {
-        status = Complaint(statusFailedJob, "There is not enough memory for a picture of this size; make it smaller.");
+        status = Complaint(statusFailedJob, "There is not enough memory for this; a smaller picture needs less.");
     } catch (const std::exception& fault) {
         status = Complaint(statusFailedJob, std::string("Something unforeseen failed: ") + fault.what());
     }

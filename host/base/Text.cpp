@@ -1,5 +1,6 @@
 #include "host/base/Text.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace vixahost {
@@ -10,8 +11,16 @@ void Write(HANDLE output, std::string_view utf8)
 {
     DWORD written = 0;
     if (IsTerminal(output)) {
+        // The console of an old system takes some 26,000 at once, and nothing of more.
+        constexpr std::size_t most = 8000;
         const std::wstring wide = Wide(utf8);
-        WriteConsoleW(output, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr);
+        for (std::wstring_view rest = wide; !rest.empty(); rest.remove_prefix(written)) {
+            std::size_t size = std::min(rest.size(), most);
+            if (size < rest.size() && IS_HIGH_SURROGATE(rest[size - 1]))
+                --size;
+            if (!WriteConsoleW(output, rest.data(), static_cast<DWORD>(size), &written, nullptr) || written == 0)
+                return;
+        }
         return;
     }
     while (!utf8.empty() && WriteFile(output, utf8.data(), static_cast<DWORD>(utf8.size()), &written, nullptr) &&

@@ -6,6 +6,8 @@
 #include "host/base/Text.h"
 #include "host/effects/LibraryFile.h"
 
+#include <cstdio>
+
 namespace vixahost::commands {
 
 namespace {
@@ -36,6 +38,14 @@ bool HandOver(const std::filesystem::path& library)
     const ChildProcess process(start);
     process.EndsWithin(INFINITE);
     const DWORD status = process.Status();
+    // What it can end with by itself is a small number, and it has said why.
+    constexpr DWORD lastOwnStatus = 4;
+    if (status > lastOwnStatus) {
+        char number[16];
+        std::snprintf(number, sizeof number, "0x%08lX", static_cast<unsigned long>(status));
+        throw HostError(static_cast<int>(status), "The host for this library did not end by itself (status " +
+                                                      std::string(number) + "): " + Show(host));
+    }
     if (status != statusDone)
         throw HostError(static_cast<int>(status), "");
     return true;
