@@ -416,6 +416,7 @@ __attribute__((noinline)) HRESULT SendMisaligned(IMemInputPin* pin, IMediaSample
                      :
                      : "rbx", "r10", "r11", "xmm0", "xmm1", "xmm2", "xmm3", "xmm4", "xmm5", "memory", "cc");
 #else
+    void* receive = (*reinterpret_cast<void***>(pin))[6];
     __asm__ volatile("movl %%esp, %%esi\n\t"
                      "andl $-64, %%esp\n\t"
                      "subl %[offset], %%esp\n\t"
@@ -423,10 +424,10 @@ __attribute__((noinline)) HRESULT SendMisaligned(IMemInputPin* pin, IMediaSample
                      "pushl %[pin]\n\t"
                      "call *%[receive]\n\t"
                      "movl %%esi, %%esp\n\t"
-                     : "=&a"(result), "+c"(offset)
-                     : [pin] "b"(pin), [sample] "D"(sample), [offset] "c"(offset),
-                       [receive] "d"((*reinterpret_cast<void***>(pin))[6])
-                     : "esi", "memory", "cc");
+                     : "=&a"(result), [offset] "+c"(offset), [receive] "+d"(receive)
+                     : [pin] "b"(pin), [sample] "D"(sample)
+                     : "esi", "st", "st(1)", "st(2)", "st(3)", "st(4)", "st(5)", "st(6)", "st(7)", "xmm0", "xmm1",
+                       "xmm2", "xmm3", "xmm4", "xmm5", "xmm6", "xmm7", "memory", "cc");
 #endif
     return result;
 }

@@ -204,9 +204,10 @@ __attribute__((noinline)) bool Upset(void* function, const void* first, const vo
                      "movl %%esi, %%edx\n\t"
                      "subl %%esp, %%edx\n\t"
                      "movl %%esi, %%esp\n\t"
-                     : "=d"(moved), "+a"(function)
-                     : [first] "b"(first), [second] "c"(second), [third] "D"(third)
-                     : "esi", "memory", "cc");
+                     : "=d"(moved), "+a"(function), [second] "+c"(second)
+                     : [first] "b"(first), [third] "D"(third)
+                     : "esi", "st", "st(1)", "st(2)", "st(3)", "st(4)", "st(5)", "st(6)", "st(7)", "xmm0", "xmm1",
+                       "xmm2", "xmm3", "xmm4", "xmm5", "xmm6", "xmm7", "memory", "cc");
     return moved != 0;
 }
 #endif
