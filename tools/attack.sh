@@ -22,6 +22,7 @@ register_for() {
         (
             done=0 refused=0
             while [ $SECONDS -lt "$end" ]; do
+                [ -d "${2%/*}" ] || exit 1 # the attack has failed, and nobody waits for the figures
                 for word in "" /u; do
                     case $("$ROOT/tools/wine-run.sh" "$regsvr32" $word "$bin/VixaVideoFX.dll" 2>&1) in
                         *Successfully*) done=$((done + 1)) ;;
@@ -45,7 +46,7 @@ if [ "${2:-}" = --register ]; then
 fi
 
 figures=$(mktemp -d)
-trap 'rm -rf "$figures"' EXIT
+trap 'rm -rf "$figures"; wait' EXIT # what still registers ends then
 "$ROOT/tools/wine-fresh.sh" --host "${BASH_SOURCE[0]}" "${wide[@]}" "$minutes" --register "$figures/registrations" &
 registering=$!
 "$ROOT/tools/wine-run.sh" "$bin/vixahost.exe" validate --attack "$minutes" || fail "The attack ended with status $?."
