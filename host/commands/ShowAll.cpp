@@ -79,8 +79,10 @@ void Run(const ShowAllCommand&)
             Cell(std::to_string(result.width) + " x " + std::to_string(result.height), 12) + time + "\n");
         tiles.push_back({effect.englishName, settings, std::move(result)});
     }
-    Save(folder / L"contact-sheet.png", media::DrawContactSheet("VixaVideoFX: thirteen effects", tiles));
-    Say("14 pictures are in the folder out; contact-sheet.png shows all of them.\n");
+    // The sample itself is a tile and no file, the sheet a file and no tile.
+    const std::string effectCount = std::to_string(tiles.size() - 1), files = std::to_string(tiles.size());
+    Save(folder / L"contact-sheet.png", media::DrawContactSheet("VixaVideoFX: " + effectCount + " effects", tiles));
+    Say(files + " pictures are in the folder out; contact-sheet.png shows all of them.\n");
 }
 
 } // namespace vixahost::commands

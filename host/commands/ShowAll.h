@@ -7,8 +7,8 @@ struct ShowAllCommand
 {
 };
 
-// Applies every effect to the sample picture; fourteen pictures in the folder "out" of the current directory. Throws
-// HostError; COM must be running.
+// Applies every effect to the sample picture; a picture for each, and one of them all, in the folder "out" of the
+// current directory. Throws HostError; COM must be running.
 void Run(const ShowAllCommand& command);
 
 } // namespace vixahost::commands

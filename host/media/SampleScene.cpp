@@ -108,7 +108,7 @@ void DrawText(Canvas& canvas, const Area& area)
         TextStyle style;
     };
     const Line lines[] = {{3, "VixaVideoFX", {28, true, {20, 20, 20}}},
-                          {37, "Thirteen effects for video", {14, false, {150, 20, 30}}},
+                          {37, "Effects for 32-bit video", {14, false, {150, 20, 30}}},
                           {56, "abcdefghijklm 0123456789", {11, false, {60, 60, 60}}},
                           {half + 1, "Light on dark", {20, true, {255, 220, 90}}},
                           {half + 27, "The small print, 11 pixels high", {11, false, {200, 220, 255}}}};

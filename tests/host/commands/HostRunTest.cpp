@@ -214,15 +214,17 @@ TEST_F(HostRun, WithoutWordsEveryEffectIsShown)
     const Outcome outcome = Run({});
     ExpectDone(outcome);
     const effects::EffectLibrary library;
-    for (const effects::CatalogueEntry& effect : effects::ReadCatalogue(library))
+    const auto catalogue = effects::ReadCatalogue(library);
+    for (const effects::CatalogueEntry& effect : catalogue)
         EXPECT_NE(outcome.out.find(effect.englishName), std::string::npos) << effect.englishName;
-    int pictures = 0;
+    std::size_t pictures = 0;
     for (const auto& entry : std::filesystem::directory_iterator(folder / L"out")) {
         const media::Picture picture = media::ReadPicture(entry.path());
         EXPECT_GE(picture.width, 640);
         ++pictures;
     }
-    EXPECT_EQ(pictures, 14);
+    EXPECT_EQ(pictures, catalogue.size() + 1) << "one for each, and a sheet";
+    EXPECT_NE(outcome.out.find("\n" + std::to_string(pictures) + " pictures"), std::string::npos) << outcome.out;
     const Outcome list = Run({L"effects"});
     ExpectDone(list);
     EXPECT_NE(list.out.find("{C79C3183-D7F7-439A-98CC-33906A691708}"), std::string::npos);
