@@ -19,8 +19,7 @@ int WidthOf(const std::filesystem::path& file);
 std::string VersionOf(const std::filesystem::path& file);
 
 // The host program that can load a library of the other width: beside the library, or in a package's folder for that
-// width
-// ("x86", "x64") beside this program's own. Empty when there is none.
+// width ("x86", "x64") beside this program's own. Empty when there is none.
 std::filesystem::path HostFor(const std::filesystem::path& library);
 
 // "VixaVideoFX.dll is a 64-bit library, which a 32-bit program can't load", and what to do instead.
