@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstring>
 #include <thread>
+#include <utility>
 
 namespace vixahost::media {
 
@@ -57,8 +58,8 @@ LONG WINAPI EndOnFault(EXCEPTION_POINTERS* fault)
 
 } // namespace
 
-FrameDecoder::FrameDecoder(const std::filesystem::path& source, int width, int height, DWORD milliseconds)
-    : clip(source), patience(milliseconds)
+FrameDecoder::FrameDecoder(std::filesystem::path source, int width, int height, DWORD milliseconds)
+    : clip(std::move(source)), patience(milliseconds)
 {
     const std::uint64_t bytes = pixelsAt + DibBytes(width, height, 32).value_or(0);
     mapping.reset(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, static_cast<DWORD>(bytes >> 32),

@@ -19,7 +19,7 @@ public:
     // The clip must be one that ReadAviFile takes, its frames of that size. A decoder that gives no answer for so many
     // milliseconds hangs. Throws FailedJob when the system has no decoder for the clip, when there is no memory for a
     // frame, or when the decoder fails or hangs.
-    FrameDecoder(const std::filesystem::path& source, int width, int height, DWORD milliseconds = 20'000);
+    FrameDecoder(std::filesystem::path source, int width, int height, DWORD milliseconds = 20'000);
 
     // Frame `index` as 32-bit RGB, bottom-up; `frame` has width * height * 4 bytes. Throws FailedJob when the decoder
     // fails or hangs, and soon after the user has interrupted the process.

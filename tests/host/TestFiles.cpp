@@ -235,25 +235,33 @@ Bytes ClipSound(const ClipRecipe& recipe)
     return sound;
 }
 
+namespace {
+
+Bytes PictureFormat(const ClipRecipe& recipe, std::uint32_t frameBytes)
+{
+    Bytes format;
+    for (const std::uint32_t value : {40u, static_cast<std::uint32_t>(recipe.width),
+                                      static_cast<std::uint32_t>(recipe.topDown ? -recipe.height : recipe.height),
+                                      1u | static_cast<std::uint32_t>(recipe.bits) << 16})
+        Put32(format, value);
+    if (RunLengths(recipe))
+        Put32(format, 1); // the number that stands for run lengths of 8 bits
+    else
+        PutTag(format, recipe.compression);
+    for (const std::uint32_t value : {frameBytes, 0u, 0u, 0u, 0u})
+        Put32(format, value);
+    if (recipe.bits == 8)
+        for (std::uint32_t grey = 0; grey < 256; ++grey)
+            Put32(format, grey * 0x010101);
+    return format;
+}
+
+} // namespace
+
 Bytes MakeClip(const ClipRecipe& recipe)
 {
     const Bytes sound = recipe.sound ? ClipSound(recipe) : Bytes();
     const auto frameBytes = static_cast<std::uint32_t>(StoredFrame(recipe, 0).size());
-
-    Bytes pictureFormat;
-    for (const std::uint32_t value : {40u, static_cast<std::uint32_t>(recipe.width),
-                                      static_cast<std::uint32_t>(recipe.topDown ? -recipe.height : recipe.height),
-                                      1u | static_cast<std::uint32_t>(recipe.bits) << 16})
-        Put32(pictureFormat, value);
-    if (RunLengths(recipe))
-        Put32(pictureFormat, 1); // the number that stands for run lengths of 8 bits
-    else
-        PutTag(pictureFormat, recipe.compression);
-    for (const std::uint32_t value : {frameBytes, 0u, 0u, 0u, 0u})
-        Put32(pictureFormat, value);
-    if (recipe.bits == 8)
-        for (std::uint32_t grey = 0; grey < 256; ++grey)
-            Put32(pictureFormat, grey * 0x010101);
 
     Bytes soundFormat;
     Put16(soundFormat, 1);
@@ -276,7 +284,7 @@ Bytes MakeClip(const ClipRecipe& recipe)
         List("LIST", "strl",
              {StreamHeader({"vids", recipe.compression[0] ? recipe.compression : "DIB ", recipe.scale, recipe.rate,
                             frames, recipe.buffer ? recipe.buffer : frameBytes, 0, recipe.width, recipe.height}),
-              Chunk("strf", pictureFormat)}));
+              Chunk("strf", PictureFormat(recipe, frameBytes))}));
     if (recipe.sound)
         headers.push_back(
             List("LIST", "strl",
