@@ -287,8 +287,8 @@ void BrowseWindow::ShowResult()
         latency =
             1000.0 * static_cast<double>(now.QuadPart - changedAt.QuadPart) / static_cast<double>(frequency.QuadPart);
         changedAt = {};
-        ShowStatus();
     }
+    ShowStatus();
 }
 
 void BrowseWindow::ShowStack()
@@ -360,11 +360,13 @@ void BrowseWindow::ShowStatus()
                       static_cast<double>(format.rate) / format.scale);
         text += Wide(clip);
     }
-    char time[64] = {};
+    char spent[40] = {}, appeared[40] = {};
+    if (const LiveResult result = session->Latest(); result.after)
+        std::snprintf(spent, sizeof spent, "Effects %.2f ms", result.milliseconds);
     if (latency > 0)
-        std::snprintf(time, sizeof time, "New picture after %.1f ms", latency);
+        std::snprintf(appeared, sizeof appeared, ", new picture after %.1f ms", latency);
     SendMessageW(status, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(text.c_str()));
-    SendMessageW(status, SB_SETTEXTW, 1, reinterpret_cast<LPARAM>(Wide(time).c_str()));
+    SendMessageW(status, SB_SETTEXTW, 1, reinterpret_cast<LPARAM>(Wide(std::string(spent) + appeared).c_str()));
 }
 
 void BrowseWindow::UpdateMenu()
@@ -402,7 +404,7 @@ void BrowseWindow::LayOut()
     RECT client = {}, bar = {};
     GetClientRect(hwnd, &client);
     GetWindowRect(status, &bar);
-    const int parts[] = {std::max<int>(client.right - style->Scale(220), 100), -1};
+    const int parts[] = {std::max<int>(client.right - style->Scale(310), 100), -1};
     SendMessageW(status, SB_SETPARTS, 2, reinterpret_cast<LPARAM>(parts));
 
     const int gap = style->Scale(6), line = style->LineHeight() + style->Scale(4), button = style->Scale(26);

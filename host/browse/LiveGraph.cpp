@@ -178,7 +178,9 @@ void LiveGraph::Push(SharedFrame frame)
 LiveResult LiveGraph::Latest() const
 {
     const std::lock_guard hold(exchange->lock);
-    return exchange->latest;
+    LiveResult result = exchange->latest;
+    result.milliseconds = graph->LatestMilliseconds();
+    return result;
 }
 
 bool LiveGraph::Busy() const

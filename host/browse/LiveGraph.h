@@ -22,7 +22,8 @@ struct LiveResult
 {
     SharedFrame before, after;
     std::uint64_t number = 0;
-    std::string failure; // why the newest frame can't be shown; empty when it is shown
+    std::string failure;     // why the newest frame can't be shown; empty when it is shown
+    double milliseconds = 0; // that all the effects took for it
 };
 
 // Used on one thread, in which COM must be running; the library must outlive it.

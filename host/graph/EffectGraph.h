@@ -38,8 +38,10 @@ public:
     // A reader that waits inside Read must have been woken before: Stop waits for the streaming thread.
     void Stop() const noexcept;
 
-    // The time that the effects took for a frame, in milliseconds.
+    // The time that all the effects took for a frame, in milliseconds: the median when the graph has stopped, the last
+    // frame's at any time.
     double MedianMilliseconds() const { return timer.Median(); }
+    double LatestMilliseconds() const noexcept { return timer.Latest(); }
 
     // The filter of one step of the stack, for changes while the graph runs.
     IBaseFilter* Filter(std::size_t step) const { return effects.at(step).Get(); }

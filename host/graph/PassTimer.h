@@ -2,14 +2,15 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <vector>
 
 namespace vixahost::graph {
 
-// Used by the streaming thread while the graph runs, read when it has stopped. Keeps the first `room` pictures' times,
-// so that a long clip allocates nothing.
+// Used by the streaming thread while the graph runs, read when it has stopped; Latest at any time. Keeps the first
+// `room` pictures' times, so that a long clip allocates nothing.
 class PassTimer
 {
 public:
@@ -25,11 +26,15 @@ public:
         spent += std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
         if (++frame < frames)
             return;
+        latest = spent;
         if (passes.size() < passes.capacity())
             passes.push_back(spent);
         frame = 0;
         spent = 0;
     }
+
+    // The last picture's, in milliseconds; 0 when none has passed.
+    double Latest() const noexcept { return latest; }
 
     // Milliseconds; 0 when no frame has passed.
     double Median() const
@@ -47,6 +52,7 @@ private:
 
     int frames, frame = 0;
     double spent = 0;
+    std::atomic<double> latest = 0;
     Clock::time_point begin = {};
     std::vector<double> passes;
 };
