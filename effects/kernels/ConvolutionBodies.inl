@@ -9,7 +9,22 @@
 // three rows only: an upper and a middle one, which get the results, and the lower one.
 
 // The bytes of one vector as words, or sums of them.
-using Words = B::Words;
+struct Words
+{
+    Vector low, high;
+};
+
+VIXA_INLINE Words Widen(Vector v) noexcept
+{
+    return {B::UnpackLow8(v, B::Zero()), B::UnpackHigh8(v, B::Zero())};
+}
+
+// The bytes of `a` times one weight and those of `b` times the other, both -128 to 127.
+template <int weightA, int weightB>
+VIXA_INLINE Words Weigh(Vector a, Vector b) noexcept
+{
+    return {B::WeighLow<weightA, weightB>(a, b), B::WeighHigh<weightA, weightB>(a, b)};
+}
 
 VIXA_INLINE Words operator+(Words a, Words b) noexcept
 {
@@ -84,7 +99,7 @@ struct BoxForm
 {
     static VIXA_INLINE Words Sum(Neighbours row) noexcept
     {
-        return B::Weigh<1, 1>(row.left, row.right) + B::Widen(row.here);
+        return Weigh<1, 1>(row.left, row.right) + Widen(row.here);
     }
 
     static VIXA_INLINE Vector Result(Vector pixels, Words sum) noexcept
@@ -92,7 +107,7 @@ struct BoxForm
         if constexpr (centre == 0)
             return Pack(Divide<7282>(sum)); // eleven ninety-ninths are a ninth
         else
-            return Pack(B::Weigh<centre, 0>(pixels, pixels) - sum);
+            return Pack(Weigh<centre, 0>(pixels, pixels) - sum);
     }
 
     static VIXA_INLINE void Step(Place at, Vector left) noexcept
@@ -124,13 +139,13 @@ struct EmbossForm
     static VIXA_INLINE void Step(Place at, Vector left) noexcept
     {
         const Neighbours middle = at.Middle(left), lower = at.Lower();
-        const Words middleRight = B::Weigh<1, 1>(middle.here, middle.right);
+        const Words middleRight = Weigh<1, 1>(middle.here, middle.right);
         at.SetUpper(Result(at.Kept<0>() + middleRight));
-        const Words middleLeft = B::Weigh<1, 1>(middle.left, middle.here);
+        const Words middleLeft = Weigh<1, 1>(middle.left, middle.here);
         const Words rest = middleRight - middleLeft - at.Kept<1>();
-        const Words lowerRight = B::Weigh<1, 1>(lower.here, lower.right);
+        const Words lowerRight = Weigh<1, 1>(lower.here, lower.right);
         at.SetMiddle(Result(rest + lowerRight));
-        const Words lowerLeft = B::Weigh<1, 1>(lower.left, lower.here);
+        const Words lowerLeft = Weigh<1, 1>(lower.left, lower.here);
         at.Keep<0>(lowerRight - lowerLeft - middleLeft);
         at.Keep<1>(lowerLeft);
     }
@@ -142,7 +157,7 @@ struct CornersForm
 {
     static VIXA_INLINE Vector Result(Vector pixels, Words corners) noexcept
     {
-        return Pack(Divide<21846>(B::Weigh<7, 0>(pixels, pixels) - corners));
+        return Pack(Divide<21846>(Weigh<7, 0>(pixels, pixels) - corners));
     }
 
     static VIXA_INLINE void Step(Place at, Vector left) noexcept
@@ -150,12 +165,12 @@ struct CornersForm
         Neighbours lower;
         if constexpr (manyRegisters)
             lower = at.Lower();
-        const Words middleSum = B::Weigh<1, 1>(left, at.Middle(left).right);
+        const Words middleSum = Weigh<1, 1>(left, at.Middle(left).right);
         at.SetUpper(Result(at.Upper(), at.Kept<0>() + middleSum));
         at.Keep<0>(middleSum);
         if constexpr (!manyRegisters)
             lower = at.Lower();
-        const Words lowerSum = B::Weigh<1, 1>(lower.left, lower.right);
+        const Words lowerSum = Weigh<1, 1>(lower.left, lower.right);
         at.SetMiddle(Result(at.Middle(left).here, at.Kept<1>() + lowerSum));
         at.Keep<1>(lowerSum);
     }
@@ -168,12 +183,12 @@ struct CrossForm
 {
     static VIXA_INLINE Words Sum(Vector above, Neighbours row) noexcept
     {
-        return B::Weigh<centre, arm>(row.here, above) + B::Weigh<arm, arm>(row.left, row.right);
+        return Weigh<centre, arm>(row.here, above) + Weigh<arm, arm>(row.left, row.right);
     }
 
     static VIXA_INLINE Vector Result(Words sum, Vector below) noexcept
     {
-        const Words all = arm > 0 ? sum + B::Widen(below) : sum - B::Widen(below);
+        const Words all = arm > 0 ? sum + Widen(below) : sum - Widen(below);
         if constexpr (reciprocal == 0)
             return Pack(all);
         else

@@ -65,17 +65,16 @@ struct Backend
     static VIXA_INLINE Vector MultiplyHighU16(Vector a, Vector b) { return _mm256_mulhi_epu16(a, b); }
     static VIXA_INLINE Vector MultiplyLow16(Vector a, Vector b) { return _mm256_mullo_epi16(a, b); }
     static VIXA_INLINE Vector MultiplyHighI16(Vector a, Vector b) { return _mm256_mulhi_epi16(a, b); }
-    struct Words
-    {
-        Vector low, high;
-    };
-    static VIXA_INLINE Words Widen(Vector v) { return {UnpackLow8(v, Zero()), UnpackHigh8(v, Zero())}; }
-    // The bytes of `a` times one weight and those of `b` times the other, both -128 to 127.
+    // The lower and the upper bytes of `a` times one weight and those of `b` times the other, both -128 to 127.
     template <int weightA, int weightB>
-    static VIXA_INLINE Words Weigh(Vector a, Vector b)
+    static VIXA_INLINE Vector WeighLow(Vector a, Vector b)
     {
-        const Vector weights = Set16((weightA & 0xFF) | weightB * 256);
-        return {_mm256_maddubs_epi16(UnpackLow8(a, b), weights), _mm256_maddubs_epi16(UnpackHigh8(a, b), weights)};
+        return _mm256_maddubs_epi16(UnpackLow8(a, b), Set16((weightA & 0xFF) | weightB * 256));
+    }
+    template <int weightA, int weightB>
+    static VIXA_INLINE Vector WeighHigh(Vector a, Vector b)
+    {
+        return _mm256_maddubs_epi16(UnpackHigh8(a, b), Set16((weightA & 0xFF) | weightB * 256));
     }
 
     static VIXA_INLINE Vector Add32(Vector a, Vector b) { return _mm256_add_epi32(a, b); }

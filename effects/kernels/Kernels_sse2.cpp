@@ -64,23 +64,21 @@ struct Backend
     static VIXA_INLINE Vector MultiplyHighI16(Vector a, Vector b) { return _mm_mulhi_epi16(a, b); }
     static VIXA_INLINE Vector Even(Vector v) { return _mm_and_si128(v, _mm_set1_epi16(0xFF)); }
     static VIXA_INLINE Vector Odd(Vector v) { return _mm_srli_epi16(v, 8); }
-    struct Words
-    {
-        Vector low, high;
-    };
-    static VIXA_INLINE Words Widen(Vector v) { return {UnpackLow8(v, Zero()), UnpackHigh8(v, Zero())}; }
     template <int factor>
     static VIXA_INLINE Vector Times16(Vector v)
     {
         return factor == 1 ? v : MultiplyLow16(v, Set16(factor));
     }
-    // The bytes of `a` times one weight and those of `b` times the other, both -128 to 127.
+    // The lower and the upper bytes of `a` times one weight and those of `b` times the other, both -128 to 127.
     template <int weightA, int weightB>
-    static VIXA_INLINE Words Weigh(Vector a, Vector b)
+    static VIXA_INLINE Vector WeighLow(Vector a, Vector b)
     {
-        const Words first = Widen(a), second = Widen(b);
-        return {Add16(Times16<weightA>(first.low), Times16<weightB>(second.low)),
-                Add16(Times16<weightA>(first.high), Times16<weightB>(second.high))};
+        return Add16(Times16<weightA>(UnpackLow8(a, Zero())), Times16<weightB>(UnpackLow8(b, Zero())));
+    }
+    template <int weightA, int weightB>
+    static VIXA_INLINE Vector WeighHigh(Vector a, Vector b)
+    {
+        return Add16(Times16<weightA>(UnpackHigh8(a, Zero())), Times16<weightB>(UnpackHigh8(b, Zero())));
     }
 
     static VIXA_INLINE Vector Add32(Vector a, Vector b) { return _mm_add_epi32(a, b); }
