@@ -6,8 +6,6 @@
 #include "host/base/Text.h"
 #include "host/effects/LibraryFile.h"
 
-#include <cstdio>
-
 namespace vixahost::commands {
 
 namespace {
@@ -40,12 +38,9 @@ bool HandOver(const std::filesystem::path& library)
     const DWORD status = process.Status();
     // What it can end with by itself is a small number, and it has said why.
     constexpr DWORD lastOwnStatus = 4;
-    if (status > lastOwnStatus) {
-        char number[16];
-        std::snprintf(number, sizeof number, "0x%08lX", static_cast<unsigned long>(status));
+    if (status > lastOwnStatus)
         throw HostError(static_cast<int>(status), "The host for this library did not end by itself (status " +
-                                                      std::string(number) + "): " + Show(host));
-    }
+                                                      Show(static_cast<HRESULT>(status)) + "): " + Show(host));
     if (status != statusDone)
         throw HostError(static_cast<int>(status), "");
     return true;

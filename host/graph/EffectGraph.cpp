@@ -93,17 +93,21 @@ void EffectGraph::Start()
         Fail(result);
 }
 
-// Each filter first, from the end. A graph of which one filter could not start counts itself as stopped: asked to stop
-// it does nothing, the filters that had started before stay as they are, and taking the graph apart never ends.
 void EffectGraph::Stop() const noexcept
+{
+    StopRow(source.Get(), effects, sink.Get(), control.Get());
+}
+
+void StopRow(IBaseFilter* source, std::span<const ComPtr<IBaseFilter>> effects, IBaseFilter* sink,
+             IMediaControl* graph) noexcept
 {
     if (sink)
         sink->Stop();
     std::for_each(effects.rbegin(), effects.rend(), [](const auto& effect) { effect->Stop(); });
     if (source)
         source->Stop();
-    if (control)
-        control->Stop();
+    if (graph)
+        graph->Stop();
 }
 
 void EffectGraph::Run(const std::function<void(std::int64_t)>& onProgress, const std::function<bool()>& stopped)

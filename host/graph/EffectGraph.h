@@ -11,6 +11,8 @@
 #include <control.h>
 
 #include <functional>
+#include <span>
+#include <vector>
 
 namespace vixahost::graph {
 
@@ -62,5 +64,11 @@ private:
     media::FrameFormat format;
     std::vector<ComPtr<IBaseFilter>> effects;
 };
+
+// Stops a row's filters from its end, then the graph; what is null is left out. A graph of which one filter could not
+// start counts itself as stopped: asked to stop it does nothing, the filters that had started before stay as they are,
+// and taking the graph apart never ends.
+void StopRow(IBaseFilter* source, std::span<const ComPtr<IBaseFilter>> effects, IBaseFilter* sink,
+             IMediaControl* graph) noexcept;
 
 } // namespace vixahost::graph

@@ -23,7 +23,7 @@ double RunGraph(const FileJob& job, media::FrameReader& reader, media::FrameWrit
     graph.Run(
         [&](std::int64_t done) {
             if (job.progress)
-                job.progress(done, frames);
+                job.progress(done / reader.FramesAPicture(), frames);
         },
         job.stopped);
     return graph.MedianMilliseconds();

@@ -20,7 +20,7 @@ struct FileJob
     std::filesystem::path target;                         // appears when it is whole; until then an old one stays
     std::function<bool()> stopped;                        // asked ten times a second; true ends the job
     std::function<void(const EffectGraph&)> prepare = {}; // before the first frame
-    std::function<void(std::int64_t, std::int64_t)> progress = {}; // frames written, of how many; ten times a second
+    std::function<void(std::int64_t, std::int64_t)> progress = {}; // frames or pictures written, of how many
 };
 
 struct JobDone
@@ -31,7 +31,7 @@ struct JobDone
     media::ClipDepth depth = media::ClipDepth::Rgb32;
 };
 
-// They throw HostError, and FailedJob("Stopped ...") for a job that was stopped; nothing is written then.
+// They throw HostError, and StoppedJob for a job that was stopped; nothing is written then.
 JobDone SaveThroughEffects(const FileJob& job, media::Picture& picture, media::PictureFormat format);
 JobDone SaveThroughEffects(const FileJob& job, const std::filesystem::path& clip);
 
