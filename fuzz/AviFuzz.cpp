@@ -37,12 +37,19 @@ void ReadFrames(Memory& file, const AviStream& pictures)
 {
     const PictureLayout layout = LayoutOfFormat(pictures.format);
     const std::size_t bytes = DibBytes(layout.width, layout.height, 32).value();
-    if (!layout.IsRgb() || bytes > (1 << 20)) // a frame of one bit a pixel grows
+    if (!layout.IsUncompressed() || bytes > (1 << 20)) // a frame of one bit a pixel grows
         return;
     std::vector<std::uint8_t> stored(layout.bytes), frame(bytes);
     for (std::size_t i = 0; i < std::min<std::size_t>(pictures.chunks.size(), 4); ++i)
         if (pictures.chunks[i].bytes == layout.bytes && ReadChunk(file, pictures.chunks[i], stored))
-            ToRgb32(layout, stored, frame);
+            if (layout.yuv) {
+                const YuvPixels pixels(*layout.yuv, ColoursFor({}, layout.width, layout.height), layout.width,
+                                       layout.height);
+                pixels.ToRgb(stored, frame);
+                pixels.FromRgb(frame, stored);
+            } else {
+                ToRgb32(layout, stored, frame);
+            }
 }
 
 } // namespace

@@ -73,6 +73,8 @@ void ReportDone(const Job& job, const graph::JobDone& done)
     std::snprintf(figures, sizeof figures, "%d x %d, %lld %s, %.2f ms per frame", done.format.width, done.format.height,
                   static_cast<long long>(done.frames), done.frames == 1 ? "picture" : "frames", done.milliseconds);
     Say(StackText(job.stack) + ": " + Show(job.command.output) + ", " + figures + "\n");
+    if (done.colours)
+        Say("The clip's YUV was read as " + ColoursText(*done.colours) + "; --matrix and --range choose others.\n");
     if (done.depth == media::ClipDepth::Rgb24)
         Say("The clip has 24 bits per pixel: with 32 it would be larger than the 2 GB that an AVI file may have.\n");
 }
@@ -117,6 +119,7 @@ graph::JobDone Apply(const Job& job, const std::optional<media::PictureFormat>& 
         media::Picture picture = media::ReadPicture(job.command.input);
         return SaveThroughEffects(fileJob, picture, *format);
     }
+    fileJob.colours = job.command.colours;
     fileJob.progress = [&line](std::int64_t done, std::int64_t total) { line.Show(done, total); };
     return SaveThroughEffects(fileJob, job.command.input);
 }
@@ -179,6 +182,8 @@ Words ApplyWords(CLI::App& program)
         std::string effect, input, output, stackFile;
         std::vector<std::string> settings, more;
         unsigned long level = IInstructionCeiling::Avx512;
+        media::YuvMatrix matrix = {};
+        media::YuvRange range = {};
     };
     static const std::map<std::string, unsigned long> levels = {
         {"plain", IInstructionCeiling::Plain},
@@ -186,6 +191,10 @@ Words ApplyWords(CLI::App& program)
         {"avx2", IInstructionCeiling::Avx2},
         {"avx512", IInstructionCeiling::Avx512},
     };
+    static const std::map<std::string, media::YuvMatrix> matrices = {{"601", media::YuvMatrix::Bt601},
+                                                                     {"709", media::YuvMatrix::Bt709}};
+    static const std::map<std::string, media::YuvRange> ranges = {{"limited", media::YuvRange::Limited},
+                                                                  {"full", media::YuvRange::Full}};
     CLI::App* const parser = program.add_subcommand("apply", "Sends a picture (PNG, BMP, JPEG, TIFF) or an AVI clip "
                                                              "through one or more effects");
     const auto given = std::make_shared<Given>();
@@ -206,8 +215,24 @@ Words ApplyWords(CLI::App& program)
                      "The best instruction set to use, to compare times: plain, sse2, avx2, avx512")
         ->type_name("LEVEL")
         ->transform(CLI::CheckedTransformer(levels, CLI::ignore_case));
+    const CLI::Option* const matrix =
+        parser
+            ->add_option("--matrix", given->matrix,
+                         "What the YUV of a clip means, 601 or 709 (BT.601, BT.709); without it frames wider than 1279 "
+                         "or higher than 576 pixels are 709")
+            ->type_name("MATRIX")
+            ->transform(CLI::CheckedTransformer(matrices));
+    const CLI::Option* const range =
+        parser->add_option("--range", given->range, "The levels of a clip's YUV: limited (16 to 235) or full")
+            ->type_name("RANGE")
+            ->transform(CLI::CheckedTransformer(ranges));
     parser->footer(examples);
     return {parser, [=] {
+                media::YuvChoice colours;
+                if (matrix->count() > 0)
+                    colours.matrix = given->matrix;
+                if (range->count() > 0)
+                    colours.range = given->range;
                 if (given->stackFile.empty()) {
                     if (out->count() == 0)
                         throw WrongWords(
@@ -216,13 +241,15 @@ Words ApplyWords(CLI::App& program)
                                         {},
                                         Wide(given->input),
                                         Wide(given->output),
-                                        given->level};
+                                        given->level,
+                                        colours};
                 }
                 if (out->count() > 0 || then->count() > 0 || set->count() > 0)
                     throw WrongWords("--stack FILE takes the place of EFFECT, --then and --set: vixahost apply --stack "
                                      "FILE IN OUT.");
                 // Without EFFECT the two files are the first two words.
-                return ApplyCommand{{}, Wide(given->stackFile), Wide(given->effect), Wide(given->input), given->level};
+                return ApplyCommand{
+                    {}, Wide(given->stackFile), Wide(given->effect), Wide(given->input), given->level, colours};
             }};
 }
 

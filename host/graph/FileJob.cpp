@@ -47,14 +47,14 @@ JobDone SaveThroughEffects(const FileJob& job, media::Picture& picture, media::P
 
 JobDone SaveThroughEffects(const FileJob& job, const std::filesystem::path& clip)
 {
-    media::ClipReader reader(clip);
+    media::ClipReader reader(clip, job.colours);
     TargetFile target(job.target);
     media::ClipWriter writer(target.Temporary(), reader);
     const double milliseconds = RunGraph(job, reader, writer, reader.FrameCount());
     writer.Finish();
     RequireGoingOn(job);
     target.Commit();
-    return {reader.Format(), reader.FrameCount(), milliseconds, writer.Depth()};
+    return {reader.Format(), reader.FrameCount(), milliseconds, writer.Depth(), reader.Colours()};
 }
 
 } // namespace vixahost::graph

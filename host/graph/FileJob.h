@@ -5,6 +5,7 @@
 #include "host/media/ClipWriter.h"
 #include "host/media/Picture.h"
 #include "host/media/PictureFile.h"
+#include "host/media/YuvPixels.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -21,6 +22,7 @@ struct FileJob
     std::function<bool()> stopped;                        // asked ten times a second; true ends the job
     std::function<void(const EffectGraph&)> prepare = {}; // before the first frame
     std::function<void(std::int64_t, std::int64_t)> progress = {}; // frames or pictures written, of how many
+    media::YuvChoice colours = {};                                 // for a clip of YUV
 };
 
 struct JobDone
@@ -29,6 +31,7 @@ struct JobDone
     std::int64_t frames;
     double milliseconds; // that the effects took for a frame
     media::ClipDepth depth = media::ClipDepth::Rgb32;
+    std::optional<media::YuvColours> colours = {}; // as what a clip of YUV was read
 };
 
 // They throw HostError, and StoppedJob for a job that was stopped; nothing is written then.

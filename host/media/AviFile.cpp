@@ -4,7 +4,8 @@
 
 #include <algorithm>
 #include <cstring>
-#include <optional>
+#include <iterator>
+#include <utility>
 
 namespace vixahost::media {
 
@@ -351,6 +352,20 @@ bool ReadChunk(FileBytes& file, const AviChunk& chunk, std::span<std::uint8_t> i
            file.Read(chunk.content, into);
 }
 
+namespace {
+
+std::optional<YuvLayout> YuvOf(const Tag& code)
+{
+    constexpr std::pair<Tag, YuvLayout> codes[] = {{TagOf("YUY2"), YuvLayout::Yuy2}, {TagOf("YUYV"), YuvLayout::Yuy2},
+                                                   {TagOf("UYVY"), YuvLayout::Uyvy}, {TagOf("I420"), YuvLayout::I420},
+                                                   {TagOf("IYUV"), YuvLayout::I420}, {TagOf("YV12"), YuvLayout::Yv12},
+                                                   {TagOf("NV12"), YuvLayout::Nv12}};
+    const auto* const found = std::ranges::find(codes, code, [](const auto& row) { return row.first; });
+    return found == std::end(codes) ? std::nullopt : std::optional(found->second);
+}
+
+} // namespace
+
 PictureLayout LayoutOfFormat(View format)
 {
     if (format.size() < 40)
@@ -375,6 +390,8 @@ PictureLayout LayoutOfFormat(View format)
         for (std::size_t i = 0; i < entries; ++i)
             layout.colours[i] = Number32(format, headerBytes + i * 4) & 0xFFFFFF;
     }
+    if (layout.yuv = YuvOf(TagAt(format, 16)); layout.yuv)
+        layout.bytes = YuvBytes(*layout.yuv, layout.width, layout.height).value();
     if (layout.compression != 0)
         return layout;
     const auto bytes = DibBytes(width, height, layout.bits);

@@ -1,9 +1,12 @@
 // The structure of an AVI file, read without trust in any of its numbers. Portable: bytes in, values out.
 #pragma once
 
+#include "host/media/YuvPixels.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -79,17 +82,18 @@ bool BeginsAsAvi(FileBytes& file);
 // The chunk's data; false when the chunk isn't what the index says. `into` has the chunk's size.
 bool ReadChunk(FileBytes& file, const AviChunk& chunk, std::span<std::uint8_t> into);
 
-// A BITMAPINFO whose pixels are uncompressed or not.
+// A BITMAPINFO whose pixels are uncompressed or not. YUV lies top-down, whatever its height says.
 struct PictureLayout
 {
     int width = 0, height = 0; // pixels
     bool topDown = false;
     unsigned bits = 0;
     std::uint32_t compression = 0;
-    std::size_t bytes = 0;                    // of a whole frame of uncompressed RGB; 0 for any other
+    std::optional<YuvLayout> yuv = {};        // none for RGB
+    std::size_t bytes = 0;                    // of a whole uncompressed frame; 0 for a compressed one
     std::array<std::uint32_t, 256> colours{}; // blue in the lowest byte
 
-    bool IsRgb() const noexcept { return bytes > 0; }
+    bool IsUncompressed() const noexcept { return bytes > 0; }
 };
 
 // Throws AviFault for a size or depth that no frame in memory can have.

@@ -23,11 +23,15 @@ const AviStream& RequirePictures(const AviFile& clip, const std::filesystem::pat
 
 } // namespace
 
-ClipReader::ClipReader(const std::filesystem::path& source)
+ClipReader::ClipReader(const std::filesystem::path& source, const YuvChoice& choice)
     : path(source), file(source), clip(ReadClipStructure(file, source)), pictures(&RequirePictures(clip, source)),
       layout(LayoutOfFormat(pictures->format)), format{layout.width, layout.height, pictures->rate, pictures->scale}
 {
-    if (!layout.IsRgb())
+    if (layout.yuv) {
+        colours = ColoursFor(choice, layout.width, layout.height);
+        yuv.emplace(*layout.yuv, *colours, layout.width, layout.height);
+    }
+    if (!layout.IsUncompressed())
         decoder = std::make_unique<FrameDecoder>(path, layout.width, layout.height);
 }
 
@@ -62,13 +66,15 @@ void ClipReader::ReadUncompressed(std::span<std::uint8_t> frame)
         std::ranges::fill(frame, std::uint8_t{0});
         return;
     }
-    const bool direct = layout.bits == 32 && !layout.topDown;
+    const bool direct = !yuv && layout.bits == 32 && !layout.topDown;
     if (!direct)
         stored.resize(layout.bytes);
     if (chunk.bytes != layout.bytes || !ReadChunk(file, chunk, direct ? frame : stored))
         throw FailedJob("Frame " + std::to_string(position) + " of " + Show(path) +
                         " can't be decoded; the clip is damaged.");
-    if (!direct)
+    if (yuv)
+        yuv->ToRgb(stored, frame);
+    else if (!direct)
         ToRgb32(layout, stored, frame);
 }
 

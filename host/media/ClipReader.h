@@ -18,8 +18,9 @@ namespace vixahost::media {
 class ClipReader : public FrameReader
 {
 public:
-    // Throws FailedJob for a clip that is damaged, has no pictures, or no decoder on this system.
-    explicit ClipReader(const std::filesystem::path& source);
+    // `choice` is for clips of YUV. Throws FailedJob for a clip that is damaged, has no pictures, or no decoder on this
+    // system.
+    explicit ClipReader(const std::filesystem::path& source, const YuvChoice& choice = {});
 
     FrameFormat Format() const override { return format; }
     std::int64_t FrameCount() const noexcept { return static_cast<std::int64_t>(pictures->chunks.size()); }
@@ -27,6 +28,9 @@ public:
     bool Read(std::span<std::uint8_t> frame) override;
     // The next Read gives frame `index`; one beyond the clip counts as its nearest end.
     void Seek(std::int64_t index) noexcept;
+
+    // As what its frames of YUV are read; none for others.
+    const std::optional<YuvColours>& Colours() const noexcept { return colours; }
 
     // For a copy of the clip.
     const AviStream& Pictures() const noexcept { return *pictures; }
@@ -43,6 +47,8 @@ private:
     const AviStream* pictures; // one of the clip's
     PictureLayout layout;
     FrameFormat format;
+    std::optional<YuvColours> colours;
+    std::optional<YuvPixels> yuv;
     std::int64_t position = 0;
     std::vector<std::uint8_t> stored;      // a frame as the file has it, where it isn't what the graph takes
     std::unique_ptr<FrameDecoder> decoder; // for a compressed clip

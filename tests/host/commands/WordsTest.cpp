@@ -39,6 +39,9 @@ TEST(Words, EachCommandIsUnderstood)
     EXPECT_EQ(apply.output.native(), L"out/\x00e4.png");
     ASSERT_EQ(apply.steps.size(), 1u);
     EXPECT_EQ(apply.steps[0].name, "EMBOSS");
+    EXPECT_FALSE(apply.colours.matrix || apply.colours.range);
+    const auto colours = ParseApply({"apply", "Emboss", "--matrix", "709", "--range=full", "a.avi", "b.avi"}).colours;
+    EXPECT_TRUE(colours.matrix == media::YuvMatrix::Bt709 && colours.range == media::YuvRange::Full);
     EXPECT_EQ(Complaint({"apply", "No such effect", "a.png", "b.png"}), "") << "words don't ask the library";
 }
 
@@ -69,6 +72,7 @@ TEST(Words, WrongOnesAreRefusedInOneLine)
                                                   {"apply", "Emboss", "a.png", "b.png", "c.png"},
                                                   {"apply", "Emboss", "a.png", "b.png", "--set"},
                                                   {"apply", "Emboss", "a.png", "b.png", "--loud"},
+                                                  {"apply", "Emboss", "a.png", "b.png", "--matrix", "2020"},
                                                   {"--loud"},
                                                   {""},
                                                   {"effects", "all"}})

@@ -60,6 +60,26 @@ TEST_F(ClipFile, EveryKindOfRgbClipGivesItsFrames)
     }
 }
 
+TEST_F(ClipFile, AClipOfYuvIsReadAsAsked)
+{
+    ClipRecipe recipe;
+    recipe.bits = 16;
+    std::memcpy(recipe.compression, "YUY2", 5);
+    const auto file = Make(recipe);
+    Bytes stored, frame(ClipFrame(recipe, 0).size()), wanted(frame.size());
+    for (int y = 0; y < recipe.height; ++y)
+        for (int x = 0; x < recipe.width; ++x)
+            stored.insert(stored.end(), {ClipByte(0, x, y, 0), ClipByte(0, x, y, 1)});
+    for (const media::YuvChoice& choice : {media::YuvChoice(), {media::YuvMatrix::Bt709, media::YuvRange::Full}}) {
+        media::ClipReader reader(file, choice);
+        const auto colours = media::ColoursFor(choice, recipe.width, recipe.height);
+        EXPECT_EQ(reader.Colours(), colours);
+        ASSERT_TRUE(reader.Read(frame));
+        media::YuvPixels(media::YuvLayout::Yuy2, colours, recipe.width, recipe.height).ToRgb(stored, wanted);
+        EXPECT_TRUE(frame == wanted) << ColoursText(colours);
+    }
+}
+
 TEST_F(ClipFile, ACompressedClipIsDecoded)
 {
     ClipRecipe recipe;
