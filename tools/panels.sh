@@ -11,9 +11,5 @@ if [ "${2:-96}" != 96 ]; then
     export VIXA_WINEPREFIX="$BUILD/wine-dpi-screen" VIXA_DISPLAY=1
     run=("$ROOT/tools/wine-dpi.sh" "$2") screen=3200x2000
 fi
-# Chinese, Japanese and Korean characters come from another font than the panels' own, as they do on Windows.
-step panels-font "Linking a font with the characters of East Asia" "${run[@]}" \
-    reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' \
-    /v Tahoma /t REG_MULTI_SZ /d 'wqy-microhei.ttc,WenQuanYi Micro Hei' /f
 step panels "Drawing $file" timeout 120 xvfb-run -a -s "-screen 0 ${screen}x24" \
     "${run[@]}" "$BUILD/win32/bin/panel_sheet.exe" "$file"

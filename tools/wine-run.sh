@@ -17,18 +17,30 @@ export WINEPREFIX="${VIXA_WINEPREFIX:-$root/build/wine-$graphics$WIDTH_SUFFIX}" 
 [ "$(locale charmap 2>/dev/null)" = UTF-8 ] || export LC_ALL=C.UTF-8
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe=;winedbg.exe="
 
-if [ ! -f "$WINEPREFIX/.ready" ]; then
+# Controls are written in Tahoma, which Debian's Wine has but doesn't look for; letters that it lacks (Chinese, Japanese, Korean)
+# come from the linked font, as on Windows from fonts of its own.
+own_fonts=/usr/share/wine/fonts linked_font='wqy-microhei.ttc,WenQuanYi Micro Hei'
+setup='fonts 1' # another one here brings older prefixes up to date
+is_ready() { [ "$(cat "$WINEPREFIX/.ready" 2>/dev/null)" = "$setup" ]; }
+if ! is_ready; then
     mkdir -p "$WINEPREFIX"
     exec 9>"$WINEPREFIX/.lock"
     flock 9
-    if [ ! -f "$WINEPREFIX/.ready" ]; then
+    if ! is_ready; then
         # The descriptor of the lock must not live on in the server that these start.
         env DISPLAY= wineboot --init >"$WINEPREFIX/wineboot.log" 2>&1 9>&- ||
             { echo "Wine could not make its prefix; see $WINEPREFIX/wineboot.log" >&2; exit 1; }
         wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d "$graphics" /f >>"$WINEPREFIX/wineboot.log" 2>&1 9>&-
+        mkdir -p "$WINEPREFIX/drive_c/windows/Fonts"
+        ln -sf "$own_fonts"/tahoma*.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
+        for font in Tahoma 'Tahoma Bold' 'Microsoft Sans Serif'; do
+            wine reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' /v "$font" \
+                /t REG_MULTI_SZ /d "$linked_font" /f >>"$WINEPREFIX/wineboot.log" 2>&1 9>&-
+        done
         # The desktop that was started on the way knows no display; the next program starts its own.
         wineserver -k 9>&- || true
-        touch "$WINEPREFIX/.ready"
+        rm -f "$WINEPREFIX/.ready" # it may be a link into a template
+        printf '%s\n' "$setup" >"$WINEPREFIX/.ready"
     fi
     exec 9>&-
 fi

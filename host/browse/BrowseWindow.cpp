@@ -17,7 +17,8 @@ namespace vixahost::browse {
 namespace {
 
 constexpr UINT resultReady = WM_APP + 2;
-constexpr UINT_PTR playTimer = 1;
+constexpr UINT_PTR playTimer = 1, failureTimer = 2;
+constexpr UINT failureInterval = 300; // milliseconds
 constexpr const wchar_t* program = L"VixaVideoFX browser";
 
 struct ButtonText
@@ -101,6 +102,7 @@ void BrowseWindow::OnCreate()
     ShowMedium();
     ShowStack();
     tree->ShowFirst();
+    SetTimer(hwnd, failureTimer, failureInterval, nullptr);
 }
 
 void BrowseWindow::FillLanguages()
@@ -137,7 +139,11 @@ LRESULT BrowseWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
             OnSeekBar();
         return 0;
     case WM_TIMER:
-        if (session->Advance(GetTickCount64()))
+        // A graph that fails on the way has no result to tell of.
+        if (wParam == failureTimer) {
+            if (shownNumber != session->Latest().number)
+                ShowResult();
+        } else if (session->Advance(GetTickCount64()))
             ShowPosition();
         return 0;
     case WM_INITMENUPOPUP:

@@ -175,16 +175,35 @@ void LiveGraph::Push(SharedFrame frame)
     exchange->changed.notify_one();
 }
 
+bool LiveGraph::Failed() const
+{
+    try {
+        if (failure.empty())
+            graph->HasEnded();
+    } catch (const std::exception& fault) {
+        failure = std::string(fault.what()) +
+                  " Take a step off the stack, or open a smaller picture; saving may still succeed.";
+    }
+    return !failure.empty();
+}
+
 LiveResult LiveGraph::Latest() const
 {
+    const bool failed = Failed();
     const std::lock_guard hold(exchange->lock);
     LiveResult result = exchange->latest;
     result.milliseconds = graph->LatestMilliseconds();
+    if (failed) {
+        result.failure = failure;
+        ++result.number;
+    }
     return result;
 }
 
 bool LiveGraph::Busy() const
 {
+    if (Failed())
+        return false;
     const std::lock_guard hold(exchange->lock);
     return exchange->waiting || exchange->underWay;
 }

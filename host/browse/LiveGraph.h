@@ -45,11 +45,14 @@ public:
     // Sends a frame of the format's size. When one waits already, this one takes its place: only the newest counts.
     void Push(SharedFrame frame);
 
-    // The newest result; frames are null before the first.
+    // The newest result; frames are null before the first. A graph that has failed says so here, and gives no more.
     LiveResult Latest() const;
 
     // True while a pushed frame has not come out yet.
     bool Busy() const;
+
+    // True once the graph has failed: only a new one shows anything then.
+    bool Failed() const;
 
     // The time that the effects took for a frame, in milliseconds. Ends the graph.
     double EndAndMedian();
@@ -63,6 +66,7 @@ private:
     std::unique_ptr<Reader> reader;
     std::unique_ptr<Writer> writer;
     std::unique_ptr<graph::EffectGraph> graph;
+    mutable std::string failure; // of the graph; empty while it runs
 };
 
 } // namespace vixahost::browse

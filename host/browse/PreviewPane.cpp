@@ -30,7 +30,7 @@ struct Painting
 
 PreviewPane::PreviewPane(HWND parent, int id, const Style& look) : style(look)
 {
-    Create({L"VixaPreviewPane", CS_DBLCLKS, IDC_SIZEWE, nullptr}, L"Preview",
+    Create({L"VixaPreviewPane", CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW, IDC_SIZEWE, nullptr}, L"Preview",
            WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_CLIPSIBLINGS, 0, parent,
            reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), {10, 10});
 }

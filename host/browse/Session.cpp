@@ -90,7 +90,7 @@ void Session::Show()
                                     [](const effects::EffectStep& a, const effects::EffectStep& b) {
                                         return IsEqualGUID(a.classId, b.classId) != FALSE;
                                     });
-    if (!sameRow) {
+    if (!sameRow || graph->Failed()) {
         BuildGraph();
     } else {
         for (std::size_t i = 0; i < items.size(); ++i)

@@ -129,19 +129,26 @@ void EffectGraph::WaitForEnd(const std::function<void(std::int64_t)>& onProgress
             throw StoppedJob();
         }
         WaitForSingleObject(reinterpret_cast<HANDLE>(handle), 100);
-        long code = 0;
-        LONG_PTR first = 0, second = 0;
-        while (SUCCEEDED(events->GetEvent(&code, &first, &second, 0))) {
-            const auto result = static_cast<HRESULT>(first);
-            events->FreeEventParams(code, first, second);
-            if (code == EC_COMPLETE)
-                return;
-            if (code == EC_ERRORABORT || code == EC_USERABORT)
-                Fail(result);
-        }
+        if (HasEnded())
+            return;
         if (onProgress)
             onProgress(taker.FramesWritten());
     }
+}
+
+bool EffectGraph::HasEnded() const
+{
+    long code = 0;
+    LONG_PTR first = 0, second = 0;
+    while (SUCCEEDED(events->GetEvent(&code, &first, &second, 0))) {
+        const auto result = static_cast<HRESULT>(first);
+        events->FreeEventParams(code, first, second);
+        if (code == EC_COMPLETE)
+            return true;
+        if (code == EC_ERRORABORT || code == EC_USERABORT)
+            Fail(result);
+    }
+    return false;
 }
 
 void EffectGraph::Fail(HRESULT result) const

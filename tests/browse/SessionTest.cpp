@@ -86,6 +86,24 @@ TEST_F(SessionTest, WhatCantBeShownChangesNothing)
     EXPECT_EQ(*Settled(session).after, *shown.after);
 }
 
+TEST_F(SessionTest, AFailureIsSaidAndTheNextChangeShowsAgain)
+{
+    std::atomic<bool> fails = true;
+    Session session([&] {
+        if (fails)
+            throw FailedJob("The sink gave up.");
+    });
+    for (int i = 0; i < 300 && session.Latest().failure.empty(); ++i)
+        Sleep(10);
+    const LiveResult failed = session.Latest();
+    EXPECT_TRUE(failed.failure.starts_with("The sink gave up.")) << failed.failure;
+    EXPECT_FALSE(session.Busy());
+    fails = false;
+    Choose(session, CLSID_InvertColor);
+    Set(session, {7});
+    EXPECT_EQ(Settled(session).failure, "");
+}
+
 TEST_F(SessionTest, AFrameInBandsIsTheSameFrame)
 {
     const effects::EffectLibrary library;

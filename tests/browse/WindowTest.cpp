@@ -347,6 +347,13 @@ TEST_F(BrowserWindow, TheDividerAndTheStackFollowTheMouse)
     EXPECT_TRUE(ChangesFrom(both)) << "the divider stayed";
     const HWND list = GetDlgItem(frame, IDC_STACK);
     ASSERT_EQ(ListView_GetItemCount(list), 1);
+
+    RECT area = {};
+    GetWindowRect(frame, &area);
+    SetWindowPos(frame, nullptr, 0, 0, area.right - area.left + 150, area.bottom - area.top + 90, SWP_NOMOVE);
+    const auto enlarged = SeenAtRest();
+    RedrawWindow(preview, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    EXPECT_TRUE(SeenAtRest() == enlarged) << "enlarging the window left parts of the old picture";
     Click(PointIn(GetDlgItem(frame, IDM_ADD), 0.5, 0.5));
     EXPECT_TRUE(WaitFor([&] { return ListView_GetItemCount(list) == 2; }));
     Choose(Effects()[9]);
