@@ -35,11 +35,6 @@ constexpr std::uint32_t FromEnd(std::uint32_t places)
     return 0x7FFFFFFF - places;
 }
 
-constexpr ConvolutionBlock BlockOf(ConvolutionKind kind)
-{
-    return {static_cast<std::int32_t>(kind)};
-}
-
 constexpr EffectRow rows[] = {
     {
         .classId = &CLSID_AddPixel,
@@ -50,7 +45,7 @@ constexpr EffectRow rows[] = {
                    .sortKey = FromEnd(99),
                    .nameId = IDS_ADD_PIXEL,
                    .iconId = 339,
-                   .defaults = AddBlock{.redDelta = 0, .greenDelta = 0, .blueDelta = 0, .moveAll = 0},
+                   .defaults = effects::AddPixel.defaults,
                    .makePanel = vixa::MakePanel<CDialogSelectAddPixel>},
         .parameters = parameters::addPixel,
     },
@@ -63,7 +58,7 @@ constexpr EffectRow rows[] = {
                    .sortKey = FromEnd(93),
                    .nameId = IDS_FILTER_COLOR,
                    .iconId = 338,
-                   .defaults = FilterColorBlock{.intensity = 0, .colour = FilterColorBlock::Blue},
+                   .defaults = effects::FilterColor.defaults,
                    .makePanel = vixa::MakePanel<CDialogSelectColor>},
         .parameters = parameters::filterColor,
     },
@@ -76,7 +71,7 @@ constexpr EffectRow rows[] = {
                    .sortKey = FromEnd(86),
                    .nameId = IDS_INVERT_COLOR,
                    .iconId = 344,
-                   .defaults = InvertBlock{.mask = 0},
+                   .defaults = effects::InvertColor.defaults,
                    .makePanel = vixa::MakePanel<CDialogInvert>},
         .parameters = parameters::invertColor,
     },
@@ -89,7 +84,7 @@ constexpr EffectRow rows[] = {
                    .sortKey = FromEnd(98),
                    .nameId = IDS_MULTIPLY_PIXEL,
                    .iconId = 340,
-                   .defaults = MultiplyBlock{.factor = 100},
+                   .defaults = effects::MultiplyPixel.defaults,
                    .makePanel = vixa::MakePanel<CDialogMultiply>},
         .parameters = parameters::multiplyPixel,
     },
@@ -102,7 +97,7 @@ constexpr EffectRow rows[] = {
                    .sortKey = FromEnd(97),
                    .nameId = IDS_GAMMA_CORRECTION,
                    .iconId = 341,
-                   .defaults = GammaBlock{.gamma = 100},
+                   .defaults = effects::GammaCorrection.defaults,
                    .makePanel = vixa::MakePanel<CDialogSelectGamma>},
         .parameters = parameters::gammaCorrection,
     },
@@ -115,7 +110,7 @@ constexpr EffectRow rows[] = {
                    .sortKey = FromEnd(99),
                    .nameId = IDS_DETECT_EDGES,
                    .iconId = 335,
-                   .defaults = BlockOf(ConvolutionKind::DetectEdges),
+                   .defaults = effects::DetectEdges.defaults,
                    .makePanel = vixa::MakePanel<CDialogNoPropreties>},
     },
     {
@@ -127,7 +122,7 @@ constexpr EffectRow rows[] = {
                    .sortKey = FromEnd(97),
                    .nameId = IDS_EMBOSS,
                    .iconId = 333,
-                   .defaults = BlockOf(ConvolutionKind::Emboss),
+                   .defaults = effects::Emboss.defaults,
                    .makePanel = vixa::MakePanel<CDialogNoPropreties>},
     },
     {
@@ -139,7 +134,7 @@ constexpr EffectRow rows[] = {
                    .sortKey = FromEnd(99),
                    .nameId = IDS_ENHANCE_DETAILS,
                    .iconId = 343,
-                   .defaults = BlockOf(ConvolutionKind::EnhanceDetails),
+                   .defaults = effects::EnhanceDetails.defaults,
                    .makePanel = vixa::MakePanel<CDialogNoPropreties>},
     },
     {
@@ -151,7 +146,7 @@ constexpr EffectRow rows[] = {
                    .sortKey = FromEnd(99),
                    .nameId = IDS_ENHANCE_EDGES,
                    .iconId = 337,
-                   .defaults = BlockOf(ConvolutionKind::EnhanceEdges),
+                   .defaults = effects::EnhanceEdges.defaults,
                    .makePanel = vixa::MakePanel<CDialogNoPropreties>},
     },
     {
@@ -163,7 +158,7 @@ constexpr EffectRow rows[] = {
                    .sortKey = FromEnd(99),
                    .nameId = IDS_ENHANCE_FOCUS,
                    .iconId = 342,
-                   .defaults = BlockOf(ConvolutionKind::EnhanceFocus),
+                   .defaults = effects::EnhanceFocus.defaults,
                    .makePanel = vixa::MakePanel<CDialogNoPropreties>},
     },
     {
@@ -175,7 +170,7 @@ constexpr EffectRow rows[] = {
                    .sortKey = FromEnd(99),
                    .nameId = IDS_LIGHT_EDGES,
                    .iconId = 336,
-                   .defaults = BlockOf(ConvolutionKind::LightEdges),
+                   .defaults = effects::LightEdges.defaults,
                    .makePanel = vixa::MakePanel<CDialogNoPropreties>},
     },
     {
@@ -187,7 +182,7 @@ constexpr EffectRow rows[] = {
                    .sortKey = FromEnd(98),
                    .nameId = IDS_SHIFT_EDGES,
                    .iconId = 334,
-                   .defaults = BlockOf(ConvolutionKind::ShiftEdges),
+                   .defaults = effects::ShiftEdges.defaults,
                    .makePanel = vixa::MakePanel<CDialogShiftEdges>},
         .parameters = parameters::shiftEdges,
     },
@@ -200,7 +195,7 @@ constexpr EffectRow rows[] = {
                    .sortKey = FromEnd(80),
                    .nameId = IDS_SOFTEN_FILTER,
                    .iconId = 332,
-                   .defaults = BlockOf(ConvolutionKind::Soften),
+                   .defaults = effects::SoftenFilter.defaults,
                    .makePanel = vixa::MakePanel<CDialogNoPropreties>},
     },
 };

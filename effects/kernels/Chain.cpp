@@ -10,34 +10,7 @@ namespace {
 // A pair of pixels, which is what some effects work on.
 constexpr std::size_t unitBytes = 8;
 
-// The effects that look at each pixel alone.
-struct PointEffect
-{
-    const KernelSet& kernels;
-    Frame bytes;
-
-    void operator()(const GammaTable& table) const { kernels.gamma(bytes, table); }
-    void operator()(const MultiplyParameters& parameters) const { kernels.multiply(bytes, parameters.factor); }
-    void operator()(const InvertParameters& parameters) const { kernels.invert(bytes, parameters.mask); }
-    void operator()(const FilterColorParameters& parameters) const { kernels.filterColor(bytes, parameters); }
-    void operator()(const AddParameters& parameters) const { kernels.add(bytes, parameters); }
-    void operator()(const PictureConvolution&) const {}
-};
-
-void RunPoint(const Step& step, Frame bytes) noexcept
-{
-    std::visit(PointEffect{*step.kernels, bytes}, step.parameters);
-}
-
 } // namespace
-
-void RunStep(const Step& step) noexcept
-{
-    if (const auto* picture = std::get_if<PictureConvolution>(&step.parameters))
-        step.kernels->convolve(step.frame, picture->width, picture->height, picture->parameters, picture->scratch);
-    else
-        RunPoint(step, step.frame);
-}
 
 // Works on what is ready, all bytes up to there, and returns how far the frame is finished then. After the last call
 // that is everything that was ready.
@@ -55,7 +28,7 @@ std::size_t Chain::Advance(Link& link, std::size_t ready, bool last) noexcept
     }
     const std::size_t end = std::min(last ? ready : ready / unitBytes * unitBytes, step.frame.size());
     if (end > link.done) {
-        RunPoint(step, step.frame.subspan(link.done, end - link.done));
+        RunStep({step.kernels, step.frame.subspan(link.done, end - link.done), step.parameters});
         link.done = end;
     }
     return end == step.frame.size() ? ready : end;

@@ -3,7 +3,7 @@
 #ifndef VIXAVIDEOFX_CLASSIDS_H
 #define VIXAVIDEOFX_CLASSIDS_H
 
-// The effects, each with the name of its parameters' description in EffectParameters.h and its identifier.
+// The effects, each with the name of its parameters' description in Effects.h and its identifier.
 // clang-format off
 #define VIXA_EFFECTS(EFFECT) \
     EFFECT(AddPixel, addPixel, 0xDDBE68A3, 0xF53E, 0x4E2D, 0xB5, 0xAF, 0x57, 0x8F, 0x43, 0x02, 0xC0, 0x32) \

@@ -1,5 +1,5 @@
-// What the other headers say differently to different compilers. All of them need C++14, and EffectParameters.h C++20;
-// VixaVideoFX.h and ClassIds.h can be read by C as well.
+// What the other headers say differently to different compilers. All of them need C++14, Effects.h and
+// EffectParameters.h C++20; VixaVideoFX.h and ClassIds.h can be read by C as well.
 #pragma once
 
 #include <guiddef.h>

@@ -1,6 +1,7 @@
 // Everything of this folder for C++, and the same for C and whoever reads C declarations for another language. C++ gets
-// the other headers (EffectParameters.h, which needs C++20, is left to who wants it); what each operation does, its
-// threads and its errors stand there. The C declarations have the slots in their order; all calls are __stdcall.
+// the other headers (Effects.h and EffectParameters.h, which need C++20, are left to who wants them); what each
+// operation does, its threads and its errors stand there. The C declarations have the slots in their order; all calls
+// are __stdcall.
 #ifndef VIXAVIDEOFX_VIXAVIDEOFX_H
 #define VIXAVIDEOFX_VIXAVIDEOFX_H
 

@@ -28,7 +28,7 @@ compiles() {
 for header in "$ROOT"/include/vixavideofx/*.h; do
     name=vixavideofx/$(basename "$header")
     language=c++14
-    [ "$name" != vixavideofx/EffectParameters.h ] || language=c++20
+    case $name in */Effects.h | */EffectParameters.h) language=c++20 ;; esac
     compiles $language "$name" <<<"#include <$name>"
 done
 compiles c99 vixavideofx/VixaVideoFX.h <<<"#include <vixavideofx/VixaVideoFX.h>"
