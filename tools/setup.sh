@@ -1,9 +1,22 @@
 #!/usr/bin/env bash
-# Installs what a build needs on Debian 12 and is not there yet. Says what and why; does nothing the second time.
+# setup.sh [plugins | hosts]: installs what a build needs on Debian 12 and is not there yet; or what the frei0r plug-ins are
+# built with; or the hosts that their tests run. Says what and why; does nothing the second time.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-stamp="$BUILD/setup-done"
-fingerprint=$(cat "$ROOT/tools/packages.txt" "${BASH_SOURCE[0]}" | cksum)
+case ${1:-} in
+    plugins) list=packages-plugins why="the plug-ins are built with" programs="cmake ninja g++" ;;
+    hosts)
+        list=packages-hosts programs="ffmpeg melt gst-launch-1.0"
+        why="the tests run the frei0r plug-ins in FFmpeg, MLT and GStreamer, and so need"
+        ;;
+    *)
+        list=packages why="the build needs"
+        programs="wine i686-w64-mingw32-g++-posix x86_64-w64-mingw32-g++-posix cmake ninja clang++ xvfb-run"
+        ;;
+esac
+stamp="$BUILD/setup-done${1:+-$1}"
+fingerprint=$(cat "$ROOT/tools/$list.txt" "${BASH_SOURCE[0]}" | cksum)
+sources() { [ $list != packages ] || "$ROOT/tools/fetch-tinyxml.sh"; }
 have() {
     for program; do
         command -v "$program" >/dev/null || return 1
@@ -11,11 +24,12 @@ have() {
 }
 # The stamp lives with the checkout; the machine under it may have changed since.
 if [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$fingerprint" ] &&
-    have wine i686-w64-mingw32-g++-posix x86_64-w64-mingw32-g++-posix cmake ninja clang++ xvfb-run; then
-    exec "$ROOT/tools/fetch-tinyxml.sh"
+    have $programs; then
+    sources
+    exit
 fi
 
-mapfile -t wanted < <(sed -e 's/#.*//' -e 's/[[:space:]]*$//' -e '/^$/d' "$ROOT/tools/packages.txt")
+mapfile -t wanted < <(sed -e 's/#.*//' -e 's/[[:space:]]*$//' -e '/^$/d' "$ROOT/tools/$list.txt")
 installed() { dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep -q '^install ok installed'; }
 missing=()
 for package in "${wanted[@]}"; do
@@ -25,9 +39,9 @@ done
 if [ ${#missing[@]} -gt 0 ]; then
     os=$(. /etc/os-release 2>/dev/null && printf '%s %s' "${ID:-?}" "${VERSION_ID:-?}") || os="? ?"
     [ "$os" = "debian 12" ] ||
-        fail "Set-up knows Debian 12 only (this is: $os). Install by hand what tools/packages.txt lists, then start again."
+        fail "Set-up knows Debian 12 only (this is: $os). Install by hand what tools/$list.txt lists, then start again."
     [ "$(id -u)" = 0 ] || fail "Set-up must install packages (${missing[*]}) and needs root: start this command as root once."
-    say "Setting up: the build needs ${#missing[@]} Debian packages that are not here: ${missing[*]}"
+    say "Setting up: $why ${#missing[@]} Debian packages that are not here: ${missing[*]}"
     added=
     if ! dpkg --print-foreign-architectures | grep -qx i386; then
         ! dpkg --add-architecture i386 || added=i386
@@ -44,6 +58,7 @@ if [ ${#missing[@]} -gt 0 ]; then
         missing=("${own[@]}")
     fi
     [ ${#missing[@]} -eq 0 ] || step apt-install "Installing packages (about a minute)" "${install[@]}" "${missing[@]}"
+    rm -f "$BUILD"/*/build.ninja # a build looks for what is there now
 fi
 printf '%s\n' "$fingerprint" >"$stamp"
-"$ROOT/tools/fetch-tinyxml.sh"
+sources
