@@ -1,12 +1,13 @@
 // AVI files from outside: whatever the reader accepts must lie within the file, and turning its frames into 32 bits
 // must stay within what was read. The sanitizers see a byte too far.
-#include "host/media/AviFile.h"
 #include "host/media/DibSize.h"
+#include "tests/host/media/MemoryFile.h"
 
 #include <algorithm>
 #include <cstdlib>
 
 using namespace vixahost::media;
+using vixahost::test::MemoryFile;
 
 namespace {
 
@@ -16,24 +17,7 @@ void Require(bool holds)
         std::abort();
 }
 
-class Memory : public FileBytes
-{
-public:
-    explicit Memory(std::span<const std::uint8_t> content) : bytes(content) {}
-    std::uint64_t Size() const override { return bytes.size(); }
-    bool Read(std::uint64_t offset, std::span<std::uint8_t> into) override
-    {
-        if (offset > bytes.size() || into.size() > bytes.size() - offset)
-            return false;
-        std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(offset), into.size(), into.begin());
-        return true;
-    }
-
-private:
-    std::span<const std::uint8_t> bytes;
-};
-
-void ReadFrames(Memory& file, const AviStream& pictures)
+void ReadFrames(MemoryFile& file, const AviStream& pictures)
 {
     const PictureLayout layout = LayoutOfFormat(pictures.format);
     const std::size_t bytes = DibBytes(layout.width, layout.height, 32).value();
@@ -56,7 +40,7 @@ void ReadFrames(Memory& file, const AviStream& pictures)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    Memory file({data, size});
+    MemoryFile file({data, data + size});
     try {
         const AviFile clip = ReadAviFile(file);
         for (const AviStream& stream : clip.streams) {

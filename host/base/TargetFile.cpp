@@ -1,9 +1,9 @@
 #include "host/base/TargetFile.h"
 
 #include "host/base/Handles.h"
-#include "host/base/HostError.h"
 #include "host/base/Text.h"
 
+#include <array>
 #include <optional>
 #include <utility>
 
@@ -46,6 +46,18 @@ TargetFile::TargetFile(std::filesystem::path file) : target(std::move(file))
 TargetFile::~TargetFile()
 {
     DeleteFileW(temporary.c_str());
+}
+
+FailedJob TargetFile::WriteFault(unsigned long error) const
+{
+    if (error != ERROR_DISK_FULL && error != ERROR_HANDLE_DISK_FULL)
+        return FailedJob("Can't write " + Show(target) + " (system error " + std::to_string(error) +
+                         "); is the folder protected?");
+    std::array<wchar_t, MAX_PATH + 1> disk = {};
+    if (!GetVolumePathNameW(FolderOf(target).c_str(), disk.data(), MAX_PATH))
+        disk[0] = L'\0';
+    return FailedJob("The disk " + (disk[0] ? Utf8(disk.data()) + " " : "") + "is full; there is no room for " +
+                     Show(target) + ". Make some, or name another folder.");
 }
 
 void TargetFile::Commit()

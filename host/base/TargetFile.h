@@ -1,6 +1,8 @@
 // A file that appears under its name only when it is whole.
 #pragma once
 
+#include "host/base/HostError.h"
+
 #include <filesystem>
 
 namespace vixahost {
@@ -16,7 +18,10 @@ public:
     TargetFile(const TargetFile&) = delete;
     TargetFile& operator=(const TargetFile&) = delete;
 
+    const std::filesystem::path& Name() const noexcept { return target; }
     const std::filesystem::path& Temporary() const noexcept { return temporary; }
+    // Why the data can't be written, named by the target and, when it is full, by its disk; `error` is the system's.
+    FailedJob WriteFault(unsigned long error) const;
 
     // Puts the temporary, closed by now, in the target's place. Throws FailedJob.
     void Commit();

@@ -75,8 +75,6 @@ void ReportDone(const Job& job, const graph::JobDone& done)
     Say(StackText(job.stack) + ": " + Show(job.command.output) + ", " + figures + "\n");
     if (done.colours)
         Say("The clip's YUV was read as " + ColoursText(*done.colours) + "; --matrix and --range choose others.\n");
-    if (done.depth == media::ClipDepth::Rgb24)
-        Say("The clip has 24 bits per pixel: with 32 it would be larger than the 2 GB that an AVI file may have.\n");
 }
 
 void LowerLevel(const graph::EffectGraph& graph, const Job& job)

@@ -3,6 +3,7 @@
 #include "host/base/HostError.h"
 #include "host/base/TargetFile.h"
 #include "host/media/ClipReader.h"
+#include "host/media/ClipWriter.h"
 #include "host/media/PictureFrames.h"
 
 namespace vixahost::graph {
@@ -49,12 +50,12 @@ JobDone SaveThroughEffects(const FileJob& job, const std::filesystem::path& clip
 {
     media::ClipReader reader(clip, job.colours);
     TargetFile target(job.target);
-    media::ClipWriter writer(target.Temporary(), reader);
+    media::ClipWriter writer(target, reader.Format(), &reader);
     const double milliseconds = RunGraph(job, reader, writer, reader.FrameCount());
     writer.Finish();
     RequireGoingOn(job);
     target.Commit();
-    return {reader.Format(), reader.FrameCount(), milliseconds, writer.Depth(), reader.Colours()};
+    return {reader.Format(), reader.FrameCount(), milliseconds, reader.Colours()};
 }
 
 } // namespace vixahost::graph

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "host/graph/EffectGraph.h"
-#include "host/media/ClipWriter.h"
 #include "host/media/Picture.h"
 #include "host/media/PictureFile.h"
 #include "host/media/YuvPixels.h"
@@ -29,8 +28,7 @@ struct JobDone
 {
     media::FrameFormat format;
     std::int64_t frames;
-    double milliseconds; // that the effects took for a frame
-    media::ClipDepth depth = media::ClipDepth::Rgb32;
+    double milliseconds;                           // that the effects took for a frame
     std::optional<media::YuvColours> colours = {}; // as what a clip of YUV was read
 };
 

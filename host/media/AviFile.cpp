@@ -115,8 +115,8 @@ void CheckSoundFormat(AviStream& stream)
         Damaged("its sound has samples of no sensible size");
 }
 
-// `place`: where the list's content begins in the file.
-AviStream ReadStream(View list, std::uint64_t place, std::uint64_t fileBytes)
+// `place`: where the list's content begins in the file; `index`: its own index, if it has one.
+AviStream ReadStream(View list, std::uint64_t place, std::uint64_t fileBytes, std::vector<std::uint8_t>& index)
 {
     AviStream stream;
     bool described = false;
@@ -149,6 +149,7 @@ AviStream ReadStream(View list, std::uint64_t place, std::uint64_t fileBytes)
             // How many numbers an entry has, what kind it is, and how many entries follow 24 bytes of header.
             if (part.size() < 24 || std::uint64_t{Number16(part, 0)} * 4 * Number32(part, 4) > part.size() - 24)
                 Damaged("a stream's index is cut short");
+            index.assign(part.begin(), part.end());
         }
     });
     if (!described || stream.rate == 0 || stream.scale == 0)
@@ -167,6 +168,7 @@ struct Header
 {
     bool hasIndex = false;
     std::vector<AviStream> streams;
+    std::vector<std::vector<std::uint8_t>> indexes; // of each stream's own; empty without one
 };
 
 Header ReadHeader(FileBytes& file, const FileChunk& list)
@@ -191,7 +193,7 @@ Header ReadHeader(FileBytes& file, const FileChunk& list)
                 Damaged("it has too many streams");
             const View content = part.subspan(4);
             const std::uint64_t place = list.content + static_cast<std::uint64_t>(content.data() - bytes.data());
-            header.streams.push_back(ReadStream(content, place, file.Size()));
+            header.streams.push_back(ReadStream(content, place, file.Size(), header.indexes.emplace_back()));
         }
     });
     if (promised != header.streams.size())
@@ -276,6 +278,86 @@ void ReadIndex(FileBytes& file, const FileChunk& index, const FileChunk& movie, 
     }
 }
 
+// The indexes that the streams of a file of several parts have of their own: 24 bytes of header (how many numbers an
+// entry has, what kind of index it is, how many entries, of which chunks, and from where their places count), then the
+// entries. In the header it is an index of such indexes, or already of chunks.
+class StreamIndexes
+{
+public:
+    StreamIndexes(FileBytes& bytes, ChunkList& list) : file(bytes), left(bytes.Size()), chunks(list) {}
+
+    void Read(View index)
+    {
+        if (index[3] == ofChunks) {
+            ReadChunks(index);
+        } else if (index[3] == ofIndexes && Number16(index, 0) == 4) {
+            for (std::size_t entry = headerBytes; entry < headerBytes + std::size_t{16} * Number32(index, 4);
+                 entry += 16)
+                ReadPart(Number64(index, entry));
+        } else {
+            Damaged("a stream's index is of an unknown kind");
+        }
+    }
+
+private:
+    static constexpr std::size_t headerBytes = 24;
+    static constexpr std::uint8_t ofIndexes = 0, ofChunks = 1;
+
+    static std::uint64_t Number64(View from, std::size_t at)
+    {
+        return Number32(from, at) | std::uint64_t{Number32(from, at + 4)} << 32;
+    }
+
+    void ReadPart(std::uint64_t place)
+    {
+        const auto chunk = place < file.Size() ? ChunkAt(file, place) : std::nullopt;
+        // All indexes together have less than the file: nobody is asked to read one of them again and again.
+        if (!chunk || chunk->end > file.Size() || chunk->end - chunk->content > left ||
+            chunk->end - chunk->content < headerBytes)
+            Damaged("an index that it names isn't there");
+        left -= chunk->end - chunk->content;
+        std::vector<std::uint8_t> index(static_cast<std::size_t>(chunk->end - chunk->content));
+        if (!file.Read(chunk->content, index) || index[3] != ofChunks)
+            Damaged("an index that it names isn't there");
+        ReadChunks(index);
+    }
+
+    void ReadChunks(View index)
+    {
+        const std::size_t entryBytes = std::size_t{Number16(index, 0)} * 4, count = Number32(index, 4);
+        const std::uint64_t base = Number64(index, 12);
+        if (entryBytes < 8 || count > (index.size() - headerBytes) / entryBytes || base > file.Size())
+            Damaged("a stream's index is cut short");
+        const Tag tag = TagAt(index, 8);
+        for (std::size_t entry = 0; entry < count; ++entry) {
+            const std::size_t at = headerBytes + entry * entryBytes;
+            constexpr std::uint32_t noKeyFrame = 0x80000000;
+            chunks.Add({tag, Number32(index, at + 4) & ~noKeyFrame, base + Number32(index, at)});
+        }
+    }
+
+    FileBytes& file;
+    std::uint64_t left;
+    ChunkList& chunks;
+};
+
+// The lists of data in the parts behind the first one, which begin here.
+std::vector<FileChunk> FurtherMovies(FileBytes& file, std::uint64_t at)
+{
+    std::vector<FileChunk> movies;
+    for (auto riff = ChunkAt(file, at); riff && riff->type == TagOf("AVIX"); riff = ChunkAt(file, riff->Next())) {
+        if (riff->end > file.Size())
+            CutShort();
+        auto movie = ChunkAt(file, riff->content);
+        for (int pieces = 0; movie && movie->type != TagOf("movi") && pieces < 100; ++pieces)
+            movie = ChunkAt(file, movie->Next());
+        if (!movie || movie->type != TagOf("movi") || movie->end > riff->end || movies.size() == mostTopChunks)
+            Damaged("a part of it has no data");
+        movies.push_back(*movie);
+    }
+    return movies;
+}
+
 // A time in units of 100 ns stays below 2^61 for all frames.
 void CheckLength(const AviStream& stream)
 {
@@ -312,11 +394,6 @@ AviFile ReadAviFile(FileBytes& file)
     const auto riff = ChunkAt(file, 0);
     if (!riff || riff->end > file.Size())
         CutShort();
-    const auto next = ChunkAt(file, riff->Next());
-    if (next && next->tag == TagOf("RIFF"))
-        throw AviFault(
-            "is an AVI clip of several parts (OpenDML), of which only the first could be read; split it into "
-            "clips below 1 GB first.");
     std::optional<Header> header;
     std::optional<FileChunk> movie, index;
     std::uint64_t count = 0;
@@ -334,11 +411,22 @@ AviFile ReadAviFile(FileBytes& file)
     }
     if (!header || !movie)
         Damaged("it has no header or no data");
-    ChunkList chunks(*header, riff->end);
-    if (header->hasIndex && index)
-        ReadIndex(file, *index, *movie, chunks);
-    else
-        WalkMovie(file, *movie, chunks);
+    const std::vector<FileChunk> more = FurtherMovies(file, riff->Next());
+    ChunkList chunks(*header, file.Size());
+    const bool ownIndexes =
+        std::ranges::all_of(header->indexes, [](const auto& streamIndex) { return !streamIndex.empty(); });
+    if (ownIndexes && !more.empty()) {
+        StreamIndexes reader(file, chunks);
+        for (const auto& streamIndex : header->indexes)
+            reader.Read(streamIndex);
+    } else {
+        if (header->hasIndex && index)
+            ReadIndex(file, *index, *movie, chunks);
+        else
+            WalkMovie(file, *movie, chunks);
+        for (const FileChunk& further : more)
+            WalkMovie(file, further, chunks);
+    }
     for (const AviStream& stream : header->streams)
         CheckLength(stream);
     return {std::move(header->streams)};

@@ -72,7 +72,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-// Throws AviFault for a file that is cut short, damaged, of several parts (OpenDML), or whose palette changes.
+// Of any length and number of parts (OpenDML). Throws AviFault for a file that is cut short, damaged, or whose palette
+// changes.
 // std::bad_alloc for one that is larger than memory.
 AviFile ReadAviFile(FileBytes& file);
 

@@ -65,10 +65,9 @@ LRESULT OpenFileOf(MMIOINFO& info, const char* name)
             return MMIOERR_FILENOTFOUND;
         path = found->second;
     }
-    const bool writes = (info.dwFlags & (MMIO_WRITE | MMIO_READWRITE | MMIO_CREATE)) != 0;
-    const HANDLE file =
-        CreateFileW(path.c_str(), writes ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ, writes ? 0 : FILE_SHARE_READ,
-                    nullptr, info.dwFlags & MMIO_CREATE ? CREATE_ALWAYS : OPEN_EXISTING, 0, nullptr);
+    if (info.dwFlags & (MMIO_WRITE | MMIO_READWRITE | MMIO_CREATE))
+        return MMIOERR_CANNOTOPEN;
+    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE)
         return MMIOERR_CANNOTOPEN;
     info.adwInfo[0] = static_cast<DWORD>(reinterpret_cast<ULONG_PTR>(file));
@@ -89,14 +88,6 @@ LRESULT CALLBACK FileProcedure(LPSTR information, UINT message, LPARAM first, LP
         return CloseHandle(HandleOf(info)) ? MMSYSERR_NOERROR : MMIOERR_CANNOTCLOSE;
     case MMIOM_READ:
         if (!ReadFile(HandleOf(info), reinterpret_cast<void*>(first), static_cast<DWORD>(second), &bytes, nullptr))
-            return -1;
-        info.lDiskOffset += static_cast<LONG>(bytes);
-        return static_cast<LRESULT>(bytes);
-    case MMIOM_WRITE:
-    case MMIOM_WRITEFLUSH:
-        if (!WriteFile(HandleOf(info), reinterpret_cast<const void*>(first), static_cast<DWORD>(second), &bytes,
-                       nullptr) ||
-            bytes != static_cast<DWORD>(second))
             return -1;
         info.lDiskOffset += static_cast<LONG>(bytes);
         return static_cast<LRESULT>(bytes);
@@ -139,11 +130,11 @@ AviSession::~AviSession()
 }
 
 // NOLINTNEXTLINE(readability-convert-member-functions-to-static): there must be a session
-HRESULT AviSession::Open(const std::filesystem::path& file, UINT mode, Microsoft::WRL::ComPtr<IAVIFile>& opened) const
+HRESULT AviSession::Open(const std::filesystem::path& file, Microsoft::WRL::ComPtr<IAVIFile>& opened) const
 {
     const PathNumber number(file);
     CLSID handler = aviFileHandler;
-    return AVIFileOpenW(&opened, number.Name().c_str(), mode, &handler);
+    return AVIFileOpenW(&opened, number.Name().c_str(), OF_READ | OF_SHARE_DENY_WRITE, &handler);
 }
 
 } // namespace vixahost::media

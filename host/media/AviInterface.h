@@ -25,9 +25,8 @@ public:
     AviSession(const AviSession&) = delete;
     AviSession& operator=(const AviSession&) = delete;
 
-    // Opens an AVI clip, whatever the file's ending. `mode` is OF_READ, or OF_CREATE | OF_WRITE for a new file. Several
-    // threads may open at once.
-    HRESULT Open(const std::filesystem::path& file, UINT mode, Microsoft::WRL::ComPtr<IAVIFile>& opened) const;
+    // Opens an AVI clip for reading, whatever the file's ending. Several threads may open at once.
+    HRESULT Open(const std::filesystem::path& file, Microsoft::WRL::ComPtr<IAVIFile>& opened) const;
 };
 
 } // namespace vixahost::media

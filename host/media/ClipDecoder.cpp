@@ -60,7 +60,7 @@ ClipDecoder::ClipDecoder(std::filesystem::path clip, int frameWidth, int frameHe
     : path(std::move(clip)), width(frameWidth), height(frameHeight)
 {
     const std::string damaged = Show(path) + " is a damaged AVI clip; get a whole copy of it";
-    if (const HRESULT result = session.Open(path, OF_READ | OF_SHARE_DENY_WRITE, file); FAILED(result))
+    if (const HRESULT result = session.Open(path, file); FAILED(result))
         throw FailedJob(damaged + " (" + Show(result) + ").");
     if (FAILED(file->GetStream(&video, streamtypeVIDEO, 0)))
         throw FailedJob(damaged + ".");

@@ -2,90 +2,57 @@
 
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
-#include "host/media/AviHeader.h"
 #include "host/media/ClipReader.h"
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <limits>
 #include <utility>
 
 namespace vixahost::media {
 
-using Microsoft::WRL::ComPtr;
-
 namespace {
 
-constexpr std::uint64_t largestFile = 0x7FFFFFFF;
-constexpr std::uint64_t headerRoom = 65'536;
-constexpr std::uint64_t chunkRoom = 8 + 16 + 1; // a chunk's header, its row in the index, its padding
-
-std::size_t StoredBytes(const FrameFormat& format, ClipDepth depth)
+AviStream PicturesOf(const FrameFormat& format, const ClipReader* source)
 {
-    const std::size_t row =
-        depth == ClipDepth::Rgb32 ? std::size_t(format.width) * 4 : (std::size_t(format.width) * 3 + 3) / 4 * 4;
-    return row * std::size_t(format.height);
+    AviStream stream;
+    if (source)
+        stream = source->Pictures();
+    stream.type = TagOf("vids");
+    stream.handler = TagOf("DIB ");
+    stream.rate = format.rate;
+    stream.scale = format.scale;
+    stream.sampleSize = 0;
+    BITMAPINFOHEADER header = {};
+    header.biSize = sizeof header;
+    header.biWidth = format.width;
+    header.biHeight = format.height;
+    header.biPlanes = 1;
+    header.biBitCount = 32;
+    header.biSizeImage = static_cast<DWORD>(format.FrameBytes());
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(&header);
+    stream.format.assign(bytes, bytes + sizeof header);
+    return stream;
 }
 
-void Require(HRESULT result, const std::filesystem::path& file)
+std::vector<AviStream> StreamsOf(const FrameFormat& format, const ClipReader* source)
 {
-    if (FAILED(result))
-        throw FailedJob("Can't write " + Show(file) + " (" + Show(result) +
-                        "); is the disk full or the folder protected?");
-}
-
-// A chunk is cut in two at most once per frame.
-std::uint64_t SoundBytes(const AviStream& stream, std::int64_t frames)
-{
-    return stream.ChunkBytes() + (stream.chunks.size() + static_cast<std::uint64_t>(frames)) * chunkRoom;
-}
-
-// What a new file takes over of a stream's header.
-AVISTREAMINFOW InformationOf(const AviStream& stream)
-{
-    const auto code = [](const Tag& tag) { return mmioFOURCC(tag[0], tag[1], tag[2], tag[3]); };
-    AVISTREAMINFOW information = {};
-    information.fccType = code(stream.type);
-    information.fccHandler = code(stream.handler);
-    information.dwFlags = stream.flags;
-    information.wPriority = stream.priority;
-    information.wLanguage = stream.language;
-    information.dwInitialFrames = stream.initialFrames;
-    information.dwScale = stream.scale;
-    information.dwRate = stream.rate;
-    information.dwStart = stream.start;
-    information.dwQuality = stream.quality;
-    information.dwSampleSize = stream.sampleSize;
-    std::copy_n(stream.name.begin(), std::min<std::size_t>(stream.name.size(), std::size(information.szName) - 1),
-                information.szName);
-    return information;
+    std::vector<AviStream> streams = {PicturesOf(format, source)};
+    if (source)
+        for (const AviStream* const sound : source->Sound())
+            streams.push_back(*sound);
+    return streams;
 }
 
 } // namespace
-
-ClipDepth DepthFor(const FrameFormat& format, std::int64_t frames, std::uint64_t soundBytes)
-{
-    for (const ClipDepth depth : {ClipDepth::Rgb32, ClipDepth::Rgb24}) {
-        const std::uint64_t bytes =
-            static_cast<std::uint64_t>(frames) * (StoredBytes(format, depth) + chunkRoom) + soundBytes + headerRoom;
-        if (bytes <= largestFile)
-            return depth;
-    }
-    throw FailedJob("The result would be larger than the 2 GB that an AVI file may have; split the clip first.");
-}
 
 // Copies one sound stream, a piece at a time, so that it lies between the frames it belongs to.
 class ClipWriter::SoundCopy
 {
 public:
-    SoundCopy(IAVIFile* target, FileBytes& from, const AviStream& stream, const std::filesystem::path& file)
-        : source(from), sound(stream), path(file)
+    SoundCopy(AviOutput& target, std::size_t streamNumber, FileBytes& from, const AviStream& stream)
+        : file(target), number(streamNumber), source(from), sound(stream)
     {
-        AVISTREAMINFOW information = InformationOf(sound);
-        Require(target->CreateStream(&sink, &information), path);
-        std::vector<std::uint8_t> block = sound.format;
-        Require(sink->SetFormat(0, block.data(), static_cast<LONG>(block.size())), path);
     }
 
     // Copies up to the sample that sounds at a time in units of 100 ns.
@@ -137,23 +104,16 @@ private:
             throw FailedJob("The clip's sound is damaged; get a whole copy of the clip.");
     }
 
-    void Write(std::span<std::uint8_t> bytes, std::size_t samples)
+    void Write(std::span<const std::uint8_t> bytes, std::size_t samples)
     {
-        std::uint8_t nothing = 0; // no place, not even for no bytes, is an error
-        // -1: behind what is there. The interface counts what was written in its own way.
-        const HRESULT result = sink->Write(-1, static_cast<LONG>(samples), bytes.empty() ? &nothing : bytes.data(),
-                                           static_cast<LONG>(bytes.size()), AVIIF_KEYFRAME, nullptr, nullptr);
-        if (result == AVIERR_BADPARAM && sound.sampleSize == 0)
-            throw FailedJob("This system can't write the clip's sound, whose samples have no fixed size; convert it to "
-                            "PCM first.");
-        Require(result, path);
+        file.Add(number, bytes, samples);
         copied += samples;
     }
 
+    AviOutput& file;
+    std::size_t number; // of the stream
     FileBytes& source;
     const AviStream& sound;
-    const std::filesystem::path& path;
-    ComPtr<IAVIStream> sink;
     double limit = 0;         // in samples
     std::uint64_t copied = 0; // in samples
     std::size_t chunk = 0;    // the next one
@@ -161,67 +121,34 @@ private:
     std::vector<std::uint8_t> data;
 };
 
-ClipWriter::ClipWriter(std::filesystem::path target, ClipReader& source)
-    : path(std::move(target)), format(source.Format())
+ClipWriter::ClipWriter(const TargetFile& finished, const FrameFormat& size, ClipReader* source, std::uint64_t partBytes)
+    : target(finished), format(size), file(finished), output(file, StreamsOf(format, source), partBytes)
 {
-    std::uint64_t soundBytes = 0;
-    for (const AviStream* const stream : source.Sound())
-        soundBytes += SoundBytes(*stream, source.FrameCount());
-    depth = DepthFor(format, source.FrameCount(), soundBytes);
-    if (depth == ClipDepth::Rgb24)
-        narrow.resize(StoredBytes(format, depth));
-
-    Require(session.Open(path, OF_CREATE | OF_WRITE | OF_SHARE_EXCLUSIVE, file), path);
-    AVISTREAMINFOW information = InformationOf(source.Pictures());
-    information.fccHandler = mmioFOURCC('D', 'I', 'B', ' ');
-    information.dwSampleSize = 0;
-    information.dwSuggestedBufferSize = static_cast<DWORD>(StoredBytes(format, depth));
-    SetRect(&information.rcFrame, 0, 0, format.width, format.height);
-    Require(file->CreateStream(&video, &information), path);
-    BITMAPINFOHEADER header = {};
-    header.biSize = sizeof header;
-    header.biWidth = format.width;
-    header.biHeight = format.height;
-    header.biPlanes = 1;
-    header.biBitCount = static_cast<WORD>(depth);
-    header.biSizeImage = static_cast<DWORD>(StoredBytes(format, depth));
-    Require(video->SetFormat(0, &header, sizeof header), path);
-    for (const AviStream* const stream : source.Sound())
-        sound.push_back(std::make_unique<SoundCopy>(file.Get(), source.Bytes(), *stream, path));
+    if (!source)
+        return;
+    std::size_t number = 0;
+    for (const AviStream* const stream : source->Sound())
+        sound.push_back(std::make_unique<SoundCopy>(output, ++number, source->Bytes(), *stream));
 }
 
 ClipWriter::~ClipWriter() = default;
 
 void ClipWriter::Write(std::span<const std::uint8_t> frame)
-{
-    std::span<const std::uint8_t> stored = frame;
-    if (depth == ClipDepth::Rgb24) {
-        const std::size_t rowBytes = narrow.size() / static_cast<std::size_t>(format.height);
-        const std::uint8_t* in = frame.data();
-        for (int y = 0; y < format.height; ++y) {
-            std::uint8_t* out = narrow.data() + static_cast<std::size_t>(y) * rowBytes;
-            for (int x = 0; x < format.width; ++x, in += 4, out += 3)
-                std::copy_n(in, 3, out);
-        }
-        stored = narrow;
-    }
-    Require(video->Write(-1, 1, const_cast<std::uint8_t*>(stored.data()), static_cast<LONG>(stored.size()),
-                         AVIIF_KEYFRAME, nullptr, nullptr),
-            path);
+try {
+    output.Add(0, frame, 1);
     ++frames;
     for (const auto& copy : sound)
         copy->CopyUntil(format.TimeOf(frames));
+} catch (const AviFault& fault) {
+    throw FailedJob(Show(target.Name()) + " " + fault.what());
 }
 
 void ClipWriter::Finish()
 {
     for (const auto& copy : sound)
         copy->CopyAll();
-    sound.clear();
-    video.Reset();
-    file.Reset(); // writes the header and the index; what goes wrong shows only in the file
-    if (MendSoundLengths(path) != static_cast<std::uint64_t>(frames))
-        throw FailedJob("The written clip lacks frames; is the disk full?");
+    output.Finish();
+    file.Close();
 }
 
 } // namespace vixahost::media

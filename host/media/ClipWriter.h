@@ -1,11 +1,12 @@
 // Writes an AVI clip: uncompressed RGB, with another clip's sound.
 #pragma once
 
-#include "host/media/AviInterface.h"
+#include "host/base/TargetFile.h"
+#include "host/media/AviOutput.h"
+#include "host/media/FileOnDisk.h"
 #include "host/media/Frames.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <vector>
 
@@ -13,44 +14,32 @@ namespace vixahost::media {
 
 class ClipReader;
 
-// How many bits a pixel of the written clip has. 32 keep all four bytes; 24 leave the colourless one out and are taken
-// when the clip would else outgrow the two gigabytes that an AVI file may have.
-enum class ClipDepth : std::uint16_t
-{
-    Rgb24 = 24,
-    Rgb32 = 32,
-};
-
-// The depth for `frames` frames and `soundBytes` of sound with its place in the index. Throws FailedJob when neither
-// fits.
-ClipDepth DepthFor(const FrameFormat& format, std::int64_t frames, std::uint64_t soundBytes);
-
+// Frames have 32 bits a pixel, all four bytes as they come. A clip of more than 2 GB has several parts (OpenDML).
 class ClipWriter : public FrameWriter
 {
 public:
-    // A new file with the size, rate and sound of `source`, which must outlive the writer. Throws FailedJob.
-    ClipWriter(std::filesystem::path target, ClipReader& source);
+    // A new file in the place of the target's temporary one, with the frames' size and rate, and the sound of `source`
+    // when there is one. Target and source must outlive the writer. Throws FailedJob.
+    ClipWriter(const TargetFile& finished, const FrameFormat& size, ClipReader* source,
+               std::uint64_t partBytes = AviOutput::usualPart);
     ~ClipWriter() override;
 
+    // Throws FailedJob as soon as something can't be written.
     void Write(std::span<const std::uint8_t> frame) override;
 
-    // Writes the rest of the sound and closes the file. Throws FailedJob, also when the finished file doesn't hold
-    // what was written.
+    // Writes the rest of the sound and closes the file. Throws FailedJob.
     void Finish();
 
-    ClipDepth Depth() const noexcept { return depth; }
+    std::int64_t FramesWritten() const noexcept { return frames; }
 
 private:
     class SoundCopy;
 
-    std::filesystem::path path;
+    const TargetFile& target;
     FrameFormat format;
-    ClipDepth depth = ClipDepth::Rgb32;
-    AviSession session;
-    Microsoft::WRL::ComPtr<IAVIFile> file;
-    Microsoft::WRL::ComPtr<IAVIStream> video;
+    NewFile file;
+    AviOutput output;
     std::vector<std::unique_ptr<SoundCopy>> sound;
-    std::vector<std::uint8_t> narrow; // one frame of 24 bits, rows padded to 4 bytes
     std::int64_t frames = 0;
 };
 

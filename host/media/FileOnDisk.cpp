@@ -29,4 +29,34 @@ bool FileOnDisk::Read(std::uint64_t offset, std::span<std::uint8_t> into)
     return true;
 }
 
+NewFile::NewFile(const TargetFile& finished)
+    : target(finished), file(Opened(CreateFileW(target.Temporary().c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                                CREATE_ALWAYS, 0, nullptr)))
+{
+    if (!file)
+        throw target.WriteFault(GetLastError());
+}
+
+void NewFile::Write(std::uint64_t offset, std::span<const std::uint8_t> bytes)
+{
+    const LARGE_INTEGER place = {.QuadPart = static_cast<LONGLONG>(offset)};
+    if (!SetFilePointerEx(file.get(), place, nullptr, FILE_BEGIN))
+        throw target.WriteFault(GetLastError());
+    while (!bytes.empty()) {
+        const auto wanted = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1 << 30));
+        DWORD written = 0;
+        if (!WriteFile(file.get(), bytes.data(), wanted, &written, nullptr))
+            throw target.WriteFault(GetLastError());
+        // Nothing taken without an error: there is no room.
+        if (written == 0)
+            throw target.WriteFault(ERROR_DISK_FULL);
+        bytes = bytes.subspan(written);
+    }
+}
+
+void NewFile::Close()
+{
+    file.reset();
+}
+
 } // namespace vixahost::media

@@ -2,7 +2,8 @@
 #pragma once
 
 #include "host/base/Handles.h"
-#include "host/media/AviFile.h"
+#include "host/base/TargetFile.h"
+#include "host/media/AviOutput.h"
 
 #include <filesystem>
 
@@ -21,6 +22,22 @@ public:
 private:
     UniqueFile file;
     std::uint64_t size = 0;
+};
+
+// A new file in the place of a target's temporary one.
+class NewFile : public BytesSink
+{
+public:
+    // The target must outlive this. Throws FailedJob.
+    explicit NewFile(const TargetFile& finished);
+
+    // Throws FailedJob at the first byte that the disk doesn't take.
+    void Write(std::uint64_t offset, std::span<const std::uint8_t> bytes) override;
+    void Close();
+
+private:
+    const TargetFile& target;
+    UniqueFile file;
 };
 
 } // namespace vixahost::media
