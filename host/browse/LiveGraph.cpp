@@ -179,7 +179,7 @@ bool LiveGraph::Failed() const
 {
     try {
         if (failure.empty())
-            graph->HasEnded();
+            graph->HasEnded([this] { End(); });
     } catch (const std::exception& fault) {
         failure = std::string(fault.what()) +
                   " Take a step off the stack, or open a smaller picture; saving may still succeed.";
@@ -208,13 +208,19 @@ bool LiveGraph::Busy() const
     return exchange->waiting || exchange->underWay;
 }
 
-double LiveGraph::EndAndMedian()
+// The reader waits for no more frames.
+void LiveGraph::End() const
 {
     {
         const std::lock_guard hold(exchange->lock);
         exchange->ending = true;
     }
     exchange->changed.notify_one();
+}
+
+double LiveGraph::EndAndMedian()
+{
+    End();
     graph->Stop();
     return graph->MedianMilliseconds();
 }

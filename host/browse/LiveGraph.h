@@ -62,6 +62,8 @@ private:
     class Writer;
     struct Exchange;
 
+    void End() const;
+
     std::shared_ptr<Exchange> exchange;
     std::unique_ptr<Reader> reader;
     std::unique_ptr<Writer> writer;

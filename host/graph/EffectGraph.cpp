@@ -136,7 +136,7 @@ void EffectGraph::WaitForEnd(const std::function<void(std::int64_t)>& onProgress
     }
 }
 
-bool EffectGraph::HasEnded() const
+bool EffectGraph::HasEnded(const std::function<void()>& wake) const
 {
     long code = 0;
     LONG_PTR first = 0, second = 0;
@@ -145,8 +145,11 @@ bool EffectGraph::HasEnded() const
         events->FreeEventParams(code, first, second);
         if (code == EC_COMPLETE)
             return true;
-        if (code == EC_ERRORABORT || code == EC_USERABORT)
+        if (code == EC_ERRORABORT || code == EC_USERABORT) {
+            if (wake)
+                wake();
             Fail(result);
+        }
     }
     return false;
 }

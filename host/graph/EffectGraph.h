@@ -40,8 +40,8 @@ public:
     // A reader that waits inside Read must have been woken before: Stop waits for the streaming thread.
     void Stop() const noexcept;
     // For a graph that was started: true once all frames have come out; doesn't wait. Throws as Run does when the graph
-    // has failed, which ends it.
-    bool HasEnded() const;
+    // has failed, which ends it; `wake` is called before that, for a reader that may wait inside Read.
+    bool HasEnded(const std::function<void()>& wake = {}) const;
 
     // The time that all the effects took for a frame, in milliseconds: the median when the graph has stopped, the last
     // frame's at any time.
