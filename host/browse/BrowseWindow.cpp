@@ -1,9 +1,11 @@
 #include "host/browse/BrowseWindow.h"
 
 #include "host/base/HostError.h"
+#include "host/base/ModuleFile.h"
+#include "host/base/TargetFile.h"
 #include "host/base/Text.h"
-#include "host/browse/FileDialogs.h"
 #include "host/browse/Ids.h"
+#include "host/browse/Question.h"
 #include "host/browse/SaveDialog.h"
 #include "host/effects/StackFile.h"
 #include "host/media/PictureFile.h"
@@ -19,37 +21,43 @@ namespace {
 constexpr UINT resultReady = WM_APP + 2;
 constexpr UINT_PTR playTimer = 1, failureTimer = 2;
 constexpr UINT failureInterval = 300; // milliseconds
-constexpr const wchar_t* program = L"VixaVideoFX browser";
+constexpr const wchar_t* program = L"VixaVideoFX";
 
 struct ButtonText
 {
     int command;
-    const wchar_t* text;
+    UINT text;
 };
 constexpr ButtonText stackButtonTexts[] = {
-    {IDM_ADD, L"Add"}, {IDM_REMOVE, L"Remove"}, {IDM_UP, L"Up"}, {IDM_DOWN, L"Down"}};
+    {IDM_ADD, IDT_ADD}, {IDM_REMOVE, IDT_REMOVE}, {IDM_UP, IDT_UP}, {IDM_DOWN, IDT_DOWN}};
 constexpr ButtonText clipButtonTexts[] = {
-    {IDM_PLAY, L"Play"}, {IDM_STEP_BACK, L"< Step"}, {IDM_STEP_FORWARD, L"Step >"}};
+    {IDM_PLAY, IDT_PLAY}, {IDM_STEP_BACK, IDT_BACK}, {IDM_STEP_FORWARD, IDT_FORWARD}};
 
 HWND MakeButton(HWND parent, const ButtonText& button, const Style& style)
 {
-    return CreateControl(WC_BUTTONW, button.text, WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, parent, button.command,
-                         style);
+    return CreateControl(WC_BUTTONW, L"", WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, parent, button.command, style);
+}
+
+// A number as the status line shows it.
+std::wstring Number(const char* format, double value)
+{
+    char text[40] = {};
+    std::snprintf(text, sizeof text, format, value);
+    return Wide(text);
 }
 
 } // namespace
 
-BrowseWindow::BrowseWindow(SIZE size) : style(std::make_unique<Style>())
+BrowseWindow::BrowseWindow(SIZE size) : style(std::make_unique<Style>()), recent(UserFolder())
 {
     const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_WIN95_CLASSES | ICC_STANDARD_CLASSES};
     InitCommonControlsEx(&controls);
     const HINSTANCE instance = GetModuleHandleW(nullptr);
     keys = LoadAcceleratorsW(instance, MAKEINTRESOURCEW(IDR_BROWSE));
-    const HMENU menu = LoadMenuW(instance, MAKEINTRESOURCEW(IDR_BROWSE));
     if (size.cx == 0)
         size = {style->Scale(1180), style->Scale(760)};
     Create({L"VixaBrowseWindow", 0, IDC_ARROW, reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1)}, program,
-           WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, WS_EX_ACCEPTFILES, nullptr, menu, size);
+           WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, WS_EX_ACCEPTFILES, nullptr, nullptr, size);
     const HWND window = hwnd;
     session = std::make_unique<Session>([this, window] {
         // One message at a time: the newest result is what it shows.
@@ -74,11 +82,8 @@ BrowseWindow::~BrowseWindow()
 void BrowseWindow::OnCreate()
 {
     tree = std::make_unique<EffectTree>(hwnd, IDC_TREE, *style);
-    tree->onChosen = [this](std::size_t index) {
-        const effects::CatalogueEntry& entry = session->Catalogue().at(index);
-        ChangeStack([&](StackModel& stack) { stack.Choose(effects::StepOf(entry)); });
-    };
-    stackLabel = CreateControl(WC_STATICW, L"Stack: the effects in order", WS_VISIBLE, hwnd, 0, *style);
+    tree->onChosen = [this](std::size_t index) { OnChosen(index); };
+    stackLabel = CreateControl(WC_STATICW, L"", WS_VISIBLE, hwnd, 0, *style);
     list = std::make_unique<StackList>(hwnd, IDC_STACK, *style);
     list->onSelected = [this](std::size_t index) { ChangeStack([&](StackModel& stack) { stack.Select(index); }); };
     list->onSwitched = [this](std::size_t index, bool on) {
@@ -89,30 +94,61 @@ void BrowseWindow::OnCreate()
     panelLabel = CreateControl(WC_STATICW, L"", WS_VISIBLE | SS_ENDELLIPSIS, hwnd, 0, *style);
     panel = std::make_unique<PanelHost>(hwnd);
     panel->onNewBlock = [this](const std::vector<std::int32_t>& block) { OnPanelChanged(block); };
-    emptyPanel = CreateControl(WC_STATICW, L"This effect has no settings.", 0, panel->Handle(), 0, *style);
-    preview = std::make_unique<PreviewPane>(hwnd, IDC_PREVIEW, *style);
+    emptyPanel = CreateControl(WC_STATICW, L"", 0, panel->Handle(), 0, *style);
+    preview = std::make_unique<PreviewPane>(hwnd, IDC_PREVIEW, *style, texts);
     for (const ButtonText& button : clipButtonTexts)
         clipButtons.push_back(MakeButton(hwnd, button, *style));
-    seekBar = CreateControl(TRACKBAR_CLASSW, L"Position", WS_VISIBLE | WS_TABSTOP | TBS_HORZ | TBS_NOTICKS, hwnd,
-                            IDC_SEEK, *style);
+    seekBar =
+        CreateControl(TRACKBAR_CLASSW, L"", WS_VISIBLE | WS_TABSTOP | TBS_HORZ | TBS_NOTICKS, hwnd, IDC_SEEK, *style);
     timeText = CreateControl(WC_STATICW, L"", WS_VISIBLE | SS_RIGHT, hwnd, 0, *style);
     status = CreateControl(STATUSCLASSNAMEW, L"", WS_VISIBLE | SBARS_SIZEGRIP, hwnd, IDC_STATUS, *style);
+    menuContent.languages = effects::InstalledLanguages(session->LibraryFile());
+    savedStack = session->Stack().Items();
     tree->Fill(session->Catalogue());
-    FillLanguages();
     ShowMedium();
-    ShowStack();
+    ShowTexts();
     tree->ShowFirst();
     SetTimer(hwnd, failureTimer, failureInterval, nullptr);
 }
 
-void BrowseWindow::FillLanguages()
+// With the files, presets and languages that there are now.
+void BrowseWindow::NewMenu()
 {
-    languages = effects::InstalledLanguages(session->LibraryFile());
-    const HMENU menu = GetSubMenu(GetMenu(hwnd), 4);
-    DeleteMenu(menu, 0, MF_BYPOSITION);
-    for (std::size_t i = 0; i < languages.size(); ++i)
-        AppendMenuW(menu, i > 0 && i % 14 == 0 ? MF_STRING | MF_MENUBARBREAK : MF_STRING, IDM_LANGUAGE + i,
-                    languages[i].name.c_str());
+    menuContent.recent = recent.List();
+    menuContent.presets.clear();
+    for (const ShippedPreset& preset : ShippedPresets())
+        menuContent.presets.push_back(texts(static_cast<UINT>(preset.name)));
+    menuContent.shipped = menuContent.presets.size();
+    ownPresets = StackFilesIn(PresetFolder());
+    for (const auto& file : ownPresets)
+        menuContent.presets.push_back(file.stem().native());
+    const HMENU old = GetMenu(hwnd);
+    SetMenu(hwnd, MakeMenu(texts, menuContent));
+    if (old)
+        DestroyMenu(old);
+}
+
+// Everything that is said in the chosen language.
+void BrowseWindow::ShowTexts()
+{
+    NewMenu();
+    const auto name = [&](HWND control, UINT text) { SetWindowTextW(control, texts(text).c_str()); };
+    name(tree->Handle(), IDT_EFFECTS);
+    name(list->Handle(), IDT_STACK);
+    name(stackLabel, IDT_STACK);
+    name(emptyPanel, IDT_NO_SETTINGS);
+    name(preview->Handle(), IDT_PREVIEW);
+    name(seekBar, IDT_POSITION);
+    for (std::size_t i = 0; i < stackButtons.size(); ++i)
+        name(stackButtons[i], stackButtonTexts[i].text);
+    for (std::size_t i = 0; i < clipButtons.size(); ++i)
+        name(clipButtons[i], clipButtonTexts[i].text);
+    InvalidateRect(preview->Handle(), nullptr, FALSE);
+    Tell({});
+    ShowTitle();
+    ShowStack();
+    ShowPosition();
+    ShowStatus();
 }
 
 LRESULT BrowseWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
@@ -155,6 +191,10 @@ LRESULT BrowseWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
     case WM_SETTINGCHANGE:
         TakeNewStyle();
         return 0;
+    case WM_CLOSE:
+        if (MayClose())
+            DestroyWindow(hwnd);
+        return 0;
     case WM_DESTROY:
         panel->Close();
         PostQuitMessage(0);
@@ -181,7 +221,46 @@ template <typename Function>
 void BrowseWindow::ChangeStack(Function change)
 {
     session->Change(change);
+    Tell({});
     ShowStack();
+}
+
+void BrowseWindow::OnChosen(std::size_t index)
+{
+    const effects::CatalogueEntry& entry = session->Catalogue().at(index);
+    const effects::EffectStep* const current = session->Stack().Current();
+    const std::wstring old =
+        current ? effects::FindEntry(session->Catalogue(), current->classId)->name : std::wstring();
+    const std::size_t steps = session->Stack().Items().size();
+    ChangeStack([&](StackModel& stack) { stack.Choose(effects::StepOf(entry)); });
+    if (session->Stack().Items().size() > steps)
+        Tell(texts(IDT_WAS_ADDED, {entry.name}));
+    else if (old != entry.name)
+        Tell(texts(IDT_TOOK_PLACE, {entry.name, old}));
+}
+
+// The commands of which there are as many as there are files, presets or languages.
+bool BrowseWindow::OnNumbered(int command)
+{
+    const auto index = [&](int first, std::size_t count) -> std::optional<std::size_t> {
+        const auto number = static_cast<std::size_t>(command - first);
+        return command >= first && number < count ? std::optional(number) : std::nullopt;
+    };
+    if (const auto language = index(IDM_LANGUAGE, menuContent.languages.size())) {
+        SetLanguage(menuContent.languages[*language].id);
+    } else if (const auto file = index(IDM_RECENT_FILE, recent.List().size())) {
+        Open(std::filesystem::path(recent.List()[*file]));
+    } else if (const auto preset = index(IDM_PRESET, menuContent.presets.size())) {
+        effects::EffectStack items =
+            *preset < menuContent.shipped
+                ? LoadPreset(ShippedPresets()[*preset], session->Catalogue())
+                : effects::LoadStackFile(ownPresets.at(*preset - menuContent.shipped), session->Catalogue());
+        ChangeStack([&](StackModel& stack) { stack.Replace(std::move(items)); });
+        savedStack = session->Stack().Items();
+    } else {
+        return false;
+    }
+    return true;
 }
 
 void BrowseWindow::OnCommand(int command)
@@ -189,10 +268,8 @@ void BrowseWindow::OnCommand(int command)
     const std::size_t selected = session->Stack().Selected();
     const effects::EffectStep* const current = session->Stack().Current();
     const bool clip = session->Open().IsClip();
-    if (command >= IDM_LANGUAGE && command < IDM_LANGUAGE + static_cast<int>(languages.size())) {
-        SetLanguage(languages[static_cast<std::size_t>(command - IDM_LANGUAGE)].id);
+    if (OnNumbered(command))
         return;
-    }
     switch (command) {
     case IDM_OPEN:
         return AskOpen();
@@ -202,6 +279,8 @@ void BrowseWindow::OnCommand(int command)
         return AskLoadStack();
     case IDM_SAVE_STACK:
         return AskSaveStack();
+    case IDM_SAVE_PRESET:
+        return AskSavePreset();
     case IDM_EXIT:
         SendMessageW(hwnd, WM_CLOSE, 0, 0);
         return;
@@ -232,6 +311,16 @@ void BrowseWindow::OnCommand(int command)
         return preview->SetDivider(0.5);
     case IDM_DIVIDER_RIGHT:
         return preview->SetDivider(1);
+    case IDM_COMPARE:
+        return preview->SetDivider(preview->Divider() == 0 ? 1 : 0);
+    case IDM_FIT:
+        return preview->SetZoom(0);
+    case IDM_ACTUAL_SIZE:
+        return preview->SetZoom(1);
+    case IDM_ZOOM_IN:
+        return preview->ZoomBy(1.25);
+    case IDM_ZOOM_OUT:
+        return preview->ZoomBy(0.8);
     case IDM_ENLARGE:
         return preview->SetEnlarge(!preview->Enlarges());
     case IDM_PLAY:
@@ -249,6 +338,8 @@ void BrowseWindow::OnCommand(int command)
             ShowPosition();
         }
         return;
+    case IDM_EFFECT_HELP:
+        return ShowHelp();
     case IDM_ABOUT:
         return About();
     default:
@@ -317,22 +408,29 @@ void BrowseWindow::ShowPanel()
     const effects::EffectStep* const current = session->Stack().Current();
     if (!current) {
         panel->Close();
-        SetWindowTextW(panelLabel, L"The stack is empty: choose an effect.");
+        SetWindowTextW(panelLabel, texts(IDT_EMPTY_STACK).c_str());
         ShowWindow(emptyPanel, SW_HIDE);
         return;
     }
     const effects::CatalogueEntry& entry = *effects::FindEntry(session->Catalogue(), current->classId);
     panel->Open(entry, current->block);
-    SetWindowTextW(panelLabel, (L"Settings: " + entry.name).c_str());
+    SetWindowTextW(panelLabel, texts(IDT_SETTINGS, {entry.name}).c_str());
     const bool empty = panel->IsEmpty();
     ShowWindow(emptyPanel, empty ? SW_SHOW : SW_HIDE);
     ShowWindow(panel->Panel(), empty ? SW_HIDE : SW_SHOW);
 }
 
+void BrowseWindow::ShowTitle()
+{
+    const Medium& medium = session->Open();
+    const std::wstring name = medium.File().empty() ? texts(IDT_SAMPLE) : Wide(medium.Name());
+    SetWindowTextW(hwnd, (name + L" - " + program).c_str());
+}
+
 void BrowseWindow::ShowMedium()
 {
     const Medium& medium = session->Open();
-    SetWindowTextW(hwnd, (Wide(medium.Name()) + L" - " + program).c_str());
+    ShowTitle();
     if (medium.IsClip()) {
         SendMessageW(seekBar, TBM_SETRANGEMIN, FALSE, 0);
         SendMessageW(seekBar, TBM_SETRANGEMAX, TRUE, static_cast<LPARAM>(medium.FrameCount() - 1));
@@ -352,27 +450,30 @@ void BrowseWindow::ShowPosition()
     const Player& player = session->Player();
     SendMessageW(seekBar, TBM_SETPOS, TRUE, static_cast<LPARAM>(player.Position()));
     SetWindowTextW(timeText, Wide(TimeText(medium.Format(), player.Position(), medium.FrameCount())).c_str());
-    SetWindowTextW(clipButtons[0], player.Playing() ? L"Pause" : L"Play");
+    SetWindowTextW(clipButtons[0], texts(player.Playing() ? IDT_PAUSE : IDT_PLAY).c_str());
 }
 
 void BrowseWindow::ShowStatus()
 {
     const Medium& medium = session->Open();
     const media::FrameFormat& format = medium.Format();
-    std::wstring text = std::to_wstring(format.width) + L" x " + std::to_wstring(format.height) + L" pixels";
+    std::wstring size = texts(IDT_SIZE, {std::to_wstring(format.width), std::to_wstring(format.height)});
     if (medium.IsClip()) {
-        char clip[64] = {};
-        std::snprintf(clip, sizeof clip, ", %lld frames, %.3g per second", static_cast<long long>(medium.FrameCount()),
-                      static_cast<double>(format.rate) / format.scale);
-        text += Wide(clip);
+        const std::wstring rate = Number("%.3g", static_cast<double>(format.rate) / format.scale);
+        size += L", " + texts(IDT_FRAMES, {std::to_wstring(medium.FrameCount()), rate});
     }
-    char spent[40] = {}, appeared[40] = {};
+    std::wstring spent;
     if (const LiveResult result = session->Latest(); result.after)
-        std::snprintf(spent, sizeof spent, "Effects %.2f ms", result.milliseconds);
+        spent = texts(IDT_EFFECTS_TIME, {Number("%.2f", result.milliseconds)});
     if (latency > 0)
-        std::snprintf(appeared, sizeof appeared, ", new picture after %.1f ms", latency);
+        spent += L", " + texts(IDT_APPEARED, {Number("%.1f", latency)});
+    SendMessageW(status, SB_SETTEXTW, 1, reinterpret_cast<LPARAM>(size.c_str()));
+    SendMessageW(status, SB_SETTEXTW, 2, reinterpret_cast<LPARAM>(spent.c_str()));
+}
+
+void BrowseWindow::Tell(const std::wstring& text) const
+{
     SendMessageW(status, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(text.c_str()));
-    SendMessageW(status, SB_SETTEXTW, 1, reinterpret_cast<LPARAM>(Wide(std::string(spent) + appeared).c_str()));
 }
 
 void BrowseWindow::UpdateMenu()
@@ -390,6 +491,7 @@ void BrowseWindow::UpdateMenu()
     enable(IDM_UP, current && stack.Selected() > 0);
     enable(IDM_DOWN, current && stack.Selected() + 1 < stack.Items().size());
     enable(IDM_SWITCH, current != nullptr);
+    enable(IDM_SAVE_PRESET, current != nullptr);
     enable(IDM_RESET, current && !panel->IsEmpty());
     for (const UINT command : std::initializer_list<UINT>{IDM_PLAY, IDM_STEP_BACK, IDM_STEP_FORWARD, IDM_TO_START})
         enable(command, session->Open().IsClip());
@@ -398,6 +500,8 @@ void BrowseWindow::UpdateMenu()
     };
     check(IDM_SWITCH, current && current->on);
     check(IDM_ENLARGE, preview->Enlarges());
+    check(IDM_FIT, preview->Fits());
+    const std::vector<effects::Language>& languages = menuContent.languages;
     for (std::size_t i = 0; i < languages.size(); ++i)
         if (languages[i].id == session->Language())
             CheckMenuRadioItem(menu, IDM_LANGUAGE, IDM_LANGUAGE + static_cast<UINT>(languages.size()) - 1,
@@ -410,8 +514,9 @@ void BrowseWindow::LayOut()
     RECT client = {}, bar = {};
     GetClientRect(hwnd, &client);
     GetWindowRect(status, &bar);
-    const int parts[] = {std::max<int>(client.right - style->Scale(310), 100), -1};
-    SendMessageW(status, SB_SETPARTS, 2, reinterpret_cast<LPARAM>(parts));
+    const int times = style->Scale(250), sizes = style->Scale(session->Open().IsClip() ? 290 : 150);
+    const int parts[] = {std::max<int>(client.right - times - sizes, 60), std::max<int>(client.right - times, 120), -1};
+    SendMessageW(status, SB_SETPARTS, 3, reinterpret_cast<LPARAM>(parts));
 
     const int gap = style->Scale(6), line = style->LineHeight() + style->Scale(4), button = style->Scale(26);
     const int bottom = client.bottom - (bar.bottom - bar.top) - gap;
@@ -428,7 +533,7 @@ void BrowseWindow::LayOut()
     const int buttonWidth = (width - 3 * gap) / 4;
     for (std::size_t i = 0; i < stackButtons.size(); ++i)
         MoveWindow(stackButtons[i], left + static_cast<int>(i) * (buttonWidth + gap), y, buttonWidth, button, TRUE);
-    const int listHeight = std::clamp((y - gap) / 4, style->Scale(64), style->Scale(160));
+    const int listHeight = std::clamp((y - gap) / 5, style->Scale(64), style->Scale(160));
     y -= gap / 2 + listHeight;
     MoveWindow(list->Handle(), left, y, width, listHeight, TRUE);
     list->FitColumns();
@@ -476,6 +581,10 @@ void BrowseWindow::Open(const std::filesystem::path& file)
 {
     session->OpenFile(file);
     latency = 0;
+    opened.push_back(session->Open().File());
+    recent.Enter(file);
+    NewMenu();
+    Tell({});
     ShowMedium();
 }
 
@@ -483,11 +592,14 @@ void BrowseWindow::LoadStack(const std::filesystem::path& file)
 {
     effects::EffectStack items = effects::LoadStackFile(file, session->Catalogue());
     ChangeStack([&](StackModel& stack) { stack.Replace(std::move(items)); });
+    savedStack = session->Stack().Items();
+    opened.push_back(file);
 }
 
 void BrowseWindow::Save(const std::filesystem::path& file)
 {
     session->Pause();
+    Tell({});
     const Medium& medium = session->Open();
     SaveOrder order;
     if (medium.IsClip())
@@ -496,9 +608,8 @@ void BrowseWindow::Save(const std::filesystem::path& file)
         order.still = medium.Still();
     order.stack = effects::SwitchedOn(session->Stack().Items());
     order.target = file;
-    const bool done = SaveDialog::Run(hwnd, *style, std::move(order));
-    const std::wstring text = done ? L"Saved as " + file.native() : L"Saving was cancelled; nothing was written.";
-    SendMessageW(status, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    const bool done = SaveDialog::Run(hwnd, *style, texts, std::move(order));
+    Tell(done ? texts(IDT_SAVED, {file.native()}) : texts(IDT_SAVE_CANCELLED));
 }
 
 void BrowseWindow::SetLanguage(LANGID language)
@@ -507,32 +618,102 @@ void BrowseWindow::SetLanguage(LANGID language)
     session->SetLanguage(language);
     tree->Fill(session->Catalogue());
     tree->ShowFirst();
-    ShowStack();
+    texts.SetLanguage(language);
+    ShowTexts();
 }
 
 void BrowseWindow::AskOpen()
 {
-    if (const auto file = AskForFile(hwnd, FilePurpose::OpenMedium))
+    if (const auto file = AskForFile(hwnd, texts, FilePurpose::OpenMedium))
         Open(*file);
+}
+
+bool BrowseWindow::MayReplace(const std::filesystem::path& file)
+{
+    if (GetFileAttributesW(file.c_str()) == INVALID_FILE_ATTRIBUTES)
+        return true;
+    // Frames of the clip that is open are read while others are written: that one is refused when saving begins.
+    const Medium& medium = session->Open();
+    if (medium.IsClip() && IsSameFile(file, medium.File()))
+        return true;
+    const bool original =
+        std::any_of(opened.begin(), opened.end(), [&](const auto& old) { return IsSameFile(file, old); });
+    const Question question = {texts(original ? IDT_REPLACE_ORIGINAL : IDT_REPLACE_FILE, {file.filename().native()}),
+                               texts(original ? IDT_ORIGINAL_LOST : IDT_FILE_THERE),
+                               {texts(IDT_REPLACE), texts(IDT_OTHER_NAME)}};
+    return Ask(hwnd, program, question) == 0;
+}
+
+std::optional<std::filesystem::path> BrowseWindow::AskTarget(FilePurpose purpose, std::filesystem::path suggestion)
+{
+    for (;;) {
+        const auto file = AskForFile(hwnd, texts, purpose, suggestion);
+        if (!file || MayReplace(*file))
+            return file;
+        suggestion = *file;
+    }
 }
 
 void BrowseWindow::AskSave()
 {
-    const bool clip = session->Open().IsClip();
-    if (const auto file = AskForFile(hwnd, clip ? FilePurpose::SaveClip : FilePurpose::SavePicture))
+    const Medium& medium = session->Open();
+    const effects::EffectStack steps = effects::SwitchedOn(session->Stack().Items());
+    const std::wstring addition =
+        steps.size() == 1 ? Wide(effects::FileStem(*effects::FindEntry(session->Catalogue(), steps[0].classId)))
+                          : std::wstring(L"effects");
+    const bool pictureFile = !medium.IsClip() && media::PictureFormatOf(medium.File());
+    const std::wstring ending = medium.IsClip() ? L".avi"
+                                : pictureFile   ? medium.File().extension().native()
+                                                : std::wstring(L".png");
+    const std::filesystem::path source =
+        medium.File().empty() ? std::filesystem::path(Wide(medium.Name())) : medium.File();
+    if (const auto file = AskTarget(medium.IsClip() ? FilePurpose::SaveClip : FilePurpose::SavePicture,
+                                    SuggestedName(source, addition, ending)))
         Save(*file);
 }
 
 void BrowseWindow::AskLoadStack()
 {
-    if (const auto file = AskForFile(hwnd, FilePurpose::OpenStack))
+    if (const auto file = AskForFile(hwnd, texts, FilePurpose::OpenStack))
         LoadStack(*file);
+}
+
+void BrowseWindow::SaveStack(const std::filesystem::path& file)
+{
+    effects::SaveStackFile(file, session->Stack().Items());
+    savedStack = session->Stack().Items();
+    Tell(texts(IDT_SAVED, {file.native()}));
 }
 
 void BrowseWindow::AskSaveStack()
 {
-    if (const auto file = AskForFile(hwnd, FilePurpose::SaveStack))
-        effects::SaveStackFile(*file, session->Stack().Items());
+    if (const auto file = AskTarget(FilePurpose::SaveStack, {}))
+        SaveStack(*file);
+}
+
+void BrowseWindow::AskSavePreset()
+{
+    std::error_code fault;
+    std::filesystem::create_directories(PresetFolder(), fault);
+    const auto file = AskTarget(FilePurpose::SavePreset, PresetFolder() / L"1.txt");
+    if (!file)
+        return;
+    SaveStack(*file);
+    NewMenu();
+}
+
+bool BrowseWindow::MayClose()
+{
+    const effects::EffectStack& items = session->Stack().Items();
+    if (items.empty() || items == savedStack)
+        return true;
+    const Question question = {texts(IDT_KEEP_STACK),
+                               texts(IDT_STACK_CHANGED),
+                               {texts(IDT_SAVE_STACK), texts(IDT_DONT_SAVE), texts(IDT_CANCEL)}};
+    const std::size_t answer = Ask(hwnd, program, question);
+    if (answer == 0)
+        AskSaveStack();
+    return answer == 1 || (answer == 0 && session->Stack().Items() == savedStack);
 }
 
 void BrowseWindow::OnDrop(HDROP drop)
@@ -548,14 +729,26 @@ void BrowseWindow::OnDrop(HDROP drop)
         Open(file);
 }
 
+void BrowseWindow::ShowHelp()
+{
+    const effects::EffectStep* const current = session->Stack().Current();
+    const std::string stem =
+        current ? effects::FileStem(*effects::FindEntry(session->Catalogue(), current->classId)) : std::string();
+    const std::filesystem::path page = HelpPage(ThisProgram().parent_path(), stem);
+    if (page.empty())
+        return About();
+    // Above 32 it worked.
+    if (reinterpret_cast<INT_PTR>(ShellExecuteW(hwnd, nullptr, page.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) <= 32)
+        Tell(page.native());
+}
+
 void BrowseWindow::About()
 {
-    const std::wstring text =
-        std::wstring(program) + L" " + Wide(VIXA_VERSION) + L"\n\n" + std::to_wstring(session->Catalogue().size()) +
-        L" effects and " + std::to_wstring(languages.size()) + L" languages from\n" + session->LibraryFile().native() +
-        L"\n\nChoose an effect on the left and set it below; the picture follows. Add puts a "
-        L"further effect on the stack. Drag the divider to compare before and after.";
-    MessageBoxW(hwnd, text.c_str(), L"About", MB_OK | MB_ICONINFORMATION);
+    const std::wstring text = std::wstring(program) + L" " + Wide(VIXA_VERSION) + L"\n\n" +
+                              texts(IDT_ABOUT_COUNTS, {std::to_wstring(session->Catalogue().size()),
+                                                       std::to_wstring(menuContent.languages.size())}) +
+                              L"\n" + session->LibraryFile().native() + L"\n\n" + texts(IDT_ABOUT_HINT);
+    MessageBoxW(hwnd, text.c_str(), program, MB_OK | MB_ICONINFORMATION);
 }
 
 } // namespace vixahost::browse

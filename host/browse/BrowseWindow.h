@@ -3,11 +3,15 @@
 
 #include "host/base/Window.h"
 #include "host/browse/EffectTree.h"
+#include "host/browse/FileDialogs.h"
+#include "host/browse/Menu.h"
 #include "host/browse/PanelHost.h"
+#include "host/browse/Presets.h"
 #include "host/browse/PreviewPane.h"
 #include "host/browse/Session.h"
 #include "host/browse/StackList.h"
 #include "host/browse/Style.h"
+#include "host/browse/UserFiles.h"
 
 #include <shellapi.h>
 
@@ -54,9 +58,13 @@ private:
     void OnSeekBar();
     void OnPanelChanged(const std::vector<std::int32_t>& block);
     void ShowResult();
-    void FillLanguages();
+    void NewMenu();
+    void ShowTexts();
+    bool OnNumbered(int command);
+    void OnChosen(std::size_t index);
 
     void ShowPanel();
+    void ShowTitle();
     void ShowMedium();
     void ShowPosition();
     void ShowStatus();
@@ -71,9 +79,19 @@ private:
     void AskSave();
     void AskLoadStack();
     void AskSaveStack();
+    void AskSavePreset();
+    bool MayReplace(const std::filesystem::path& file);
+    bool MayClose();
+    // A file to save to, where nothing is replaced that the user wants to keep; none when the user has cancelled.
+    std::optional<std::filesystem::path> AskTarget(FilePurpose purpose, std::filesystem::path suggestion);
+    void SaveStack(const std::filesystem::path& file);
+    // Says something in the status line until the next thing is done.
+    void Tell(const std::wstring& text) const;
+    void ShowHelp();
     void About();
 
     std::unique_ptr<Style> style;
+    Texts texts;
     std::unique_ptr<Session> session;
     std::atomic<bool> resultPosted = false;
     std::uint64_t shownNumber = 0;
@@ -87,7 +105,10 @@ private:
     HWND stackLabel = nullptr, panelLabel = nullptr, emptyPanel = nullptr, seekBar = nullptr, timeText = nullptr,
          status = nullptr;
     std::vector<HWND> stackButtons, clipButtons;
-    std::vector<effects::Language> languages;
+    MenuContent menuContent;
+    RecentFiles recent;
+    std::vector<std::filesystem::path> ownPresets, opened; // what was opened since the window was
+    effects::EffectStack savedStack;                       // as the stack was begun, loaded or saved
     HACCEL keys = nullptr;
 };
 

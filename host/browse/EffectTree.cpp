@@ -20,7 +20,7 @@ void EffectTree::Fill(const std::vector<effects::CatalogueEntry>& catalogue)
     TreeView_DeleteAllItems(tree);
     icons = MakeIcons(catalogue, style.Scale(22), style.Scale(21));
     TreeView_SetImageList(tree, icons.get(), TVSIL_NORMAL);
-    TreeView_SetItemHeight(tree, style.Scale(24));
+    TreeView_SetItemHeight(tree, style.Scale(22));
     items.clear();
     HTREEITEM group = nullptr;
     for (std::size_t i = 0; i < catalogue.size(); ++i) {

@@ -4,56 +4,71 @@
 
 #include <commdlg.h>
 
+#include <algorithm>
 #include <array>
+#include <string>
+#include <vector>
 
 namespace vixahost::browse {
 
 namespace {
 
-// Filters as the dialog takes them: pairs of a label and patterns, each ended by a zero.
-struct Question
+constexpr const wchar_t* mediumPatterns = L"*.png;*.bmp;*.dib;*.jpg;*.jpeg;*.tif;*.tiff;*.avi";
+
+struct Form
 {
-    const wchar_t* title;
-    const wchar_t* filter;
+    UINT title;
     const wchar_t* ending; // for a name without one
     bool saves;
+    // Labels and patterns in turn.
+    std::vector<std::wstring> filters;
 };
 
-Question QuestionOf(FilePurpose purpose)
+Form FormOf(FilePurpose purpose, const Texts& texts)
 {
     switch (purpose) {
     case FilePurpose::OpenMedium:
-        return {L"Open picture or clip",
-                L"Pictures and clips\0*.png;*.bmp;*.dib;*.jpg;*.jpeg;*.tif;*.tiff;*.avi\0All files\0*.*\0", nullptr,
-                false};
+        return {IDT_OPEN, nullptr, false, {texts(IDT_ALL_MEDIA), mediumPatterns, texts(IDT_ALL_FILES), L"*.*"}};
     case FilePurpose::SavePicture:
-        return {L"Save with effects as", L"PNG\0*.png\0BMP\0*.bmp\0JPEG\0*.jpg\0TIFF\0*.tif\0", L"png", true};
+        return {IDT_SAVE, L"png", true, {L"PNG", L"*.png", L"BMP", L"*.bmp", L"JPEG", L"*.jpg", L"TIFF", L"*.tif"}};
     case FilePurpose::SaveClip:
-        return {L"Save with effects as", L"AVI\0*.avi\0", L"avi", true};
+        return {IDT_SAVE, L"avi", true, {L"AVI", L"*.avi"}};
     case FilePurpose::OpenStack:
-        return {L"Load stack", L"Stacks\0*.txt\0All files\0*.*\0", nullptr, false};
+        return {IDT_LOAD_STACK, nullptr, false, {texts(IDT_STACKS), L"*.txt", texts(IDT_ALL_FILES), L"*.*"}};
+    case FilePurpose::SavePreset:
+        return {IDT_SAVE_PRESET, L"txt", true, {texts(IDT_STACKS), L"*.txt"}};
     default:
-        return {L"Save stack as", L"Stacks\0*.txt\0", L"txt", true};
+        return {IDT_SAVE_STACK, L"txt", true, {texts(IDT_STACKS), L"*.txt"}};
     }
 }
 
 } // namespace
 
-std::optional<std::filesystem::path> AskForFile(HWND owner, FilePurpose purpose)
+std::optional<std::filesystem::path> AskForFile(HWND owner, const Texts& texts, FilePurpose purpose,
+                                                const std::filesystem::path& suggestion)
 {
-    const Question question = QuestionOf(purpose);
+    const Form form = FormOf(purpose, texts);
+    // As the dialog takes them: each ended by a zero, and a zero more behind the last.
+    std::wstring filters;
+    for (const std::wstring& word : form.filters)
+        filters.append(word.c_str(), word.size() + 1);
+    std::wstring title = texts(form.title);
+    title.resize(std::min(title.find(L"..."), title.size()));
     std::array<wchar_t, 32768> name = {};
+    const std::wstring folder = suggestion.parent_path().native();
+    suggestion.filename().native().copy(name.data(), name.size() - 1);
     OPENFILENAMEW dialog = {};
     dialog.lStructSize = sizeof dialog;
     dialog.hwndOwner = owner;
-    dialog.lpstrFilter = question.filter;
+    dialog.lpstrFilter = filters.c_str();
     dialog.lpstrFile = name.data();
     dialog.nMaxFile = static_cast<DWORD>(name.size());
-    dialog.lpstrTitle = question.title;
-    dialog.lpstrDefExt = question.ending;
+    dialog.lpstrInitialDir = folder.empty() ? nullptr : folder.c_str();
+    dialog.lpstrTitle = title.c_str();
+    dialog.lpstrDefExt = form.ending;
     dialog.Flags = OFN_EXPLORER | OFN_HIDEREADONLY | OFN_NOCHANGEDIR |
-                   (question.saves ? OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST : OFN_FILEMUSTEXIST);
-    if (question.saves ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog))
+                   (form.saves ? OFN_PATHMUSTEXIST | OFN_NOREADONLYRETURN : OFN_FILEMUSTEXIST);
+    if (form.saves ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog))
         return name.data();
     if (const DWORD fault = CommDlgExtendedError())
         throw FailedJob("The system's file dialog can't be opened (error " + std::to_string(fault) + ").");

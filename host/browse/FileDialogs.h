@@ -1,7 +1,7 @@
 // The system's dialogs to choose a file.
 #pragma once
 
-#include <windows.h>
+#include "host/browse/Texts.h"
 
 #include <filesystem>
 #include <optional>
@@ -15,9 +15,12 @@ enum class FilePurpose
     SaveClip,
     OpenStack,
     SaveStack,
+    SavePreset,
 };
 
-// None when the user has cancelled.
-std::optional<std::filesystem::path> AskForFile(HWND owner, FilePurpose purpose);
+// Begins with `suggestion`, which may be empty. None when the user has cancelled. Nothing is asked about a file that is
+// there already.
+std::optional<std::filesystem::path> AskForFile(HWND owner, const Texts& texts, FilePurpose purpose,
+                                                const std::filesystem::path& suggestion = {});
 
 } // namespace vixahost::browse

@@ -7,11 +7,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <cwchar>
 
 namespace vixahost::browse {
 
 namespace {
+
+constexpr double smallestZoom = 1.0 / 64, largestZoom = 32;
 
 // Whatever goes wrong meanwhile: the window counts as painted, or it would ask for it for ever.
 struct Painting
@@ -28,15 +31,18 @@ struct Painting
 
 } // namespace
 
-PreviewPane::PreviewPane(HWND parent, int id, const Style& look) : style(look)
+PreviewPane::PreviewPane(HWND parent, int id, const Style& look, const Texts& language) : style(look), texts(language)
 {
-    Create({L"VixaPreviewPane", CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW, IDC_SIZEWE, nullptr}, L"Preview",
+    Create({L"VixaPreviewPane", CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW, IDC_SIZEWE, nullptr}, texts(IDT_PREVIEW).c_str(),
            WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_CLIPSIBLINGS, 0, parent,
            reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), {10, 10});
 }
 
 void PreviewPane::Show(const media::FrameFormat& newFormat, const LiveResult& newResult)
 {
+    // Another picture is seen whole at first.
+    if (newFormat.width != format.width || newFormat.height != format.height)
+        zoom = 0;
     format = newFormat;
     result = newResult;
     InvalidateRect(hwnd, nullptr, FALSE);
@@ -55,16 +61,70 @@ void PreviewPane::SetEnlarge(bool enlarges)
     InvalidateRect(hwnd, nullptr, FALSE);
 }
 
-Placement PreviewPane::PicturePlace() const
+SIZE PreviewPane::PaneSize() const
 {
     RECT client = {};
     GetClientRect(hwnd, &client);
-    return Fit(format.width, format.height, client.right, client.bottom, enlarge ? 64.0 : 1.0);
+    return {client.right, client.bottom};
+}
+
+Placement PreviewPane::PicturePlace() const
+{
+    const SIZE pane = PaneSize();
+    return zoom == 0 ? Fit(format.width, format.height, pane.cx, pane.cy, enlarge ? largestZoom : 1.0)
+                     : Zoomed(format.width, format.height, pane.cx, pane.cy, {zoom, centreX, centreY});
+}
+
+double PreviewPane::Scale() const
+{
+    const Placement place = PicturePlace();
+    return format.width > 0 ? static_cast<double>(place.width) / format.width : 1;
+}
+
+void PreviewPane::SetZoom(double factor, const POINT* fixed)
+{
+    const SIZE pane = PaneSize();
+    const Placement before = PicturePlace();
+    if (factor != 0 && before.width > 0) {
+        const double x = fixed ? fixed->x : pane.cx / 2.0, y = fixed ? fixed->y : pane.cy / 2.0;
+        // The share of the picture at that place, and where the pane's middle then is.
+        const double shareX = (x - before.left) / before.width, shareY = (y - before.top) / before.height;
+        zoom = std::clamp(factor, smallestZoom, largestZoom);
+        centreX = shareX + (pane.cx / 2.0 - x) / (format.width * zoom);
+        centreY = shareY + (pane.cy / 2.0 - y) / (format.height * zoom);
+        MoveBy(0, 0);
+    } else {
+        zoom = 0;
+    }
+    InvalidateRect(hwnd, nullptr, FALSE);
+}
+
+void PreviewPane::ZoomBy(double factor, const POINT* fixed)
+{
+    SetZoom(Scale() * factor, fixed);
+}
+
+// Some of the picture stays in the pane.
+void PreviewPane::MoveBy(int x, int y)
+{
+    if (zoom == 0)
+        return;
+    centreX = std::clamp(centreX - x / (format.width * zoom), 0.0, 1.0);
+    centreY = std::clamp(centreY - y / (format.height * zoom), 0.0, 1.0);
+    InvalidateRect(hwnd, nullptr, FALSE);
+}
+
+// The columns of the pane that show the picture.
+PreviewPane::Span PreviewPane::Seen(const Placement& place) const
+{
+    const int begin = std::max(place.left, 0);
+    return {begin, std::max(std::min<int>(place.left + place.width, PaneSize().cx), begin)};
 }
 
 int PreviewPane::DividerX(const Placement& place) const
 {
-    return place.left + static_cast<int>(std::floor(place.width * divider + 0.5));
+    const Span seen = Seen(place);
+    return seen.begin + static_cast<int>(std::floor((seen.end - seen.begin) * divider + 0.5));
 }
 
 LRESULT PreviewPane::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
@@ -78,23 +138,31 @@ LRESULT PreviewPane::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
     case WM_PRINTCLIENT:
         Paint(reinterpret_cast<HDC>(wParam));
         return 0;
-    case WM_LBUTTONDOWN:
+    case WM_LBUTTONDOWN: {
         SetFocus(hwnd);
         SetCapture(hwnd);
-        drags = true;
-        DragTo(GET_X_LPARAM(lParam));
+        draggedFrom = {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+        const bool onDivider = std::abs(draggedFrom.x - DividerX(PicturePlace())) <= style.Scale(8);
+        drag = zoom == 0 || onDivider ? Drag::Divider : Drag::Picture;
+        DragTo(draggedFrom);
         return 0;
+    }
     case WM_MOUSEMOVE:
-        if (drags)
-            DragTo(GET_X_LPARAM(lParam));
+        DragTo({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
         return 0;
     case WM_LBUTTONUP:
-        if (drags)
+        if (drag != Drag::None)
             ReleaseCapture();
         return 0;
     case WM_CAPTURECHANGED:
-        drags = false;
+        drag = Drag::None;
         return 0;
+    case WM_MOUSEWHEEL: {
+        POINT at = {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+        ScreenToClient(hwnd, &at);
+        ZoomBy(std::pow(1.25, GET_WHEEL_DELTA_WPARAM(wParam) / static_cast<double>(WHEEL_DELTA)), &at);
+        return 0;
+    }
     case WM_SETFOCUS:
     case WM_KILLFOCUS:
         InvalidateRect(hwnd, nullptr, FALSE);
@@ -113,6 +181,11 @@ LRESULT PreviewPane::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
 
 bool PreviewPane::OnKey(WPARAM key)
 {
+    const int step = style.Scale(32);
+    if (GetKeyState(VK_SHIFT) < 0 && key >= VK_LEFT && key <= VK_DOWN) {
+        MoveBy(key == VK_LEFT ? step : key == VK_RIGHT ? -step : 0, key == VK_UP ? step : key == VK_DOWN ? -step : 0);
+        return true;
+    }
     switch (key) {
     case VK_LEFT:
         SetDivider(divider - 0.02);
@@ -131,11 +204,14 @@ bool PreviewPane::OnKey(WPARAM key)
     }
 }
 
-void PreviewPane::DragTo(int x)
+void PreviewPane::DragTo(POINT at)
 {
-    const Placement place = PicturePlace();
-    if (place.width > 0)
-        SetDivider(static_cast<double>(x - place.left) / place.width);
+    const Span seen = Seen(PicturePlace());
+    if (drag == Drag::Divider && seen.end > seen.begin)
+        SetDivider(static_cast<double>(at.x - seen.begin) / (seen.end - seen.begin));
+    else if (drag == Drag::Picture)
+        MoveBy(at.x - draggedFrom.x, at.y - draggedFrom.y);
+    draggedFrom = at;
 }
 
 void PreviewPane::MakeBuffer(int width, int height)
@@ -188,8 +264,8 @@ void PreviewPane::Paint(HDC target)
                  GetFocus() == hwnd ? GetSysColorBrush(COLOR_HIGHLIGHT)
                                     : static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
         const int gap = style.Scale(8);
-        DrawLabel(L"Before", x - gap, place.top + gap, true);
-        DrawLabel(L"After", x + gap, place.top + gap, false);
+        DrawLabel(texts(IDT_BEFORE).c_str(), x - gap, std::max(place.top, 0) + gap, true);
+        DrawLabel(texts(IDT_AFTER).c_str(), x + gap, std::max(place.top, 0) + gap, false);
     }
     BitBlt(target, 0, 0, client.right, client.bottom, dc, 0, 0, SRCCOPY);
 }

@@ -72,6 +72,20 @@ Placement Fit(int width, int height, int paneWidth, int paneHeight, double atMos
     return {(paneWidth - columns) / 2, (paneHeight - rows) / 2, columns, rows};
 }
 
+Placement Zoomed(int width, int height, int paneWidth, int paneHeight, const Zoom& zoom)
+{
+    const auto axis = [&](int length, int pane, double centre, int& begin, int& size) {
+        size = std::max(static_cast<int>(std::floor(length * zoom.factor + 0.5)), 1);
+        // Past the edge no more than needed.
+        begin = size <= pane ? (pane - size) / 2
+                             : std::clamp(static_cast<int>(std::floor(pane / 2.0 - size * centre)), pane - size, 0);
+    };
+    Placement place;
+    axis(width, paneWidth, zoom.centreX, place.left, place.width);
+    axis(height, paneHeight, zoom.centreY, place.top, place.height);
+    return place;
+}
+
 void DrawFrame(const FrameView& frame, const Placement& place, int begin, int end, const PaneView& pane)
 {
     begin = std::clamp(begin, std::max(place.left, 0), std::min(place.left + place.width, pane.width));

@@ -16,6 +16,14 @@ struct Placement
 // high, and empty when one of the sizes is.
 Placement Fit(int width, int height, int paneWidth, int paneHeight, double atMost);
 
+// Where it lies enlarged or reduced by `factor`, the point at these shares of its width and height in the pane's
+// middle; along an axis on which it fits into the pane it is centred.
+struct Zoom
+{
+    double factor, centreX, centreY;
+};
+Placement Zoomed(int width, int height, int paneWidth, int paneHeight, const Zoom& zoom);
+
 // A frame of 32-bit pixels, rows bottom-up without padding.
 struct FrameView
 {

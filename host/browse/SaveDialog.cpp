@@ -2,7 +2,6 @@
 
 #include "host/base/HostError.h"
 #include "host/base/Progress.h"
-#include "host/base/Text.h"
 
 #include <commctrl.h>
 
@@ -14,9 +13,10 @@ constexpr UINT_PTR progressTimer = 1;
 constexpr ULONGLONG showAfter = 300; // milliseconds
 } // namespace
 
-SaveDialog::SaveDialog(HWND owner, const Style& look, SaveOrder order) : style(look)
+SaveDialog::SaveDialog(HWND owner, const Style& look, const Texts& language, SaveOrder order)
+    : style(look), texts(language)
 {
-    const std::wstring title = L"Saving " + order.target.filename().native();
+    const std::wstring title = texts(IDT_SAVING, {order.target.filename().native()});
     RECT box = {0, 0, style.Scale(360), style.LineHeight() * 2 + style.Scale(80)};
     constexpr DWORD frame = WS_POPUP | WS_CAPTION | WS_SYSMENU;
     AdjustWindowRectEx(&box, frame, FALSE, WS_EX_DLGMODALFRAME);
@@ -30,25 +30,25 @@ SaveDialog::SaveDialog(HWND owner, const Style& look, SaveOrder order) : style(l
     RECT client = {};
     GetClientRect(hwnd, &client);
     const int gap = style.Scale(12), line = style.LineHeight() + style.Scale(4), high = style.Scale(26);
-    text = CreateControl(WC_STATICW, L"Beginning...", WS_VISIBLE, hwnd, 0, style);
+    text = CreateControl(WC_STATICW, texts(IDT_BEGINNING).c_str(), WS_VISIBLE, hwnd, 0, style);
     MoveWindow(text, gap, gap, client.right - 2 * gap, line, FALSE);
-    bar = CreateControl(PROGRESS_CLASSW, L"", WS_VISIBLE, hwnd, 0, style);
+    bar = CreateControl(PROGRESS_CLASSW, title.c_str(), WS_VISIBLE, hwnd, 0, style);
     MoveWindow(bar, gap, gap + line, client.right - 2 * gap, style.Scale(18), FALSE);
-    cancel = CreateControl(WC_BUTTONW, L"Cancel", WS_VISIBLE | WS_TABSTOP | BS_DEFPUSHBUTTON, hwnd, IDCANCEL, style);
+    cancel = CreateControl(WC_BUTTONW, texts(IDT_CANCEL).c_str(), WS_VISIBLE | WS_TABSTOP | BS_DEFPUSHBUTTON, hwnd,
+                           IDCANCEL, style);
     MoveWindow(cancel, client.right - gap - style.Scale(84), client.bottom - gap - high, style.Scale(84), high, FALSE);
     const HWND window = hwnd;
     job = std::make_unique<SaveJob>(std::move(order), [window] { PostMessageW(window, jobEnded, 0, 0); });
 }
 
-bool SaveDialog::Run(HWND owner, const Style& look, SaveOrder order)
+bool SaveDialog::Run(HWND owner, const Style& look, const Texts& texts, SaveOrder order)
 {
-    SaveDialog dialog(owner, look, std::move(order));
-    const ULONGLONG start = GetTickCount64();
+    SaveDialog dialog(owner, look, texts, std::move(order));
     SetTimer(dialog.hwnd, progressTimer, 100, nullptr);
     EnableWindow(owner, FALSE);
     MSG message = {};
     while (!dialog.ended && GetMessageW(&message, nullptr, 0, 0) > 0) {
-        if (!IsWindowVisible(dialog.hwnd) && GetTickCount64() - start > showAfter) {
+        if (!IsWindowVisible(dialog.hwnd) && GetTickCount64() - dialog.start > showAfter) {
             ShowWindow(dialog.hwnd, SW_SHOW);
             SetFocus(dialog.cancel);
         }
@@ -88,7 +88,7 @@ LRESULT SaveDialog::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
         // The window goes when the job has come to its end.
         job->Cancel();
         EnableWindow(cancel, FALSE);
-        SetWindowTextW(text, L"Stopping...");
+        SetWindowTextW(text, texts(IDT_STOPPING).c_str());
         return 0;
     default:
         return Window::OnMessage(message, wParam, lParam);
@@ -102,9 +102,14 @@ void SaveDialog::Progress()
         return;
     SendMessageW(bar, PBM_SETRANGE32, 0, static_cast<LPARAM>(total));
     SendMessageW(bar, PBM_SETPOS, static_cast<WPARAM>(done), 0);
-    SetWindowTextW(
-        text,
-        Wide(std::to_string(done) + " of " + std::to_string(total) + (total == 1 ? " picture" : " frames")).c_str());
+    std::wstring said = texts(IDT_PROGRESS, {std::to_wstring(done), std::to_wstring(total)});
+    const ULONGLONG spent = GetTickCount64() - start;
+    // Before that it would only be guessed.
+    if (done > 0 && spent > 1000) {
+        const auto left = static_cast<ULONGLONG>(total - done) * spent / static_cast<ULONGLONG>(done);
+        said += L", " + texts(IDT_SECONDS_LEFT, {std::to_wstring((left + 999) / 1000)});
+    }
+    SetWindowTextW(text, said.c_str());
 }
 
 } // namespace vixahost::browse

@@ -4,6 +4,7 @@
 #include "host/base/Window.h"
 #include "host/browse/SaveJob.h"
 #include "host/browse/Style.h"
+#include "host/browse/Texts.h"
 
 #include <memory>
 
@@ -14,14 +15,16 @@ class SaveDialog : public Window
 public:
     // Saves; returns when it is done. False when the user has cancelled. Throws HostError. `owner` is disabled
     // meanwhile; for a picture no window appears unless it takes its time.
-    static bool Run(HWND owner, const Style& look, SaveOrder order);
+    static bool Run(HWND owner, const Style& look, const Texts& texts, SaveOrder order);
 
 private:
-    SaveDialog(HWND owner, const Style& look, SaveOrder order);
+    SaveDialog(HWND owner, const Style& look, const Texts& language, SaveOrder order);
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void Progress();
 
     const Style& style;
+    const Texts& texts;
+    const ULONGLONG start = GetTickCount64();
     HWND text = nullptr, bar = nullptr, cancel = nullptr;
     std::unique_ptr<SaveJob> job;
     bool ended = false;

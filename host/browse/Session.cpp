@@ -8,10 +8,14 @@ namespace vixahost::browse {
 
 Session::Session(std::function<void()> notify)
     : onResult(std::move(notify)), catalogue(effects::ReadCatalogue(library)),
-      medium(std::make_unique<Medium>(media::DrawSampleScene(), "Sample picture")), frame(medium->Frame(0))
+      medium(std::make_unique<Medium>(media::DrawSampleScene(), "sample")), frame(medium->Frame(0))
 {
+    // One that can be seen: an effect without parameters always does something.
+    const auto seen = std::find_if(catalogue.begin(), catalogue.end(), [](const effects::CatalogueEntry& entry) {
+        return vixavideofx::ParametersOf(entry.classId).empty();
+    });
     if (!catalogue.empty())
-        stack = StackModel({effects::StepOf(catalogue.front())});
+        stack = StackModel({effects::StepOf(seen == catalogue.end() ? catalogue.front() : *seen)});
     BuildGraph();
     Push();
 }

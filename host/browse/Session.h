@@ -17,8 +17,8 @@ namespace vixahost::browse {
 class Session
 {
 public:
-    // Begins with the sample picture and one step, the catalogue's first effect. `notify` is called on the graph's
-    // thread. Throws HostError.
+    // Begins with the sample picture and one step, the catalogue's first effect that is seen without being set.
+    // `notify` is called on the graph's thread. Throws HostError.
     explicit Session(std::function<void()> notify);
 
     const std::vector<effects::CatalogueEntry>& Catalogue() const noexcept { return catalogue; }

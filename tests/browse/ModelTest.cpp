@@ -1,10 +1,15 @@
 // The browser's plain parts: the stack with its history, the player's clock, and the drawing of a fitted frame.
 #include "host/browse/Medium.h"
+#include "host/browse/Menu.h"
 #include "host/browse/Resample.h"
 #include "host/browse/StackModel.h"
+#include "host/browse/UserFiles.h"
+#include "tests/host/TestFiles.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <numeric>
 
 using namespace vixahost;
@@ -132,6 +137,57 @@ TEST(Player, ShowsTheFrameThatIsDue)
     EXPECT_FALSE(picture.Playing()) << "one frame is no clip";
 }
 
+TEST(Texts, EveryLanguageHasThemAll)
+{
+    const auto places = [](const std::wstring& text) { return std::ranges::count(text, L'%'); };
+    for (const effects::LanguageCode& language : effects::LanguageCodes()) {
+        int english = 0;
+        for (UINT id = IDT_FILE; id < IDT_END; ++id) {
+            const std::wstring text = Texts::Find(id, language.id), master = Texts::Find(id, 0x0409);
+            EXPECT_FALSE(text.empty()) << language.code << ", text " << id;
+            EXPECT_EQ(places(text), places(master)) << language.code << ", text " << id;
+            EXPECT_EQ(text.ends_with(L"..."), master.ends_with(L"...")) << language.code << ", text " << id;
+            english += text == master;
+        }
+        EXPECT_TRUE(english < 12 || language.id == 0x0409) << language.code << ": " << english << " texts are English";
+    }
+    EXPECT_EQ(Texts()(IDT_PROGRESS, {L"3", L"%2"}), L"3 of %2") << "what is put in isn't looked at again";
+}
+
+TEST(Menu, GivesEveryEntryAKeyOfItsOwn)
+{
+    std::wstring used;
+    EXPECT_EQ(WithAccessKey(L"Save", L"Save", used), L"&Save");
+    EXPECT_EQ(WithAccessKey(L"save as...", L"", used), L"s&ave as...");
+    EXPECT_EQ(WithAccessKey(L"\u958b\u304f...", L"Open", used), L"\u958b\u304f(&O)...");
+    EXPECT_EQ(WithAccessKey(L"SAVO", L"", used), L"SA&VO");
+    EXPECT_EQ(WithAccessKey(L"SAV", L"", used), L"SAV") << "none is left";
+}
+
+TEST(UserFiles, RememberWhatWasOpenedAndSuggestNewNames)
+{
+    const test::ScratchFolder folder;
+    const auto kept = folder / L"kept";
+    RecentFiles recent(kept);
+    for (int i = 0; i < 10; ++i)
+        recent.Enter(folder / (std::to_wstring(i) + L"\u00e4.png"));
+    recent.Enter(folder / L"5\u00c4.PNG");
+    ASSERT_EQ(RecentFiles(kept).List().size(), 8u);
+    EXPECT_EQ(RecentFiles(kept).List()[0], folder / L"5\u00c4.PNG") << "the same file again is first, not twice";
+    EXPECT_EQ(RecentFiles(kept).List()[1], folder / L"9\u00e4.png");
+
+    EXPECT_EQ(SuggestedName(folder / L"a.jpg", L"emboss", L".png"), folder / L"a-emboss.png");
+    test::WriteBytes(folder / L"a-emboss.png", {});
+    EXPECT_EQ(SuggestedName(folder / L"a.jpg", L"emboss", L".png"), folder / L"a-emboss-2.png");
+
+    const auto program = folder / L"build" / L"bin";
+    std::filesystem::create_directories(folder / L"docs/effects");
+    for (const wchar_t* const page : {L"README.md", L"docs/effects/README.md", L"docs/effects/emboss.md"}) {
+        test::WriteBytes(folder / page, {});
+        EXPECT_TRUE(std::filesystem::equivalent(HelpPage(program, "emboss"), folder / page)) << "the best that exists";
+    }
+}
+
 TEST(Resample, FitsAPictureIntoItsPane)
 {
     const auto wide = Fit(1920, 1080, 800, 800, 64);
@@ -143,6 +199,12 @@ TEST(Resample, FitsAPictureIntoItsPane)
     EXPECT_EQ(small.left, 350);
     EXPECT_EQ(Fit(30000, 1, 100, 100, 64).height, 1) << "nothing is fitted away";
     EXPECT_EQ(Fit(0, 10, 100, 100, 64).width, 0);
+    const auto zoomed = Zoomed(400, 50, 200, 100, {2, 0.25, 0.5});
+    EXPECT_EQ(zoomed.left, 100 - 200) << "the point at a quarter is in the middle";
+    EXPECT_EQ(zoomed.width, 800);
+    EXPECT_EQ(zoomed.top, 0);
+    EXPECT_EQ(Zoomed(400, 50, 200, 100, {2, 1, 0.5}).left, 200 - 800) << "no farther than the edge";
+    EXPECT_EQ(Zoomed(400, 50, 200, 100, {0.25, 1, 1}).left, 50) << "what fits is centred";
 }
 
 struct Pane

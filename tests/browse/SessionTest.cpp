@@ -1,7 +1,9 @@
 // The browser without its window: the held graph, the stack that steers it, and saving.
 #include "host/browse/Session.h"
 #include "host/base/HostError.h"
+#include "host/browse/Presets.h"
 #include "host/browse/SaveJob.h"
+#include "host/effects/StackFile.h"
 #include "host/media/PictureFile.h"
 
 #include <vixavideofx/ClassIds.h>
@@ -10,6 +12,8 @@
 #include <gtest/gtest.h>
 
 #include <objbase.h>
+
+#include <set>
 
 using namespace vixahost;
 using namespace vixahost::browse;
@@ -168,6 +172,10 @@ TEST_F(SessionTest, TheCatalogueStandsInGroupsAndOrder)
         EXPECT_FALSE(entry.name.empty() || entry.group.empty() || entry.icon.empty() || entry.defaults.empty());
         EXPECT_EQ(effects::FindEntry(catalogue, entry.englishName), &entry);
     }
+    std::set<std::string> presets;
+    for (const ShippedPreset& preset : ShippedPresets())
+        presets.insert(effects::WriteStack(LoadPreset(preset, catalogue)));
+    EXPECT_EQ(presets.size(), 12u) << "each preset is a stack of its own";
 }
 
 TEST_F(SessionTest, SavesWhatItShowsOrNothing)

@@ -135,9 +135,34 @@ protected:
         Press(VK_MENU, true);
         Key(VK_F4);
         Press(VK_MENU, false);
-        if (!WaitFor([&] { return !IsWindow(frame); }))
+        // Whether the stack should be saved may be asked first.
+        if (!WaitFor([&] { return !IsWindow(frame) || GetForegroundWindow() != frame; }))
             PostMessageW(frame, WM_CLOSE, 0, 0);
+        Answer(L"Don't save");
         thread.join();
+    }
+
+    // Presses a button of the question that is shown; false when there is none with such an answer.
+    bool Answer(const std::wstring& text) const
+    {
+        HWND button = nullptr;
+        WaitFor([&] {
+            const HWND dialog = GetForegroundWindow();
+            for (HWND child = nullptr; dialog != frame && (child = FindWindowExW(dialog, child, L"Button", nullptr));)
+                if (TextOf(child) == text)
+                    button = child;
+            return button || !IsWindow(frame);
+        });
+        if (button)
+            SendMessageW(button, BM_CLICK, 0, 0);
+        return button && WaitFor([&] { return !IsWindow(button); });
+    }
+
+    std::wstring Told() const
+    {
+        std::wstring text(300, L'\0');
+        SendMessageW(GetDlgItem(frame, IDC_STATUS), SB_GETTEXTW, 0, reinterpret_cast<LPARAM>(text.data()));
+        return text.c_str();
     }
 
     HWND Panel() const { return FindWindowExW(panelHost, nullptr, L"#32770", nullptr); }
@@ -178,21 +203,17 @@ protected:
     // Puts a file name into the system's dialog that a key has opened.
     void AnswerFileDialog(const std::filesystem::path& file)
     {
-        HWND dialog = nullptr;
+        HWND dialog = nullptr, field = nullptr;
         ASSERT_TRUE(WaitFor([&] {
             dialog = GetForegroundWindow();
-            return dialog && dialog != frame && ClassOf(dialog) == L"#32770";
-        })) << "no file dialog came";
-        HWND field = nullptr;
-        ASSERT_TRUE(WaitFor([&] {
-            field = FocusOf(dialog);
+            field = dialog && dialog != frame && ClassOf(dialog) == L"#32770" ? FocusOf(dialog) : nullptr;
             return field && ClassOf(field) == L"Edit";
-        })) << "the file dialog takes no name";
+        })) << "no file dialog came that takes a name";
         Paste(file.native());
         ASSERT_TRUE(WaitFor([&] { return TextOf(field) == file.native(); })) << "the name did not arrive";
         Key(VK_RETURN);
         ASSERT_TRUE(WaitFor([&] { return !IsWindow(dialog); })) << "the file dialog stayed";
-        WaitFor([&] { return GetForegroundWindow() == frame; });
+        WaitFor([&] { return GetForegroundWindow() && GetForegroundWindow() != dialog; });
     }
 
     std::vector<HTREEITEM> Effects() const
@@ -288,6 +309,7 @@ TEST_F(BrowserWindow, EveryEffectAndEveryControlChangesThePicture)
     AnswerFileDialog(in);
     EXPECT_TRUE(WaitFor([&] { return TextOf(frame).starts_with(L"browse-in.png"); })) << "the picture wasn't opened";
     Key('3', true); // nothing but the result
+    Key(VK_DELETE, true);
     const auto plain = SeenAtRest();
 
     const std::vector<HTREEITEM> effects = Effects();
@@ -335,6 +357,24 @@ TEST_F(BrowserWindow, EveryEffectAndEveryControlChangesThePicture)
     const media::Picture saved = media::ReadPicture(out);
     EXPECT_EQ(saved.width, scene.width);
     EXPECT_NE(saved.pixels, scene.pixels);
+    EXPECT_TRUE(WaitFor([&] { return Told().ends_with(out.filename().native()); })) << "what was saved is said";
+
+    // Over the original only when that is wanted: without a choice another name is asked for.
+    Key('S', true);
+    AnswerFileDialog(in);
+    ASSERT_TRUE(
+        WaitFor([&] { return FindWindowExW(GetForegroundWindow(), nullptr, nullptr, L"Choose another name"); }));
+    Key(VK_RETURN);
+    AnswerFileDialog(here / L"browse-out.gif");
+    Key(VK_RETURN); // that this is no picture's name is said
+    EXPECT_TRUE(WaitFor([&] { return GetForegroundWindow() == frame; }));
+    EXPECT_EQ(media::ReadPicture(in).pixels, scene.pixels) << "the original was overwritten unasked";
+    EXPECT_EQ(Told(), L"") << "what was saved before is still said";
+    Key('S', true);
+    AnswerFileDialog(in);
+    EXPECT_TRUE(Answer(L"Replace"));
+    EXPECT_TRUE(WaitFor([&] { return Told().ends_with(in.filename().native()); }));
+    EXPECT_EQ(media::ReadPicture(in).pixels, saved.pixels);
     DeleteFileW(in.c_str());
     DeleteFileW(out.c_str());
     CoUninitialize();
