@@ -25,6 +25,8 @@ is_ready() { [ "$(cat "$WINEPREFIX/.ready" 2>/dev/null)" = "$setup" ]; }
 if ! is_ready; then
     mkdir -p "$WINEPREFIX"
     exec 9>"$WINEPREFIX/.lock"
+    # Standard input is the program's.
+    exec 8<&0 </dev/null
     flock 9
     if ! is_ready; then
         # The descriptor of the lock must not live on in the server that these start.
@@ -42,6 +44,6 @@ if ! is_ready; then
         rm -f "$WINEPREFIX/.ready" # it may be a link into a template
         printf '%s\n' "$setup" >"$WINEPREFIX/.ready"
     fi
-    exec 9>&-
+    exec 9>&- <&8 8<&-
 fi
 exec wine "$@"

@@ -8,7 +8,6 @@
 #include "host/commands/Words.h"
 #include "host/effects/StackFile.h"
 #include "host/graph/FileJob.h"
-#include "host/media/AviHeader.h"
 
 #include <cstdio>
 #include <map>
@@ -72,9 +71,12 @@ void ReportDone(const Job& job, const graph::JobDone& done)
     char figures[96];
     std::snprintf(figures, sizeof figures, "%d x %d, %lld %s, %.2f ms per frame", done.format.width, done.format.height,
                   static_cast<long long>(done.frames), done.frames == 1 ? "picture" : "frames", done.milliseconds);
-    Say(StackText(job.stack) + ": " + Show(job.command.output) + ", " + figures + "\n");
-    if (done.colours)
-        Say("The clip's YUV was read as " + ColoursText(*done.colours) + "; --matrix and --range choose others.\n");
+    // Standard output may be full of frames.
+    const auto say = IsStandard(job.command.output) ? Complain : Say;
+    const std::string output = IsStandard(job.command.output) ? "standard output" : Show(job.command.output);
+    say(StackText(job.stack) + ": " + output + ", " + figures + "\n");
+    if (done.yuv)
+        say("The clip's YUV was read as " + ColoursText(done.yuv->colours) + "; --matrix and --range choose others.\n");
 }
 
 void LowerLevel(const graph::EffectGraph& graph, const Job& job)
@@ -117,9 +119,19 @@ graph::JobDone Apply(const Job& job, const std::optional<media::PictureFormat>& 
         media::Picture picture = media::ReadPicture(job.command.input);
         return SaveThroughEffects(fileJob, picture, *format);
     }
-    fileJob.colours = job.command.colours;
-    fileJob.progress = [&line](std::int64_t done, std::int64_t total) { line.Show(done, total); };
-    return SaveThroughEffects(fileJob, job.command.input);
+    if (!IsStandard(job.command.output))
+        fileJob.progress = [&line](std::int64_t done, std::int64_t total) { line.Show(done, total); };
+    const auto reader = OpenFrames(job.command.input, job.command.frames);
+    const auto target = CreateFrames(job.command.output, job.command.frames, *reader);
+    const graph::JobDone done = SaveThroughEffects(fileJob, *reader, *target->writer);
+    if (done.frames == 0)
+        throw FailedJob((IsStandard(job.command.input) ? "Standard input" : Show(job.command.input)) +
+                        " holds no frame.");
+    if (target->file)
+        target->file->Commit();
+    if (target->losesSound)
+        Complain("The clip's sound is left out: y4m and rgb32 have none.\n");
+    return done;
 }
 
 // The words of `apply`, in the order in which they stood: a setting belongs to the effect before it.
@@ -145,6 +157,30 @@ std::vector<effects::EffectWords> ReadSteps(const std::vector<CLI::Option*>& ord
     return steps;
 }
 
+// "1920x1080", and "30000/1001" or nothing.
+media::RawFormat BareFormat(const std::string& size, const std::string& rate)
+{
+    media::RawFormat format;
+    char rest = 0;
+    unsigned width = 0, height = 0;
+    if (!size.empty()) {
+        if (std::sscanf(size.c_str(), "%9ux%9u%c", &width, &height, &rest) != 2 || width == 0 || height == 0)
+            throw WrongWords("--size " + size + " is no size: write it as 1920x1080.");
+        format.width = static_cast<int>(width);
+        format.height = static_cast<int>(height);
+    }
+    if (!rate.empty()) {
+        unsigned frames = 0, seconds = 1;
+        const int read = std::sscanf(rate.c_str(), "%9u/%9u%c", &frames, &seconds, &rest);
+        if (read < 1 || read > 2 || (read == 1 && rate.find_first_not_of("0123456789") != std::string::npos) ||
+            frames == 0 || seconds == 0)
+            throw WrongWords("--rate " + rate + " is no rate: write it as 25 or 30000/1001.");
+        format.rate = frames;
+        format.scale = seconds;
+    }
+    return format;
+}
+
 } // namespace
 
 void Run(const ApplyCommand& command)
@@ -154,19 +190,25 @@ void Run(const ApplyCommand& command)
     if (command.stackFile.empty())
         job.stack = StackOf(job.effectLibrary, command.steps);
     const std::optional<media::PictureFormat> format = media::PictureFormatOf(command.output);
-    const bool clipWanted = _wcsicmp(command.output.extension().c_str(), L".avi") == 0;
+    const bool clipWanted = NamesFrames(command.output);
     if (!format && !clipWanted)
         throw WrongWords("The output " + Show(command.output) +
-                         " must end in .png, .bmp, .jpg or .tif for a picture or in .avi for a clip.");
-    RequireReadable(command.input);
-    if (IsSameFile(command.input, command.output))
-        throw WrongWords("Input and output are the same file, " + Show(command.input) +
-                         "; name another output, the input is never changed.");
-    const bool clip = media::IsAvi(command.input);
+                         " must end in .png, .bmp, .jpg or .tif for a picture, in .avi or .y4m for a clip, or be - for "
+                         "standard output.");
+    if (!IsStandard(command.input)) {
+        RequireReadable(command.input);
+        if (IsSameFile(command.input, command.output))
+            throw WrongWords("Input and output are the same file, " + Show(command.input) +
+                             "; name another output, the input is never changed.");
+    } else if (command.frames.bare && command.frames.bare->width == 0) {
+        throw WrongWords(
+            "Frames of rgb32 don't tell their size: add --size 1920x1080, and --rate 25 if it isn't that.");
+    }
+    const bool clip = HoldsFrames(command.input);
     if (clip != clipWanted)
-        throw WrongWords(Show(command.input) + (clip ? " is a clip: the output must end in .avi."
-                                                     : " is not an AVI clip: the output must be a picture (.png, "
-                                                       ".bmp, .jpg, .tif)."));
+        throw WrongWords(Show(command.input) +
+                         (clip ? " is a clip: the output must end in .avi or .y4m, or be -."
+                               : " is not an AVI clip: the output must be a picture (.png, .bmp, .jpg, .tif)."));
     if (!command.stackFile.empty())
         job.stack = StackOf(job.effectLibrary, command.stackFile);
     CatchInterrupts();
@@ -182,6 +224,7 @@ Words ApplyWords(CLI::App& program)
         unsigned long level = IInstructionCeiling::Avx512;
         media::YuvMatrix matrix = {};
         media::YuvRange range = {};
+        std::string format = "y4m", size, rate;
     };
     static const std::map<std::string, unsigned long> levels = {
         {"plain", IInstructionCeiling::Plain},
@@ -198,9 +241,9 @@ Words ApplyWords(CLI::App& program)
     const auto given = std::make_shared<Given>();
     const CLI::Option* const first =
         parser->add_option("EFFECT", given->effect, "The effect's name, as `vixahost effects` lists it")->required();
-    parser->add_option("IN", given->input, "Picture or clip to read")->required();
-    const CLI::Option* const out =
-        parser->add_option("OUT", given->output, "Picture or clip to write; its ending says the picture's format");
+    parser->add_option("IN", given->input, "Picture or clip to read; - is standard input")->required();
+    const CLI::Option* const out = parser->add_option(
+        "OUT", given->output, "Picture or clip to write; its ending says the format, - is standard output");
     parser->add_option("--stack", given->stackFile, "A stack file instead of EFFECT, as the browser saves it")
         ->type_name("FILE");
     const CLI::Option* const set = parser->add_option("--set", given->settings, "A parameter of the effect before it")
@@ -224,13 +267,26 @@ Words ApplyWords(CLI::App& program)
         parser->add_option("--range", given->range, "The levels of a clip's YUV: limited (16 to 235) or full")
             ->type_name("RANGE")
             ->transform(CLI::CheckedTransformer(ranges));
+    parser
+        ->add_option(
+            "--format", given->format,
+            "How frames come and go on - (standard input, standard output): y4m, or rgb32 (blue, green, red and "
+            "a byte without colour, rows from the top)")
+        ->type_name("FORMAT")
+        ->check(CLI::IsMember({"y4m", "rgb32"}));
+    parser->add_option("--size", given->size, "The size of rgb32 frames on standard input")->type_name("WIDTHxHEIGHT");
+    parser->add_option("--rate", given->rate, "Their frames per second, such as 25 or 30000/1001")->type_name("RATE");
     parser->footer(examples);
     return {parser, [=] {
-                media::YuvChoice colours;
+                FrameWords frames;
                 if (matrix->count() > 0)
-                    colours.matrix = given->matrix;
+                    frames.colours.matrix = given->matrix;
                 if (range->count() > 0)
-                    colours.range = given->range;
+                    frames.colours.range = given->range;
+                if (given->format == "rgb32")
+                    frames.bare = BareFormat(given->size, given->rate);
+                else if (!given->size.empty() || !given->rate.empty())
+                    throw WrongWords("--size and --rate are for --format rgb32; y4m tells its own.");
                 if (given->stackFile.empty()) {
                     if (out->count() == 0)
                         throw WrongWords(
@@ -240,14 +296,14 @@ Words ApplyWords(CLI::App& program)
                                         Wide(given->input),
                                         Wide(given->output),
                                         given->level,
-                                        colours};
+                                        frames};
                 }
                 if (out->count() > 0 || then->count() > 0 || set->count() > 0)
                     throw WrongWords("--stack FILE takes the place of EFFECT, --then and --set: vixahost apply --stack "
                                      "FILE IN OUT.");
                 // Without EFFECT the two files are the first two words.
                 return ApplyCommand{
-                    {}, Wide(given->stackFile), Wide(given->effect), Wide(given->input), given->level, colours};
+                    {}, Wide(given->stackFile), Wide(given->effect), Wide(given->input), given->level, frames};
             }};
 }
 

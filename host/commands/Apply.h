@@ -1,8 +1,8 @@
 // vixahost apply
 #pragma once
 
+#include "host/commands/FrameEnds.h"
 #include "host/effects/EffectStack.h"
-#include "host/media/YuvPixels.h"
 
 #include <vixavideofx/IInstructionCeiling.h>
 
@@ -18,7 +18,7 @@ struct ApplyCommand
     std::filesystem::path input = {};
     std::filesystem::path output = {};
     unsigned long level = IInstructionCeiling::Avx512; // the best instruction set to use
-    media::YuvChoice colours = {};                     // what a clip of YUV is taken for
+    FrameWords frames = {};                            // of a clip
 };
 
 // Sends one picture or clip through a stack of effects. The output appears only when it is whole. Throws HostError; COM

@@ -46,16 +46,30 @@ JobDone SaveThroughEffects(const FileJob& job, media::Picture& picture, media::P
     return {{picture.width, picture.height}, 1, milliseconds};
 }
 
-JobDone SaveThroughEffects(const FileJob& job, const std::filesystem::path& clip)
+JobDone SaveThroughEffects(const FileJob& job, media::FrameReader& reader, media::FrameWriter& writer)
 {
-    media::ClipReader reader(clip, job.colours);
-    TargetFile target(job.target);
-    media::ClipWriter writer(target, reader.Format(), &reader);
-    const double milliseconds = RunGraph(job, reader, writer, reader.FrameCount());
+    JobDone done = {reader.Format(), 0, 0, reader.Yuv()};
+    FileJob counting = job;
+    counting.progress = [&](std::int64_t frames, std::int64_t ofThem) {
+        done.frames = frames;
+        if (job.progress && ofThem > 0)
+            job.progress(frames, ofThem);
+    };
+    done.milliseconds = RunGraph(counting, reader, writer, reader.FrameCount());
+    RequireGoingOn(job);
     writer.Finish();
     RequireGoingOn(job);
+    return done;
+}
+
+JobDone SaveThroughEffects(const FileJob& job, const std::filesystem::path& clip)
+{
+    media::ClipReader reader(clip);
+    TargetFile target(job.target);
+    media::ClipWriter writer(target, reader.Format(), &reader);
+    const JobDone done = SaveThroughEffects(job, reader, writer);
     target.Commit();
-    return {reader.Format(), reader.FrameCount(), milliseconds, reader.Colours()};
+    return done;
 }
 
 } // namespace vixahost::graph

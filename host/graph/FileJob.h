@@ -21,19 +21,20 @@ struct FileJob
     std::function<bool()> stopped;                        // asked ten times a second; true ends the job
     std::function<void(const EffectGraph&)> prepare = {}; // before the first frame
     std::function<void(std::int64_t, std::int64_t)> progress = {}; // frames or pictures written, of how many
-    media::YuvChoice colours = {};                                 // for a clip of YUV
 };
 
 struct JobDone
 {
     media::FrameFormat format;
     std::int64_t frames;
-    double milliseconds;                           // that the effects took for a frame
-    std::optional<media::YuvColours> colours = {}; // as what a clip of YUV was read
+    double milliseconds;                      // that the effects took for a frame
+    std::optional<media::YuvFrames> yuv = {}; // as what a clip of YUV was read
 };
 
 // They throw HostError, and StoppedJob for a job that was stopped; nothing is written then.
 JobDone SaveThroughEffects(const FileJob& job, media::Picture& picture, media::PictureFormat format);
 JobDone SaveThroughEffects(const FileJob& job, const std::filesystem::path& clip);
+// From any reader to any writer, which it finishes; the job's target is left alone.
+JobDone SaveThroughEffects(const FileJob& job, media::FrameReader& reader, media::FrameWriter& writer);
 
 } // namespace vixahost::graph

@@ -44,6 +44,11 @@ std::vector<const AviStream*> ClipReader::Sound() const
     return sound;
 }
 
+std::optional<YuvFrames> ClipReader::Yuv() const
+{
+    return colours ? std::optional(YuvFrames{*layout.yuv, *colours}) : std::nullopt;
+}
+
 bool ClipReader::Read(std::span<std::uint8_t> frame)
 {
     if (position == FrameCount())

@@ -23,14 +23,13 @@ public:
     explicit ClipReader(const std::filesystem::path& source, const YuvChoice& choice = {});
 
     FrameFormat Format() const override { return format; }
-    std::int64_t FrameCount() const noexcept { return static_cast<std::int64_t>(pictures->chunks.size()); }
+    std::int64_t FrameCount() const noexcept override { return static_cast<std::int64_t>(pictures->chunks.size()); }
     // A frame without data shows the one before it once more; before the first it is black.
     bool Read(std::span<std::uint8_t> frame) override;
     // The next Read gives frame `index`; one beyond the clip counts as its nearest end.
     void Seek(std::int64_t index) noexcept;
 
-    // As what its frames of YUV are read; none for others.
-    const std::optional<YuvColours>& Colours() const noexcept { return colours; }
+    std::optional<YuvFrames> Yuv() const override;
 
     // For a copy of the clip.
     const AviStream& Pictures() const noexcept { return *pictures; }
@@ -47,7 +46,7 @@ private:
     const AviStream* pictures; // one of the clip's
     PictureLayout layout;
     FrameFormat format;
-    std::optional<YuvColours> colours;
+    std::optional<YuvColours> colours; // of YUV
     std::optional<YuvPixels> yuv;
     std::int64_t position = 0;
     std::vector<std::uint8_t> stored;      // a frame as the file has it, where it isn't what the graph takes

@@ -28,9 +28,7 @@ public:
     void Write(std::span<const std::uint8_t> frame) override;
 
     // Writes the rest of the sound and closes the file. Throws FailedJob.
-    void Finish();
-
-    std::int64_t FramesWritten() const noexcept { return frames; }
+    void Finish() override;
 
 private:
     class SoundCopy;

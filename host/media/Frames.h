@@ -1,11 +1,14 @@
 // What flows through the host's graph: frames of one size, from a reader to a writer.
 #pragma once
 
+#include "host/media/YuvPixels.h"
+
 #include <strmif.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -44,6 +47,10 @@ public:
     virtual FrameFormat Format() const = 0;
     // How many frames, one after the other, make up one picture.
     virtual int FramesAPicture() const { return 1; }
+    // 0 when only the end will tell.
+    virtual std::int64_t FrameCount() const noexcept { return 0; }
+    // What the frames were before they became RGB; none for those that were no YUV.
+    virtual std::optional<YuvFrames> Yuv() const { return std::nullopt; }
     // Fills `frame` (Format().FrameBytes() bytes) with the next frame; false when there is none. Throws HostError.
     virtual bool Read(std::span<std::uint8_t> frame) = 0;
 };
@@ -55,6 +62,8 @@ public:
     virtual ~FrameWriter() = default;
     // Throws HostError; the graph then stops.
     virtual void Write(std::span<const std::uint8_t> frame) = 0;
+    // After the last one; what was written is whole then. Throws HostError.
+    virtual void Finish() {}
 };
 
 } // namespace vixahost::media

@@ -58,6 +58,14 @@ YuvColours ColoursFor(const YuvChoice& choice, int width, int height) noexcept;
 // "BT.709, limited range".
 std::string ColoursText(const YuvColours& colours);
 
+// What is known of frames that were YUV.
+struct YuvFrames
+{
+    YuvLayout layout;
+    YuvColours colours;
+    std::string tags = {}; // of y4m, see RawFormat
+};
+
 // The bytes of a frame; none for a size that DibBytes refuses at 32 bits. Never more than the frame's as 32-bit RGB.
 std::optional<std::size_t> YuvBytes(YuvLayout layout, std::int64_t width, std::int64_t height) noexcept;
 

@@ -4,6 +4,7 @@
 #include "host/fixtures/PixelModel.h"
 #include "host/media/PictureFile.h"
 #include "host/media/PictureFrames.h"
+#include "host/media/YuvPixels.h"
 #include "tests/host/TestFiles.h"
 #include "tests/host/commands/Process.h"
 
@@ -48,9 +49,10 @@ protected:
     }
     void TearDown() override { CoUninitialize(); }
 
-    Outcome Run(const std::vector<std::wstring>& words, const std::wstring& interruptWhen = L"")
+    Outcome Run(const std::vector<std::wstring>& words, const std::wstring& interruptWhen = L"",
+                const Bytes& input = {})
     {
-        return RunHost(folder.Path(), words, interruptWhen);
+        return RunHost(folder.Path(), words, interruptWhen, input);
     }
 
     static void ExpectDone(const Outcome& outcome)
@@ -113,6 +115,59 @@ TEST_F(HostRun, AClipKeepsEverythingButItsColours)
         const Bytes wanted = fixtures::ExpectedFrame(step.classId, step.block, ClipFrame(recipe, i), 40, 30);
         EXPECT_TRUE(clip.frames[static_cast<std::size_t>(i)] == wanted) << "frame " << i;
     }
+}
+
+TEST_F(HostRun, FramesGoThroughStandardInputAndOutput)
+{
+    constexpr int width = 10, height = 6, count = 3;
+    const effects::EffectStep step = Step("Emboss");
+    const auto turned = [](const Bytes& frame) {
+        Bytes other;
+        for (std::size_t row = height; row-- > 0;)
+            other.insert(other.end(), frame.begin() + std::ptrdiff_t(row * width * 4),
+                         frame.begin() + std::ptrdiff_t((row + 1) * width * 4));
+        return other;
+    };
+    const media::YuvPixels pixels(media::YuvLayout::I444, {media::YuvMatrix::Bt601, media::YuvRange::Full}, width,
+                                  height);
+    const std::string header = "YUV4MPEG2 W10 H6 F30000:1001 Ip A1:1 C444 XCOLORRANGE=FULL\n";
+    Bytes bare, bareWanted, y4m(header.begin(), header.end()), y4mWanted = y4m;
+    for (int i = 0; i < count; ++i) {
+        Bytes frame(width * height * 4), planes(width * height * 3);
+        for (std::size_t at = 0; at < frame.size(); ++at)
+            frame[at] = static_cast<std::uint8_t>(at * 7 + std::size_t(i) * 26 + 13); // 10, 13, 26 are among them
+        const auto append = [](Bytes& to, const Bytes& bytes) { to.insert(to.end(), bytes.begin(), bytes.end()); };
+        append(bare, turned(frame));
+        append(bareWanted, turned(fixtures::ExpectedFrame(step.classId, step.block, frame, width, height)));
+        pixels.FromRgb(frame, planes);
+        append(y4m, {'F', 'R', 'A', 'M', 'E', '\n'});
+        append(y4m, planes);
+        pixels.ToRgb(planes, frame);
+        pixels.FromRgb(fixtures::ExpectedFrame(step.classId, step.block, frame, width, height), planes);
+        append(y4mWanted, {'F', 'R', 'A', 'M', 'E', '\n'});
+        append(y4mWanted, planes);
+    }
+    const auto bytes = [](const std::string& text) { return Bytes(text.begin(), text.end()); };
+    Outcome outcome = Run({L"apply", L"Emboss", L"-", L"-", L"--format", L"rgb32", L"--size", L"10x6"}, L"", bare);
+    EXPECT_EQ(outcome.status, 0u) << outcome.err;
+    EXPECT_TRUE(bytes(outcome.out) == bareWanted);
+    outcome = Run({L"apply", L"Emboss", L"-", L"-"}, L"", y4m);
+    EXPECT_EQ(outcome.status, 0u) << outcome.err;
+    EXPECT_NE(outcome.err.find("BT.601, full range"), std::string::npos) << outcome.err;
+    EXPECT_TRUE(bytes(outcome.out) == y4mWanted);
+
+    // A file between them, which doesn't appear when the frames end too early.
+    ExpectDone(Run({L"apply", L"Emboss", L"-", L"out.avi"}, L"", y4m));
+    EXPECT_EQ(ParseClip(ReadBytes(folder / L"out.avi")).frames.size(), std::size_t{count});
+    const auto before = folder.Names();
+    y4m.pop_back();
+    for (const wchar_t* const target : {L"-", L"out.y4m"}) {
+        outcome = Run({L"apply", L"Emboss", L"-", target}, L"", y4m);
+        EXPECT_EQ(outcome.status, 1u);
+        EXPECT_NE(outcome.err.find("Standard input ends in the middle of frame 2"), std::string::npos) << outcome.err;
+    }
+    EXPECT_EQ(folder.Names(), before);
+    EXPECT_NE(Run({L"apply", L"Emboss", L"-", L"-"}, L"", bare).err.find("no y4m stream"), std::string::npos);
 }
 
 TEST_F(HostRun, BadInputIsToldInOneLineAndWritesNothing)

@@ -2,7 +2,6 @@
 
 #include "host/base/ChildProcess.h"
 #include "host/base/ModuleFile.h"
-#include "tests/host/TestFiles.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -47,7 +46,7 @@ std::string Text(const std::filesystem::path& file)
 } // namespace
 
 Outcome RunHost(const std::filesystem::path& folder, const std::vector<std::wstring>& words,
-                const std::wstring& interruptWhen)
+                const std::wstring& interruptWhen, const Bytes& input)
 {
     std::wstring line;
     for (const std::wstring& word : words)
@@ -57,10 +56,14 @@ Outcome RunHost(const std::filesystem::path& folder, const std::vector<std::wstr
         return Opened(
             CreateFileW((outputs / name).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0, nullptr));
     };
+    WriteBytes(outputs / L"in", input);
+    const UniqueFile in = Opened(
+        CreateFileW((outputs / L"in").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
     UniqueFile out = file(L"out"), err = file(L"err");
     const ChildProcess process({.program = ThisProgram().parent_path() / L"vixahost.exe",
                                 .words = line,
                                 .purpose = "a test",
+                                .input = in.get(),
                                 .output = out.get(),
                                 .error = err.get(),
                                 .folder = folder});

@@ -1,6 +1,8 @@
 // Runs the real vixahost.exe.
 #pragma once
 
+#include "tests/host/TestFiles.h"
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -17,7 +19,8 @@ struct Outcome
 // Starts the host that lies beside this test program, in `folder`, and waits for its end. `interruptWhen`: as soon as
 // a file of that name's beginning exists in the folder, Ctrl-C is sent to it. Output goes through files outside the
 // folder.
+// `input`: what stands on its standard input.
 Outcome RunHost(const std::filesystem::path& folder, const std::vector<std::wstring>& words,
-                const std::wstring& interruptWhen = L"");
+                const std::wstring& interruptWhen = L"", const Bytes& input = {});
 
 } // namespace vixahost::test

@@ -39,9 +39,14 @@ TEST(Words, EachCommandIsUnderstood)
     EXPECT_EQ(apply.output.native(), L"out/\x00e4.png");
     ASSERT_EQ(apply.steps.size(), 1u);
     EXPECT_EQ(apply.steps[0].name, "EMBOSS");
-    EXPECT_FALSE(apply.colours.matrix || apply.colours.range);
-    const auto colours = ParseApply({"apply", "Emboss", "--matrix", "709", "--range=full", "a.avi", "b.avi"}).colours;
+    EXPECT_FALSE(apply.frames.colours.matrix || apply.frames.colours.range || apply.frames.bare);
+    const auto colours =
+        ParseApply({"apply", "Emboss", "--matrix", "709", "--range=full", "a.avi", "b.avi"}).frames.colours;
     EXPECT_TRUE(colours.matrix == media::YuvMatrix::Bt709 && colours.range == media::YuvRange::Full);
+    const auto bare =
+        ParseApply({"apply", "Emboss", "-", "-", "--format", "rgb32", "--size", "64x48", "--rate", "30000/1001"})
+            .frames.bare;
+    EXPECT_TRUE(bare && bare->width == 64 && bare->height == 48 && bare->rate == 30000 && bare->scale == 1001);
     EXPECT_EQ(Complaint({"apply", "No such effect", "a.png", "b.png"}), "") << "words don't ask the library";
 }
 
@@ -73,6 +78,9 @@ TEST(Words, WrongOnesAreRefusedInOneLine)
                                                   {"apply", "Emboss", "a.png", "b.png", "--set"},
                                                   {"apply", "Emboss", "a.png", "b.png", "--loud"},
                                                   {"apply", "Emboss", "a.png", "b.png", "--matrix", "2020"},
+                                                  {"apply", "Emboss", "-", "-", "--size", "64x48"},
+                                                  {"apply", "Emboss", "-", "-", "--format", "rgb32", "--size", "64x"},
+                                                  {"apply", "Emboss", "-", "-", "--format", "rgb32", "--rate", "1/0"},
                                                   {"--loud"},
                                                   {""},
                                                   {"effects", "all"}})

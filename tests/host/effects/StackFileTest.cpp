@@ -8,9 +8,9 @@
 
 #include <fstream>
 
-using namespace vixahost;
 using namespace vixavideofx;
 
+namespace vixahost {
 namespace {
 
 class StackFile : public testing::Test
@@ -100,3 +100,4 @@ TEST_F(StackFile, SaysWhereAndWhyALineIsRefused)
 }
 
 } // namespace
+} // namespace vixahost

@@ -73,7 +73,7 @@ TEST_F(ClipFile, AClipOfYuvIsReadAsAsked)
     for (const media::YuvChoice& choice : {media::YuvChoice(), {media::YuvMatrix::Bt709, media::YuvRange::Full}}) {
         media::ClipReader reader(file, choice);
         const auto colours = media::ColoursFor(choice, recipe.width, recipe.height);
-        EXPECT_EQ(reader.Colours(), colours);
+        EXPECT_EQ(reader.Yuv()->colours, colours);
         ASSERT_TRUE(reader.Read(frame));
         media::YuvPixels(media::YuvLayout::Yuy2, colours, recipe.width, recipe.height).ToRgb(stored, wanted);
         EXPECT_TRUE(frame == wanted) << ColoursText(colours);
