@@ -28,6 +28,38 @@ std::optional<BY_HANDLE_FILE_INFORMATION> Identity(const std::filesystem::path& 
     return information;
 }
 
+constexpr const wchar_t* partial = L".partial-";
+
+// Locks a byte that no file reaches. The lock ends with its owner, however that ends, and the whole system sees it.
+bool Lock(HANDLE file, DWORD kind)
+{
+    OVERLAPPED place = {};
+    place.OffsetHigh = 0x40000000;
+    return LockFileEx(file, kind | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &place) != FALSE;
+}
+
+UniqueFile OpenShared(const std::filesystem::path& file, DWORD access, DWORD how)
+{
+    return Opened(CreateFileW(file.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                              how, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+// The temporary files of this target that nobody writes any more.
+void RemoveLeftovers(const std::filesystem::path& target)
+{
+    const std::wstring beginning = target.filename().native() + partial;
+    std::error_code fault;
+    std::filesystem::directory_iterator entry(FolderOf(target), fault);
+    for (; !fault && entry != std::filesystem::directory_iterator(); entry.increment(fault)) {
+        const std::wstring name = entry->path().filename().native();
+        if (!name.starts_with(beginning) || name.find_first_not_of(L"0123456789", beginning.size()) != name.npos)
+            continue;
+        const UniqueFile left = OpenShared(entry->path(), GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING);
+        if (left && Lock(left.get(), LOCKFILE_EXCLUSIVE_LOCK))
+            DeleteFileW(entry->path().c_str());
+    }
+}
+
 } // namespace
 
 TargetFile::TargetFile(std::filesystem::path file) : target(std::move(file))
@@ -39,12 +71,18 @@ TargetFile::TargetFile(std::filesystem::path file) : target(std::move(file))
     const DWORD targetIs = GetFileAttributesW(target.c_str());
     if (targetIs != INVALID_FILE_ATTRIBUTES && (targetIs & FILE_ATTRIBUTE_DIRECTORY))
         throw FailedJob("The output " + Show(target) + " is a folder; name a file in it.");
+    RemoveLeftovers(target);
     temporary = target;
-    temporary += L".partial-" + std::to_wstring(GetCurrentProcessId());
+    temporary += partial + std::to_wstring(GetCurrentProcessId());
+    hold = OpenShared(temporary, GENERIC_READ, CREATE_ALWAYS); // writers need not share more than reading
+    if (!hold)
+        throw WriteFault(GetLastError());
+    Lock(hold.get(), 0);
 }
 
 TargetFile::~TargetFile()
 {
+    hold.reset();
     DeleteFileW(temporary.c_str());
 }
 
@@ -62,6 +100,7 @@ FailedJob TargetFile::WriteFault(unsigned long error) const
 
 void TargetFile::Commit()
 {
+    hold.reset();
     if (!MoveFileExW(temporary.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING))
         throw FailedJob("Can't put the result in the place of " + Show(target) + " (system error " +
                         std::to_string(GetLastError()) + "); is it open elsewhere or protected?");

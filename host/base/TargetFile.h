@@ -1,6 +1,7 @@
 // A file that appears under its name only when it is whole.
 #pragma once
 
+#include "host/base/Handles.h"
 #include "host/base/HostError.h"
 
 #include <filesystem>
@@ -9,6 +10,7 @@ namespace vixahost {
 
 // Between construction and Commit the data goes to a temporary file beside the target (same folder, so that the rename
 // is one step of the file system). Whatever ends the job before Commit removes it; an older target stays as it was.
+// What a process that was killed left behind is removed by the next one that writes to the same target.
 class TargetFile
 {
 public:
@@ -29,6 +31,7 @@ public:
 private:
     std::filesystem::path target;
     std::filesystem::path temporary;
+    UniqueFile hold; // of the temporary, locked as long as this lives
 };
 
 // True when both names lead to one existing file, however they are spelled.

@@ -34,7 +34,7 @@ public:
                 continue;
             }
             const DWORD error = GetLastError();
-            if (error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA)
+            if (error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED)
                 throw FailedJob("Whoever took the frames from standard output has stopped before the end.");
             throw FailedJob("Frames can't be written to standard output (system error " + std::to_string(error) +
                             "); is a disk full behind it?");

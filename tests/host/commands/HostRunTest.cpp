@@ -1,4 +1,5 @@
 // The real program from outside: its jobs, its complaints, its exit status, and what it leaves on the disk.
+#include "host/base/TargetFile.h"
 #include "host/base/Text.h"
 #include "host/effects/EffectStack.h"
 #include "host/fixtures/PixelModel.h"
@@ -262,6 +263,25 @@ TEST_F(HostRun, AnInterruptedClipLeavesNothing)
     EXPECT_NE(outcome.err.find("Stopped"), std::string::npos) << outcome.err;
     EXPECT_EQ(folder.Names(), before);
     EXPECT_EQ(ReadBytes(folder / L"out.avi"), (Bytes{1, 2, 3})) << "an older result stays";
+}
+
+TEST_F(HostRun, WhatAKilledRunLeftIsRemovedByTheNext)
+{
+    // One that nobody holds, one of a living run, and two files that only look alike.
+    for (const wchar_t* const name : {L"out.png.partial-77", L"out.png.partial-x", L"other.png.partial-77"})
+        WriteBytes(folder / name, {1});
+    TargetFile living(folder / L"out.png");
+    ExpectDone(Run({L"apply", L"Emboss", L"in.png", L"out.png"}));
+    EXPECT_EQ(folder.Names(), (std::vector<std::wstring>{L"in.png", L"other.png.partial-77", L"out.png",
+                                                         living.Temporary().filename(), L"out.png.partial-x"}));
+}
+
+TEST_F(HostRun, AFullDiskIsToldByItsNameAndTheResults)
+{
+    const std::string full = TargetFile(folder / L"out.avi").WriteFault(ERROR_DISK_FULL).what();
+    EXPECT_NE(full.find("out.avi."), std::string::npos) << full;
+    EXPECT_NE(full.find(":\\ is full"), std::string::npos) << full;
+    EXPECT_EQ(full.find("partial"), std::string::npos) << full;
 }
 
 TEST_F(HostRun, WithoutWordsEveryEffectIsShown)
