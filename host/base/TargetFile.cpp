@@ -72,9 +72,15 @@ TargetFile::TargetFile(std::filesystem::path file) : target(std::move(file))
     if (targetIs != INVALID_FILE_ATTRIBUTES && (targetIs & FILE_ATTRIBUTE_DIRECTORY))
         throw FailedJob("The output " + Show(target) + " is a folder; name a file in it.");
     RemoveLeftovers(target);
-    temporary = target;
-    temporary += partial + std::to_wstring(GetCurrentProcessId());
-    hold = OpenShared(temporary, GENERIC_READ, CREATE_ALWAYS); // writers need not share more than reading
+    // Another prefix or machine may have a process of this number too.
+    const DWORD number = GetCurrentProcessId();
+    for (DWORD next = number; !hold && next < number + 1000; ++next) {
+        temporary = target;
+        temporary += partial + std::to_wstring(next);
+        hold = OpenShared(temporary, GENERIC_READ, CREATE_NEW); // writers need not share more than reading
+        if (!hold && GetLastError() != ERROR_FILE_EXISTS)
+            break;
+    }
     if (!hold)
         throw WriteFault(GetLastError());
     Lock(hold.get(), 0);

@@ -270,10 +270,17 @@ TEST_F(HostRun, WhatAKilledRunLeftIsRemovedByTheNext)
     // One that nobody holds, one of a living run, and two files that only look alike.
     for (const wchar_t* const name : {L"out.png.partial-77", L"out.png.partial-x", L"other.png.partial-77"})
         WriteBytes(folder / name, {1});
-    TargetFile living(folder / L"out.png");
+    const TargetFile living(folder / L"out.png"), another(folder / L"out.png");
+    EXPECT_NE(living.Temporary(), another.Temporary());
     ExpectDone(Run({L"apply", L"Emboss", L"in.png", L"out.png"}));
-    EXPECT_EQ(folder.Names(), (std::vector<std::wstring>{L"in.png", L"other.png.partial-77", L"out.png",
-                                                         living.Temporary().filename(), L"out.png.partial-x"}));
+    std::vector<std::wstring> expected = {L"in.png",
+                                          L"other.png.partial-77",
+                                          L"out.png",
+                                          L"out.png.partial-x",
+                                          living.Temporary().filename(),
+                                          another.Temporary().filename()};
+    std::ranges::sort(expected);
+    EXPECT_EQ(folder.Names(), expected);
 }
 
 TEST_F(HostRun, AFullDiskIsToldByItsNameAndTheResults)
