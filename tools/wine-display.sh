@@ -7,7 +7,11 @@ export VIXA_WINEPREFIX="${VIXA_WINEPREFIX:-$root/build/wine-screen$WIDTH_SUFFIX}
 mkdir -p "$root/build"
 exec 8>"$VIXA_WINEPREFIX.lock"
 flock 8
-[ -f "$VIXA_WINEPREFIX/.ready" ] || "$root/tools/wine-run.sh" --display cmd /c exit >/dev/null 2>&1 8>&- || true
+# No window manager runs there: Wine would wait two seconds for one whenever a window closes.
+if [ ! -f "$VIXA_WINEPREFIX/.unmanaged" ]; then
+    "$root/tools/wine-run.sh" --display reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null 2>&1 8>&- || true
+    touch "$VIXA_WINEPREFIX/.unmanaged"
+fi
 # What still lives of an earlier run belongs to a display that is gone.
 WINEPREFIX="$VIXA_WINEPREFIX" wineserver -w 8>&- || true
 # Ended before their display goes, the desktop's own processes don't complain about it.

@@ -109,6 +109,8 @@ void BrowseWindow::OnCreate()
     ShowTexts();
     tree->ShowFirst();
     SetTimer(hwnd, failureTimer, failureInterval, nullptr);
+    // Who uses the keys sees where they go from the beginning, not only after the first.
+    SendMessageW(hwnd, WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS | UISF_HIDEACCEL), 0);
 }
 
 // With the files, presets and languages that there are now.
@@ -188,6 +190,14 @@ LRESULT BrowseWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
     case WM_DROPFILES:
         OnDrop(reinterpret_cast<HDROP>(wParam));
         return 0;
+    case WM_SETFOCUS:
+        ShowFocus();
+        return 0;
+    case WM_SYSCOLORCHANGE:
+        // The system's own controls ask for new colours only when they are told.
+        for (HWND child = GetWindow(hwnd, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+            SendMessageW(child, message, wParam, lParam);
+        return 0;
     case WM_SETTINGCHANGE:
         TakeNewStyle();
         return 0;
@@ -200,8 +210,16 @@ LRESULT BrowseWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
         PostQuitMessage(0);
         return 0;
     default:
-        return Window::OnMessage(message, wParam, lParam);
+        break;
     }
+    return Window::OnMessage(message, wParam, lParam);
+}
+
+// Some control always has the keys: the one that had them, or else the list of effects.
+void BrowseWindow::ShowFocus() const
+{
+    const bool takes = IsChild(hwnd, lastFocus) && IsWindowVisible(lastFocus) && IsWindowEnabled(lastFocus);
+    SetFocus(takes ? lastFocus : tree->Handle());
 }
 
 void BrowseWindow::OnFault(const char* message) noexcept
@@ -212,6 +230,9 @@ void BrowseWindow::OnFault(const char* message) noexcept
 
 bool BrowseWindow::Translate(MSG& message)
 {
+    // Too late once another window comes up: a window that is disabled has lost the keys before it hears of it.
+    if (const HWND focus = GetFocus(); focus && IsChild(hwnd, focus))
+        lastFocus = focus;
     if (message.hwnd != hwnd && !IsChild(hwnd, message.hwnd))
         return false;
     return TranslateAcceleratorW(hwnd, keys, &message) || IsDialogMessageW(hwnd, &message);
@@ -400,6 +421,8 @@ void BrowseWindow::ShowStack()
     EnableWindow(stackButtons[1], current != nullptr);
     EnableWindow(stackButtons[2], current && stack.Selected() > 0);
     EnableWindow(stackButtons[3], current && stack.Selected() + 1 < stack.Items().size());
+    if (const HWND focus = GetFocus(); IsChild(hwnd, focus) && !IsWindowEnabled(focus))
+        SetFocus(list->Handle());
     ShowPanel();
 }
 
@@ -545,7 +568,7 @@ void BrowseWindow::LayOut()
     const int x = left + width + gap, right = client.right - gap;
     const int previewBottom = clip ? bottom - button - gap : bottom;
     MoveWindow(preview->Handle(), x, gap, std::max(right - x, 1), std::max(previewBottom - gap, 1), TRUE);
-    const int timeWidth = style->Scale(130), clipWidth = style->Scale(64);
+    const int timeWidth = style->Scale(130), clipWidth = style->Scale(90);
     int cursor = x;
     for (const HWND control : clipButtons) {
         MoveWindow(control, cursor, bottom - button, clipWidth, button, TRUE);

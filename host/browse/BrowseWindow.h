@@ -71,6 +71,7 @@ private:
     void UpdateMenu();
     void LayOut();
     void TakeNewStyle();
+    void ShowFocus() const;
 
     template <typename Function>
     void ChangeStack(Function change);
@@ -110,6 +111,7 @@ private:
     std::vector<std::filesystem::path> ownPresets, opened; // what was opened since the window was
     effects::EffectStack savedStack;                       // as the stack was begun, loaded or saved
     HACCEL keys = nullptr;
+    HWND lastFocus = nullptr; // the control that had the keys last
 };
 
 } // namespace vixahost::browse

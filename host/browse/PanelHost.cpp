@@ -3,6 +3,10 @@
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
 
+#include <commctrl.h>
+
+#include <climits>
+
 namespace vixahost::browse {
 
 PanelHost::PanelHost(HWND parent) : PanelWindow(10, 10, parent)
@@ -40,6 +44,34 @@ void PanelHost::Show()
     // The keys that move between controls reach into the panel.
     SetWindowLongPtrW(panel, GWL_EXSTYLE, GetWindowLongPtrW(panel, GWL_EXSTYLE) | WS_EX_CONTROLPARENT);
     ShowWindow(panel, SW_SHOW);
+    NameSliders();
+}
+
+// A slider shows no text of its own: for who hears the window it is called as the label above it.
+void PanelHost::NameSliders() const
+{
+    const auto isA = [](HWND control, const wchar_t* kind) {
+        wchar_t name[30] = {};
+        GetClassNameW(control, name, 30);
+        return _wcsicmp(name, kind) == 0;
+    };
+    for (HWND slider = GetWindow(panel, GW_CHILD); slider; slider = GetWindow(slider, GW_HWNDNEXT)) {
+        if (!isA(slider, TRACKBAR_CLASSW))
+            continue;
+        RECT place = {}, nearest = {0, LONG_MIN, 0, 0};
+        GetWindowRect(slider, &place);
+        for (HWND label = GetWindow(panel, GW_CHILD); label; label = GetWindow(label, GW_HWNDNEXT)) {
+            RECT above = {};
+            GetWindowRect(label, &above);
+            if (!isA(label, WC_STATICW) || above.top >= place.top || above.top <= nearest.top ||
+                above.left > (place.left + place.right) / 2)
+                continue;
+            nearest = above;
+            wchar_t text[100] = {};
+            GetWindowTextW(label, text, 100);
+            SetWindowTextW(slider, text);
+        }
+    }
 }
 
 void PanelHost::Close()

@@ -32,6 +32,7 @@ public:
 
 private:
     void Show();
+    void NameSliders() const;
 
     Microsoft::WRL::ComPtr<IEffectInfo> info;
     Microsoft::WRL::ComPtr<effects::DataPropertySet> set;

@@ -4,17 +4,24 @@
 #include "host/media/PictureFile.h"
 #include "host/media/SampleScene.h"
 #include "host/media/WindowPicture.h"
+#include "tests/host/TestFiles.h"
 
 #include <gtest/gtest.h>
+
+#include <initguid.h>
+#include <oleacc.h>
+#include <shlobj.h>
 
 #include <atomic>
 #include <cstring>
 #include <functional>
+#include <set>
 #include <string>
 #include <thread>
 
 using namespace vixahost;
 using namespace vixahost::browse;
+using Microsoft::WRL::ComPtr;
 
 namespace {
 
@@ -132,12 +139,8 @@ protected:
 
     ~BrowserWindow() override
     {
-        Press(VK_MENU, true);
-        Key(VK_F4);
-        Press(VK_MENU, false);
+        PostMessageW(frame, WM_SYSCOMMAND, SC_CLOSE, 0);
         // Whether the stack should be saved may be asked first.
-        if (!WaitFor([&] { return !IsWindow(frame) || GetForegroundWindow() != frame; }))
-            PostMessageW(frame, WM_CLOSE, 0, 0);
         Answer(L"Don't save");
         thread.join();
     }
@@ -409,6 +412,110 @@ TEST_F(BrowserWindow, TheDividerAndTheStackFollowTheMouse)
     EXPECT_TRUE(WaitFor([&] { return ListView_GetItemCount(list) == 1; }));
 }
 
+BOOL CALLBACK CollectStop(HWND control, LPARAM list)
+{
+    if (IsWindowVisible(control) && IsWindowEnabled(control) && (GetWindowLongW(control, GWL_STYLE) & WS_TABSTOP))
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(control);
+    return TRUE;
+}
+
+// A press of Tab brings the keys to each control that takes them, and each says what it is.
+TEST_F(BrowserWindow, IsUsedByKeysAndHeard)
+{
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    Choose(Effects()[1]);
+    SeenAtRest();
+    std::vector<HWND> wanted;
+    EnumChildWindows(frame, CollectStop, reinterpret_cast<LPARAM>(&wanted));
+    EXPECT_GE(wanted.size(), 6u);
+    std::set<HWND> reached;
+    for (std::size_t i = 0; i < 2 * wanted.size(); ++i) {
+        const HWND before = FocusOf(frame);
+        reached.insert(before);
+        Key(VK_TAB);
+        EXPECT_TRUE(WaitFor([&] { return FocusOf(frame) != before; }, 1000));
+    }
+    for (const HWND control : wanted) {
+        EXPECT_TRUE(reached.contains(control)) << "Tab passes by " << GetDlgCtrlID(control);
+        ComPtr<IAccessible> accessible;
+        AccessibleObjectFromWindow(control, static_cast<DWORD>(OBJID_CLIENT), IID_PPV_ARGS(&accessible));
+        VARIANT self = {};
+        self.vt = VT_I4;
+        BSTR name = nullptr;
+        ASSERT_TRUE(accessible);
+        accessible->get_accName(self, &name);
+        EXPECT_TRUE(name && *name && !std::wstring(name).starts_with(L"Slider")) << GetDlgCtrlID(control);
+        SysFreeString(name);
+    }
+    // Another window comes between: the same control has the keys again.
+    const HWND held = FocusOf(frame);
+    PostMessageW(frame, WM_COMMAND, IDM_ABOUT, 0);
+    ASSERT_TRUE(WaitFor([&] { return GetForegroundWindow() != frame; }));
+    Key(VK_RETURN);
+    EXPECT_TRUE(WaitFor([&] { return FocusOf(frame) == held; }));
+
+    // The wheel enlarges what is under it, and Ctrl+0 shows the whole again.
+    const auto whole = SeenAtRest();
+    const POINT at = PointIn(preview, 0.3, 0.3);
+    SetCursorPos(at.x, at.y);
+    SendMessageW(preview, WM_MOUSEWHEEL, MAKEWPARAM(0, 3 * WHEEL_DELTA), MAKELPARAM(at.x, at.y));
+    EXPECT_TRUE(ChangesFrom(whole));
+    const auto zoomed = SeenAtRest();
+    Key('0', true);
+    EXPECT_TRUE(WaitFor([&] { return Seen() == whole; }));
+    EXPECT_NE(zoomed, whole);
+    CoUninitialize();
+}
+
+void Drop(HWND on, const std::filesystem::path& file)
+{
+    const std::size_t bytes = sizeof(DROPFILES) + (file.native().size() + 2) * sizeof(wchar_t);
+    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, bytes);
+    auto* const drop = static_cast<DROPFILES*>(GlobalLock(memory));
+    drop->pFiles = sizeof(DROPFILES);
+    drop->fWide = TRUE;
+    std::memcpy(drop + 1, file.c_str(), file.native().size() * sizeof(wchar_t));
+    GlobalUnlock(memory);
+    PostMessageW(on, WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
+}
+
+TEST_F(BrowserWindow, TakesDroppedFilesAndSavesAClipUntilItIsCancelled)
+{
+    const test::ScratchFolder folder;
+    test::ClipRecipe recipe;
+    recipe.width = 160;
+    recipe.height = 120;
+    recipe.frames = 800;
+    recipe.bits = 8;
+    recipe.sound = false;
+    const auto clip = std::filesystem::absolute(folder / L"long.avi"), out = clip.parent_path() / L"cancelled.avi";
+    test::WriteBytes(clip, test::MakeClip(recipe));
+    std::string stack;
+    for (int i = 0; i < 40; ++i)
+        stack += "effect = Emboss\n";
+    const auto stackFile = std::filesystem::absolute(folder / L"stack.txt");
+    test::WriteBytes(stackFile, test::Bytes(stack.begin(), stack.end()));
+    Drop(frame, stackFile);
+    const HWND list = GetDlgItem(frame, IDC_STACK);
+    ASSERT_TRUE(WaitFor([&] { return ListView_GetItemCount(list) == 40; })) << "a dropped stack was not taken";
+    Drop(frame, clip);
+    ASSERT_TRUE(WaitFor([&] { return TextOf(frame).starts_with(L"long.avi"); })) << "a dropped clip was not opened";
+    SetForegroundWindow(frame);
+    Key('S', true);
+    AnswerFileDialog(out);
+    HWND saving = nullptr;
+    ASSERT_TRUE(WaitFor([&] {
+        saving = FindWindowW(L"VixaSaveDialog", nullptr);
+        return saving && IsWindowVisible(saving);
+    })) << "nothing says how far it is";
+    const HWND text = FindWindowExW(saving, nullptr, L"Static", nullptr);
+    EXPECT_TRUE(WaitFor([&] { return TextOf(text).find(L"of 800") != std::wstring::npos; })) << "no progress is said";
+    Key(VK_ESCAPE);
+    EXPECT_TRUE(WaitFor([&] { return !IsWindow(saving); }));
+    EXPECT_TRUE(WaitFor([&] { return Told().starts_with(L"Saving was cancelled"); }));
+    EXPECT_FALSE(std::filesystem::exists(out));
+}
+
 std::atomic<int> faults = 0;
 
 LONG CALLBACK CountFaults(EXCEPTION_POINTERS* fault)
@@ -425,6 +532,21 @@ TEST(BrowserWindowEnd, AnOpenWindowCanBeDestroyed)
     void* const handler = AddVectoredExceptionHandler(TRUE, CountFaults);
     {
         BrowseWindow window({0, 0});
+        const HWND frame = window.Handle(), tree = GetDlgItem(frame, IDC_TREE);
+        for (const effects::Language& language : effects::InstalledLanguages(window.Work().LibraryFile())) {
+            window.SetLanguage(language.id);
+            for (HWND button = nullptr; (button = FindWindowExW(frame, button, L"Button", nullptr));) {
+                SIZE needed = {};
+                RECT room = {};
+                SendMessageW(button, BCM_GETIDEALSIZE, 0, reinterpret_cast<LPARAM>(&needed));
+                GetClientRect(button, &room);
+                EXPECT_LE(needed.cx, room.right) << language.code << ": button " << GetDlgCtrlID(button);
+            }
+            RECT last = {}, room = {};
+            TreeView_GetItemRect(tree, TreeView_GetNextItem(tree, nullptr, TVGN_LASTVISIBLE), &last, FALSE);
+            GetClientRect(tree, &room);
+            EXPECT_LE(last.bottom, room.bottom) << language.code << ": not every effect is in sight";
+        }
     }
     EXPECT_EQ(faults, 0);
     RemoveVectoredExceptionHandler(handler);
