@@ -32,7 +32,8 @@ protected:
 
     void Run(const std::string& command)
     {
-        ASSERT_EQ(std::system((command + " >log 2>&1").c_str()), 0) << command << "\n" << std::ifstream("log").rdbuf();
+        ASSERT_EQ(std::system(("timeout 60 " + command + " >log 2>&1").c_str()), 0) << command << "\n"
+                                                                                    << std::ifstream("log").rdbuf();
     }
 
     // Makes a frame, and forgets what an earlier host made.
