@@ -17,7 +17,7 @@ namespace {
 
 using namespace vixavideofx;
 
-constexpr auto& effect = effects::VIXA_EFFECT;
+constexpr auto& effect = descriptions::VIXA_EFFECT;
 using Block = std::remove_cvref_t<decltype(effect)>::Block;
 constexpr vixa::frei0r::Knobs<Block, effect.defaults> knobs(parameters::VIXA_PARAMETERS);
 

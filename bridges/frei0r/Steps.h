@@ -1,5 +1,5 @@
-// What the kernels are told of each effect's data block, by the effect's name in vixavideofx::effects. A convolution's
-// size and scratch are left to who has the frame.
+// What the kernels are told of each effect's data block, by the effect's name in vixavideofx::descriptions. A
+// convolution's size and scratch are left to who has the frame.
 #pragma once
 
 #include "effects/kernels/Step.h"

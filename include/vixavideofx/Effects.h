@@ -73,7 +73,7 @@ struct EffectDescription
 };
 
 // Each effect by the name that its class identifier has.
-namespace effects {
+namespace descriptions {
 
 constexpr EffectDescription<ConvolutionBlock> Convolution(ConvolutionKind kind, const char* meaning)
 {
@@ -99,6 +99,6 @@ inline constexpr auto ShiftEdges =
     Convolution(ConvolutionKind::ShiftEdges, "the difference to a neighbouring pixel, as a grey relief");
 inline constexpr auto SoftenFilter = Convolution(ConvolutionKind::Soften, "averages each pixel with its neighbours");
 
-} // namespace effects
+} // namespace descriptions
 
 } // namespace vixavideofx
