@@ -13,7 +13,7 @@ plan() {
     local tree=$lint/$1 preset=$2
     shift 2
     step "plan-${tree##*/}" "    the plan of $preset" cmake --preset "$preset" -B "$tree" \
-        -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0 "$@"
+        -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0 -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON "$@"
 }
 
 # units TREE: TREE, file and compiler command of each of a tree's units, with tabs between.
