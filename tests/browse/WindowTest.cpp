@@ -410,6 +410,11 @@ TEST_F(BrowserWindow, TheDividerAndTheStackFollowTheMouse)
     EXPECT_FALSE(ListView_GetCheckState(list, 1));
     Click(PointIn(GetDlgItem(frame, IDM_REMOVE), 0.5, 0.5));
     EXPECT_TRUE(WaitFor([&] { return ListView_GetItemCount(list) == 1; }));
+    Choose(Effects()[3]);
+    EXPECT_TRUE(WaitFor([&] { return Told().starts_with(L"Filter color has taken the place of"); }));
+    PostMessageW(frame, WM_SYSCOMMAND, SC_CLOSE, 0);
+    EXPECT_TRUE(Answer(L"Cancel")) << "a changed stack goes unasked";
+    EXPECT_TRUE(IsWindow(frame));
 }
 
 BOOL CALLBACK CollectStop(HWND control, LPARAM list)
