@@ -17,7 +17,10 @@
 
 using namespace vixahost;
 using namespace vixahost::browse;
-using namespace vixavideofx;
+using vixavideofx::CLSID_AddPixel;
+using vixavideofx::CLSID_Emboss;
+using vixavideofx::CLSID_InvertColor;
+using vixavideofx::CLSID_SoftenFilter;
 
 namespace {
 
