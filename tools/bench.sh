@@ -2,11 +2,15 @@
 # bench.sh [--peers] [--json] [--native | --wine] [--quick] [--only PART-OF-A-NAME] [WIDTHxHEIGHT...]: builds and runs the
 # benchmarks: the kernels natively (beside other libraries, as far as they are installed; --peers installs them), the kernels
 # in 32-bit code on Wine, and the filters of the libraries of both widths on Wine through their input pins. On one core, as
-# ratios.
+# ratios. bench.sh --clips [FRAMES]: clips from file to file (bench-clips.sh).
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 json= native=1 wine=1
 words=()
+if [ "${1:-}" = --clips ]; then
+    shift
+    exec "$ROOT/tools/bench-clips.sh" "$@"
+fi
 while [ $# -gt 0 ]; do
     case $1 in
     --peers) peers=1 ;;

@@ -29,6 +29,7 @@ Medium::Medium(const std::filesystem::path& file) : path(file), name(Show(file.f
             throw FailedJob(Show(file) + " has no frames; choose another clip.");
         return;
     }
+    media::RefuseForeignClip(file);
     picture = media::ReadPicture(file);
     TakePicture();
 }

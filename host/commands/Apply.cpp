@@ -8,6 +8,7 @@
 #include "host/commands/Words.h"
 #include "host/effects/StackFile.h"
 #include "host/graph/FileJob.h"
+#include "host/media/AviHeader.h"
 
 #include <cstdio>
 #include <map>
@@ -205,6 +206,8 @@ void Run(const ApplyCommand& command)
             "Frames of rgb32 don't tell their size: add --size 1920x1080, and --rate 25 if it isn't that.");
     }
     const bool clip = HoldsFrames(command.input);
+    if (!clip)
+        media::RefuseForeignClip(command.input);
     if (clip != clipWanted)
         throw WrongWords(Show(command.input) +
                          (clip ? " is a clip: the output must end in .avi or .y4m, or be -."

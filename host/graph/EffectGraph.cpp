@@ -14,6 +14,9 @@ namespace vixahost::graph {
 
 namespace {
 
+// One that is read, one in the effects, one that is written, and one for whoever is late.
+constexpr long buffersAhead = 4;
+
 void Require(HRESULT result, const std::string& what)
 {
     if (FAILED(result))
@@ -36,8 +39,9 @@ ComPtr<IPin> FindPin(IBaseFilter* filter, PIN_DIRECTION wanted)
 } // namespace
 
 EffectGraph::EffectGraph(const effects::EffectLibrary& library, const effects::EffectStack& stack,
-                         media::FrameReader& reader, media::FrameWriter& writer, REFERENCE_TIME duration)
-    : timer(reader.FramesAPicture()), taker(writer, reader.Format(), timer), format(reader.Format())
+                         media::FrameReader& reader, media::FrameWriter& writer, REFERENCE_TIME duration, Pace pace)
+    : timer(reader.FramesAPicture()), taker(writer, reader.Format(), timer, pace == Pace::Overlapping),
+      format(reader.Format())
 {
     if (!media::DibBytes(format.width, format.height, 32))
         throw media::NoRoomFor(format.width, format.height);
@@ -45,7 +49,7 @@ EffectGraph::EffectGraph(const effects::EffectLibrary& library, const effects::E
     Require(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&graph)), noGraph);
     Require(graph.As(&control), noGraph);
     Require(graph->QueryInterface(IID_IMediaEvent, &events), noGraph);
-    source = FrameSource::Create(reader, timer);
+    source = FrameSource::Create(reader, timer, pace == Pace::Overlapping ? buffersAhead : 1);
     sink = FrameSink::Create(taker);
 
     Add(source.Get(), "Source");
@@ -115,6 +119,8 @@ void EffectGraph::Run(const std::function<void(std::int64_t)>& onProgress, const
     Start();
     WaitForEnd(onProgress, stopped);
     Stop();
+    if (taker.Failure()) // of the last frames, behind which nothing came
+        std::rethrow_exception(taker.Failure());
     if (onProgress)
         onProgress(taker.FramesWritten());
 }

@@ -21,9 +21,17 @@ namespace vixahost::graph {
 class EffectGraph
 {
 public:
+    // Whether reader, effects and writer take turns, or work at the same time on frames that follow each other, each on
+    // a thread of its own.
+    enum class Pace
+    {
+        InTurn,
+        Overlapping,
+    };
+
     // `duration` is the whole length in units of 100 ns, which the effects are told. Throws FailedJob.
     EffectGraph(const effects::EffectLibrary& library, const effects::EffectStack& stack, media::FrameReader& reader,
-                media::FrameWriter& writer, REFERENCE_TIME duration);
+                media::FrameWriter& writer, REFERENCE_TIME duration, Pace pace = Pace::InTurn);
     ~EffectGraph();
     EffectGraph(const EffectGraph&) = delete;
     EffectGraph& operator=(const EffectGraph&) = delete;

@@ -18,7 +18,12 @@ void RequireGoingOn(const FileJob& job)
 
 double RunGraph(const FileJob& job, media::FrameReader& reader, media::FrameWriter& writer, std::int64_t frames)
 {
-    EffectGraph graph(job.effectLibrary, job.stack, reader, writer, reader.Format().TimeOf(frames));
+    // A picture's bands depend on each other, and several of the largest frames would need too much memory.
+    const media::FrameFormat format = reader.Format();
+    const auto pace = reader.FramesAPicture() == 1 && frames != 1 && format.FrameBytes() <= media::bandBytes
+                          ? EffectGraph::Pace::Overlapping
+                          : EffectGraph::Pace::InTurn;
+    EffectGraph graph(job.effectLibrary, job.stack, reader, writer, format.TimeOf(frames), pace);
     if (job.prepare)
         job.prepare(graph);
     graph.Run(

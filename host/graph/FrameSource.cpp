@@ -1,5 +1,7 @@
 #include "host/graph/FrameSource.h"
 
+#include "host/graph/SampleQueue.h"
+
 #include <limits>
 #include <utility>
 
@@ -31,7 +33,7 @@ HRESULT FrameSourcePin::GetMediaType(int index, CMediaType* type)
 
 HRESULT FrameSourcePin::DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request)
 {
-    request->cBuffers = std::max(request->cBuffers, 1L); // a frame is back before the next one is read
+    request->cBuffers = std::max(request->cBuffers, offer.buffers);
     request->cbBuffer = std::max(request->cbBuffer, offer.bufferBytes);
     request->cbAlign = std::max(request->cbAlign, 1L);
     ALLOCATOR_PROPERTIES actual = {};
@@ -105,43 +107,91 @@ void FrameSourcePin::Stream() noexcept
 // S_OK at the end of the reader, S_FALSE when downstream or a stop ended it.
 HRESULT FrameSourcePin::DeliverAll() noexcept
 {
-    const media::FrameFormat format = reader->Format();
-    for (std::int64_t index = 0; !stopping; ++index) {
-        ComPtr<IMediaSample> sample;
-        HRESULT result = GetDeliveryBuffer(&sample, nullptr, nullptr, 0);
-        if (FAILED(result))
-            return stopping ? S_FALSE : result;
-        BYTE* data = nullptr;
-        if (result = sample->GetPointer(&data); FAILED(result))
-            return result;
-        const std::size_t bytes = format.FrameBytes();
-        if (sample->GetSize() < static_cast<long>(bytes))
-            return E_FAIL;
-        try {
-            if (!reader->Read({data, bytes}))
-                return S_OK;
-        } catch (...) {
-            source.failure = std::current_exception();
-            return E_FAIL;
-        }
-        REFERENCE_TIME begin = format.TimeOf(index), end = format.TimeOf(index + 1);
-        sample->SetActualDataLength(static_cast<long>(bytes));
-        sample->SetTime(&begin, &end);
-        sample->SetSyncPoint(TRUE);
-        sample->SetDiscontinuity(index == 0);
-        sample->SetPreroll(FALSE);
-        timer->Begin();
-        if (result = Deliver(sample.Get()); result != S_OK)
-            return result;
+    HRESULT result = S_OK;
+    try {
+        if (offer.buffers > 1)
+            result = DeliverAhead();
+        else
+            for (std::int64_t index = 0; result == S_OK; ++index) {
+                ComPtr<IMediaSample> sample;
+                result = ReadSample(index, sample);
+                if (result != S_OK)
+                    break;
+                timer->Begin();
+                result = Deliver(sample.Get());
+            }
+    } catch (const std::exception&) {
+        return E_OUTOFMEMORY;
     }
-    return S_FALSE;
+    return result == VFW_S_NO_MORE_ITEMS ? S_OK : result;
+}
+
+HRESULT FrameSourcePin::DeliverAhead()
+{
+    SampleQueue ahead;
+    std::thread reading([&] {
+        const HRESULT com = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+        HRESULT result = S_OK;
+        for (std::int64_t index = 0; result == S_OK; ++index) {
+            ComPtr<IMediaSample> sample;
+            result = ReadSample(index, sample);
+            if (result == S_OK && !ahead.Put(sample.Get()))
+                result = S_FALSE;
+        }
+        ahead.End(result);
+        if (SUCCEEDED(com))
+            CoUninitialize();
+    });
+    HRESULT result = S_OK;
+    while (result == S_OK) {
+        ComPtr<IMediaSample> sample;
+        result = ahead.Take(sample);
+        if (result != S_OK)
+            break;
+        timer->Begin();
+        result = Deliver(sample.Get());
+    }
+    ahead.Close(); // the other thread may be waiting for a buffer
+    reading.join();
+    return result;
+}
+
+// The next frame; VFW_S_NO_MORE_ITEMS at the end of the reader, S_FALSE when a stop ended it.
+HRESULT FrameSourcePin::ReadSample(std::int64_t index, ComPtr<IMediaSample>& sample) noexcept
+{
+    if (stopping)
+        return S_FALSE;
+    HRESULT result = GetDeliveryBuffer(&sample, nullptr, nullptr, 0);
+    if (FAILED(result))
+        return stopping ? S_FALSE : result;
+    BYTE* data = nullptr;
+    if (result = sample->GetPointer(&data); FAILED(result))
+        return result;
+    const std::size_t bytes = offer.format.FrameBytes();
+    if (sample->GetSize() < static_cast<long>(bytes))
+        return E_FAIL;
+    try {
+        if (!reader->Read({data, bytes}))
+            return VFW_S_NO_MORE_ITEMS;
+    } catch (...) {
+        source.failure = std::current_exception();
+        return E_FAIL;
+    }
+    REFERENCE_TIME begin = offer.format.TimeOf(index), end = offer.format.TimeOf(index + 1);
+    sample->SetActualDataLength(static_cast<long>(bytes));
+    sample->SetTime(&begin, &end);
+    sample->SetSyncPoint(TRUE);
+    sample->SetDiscontinuity(index == 0);
+    sample->SetPreroll(FALSE);
+    return S_OK;
 }
 
 FrameSource::FrameSource() : CBaseFilter(L"Frame source", nullptr, &lock, GUID_NULL) {}
 
-ComPtr<FrameSource> FrameSource::Create(media::FrameReader& reader, PassTimer& timer)
+ComPtr<FrameSource> FrameSource::Create(media::FrameReader& reader, PassTimer& timer, long buffers)
 {
-    FrameSourcePin::Offer offer = {{}, static_cast<long>(reader.Format().FrameBytes()), Allocator::Shared};
+    FrameSourcePin::Offer offer = {
+        {}, static_cast<long>(reader.Format().FrameBytes()), Allocator::Shared, buffers, reader.Format()};
     if (FAILED(MediaTypeOf(reader.Format(), offer.type)))
         throw std::bad_alloc();
     ComPtr<FrameSource> source(new FrameSource);

@@ -20,8 +20,9 @@ class FrameSource : public CBaseFilter
 {
 public:
     // Pushes the reader's frames downstream as 32-bit RGB, on a thread of its own from pause to stop. Frames carry
-    // their times and are all key frames. The reader and the timer must outlive the filter.
-    static ComPtr<FrameSource> Create(media::FrameReader& reader, PassTimer& timer);
+    // their times and are all key frames. The reader and the timer must outlive the filter. With more than one buffer
+    // frames are read ahead on a further thread, while those before them are on their way.
+    static ComPtr<FrameSource> Create(media::FrameReader& reader, PassTimer& timer, long buffers = 1);
 
     enum class Allocator
     {
@@ -63,6 +64,8 @@ public:
         CMediaType type;
         long bufferBytes;
         FrameSource::Allocator allocator;
+        long buffers = 1;
+        media::FrameFormat format = {}; // of the reader's frames
     };
 
     // Without a reader it sends nothing by itself; a timer comes with the reader.
@@ -83,6 +86,8 @@ private:
     void EndThread();
     void Stream() noexcept;
     HRESULT DeliverAll() noexcept;
+    HRESULT DeliverAhead();
+    HRESULT ReadSample(std::int64_t index, ComPtr<IMediaSample>& sample) noexcept;
 
     FrameSource& source;
     media::FrameReader* const reader;

@@ -11,9 +11,53 @@ bool FrameTaker::Accepts(const CMediaType& type) const
     return header.biWidth == format.width && header.biHeight == format.height;
 }
 
+FrameTaker::~FrameTaker()
+{
+    waiting.Close();
+    End();
+}
+
 HRESULT FrameTaker::Take(IMediaSample& sample) noexcept
 {
     timer.End();
+    if (!behind)
+        return Write(sample);
+    try {
+        if (!thread.joinable())
+            thread = std::thread([this] { WriteAll(); });
+        return waiting.Put(&sample) ? S_OK : E_FAIL;
+    } catch (const std::exception&) {
+        return E_OUTOFMEMORY;
+    }
+}
+
+void FrameTaker::OnEndOfStream() noexcept
+{
+    waiting.End(S_FALSE);
+    End();
+}
+
+void FrameTaker::End() noexcept
+{
+    if (thread.joinable())
+        thread.join();
+}
+
+void FrameTaker::WriteAll() noexcept
+{
+    const HRESULT com = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    for (HRESULT result = S_OK; result == S_OK;) {
+        ComPtr<IMediaSample> sample;
+        result = waiting.Take(sample);
+        if (result == S_OK && FAILED(result = Write(*sample.Get())))
+            waiting.Close(); // the next sample hears of it
+    }
+    if (SUCCEEDED(com))
+        CoUninitialize();
+}
+
+HRESULT FrameTaker::Write(IMediaSample& sample) noexcept
+{
     BYTE* data = nullptr;
     const std::size_t bytes = format.FrameBytes();
     if (FAILED(sample.GetPointer(&data)) || sample.GetActualDataLength() != static_cast<long>(bytes))

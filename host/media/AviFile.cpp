@@ -389,6 +389,31 @@ bool BeginsAsAvi(FileBytes& file)
     return riff && riff->tag == TagOf("RIFF") && riff->type == TagOf("AVI ");
 }
 
+std::string_view ForeignClip(FileBytes& file)
+{
+    struct Row
+    {
+        std::size_t at;
+        std::string_view bytes, kind;
+    };
+    using namespace std::string_view_literals;
+    static constexpr Row rows[] = {{4, "ftyp"sv, "MP4 or QuickTime"sv},
+                                   {4, "moov"sv, "MP4 or QuickTime"sv},
+                                   {0, "\x1A\x45\xDF\xA3"sv, "Matroska or WebM"sv},
+                                   {0, "FLV\1"sv, "Flash video"sv},
+                                   {0, "OggS"sv, "Ogg"sv},
+                                   {0, "\0\0\1\xBA"sv, "MPEG"sv},
+                                   {0, "\x30\x26\xB2\x75"sv, "Windows Media"sv}};
+    std::array<std::uint8_t, 8> head = {};
+    if (!file.Read(0, head))
+        return {};
+    const auto* const found = std::ranges::find_if(rows, [&](const Row& row) {
+        return std::equal(row.bytes.begin(), row.bytes.end(), head.begin() + static_cast<std::ptrdiff_t>(row.at),
+                          [](char letter, std::uint8_t byte) { return static_cast<std::uint8_t>(letter) == byte; });
+    });
+    return found == std::end(rows) ? std::string_view() : found->kind;
+}
+
 AviFile ReadAviFile(FileBytes& file)
 {
     const auto riff = ChunkAt(file, 0);

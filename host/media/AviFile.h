@@ -10,6 +10,7 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vixahost::media {
@@ -79,6 +80,10 @@ AviFile ReadAviFile(FileBytes& file);
 
 // True when the file begins as an AVI clip does.
 bool BeginsAsAvi(FileBytes& file);
+
+// The kind of clip, of those that aren't read here, that a file begins as: "MP4 or QuickTime"; empty for any other
+// file.
+std::string_view ForeignClip(FileBytes& file);
 
 // The chunk's data; false when the chunk isn't what the index says. `into` has the chunk's size.
 bool ReadChunk(FileBytes& file, const AviChunk& chunk, std::span<std::uint8_t> into);

@@ -4,12 +4,30 @@
 #include "host/base/Text.h"
 #include "host/media/FileOnDisk.h"
 
+#include <cwchar>
+
 namespace vixahost::media {
 
 bool IsAvi(const std::filesystem::path& file)
 {
     FileOnDisk bytes(file);
     return BeginsAsAvi(bytes);
+}
+
+std::string ConversionOf(const std::filesystem::path& file)
+{
+    const auto target = file.parent_path() / (file.stem().native() + L"-rgb.avi");
+    return "ffmpeg -i \"" + Show(file) + "\" -c:v rawvideo -pix_fmt bgr24 -c:a pcm_s16le \"" + Show(target) + "\"";
+}
+
+void RefuseForeignClip(const std::filesystem::path& file)
+{
+    FileOnDisk bytes(file);
+    if (const std::string_view kind = ForeignClip(bytes); !kind.empty())
+        throw FailedJob(Show(file) + " is a clip of another kind (" + std::string(kind) +
+                        "), not AVI. Convert it first: " + ConversionOf(file));
+    if (_wcsicmp(file.extension().c_str(), L".avi") == 0 && !BeginsAsAvi(bytes))
+        throw FailedJob(Show(file) + " is no AVI clip although its name says so: it begins with other bytes.");
 }
 
 AviFile ReadClipStructure(FileBytes& bytes, const std::filesystem::path& file)

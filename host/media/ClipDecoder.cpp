@@ -2,6 +2,7 @@
 
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
+#include "host/media/AviHeader.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -72,7 +73,7 @@ ClipDecoder::ClipDecoder(std::filesystem::path clip, int frameWidth, int frameHe
         *decoder.GetAddressOf() = AVIStreamGetFrameOpen(video.Get(), nullptr); // whatever it likes to give
     if (!decoder)
         throw FailedJob("This system has no decoder for " + Show(path) + " (format \"" + FormatName(video.Get()) +
-                        "\"); convert the clip to uncompressed RGB first.");
+                        "\"). Convert it first: " + ConversionOf(path));
 }
 
 void ClipDecoder::Decode(std::int64_t index, std::span<std::uint8_t> frame)

@@ -185,6 +185,8 @@ TEST_F(HostRun, BadInputIsToldInOneLineAndWritesNothing)
     ClipRecipe foreign;
     std::copy_n("ZZZ9", 5, foreign.compression);
     WriteBytes(folder / L"foreign.avi", MakeClip(foreign));
+    WriteBytes(folder / L"random.avi", Bytes(400, 0x5A));
+    WriteBytes(folder / L"camera.mp4", {0, 0, 0, 24, 'f', 't', 'y', 'p', 'i', 's', 'o', 'm'});
     ClipRecipe broken;
     broken.frames = 60;
     Bytes middle = MakeClip(broken);
@@ -227,6 +229,11 @@ TEST_F(HostRun, BadInputIsToldInOneLineAndWritesNothing)
         {{L"apply", L"Emboss", L"text.png", L"out.png"}, 1, "PNG, BMP, JPEG or TIFF"},
         {{L"apply", L"Emboss", L"cut.avi", L"out.avi"}, 1, "cut short"},
         {{L"apply", L"Emboss", L"foreign.avi", L"out.avi"}, 1, "ZZZ9"},
+        {{L"apply", L"Emboss", L"foreign.avi", L"out.avi"},
+         1,
+         "ffmpeg -i \"foreign.avi\" -c:v rawvideo -pix_fmt bgr24 -c:a pcm_s16le \"foreign-rgb.avi\""},
+        {{L"apply", L"Emboss", L"random.avi", L"out.avi"}, 1, "is no AVI clip although its name says so"},
+        {{L"apply", L"Emboss", L"camera.mp4", L"out.png"}, 1, "MP4 or QuickTime"},
         {{L"apply", L"Emboss", L"middle.avi", L"out.avi"}, 1, "can't be decoded"},
         {{L"apply", L"Emboss", L"in.png", L"nowhere/out.png"}, 1, "nowhere"},
         {{L"apply", L"Emboss", L"clip.avi", L"nowhere/out.avi"}, 1, "nowhere"},

@@ -8,6 +8,8 @@
 
 #include <vixavideofx/ClassIds.h>
 
+#include <algorithm>
+
 namespace vixahost {
 namespace {
 
@@ -47,6 +49,47 @@ TEST_F(Graph, BandsGiveTheBytesOfTheWholePicture)
                 EXPECT_EQ(bands.FramesAPicture() > 1, height > std::max(rows, 2 * int(stack.size()) + 2));
                 EXPECT_TRUE(picture.pixels == wanted.pixels);
             }
+}
+
+TEST_F(Graph, AtEitherPaceFramesKeepTheirOrderAndFaultsAreTold)
+{
+    constexpr int count = 30;
+    struct Ends : media::FrameReader, media::FrameWriter
+    {
+        media::FrameFormat Format() const override { return {8, 8, 25, 1}; }
+        bool Read(std::span<std::uint8_t> frame) override
+        {
+            if (read == readFault)
+                throw FailedJob("cut short");
+            std::ranges::fill(frame, static_cast<std::uint8_t>(read));
+            return read++ < count;
+        }
+        void Write(std::span<const std::uint8_t> frame) override
+        {
+            if (written == writeFault)
+                throw FailedJob("full");
+            inOrder &= frame[0] == 255 - written++;
+        }
+        int readFault = -1, writeFault = -1, read = 0, written = 0;
+        bool inOrder = true;
+    };
+    for (const auto pace : {graph::EffectGraph::Pace::InTurn, graph::EffectGraph::Pace::Overlapping})
+        for (const auto& [readFault, writeFault] : {std::pair{-1, -1}, {0, -1}, {20, -1}, {-1, 0}, {-1, count - 1}}) {
+            SCOPED_TRACE(testing::Message() << readFault << ", " << writeFault << ", pace " << int(pace));
+            Ends ends;
+            ends.readFault = readFault;
+            ends.writeFault = writeFault;
+            graph::EffectGraph graph(library, {{CLSID_InvertColor, "", {7}}}, ends, ends, 1, pace);
+            std::string fault;
+            try {
+                graph.Run();
+            } catch (const FailedJob& failure) {
+                fault = failure.what();
+            }
+            EXPECT_EQ(fault, readFault >= 0 ? "cut short" : writeFault >= 0 ? "full" : "");
+            EXPECT_TRUE(ends.inOrder);
+            EXPECT_EQ(ends.written, writeFault >= 0 ? writeFault : readFault >= 0 ? ends.written : count);
+        }
 }
 
 TEST_F(Graph, OneThatCannotStartEndsAtOnceAndSaysWhy)
