@@ -24,16 +24,19 @@ void ReadFrames(MemoryFile& file, const AviStream& pictures)
     if (!layout.IsUncompressed() || bytes > (1 << 20)) // a frame of one bit a pixel grows
         return;
     std::vector<std::uint8_t> stored(layout.bytes), frame(bytes);
-    for (std::size_t i = 0; i < std::min<std::size_t>(pictures.chunks.size(), 4); ++i)
-        if (pictures.chunks[i].bytes == layout.bytes && ReadChunk(file, pictures.chunks[i], stored))
-            if (layout.yuv) {
-                const YuvPixels pixels(*layout.yuv, ColoursFor({}, layout.width, layout.height), layout.width,
-                                       layout.height);
-                pixels.ToRgb(stored, frame);
-                pixels.FromRgb(frame, stored);
-            } else {
-                ToRgb32(layout, stored, frame);
-            }
+    for (std::size_t i = 0; i < std::min<std::size_t>(pictures.chunks.size(), 4); ++i) {
+        if (pictures.chunks[i].bytes != layout.bytes || !ReadChunk(file, pictures.chunks[i], stored)) {
+            continue;
+        }
+        if (layout.yuv) {
+            const YuvPixels pixels(*layout.yuv, ColoursFor({}, layout.width, layout.height), layout.width,
+                                   layout.height);
+            pixels.ToRgb(stored, frame);
+            pixels.FromRgb(frame, stored);
+        } else {
+            ToRgb32(layout, stored, frame);
+        }
+    }
 }
 
 } // namespace
