@@ -11,7 +11,7 @@ namespace {
 
 // A band's rows are read, worked on and written while they lie in the caches. An even number of them holds whole pairs
 // of pixels whatever the width, which is what some effects count in.
-constexpr std::size_t bandBytes = std::size_t{64} * 1024;
+constexpr std::size_t bandBytes = std::size_t{128} * 1024;
 
 std::size_t BandRows(PictureSize size) noexcept
 {

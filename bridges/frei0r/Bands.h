@@ -17,7 +17,7 @@ struct PictureSize
 
 // Writes to `out` what the effect makes of `in`: the colours that the library gives for the same picture in its own
 // order of rows, the lowest first, and the alpha of `in`. The two are one buffer or don't overlap. A convolution's size
-// and scratch are set here. Memory is had for the length of the call, about 300 KB for usual widths; when there is none
+// and scratch are set here. Memory is had for the length of the call, some 200 KB for usual widths; when there is none
 // the picture is copied as it is. Any threads may call at once.
 void Render(kernels::StepParameters effect, const std::uint32_t* in, std::uint32_t* out, PictureSize size) noexcept;
 

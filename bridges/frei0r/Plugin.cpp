@@ -91,7 +91,8 @@ f0r_instance_t f0r_construct(unsigned int width, unsigned int height)
     void* const memory = std::malloc(sizeof(Instance));
     if (!memory)
         return nullptr;
-    auto* const instance = new (memory) Instance{.size = {width, height}, .values = {}};
+    auto* const instance = new (memory) Instance;
+    instance->size = {width, height};
     for (std::size_t i = 0; i < knobs.size(); ++i)
         instance->values[i] = knobs[i].initial;
     return instance;
@@ -102,16 +103,16 @@ void f0r_destruct(f0r_instance_t instance)
     std::free(instance);
 }
 
-void f0r_set_param_value(f0r_instance_t instance, f0r_param_t value, int index)
+void f0r_set_param_value(f0r_instance_t instance, f0r_param_t param, int index)
 {
-    if (auto* const place = ValueOf(instance, value, index))
-        *place = *static_cast<const double*>(value);
+    if (auto* const place = ValueOf(instance, param, index))
+        *place = *static_cast<const double*>(param);
 }
 
-void f0r_get_param_value(f0r_instance_t instance, f0r_param_t value, int index)
+void f0r_get_param_value(f0r_instance_t instance, f0r_param_t param, int index)
 {
-    if (const auto* const place = ValueOf(instance, value, index))
-        *static_cast<double*>(value) = *place;
+    if (const auto* const place = ValueOf(instance, param, index))
+        *static_cast<double*>(param) = *place;
 }
 
 void f0r_update(f0r_instance_t instance, double, const std::uint32_t* in, std::uint32_t* out)

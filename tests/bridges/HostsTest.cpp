@@ -30,7 +30,7 @@ protected:
     static std::string InputFile(Size size) { return Name(size) + ".bgra"; }
     static std::string OutputFile(std::size_t setting) { return std::to_string(setting) + ".bgra"; }
 
-    void Run(const std::string& command)
+    static void Run(const std::string& command)
     {
         ASSERT_EQ(std::system(("timeout 60 " + command + " >log 2>&1").c_str()), 0) << command << "\n"
                                                                                     << std::ifstream("log").rdbuf();
@@ -41,7 +41,7 @@ protected:
     {
         for (std::size_t i = 0; i < settings.size(); ++i)
             std::filesystem::remove(OutputFile(i));
-        const Picture in = RandomPicture(size);
+        Picture in = RandomPicture(size);
         std::ofstream(InputFile(size), std::ios::binary)
             .write(reinterpret_cast<const char*>(in.data()), static_cast<std::streamsize>(4 * in.size()));
         return in;
@@ -72,7 +72,7 @@ protected:
         Run(command + more + " -consumer avformat:" + OutputFile(setting) +
             " f=rawvideo vcodec=rawvideo pix_fmt=bgra mlt_image_format=rgba an=1 real_time=-1");
     }
-    void WritePng(Size size)
+    static void WritePng(Size size)
     {
         Run("ffmpeg -v error -y -f rawvideo -pix_fmt bgra -s " + Name(size) + " -i " + InputFile(size) + " in.png");
     }
@@ -154,9 +154,9 @@ TEST_F(Hosts, MltMakesSlicesAtOnce)
             continue;
         Melt(i, size, " threads=2");
         Picture expected;
-        for (auto from = in.begin(); from != in.end(); from += slice.width * slice.height)
-            std::ranges::copy(Expected(settings[i], {from, from + slice.width * slice.height}, slice),
-                              std::back_inserter(expected));
+        const std::ptrdiff_t pixels = std::ptrdiff_t{slice.width} * slice.height;
+        for (auto from = in.begin(); from != in.end(); from += pixels)
+            std::ranges::copy(Expected(settings[i], {from, from + pixels}, slice), std::back_inserter(expected));
         ExpectOutput(i, expected);
     }
 }
