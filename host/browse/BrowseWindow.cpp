@@ -670,7 +670,7 @@ bool BrowseWindow::MayReplace(const std::filesystem::path& file)
 std::optional<std::filesystem::path> BrowseWindow::AskTarget(FilePurpose purpose, std::filesystem::path suggestion)
 {
     for (;;) {
-        const auto file = AskForFile(hwnd, texts, purpose, suggestion);
+        auto file = AskForFile(hwnd, texts, purpose, suggestion);
         if (!file || MayReplace(*file))
             return file;
         suggestion = *file;

@@ -66,16 +66,16 @@ std::wstring Literal(const std::wstring& text)
     return literal;
 }
 
+void Append(HMENU menu, UINT flags, UINT_PTR target, const std::wstring& text)
+{
+    if (!AppendMenuW(menu, flags, target, text.c_str()))
+        throw std::bad_alloc();
+}
+
 class Builder
 {
 public:
     explicit Builder(const Texts& language) : texts(language) {}
-
-    void Append(HMENU menu, UINT flags, UINT_PTR target, const std::wstring& text) const
-    {
-        if (!AppendMenuW(menu, flags, target, text.c_str()))
-            throw std::bad_alloc();
-    }
 
     HMENU Popup(std::span<const Item> items) const
     {
@@ -133,8 +133,8 @@ HMENU MakeMenu(const Texts& texts, const MenuContent& content)
     const HMENU bar = CreateMenu();
     const HMENU file = builder.Popup(fileItems), recent = CreatePopupMenu();
     for (std::size_t i = 0; i < content.recent.size(); ++i)
-        builder.Append(recent, MF_STRING, IDM_RECENT_FILE + i,
-                       L"&" + std::to_wstring(i + 1) + L" " + Literal(content.recent[i].native()));
+        Append(recent, MF_STRING, IDM_RECENT_FILE + i,
+               L"&" + std::to_wstring(i + 1) + L" " + Literal(content.recent[i].native()));
     wchar_t label[100] = {};
     GetMenuStringW(file, IDM_RECENT, label, 100, MF_BYCOMMAND);
     ModifyMenuW(file, IDM_RECENT, MF_BYCOMMAND | MF_POPUP | (content.recent.empty() ? MF_GRAYED : 0u),
@@ -147,18 +147,18 @@ HMENU MakeMenu(const Texts& texts, const MenuContent& content)
     std::wstring used;
     for (std::size_t i = 0; i < content.presets.size(); ++i) {
         if (i == content.shipped)
-            builder.Append(presets, MF_SEPARATOR, 0, {});
-        builder.Append(presets, MF_STRING, IDM_PRESET + i, Literal(content.presets[i]));
+            Append(presets, MF_SEPARATOR, 0, {});
+        Append(presets, MF_STRING, IDM_PRESET + i, Literal(content.presets[i]));
     }
-    builder.Append(presets, MF_SEPARATOR, 0, {});
-    builder.Append(presets, MF_STRING, IDM_SAVE_PRESET, builder.Keyed(IDT_SAVE_PRESET, used));
+    Append(presets, MF_SEPARATOR, 0, {});
+    Append(presets, MF_STRING, IDM_SAVE_PRESET, builder.Keyed(IDT_SAVE_PRESET, used));
     builder.Enter(bar, IDT_PRESETS, presets);
     builder.Enter(bar, IDT_CLIP, builder.Popup(clipItems));
 
     const HMENU languages = CreatePopupMenu();
     for (std::size_t i = 0; i < content.languages.size(); ++i)
-        builder.Append(languages, i > 0 && i % 14 == 0 ? MF_STRING | MF_MENUBARBREAK : MF_STRING, IDM_LANGUAGE + i,
-                       content.languages[i].name);
+        Append(languages, i > 0 && i % 14 == 0 ? MF_STRING | MF_MENUBARBREAK : MF_STRING, IDM_LANGUAGE + i,
+               content.languages[i].name);
     builder.Enter(bar, IDT_LANGUAGE, languages);
     builder.Enter(bar, IDT_HELP, builder.Popup(helpItems));
     return bar;

@@ -24,7 +24,7 @@ std::filesystem::path UserFolder()
     return std::filesystem::path(folder.data()) / L"VixaVideoFX";
 }
 
-RecentFiles::RecentFiles(std::filesystem::path folder) : listFile(std::move(folder) / L"recent.txt")
+RecentFiles::RecentFiles(const std::filesystem::path& folder) : listFile(folder / L"recent.txt")
 {
     std::ifstream stream(listFile, std::ios::binary);
     for (std::string line; files.size() < mostRecent && std::getline(stream, line);)

@@ -14,7 +14,7 @@ std::filesystem::path UserFolder();
 class RecentFiles
 {
 public:
-    explicit RecentFiles(std::filesystem::path folder);
+    explicit RecentFiles(const std::filesystem::path& folder);
     const std::vector<std::filesystem::path>& List() const noexcept { return files; }
     // Puts a file first and writes the list. What can't be written is only forgotten.
     void Enter(const std::filesystem::path& file);

@@ -165,7 +165,8 @@ protected:
     {
         std::wstring text(300, L'\0');
         SendMessageW(GetDlgItem(frame, IDC_STATUS), SB_GETTEXTW, 0, reinterpret_cast<LPARAM>(text.data()));
-        return text.c_str();
+        text.resize(std::wcslen(text.data()));
+        return text;
     }
 
     HWND Panel() const { return FindWindowExW(panelHost, nullptr, L"#32770", nullptr); }
