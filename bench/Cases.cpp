@@ -1,49 +1,31 @@
 #include "bench/Cases.h"
 
+#include <algorithm>
+#include <stdexcept>
+
 namespace vixa::bench {
 
 namespace {
 
 using namespace kernels;
 
-Case FilterColorCase(const char* name, std::int32_t colour)
-{
-    return {name,
-            [colour](const KernelSet& set, Frame frame, Size, Frame) {
-                set.filterColor(frame, {40, colour, true});
-            },
-            {40, colour}};
-}
-
 Case ConvolutionCase(const char* name, std::int32_t kind)
 {
-    ConvolutionParameters parameters;
-    parameters.SetKind(kind);
-    return {name,
-            [parameters](const KernelSet& set, Frame frame, Size size, Frame scratch) {
-                set.convolve(frame, size.width, size.height, parameters, scratch);
-            },
-            {kind},
-            kind};
+    PictureConvolution convolution = {};
+    convolution.parameters.SetKind(kind);
+    return {name, convolution, {kind}, kind};
 }
 
 std::vector<Case> MakeCases()
 {
-    const GammaTable table = MakeGammaTable(160);
     return {
-        {"Add pixel",
-         [](const KernelSet& set, Frame frame, Size, Frame) {
-             set.add(frame, {50, -30, 20});
-         },
-         {50, -30, 20, 0}},
-        {"Invert color", [](const KernelSet& set, Frame frame, Size, Frame) { set.invert(frame, 7); }, {7}},
-        {"Multiply pixel", [](const KernelSet& set, Frame frame, Size, Frame) { set.multiply(frame, 150); }, {150}},
-        {"Gamma correction",
-         [table](const KernelSet& set, Frame frame, Size, Frame) { set.gamma(frame, table); },
-         {160}},
-        FilterColorCase("Filter color, blue", 0),
-        FilterColorCase("Filter color, green", 1),
-        FilterColorCase("Filter color, red", 2),
+        {"Add pixel", AddParameters{50, -30, 20}, {50, -30, 20, 0}},
+        {"Invert color", InvertParameters{7}, {7}},
+        {"Multiply pixel", MultiplyParameters{150}, {150}},
+        {"Gamma correction", MakeGammaTable(160), {160}},
+        {"Filter color, blue", FilterColorParameters{40, 0, true}, {40, 0}},
+        {"Filter color, green", FilterColorParameters{40, 1, true}, {40, 1}},
+        {"Filter color, red", FilterColorParameters{40, 2, true}, {40, 2}},
         ConvolutionCase("Detect edges", 1),
         ConvolutionCase("Emboss", 2),
         ConvolutionCase("Enhance details", 3),
@@ -59,10 +41,40 @@ std::vector<Case> MakeCases()
 
 } // namespace
 
+Step Case::StepFor(const KernelSet& set, Frame frame, Size size, Frame scratch) const
+{
+    Step step = {&set, frame, parameters};
+    if (auto* convolution = std::get_if<PictureConvolution>(&step.parameters)) {
+        convolution->width = size.width;
+        convolution->height = size.height;
+        convolution->scratch = scratch;
+    }
+    return step;
+}
+
 const std::vector<Case>& Cases()
 {
     static const std::vector<Case> cases = MakeCases();
     return cases;
+}
+
+const std::vector<Stack>& Stacks()
+{
+    static const std::vector<Stack> stacks = {
+        {"Five point effects",
+         {"Add pixel", "Invert color", "Multiply pixel", "Gamma correction", "Filter color, blue"}},
+        {"Point and full kernels", {"Add pixel", "Soften filter", "Gamma correction", "Enhance focus", "Invert color"}},
+        {"Three full kernels", {"Enhance details", "Soften filter", "Emboss"}},
+    };
+    return stacks;
+}
+
+const Case& CaseNamed(const std::string& effect)
+{
+    const auto found = std::ranges::find(Cases(), effect, &Case::effect);
+    if (found == Cases().end())
+        throw std::invalid_argument("no case " + effect);
+    return *found;
 }
 
 } // namespace vixa::bench

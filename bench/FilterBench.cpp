@@ -8,6 +8,7 @@
 #include "host/fixtures/RecordedSet.h"
 
 #include <vixavideofx/ClassIds.h>
+#include <vixavideofx/IEffectChaining.h>
 #include <vixavideofx/IEffectFilter.h>
 
 #include <algorithm>
@@ -38,19 +39,14 @@ Microsoft::WRL::ComPtr<IBaseFilter> CreateFilter(const EffectLibrary& library, c
     throw std::logic_error("no class for " + effect);
 }
 
-// One effect, connected and running, with the case's settings.
-class RunningEffect
+// A row of effects, connected and running, with their cases' settings.
+class RunningRow
 {
 public:
-    RunningEffect(const EffectLibrary& library, const Case& measured, Size size)
-        : filter(CreateFilter(library, measured.effect)),
-          graph(filter.Get(), vixahost::fixtures::VideoType(size.width, size.height))
+    RunningRow(const EffectLibrary& library, const std::vector<std::string>& effects, Size size, bool together = true)
+        : graph(FiltersOf(library, effects, together), vixahost::fixtures::VideoType(size.width, size.height))
     {
         graph.Seen().keepsContent = false;
-        vixahost::fixtures::RecordedSet settings(measured.block);
-        Microsoft::WRL::ComPtr<IEffectFilter> effect;
-        filter.As(&effect);
-        effect->SetPropertySet(&settings);
     }
 
     void Receive(kernels::Frame frame)
@@ -60,7 +56,23 @@ public:
     }
 
 private:
-    Microsoft::WRL::ComPtr<IBaseFilter> filter;
+    static std::vector<Microsoft::WRL::ComPtr<IBaseFilter>>
+    FiltersOf(const EffectLibrary& library, const std::vector<std::string>& effects, bool together)
+    {
+        std::vector<Microsoft::WRL::ComPtr<IBaseFilter>> filters;
+        for (const std::string& name : effects) {
+            filters.push_back(CreateFilter(library, name));
+            vixahost::fixtures::RecordedSet settings(CaseNamed(name).block);
+            Microsoft::WRL::ComPtr<IEffectFilter> effect;
+            filters.back().As(&effect);
+            effect->SetPropertySet(&settings);
+            Microsoft::WRL::ComPtr<IEffectChaining> chaining;
+            filters.back().As(&chaining);
+            chaining->SetChaining(together);
+        }
+        return filters;
+    }
+
     vixahost::fixtures::PushGraph graph;
 };
 
@@ -72,12 +84,12 @@ void MeasureOverhead(const EffectLibrary& library, Report& report)
     std::vector<std::uint8_t> bytes(small.width * small.height * 4, std::uint8_t{100});
     std::vector<std::uint8_t> scratch(kernels::ConvolutionScratchBytes(small.width));
     for (const Case& measured : Cases()) {
-        RunningEffect effect(library, measured, small);
+        RunningRow effect(library, {measured.effect}, small);
         double received = 1e9, direct = 1e9;
         for (int round = 0; round < rounds; ++round) {
             auto start = Clock::now();
             for (int call = 0; call < calls; ++call)
-                measured.run(kernels::KernelsOf(kernels::Level::Avx512), bytes, small, scratch);
+                RunStep(measured.StepFor(kernels::KernelsOf(kernels::Level::Avx512), bytes, small, scratch));
             direct = std::min(direct, Since(start) / calls);
             start = Clock::now();
             for (int call = 0; call < calls; ++call)
@@ -110,21 +122,29 @@ void MeasureSize(Size size, const Options& options, const EffectLibrary& library
 {
     TestFrame frame(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height) * 4);
     std::vector<std::uint8_t> scratch(kernels::ConvolutionScratchBytes(size.width));
-    std::vector<Row> rows;
+    std::vector<Row> effects, stacks;
     for (const Case& measured : Cases()) {
-        if (measured.effect.find(options.only) == std::string::npos)
+        if (!options.Wants(measured.effect))
             continue;
-        RunningEffect effect(library, measured, size);
-        rows.push_back({measured.effect, Measure(frame,
-                                                 {{"kernel",
-                                                   [&](kernels::Frame bytes) {
-                                                       measured.run(kernels::KernelsOf(kernels::Level::Avx512), bytes,
-                                                                    size, scratch);
-                                                   }},
-                                                  {"Receive", [&](kernels::Frame bytes) { effect.Receive(bytes); }}},
-                                                 options.seconds)});
+        RunningRow effect(library, {measured.effect}, size);
+        const Candidate kernel = {
+            "kernel", [&](kernels::Frame bytes) {
+                RunStep(measured.StepFor(kernels::KernelsOf(kernels::Level::Avx512), bytes, size, scratch));
+            }};
+        const Candidate received = {"Receive", [&](kernels::Frame bytes) { effect.Receive(bytes); }};
+        effects.push_back({measured.effect, Measure(frame, {kernel, received}, options.seconds)});
     }
-    report.Add(size, {"kernel", "Receive"}, rows);
+    for (const Stack& stack : Stacks()) {
+        if (!options.Wants(stack.name))
+            continue;
+        RunningRow alone(library, stack.effects, size, false), together(library, stack.effects, size);
+        stacks.push_back({stack.name, Measure(frame,
+                                              {{"alone", [&](kernels::Frame bytes) { alone.Receive(bytes); }},
+                                               {"together", [&](kernels::Frame bytes) { together.Receive(bytes); }}},
+                                              options.seconds)});
+    }
+    report.Add(size, {"kernel", "Receive"}, effects);
+    report.Add(size, {"alone", "together"}, stacks);
 }
 
 } // namespace

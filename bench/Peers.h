@@ -12,7 +12,7 @@ namespace vixa::bench {
 
 struct Peer
 {
-    std::string effect; // as in Cases()
+    std::string work; // an effect as in Cases(), or a stack as in Stacks()
     Candidate candidate;
 };
 
@@ -20,5 +20,6 @@ struct Peer
 std::vector<Peer> OpenCvPeers(Size size);
 std::vector<Peer> LibyuvPeers(Size size);
 std::vector<Peer> FfmpegPeers(Size size);
+std::vector<Peer> VipsPeers(Size size);
 
 } // namespace vixa::bench

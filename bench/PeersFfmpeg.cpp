@@ -12,6 +12,7 @@ extern "C" {
 }
 
 #include <cstring>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -20,8 +21,8 @@ namespace vixa::bench {
 
 namespace {
 
-// One filter between a source and a sink, single-threaded. It gets frames in the layout that it works in, so that no
-// conversion is counted; planes are filled from the test frame's bytes outside the measured time, once.
+// Filters between a source and a sink, single-threaded. A single one gets frames in the layout that it works in, so
+// that no conversion is counted; planes are filled from the test frame's bytes outside the measured time, once.
 class FilterGraph
 {
 public:
@@ -83,7 +84,10 @@ std::vector<Peer> FfmpegPeers(Size size)
 {
     av_log_set_level(AV_LOG_QUIET);
     std::vector<Peer> peers;
-    const auto add = [&](const char* effect, const char* name, const char* layout, const std::string& description) {
+    std::map<std::string, std::string> descriptions; // of the effects
+    const auto add = [&](const std::string& effect, const char* name, const char* layout,
+                         const std::string& description) {
+        descriptions[effect] = description;
         auto graph = std::make_shared<FilterGraph>(size, layout, description);
         peers.push_back({effect, {std::string("FFmpeg ") + name, [graph](kernels::Frame) { graph->Run(); }}});
     };
@@ -126,6 +130,14 @@ std::vector<Peer> FfmpegPeers(Size size)
                         << "bias=" << (row.offsets ? 128 : 0);
         }
         add(filter.effect, "convolution", "gbrap", description.str());
+    }
+    // A row is given frames in either layout, and converts where it must.
+    for (const Stack& stack : Stacks()) {
+        std::string row;
+        for (const std::string& effect : stack.effects)
+            row += (row.empty() ? "" : ",") + descriptions.at(effect);
+        for (const char* layout : {"bgra", "gbrap"})
+            add(stack.name, layout, layout, row);
     }
     return peers;
 }

@@ -7,13 +7,22 @@
 #include <opencv2/imgproc.hpp>
 
 #include <cmath>
+#include <map>
 #include <memory>
+#include <utility>
 
 namespace vixa::bench {
 
 namespace {
 
 using Work = std::function<void(cv::Mat& frame, cv::Mat& target)>;
+
+// How an effect is done, and where its result is.
+struct Call
+{
+    Work work;
+    bool inPlace;
+};
 
 void FilterColor(cv::Mat& frame, const cv::Scalar& from, const cv::Scalar& to, const cv::Scalar& change)
 {
@@ -31,20 +40,25 @@ std::vector<Peer> OpenCvPeers(Size size)
     cv::setNumThreads(1);
     auto target = std::make_shared<cv::Mat>(size.height, size.width, CV_8UC4);
     std::vector<Peer> peers;
-    const auto add = [&](const std::string& effect, const std::string& name, Work work) {
+    std::map<std::string, Call> calls; // for an effect the first that is added
+    const auto add = [&](const std::string& effect, const std::string& name, Work work, bool inPlace = false) {
+        calls.try_emplace(effect, Call{work, inPlace});
         peers.push_back({effect, {"OpenCV " + name, [=](kernels::Frame bytes) {
                                       cv::Mat frame(size.height, size.width, CV_8UC4, bytes.data());
                                       work(frame, *target);
                                   }}});
     };
+    const auto addInPlace = [&](const std::string& effect, const std::string& name, Work work) {
+        add(effect, name, std::move(work), true);
+    };
 
-    add("Add pixel", "add", [](cv::Mat& frame, cv::Mat&) { cv::add(frame, cv::Scalar(20, -30, 50, 0), frame); });
-    add("Invert color", "bitwise_not", [](cv::Mat& frame, cv::Mat&) { cv::bitwise_not(frame, frame); });
-    add("Invert color", "subtract",
-        [](cv::Mat& frame, cv::Mat&) { cv::subtract(cv::Scalar(255, 255, 255, 0), frame, frame); });
-    add("Multiply pixel", "convertTo", [](cv::Mat& frame, cv::Mat&) { frame.convertTo(frame, -1, 1.5); });
-    add("Multiply pixel", "multiply",
-        [](cv::Mat& frame, cv::Mat&) { cv::multiply(frame, cv::Scalar(1.5, 1.5, 1.5, 0), frame); });
+    addInPlace("Add pixel", "add", [](cv::Mat& frame, cv::Mat&) { cv::add(frame, cv::Scalar(20, -30, 50, 0), frame); });
+    addInPlace("Invert color", "bitwise_not", [](cv::Mat& frame, cv::Mat&) { cv::bitwise_not(frame, frame); });
+    addInPlace("Invert color", "subtract",
+               [](cv::Mat& frame, cv::Mat&) { cv::subtract(cv::Scalar(255, 255, 255, 0), frame, frame); });
+    addInPlace("Multiply pixel", "convertTo", [](cv::Mat& frame, cv::Mat&) { frame.convertTo(frame, -1, 1.5); });
+    addInPlace("Multiply pixel", "multiply",
+               [](cv::Mat& frame, cv::Mat&) { cv::multiply(frame, cv::Scalar(1.5, 1.5, 1.5, 0), frame); });
 
     cv::Mat table(1, 256, CV_8UC4);
     for (int i = 0; i < 256; ++i) {
@@ -53,14 +67,14 @@ std::vector<Peer> OpenCvPeers(Size size)
     }
     add("Gamma correction", "LUT", [table](cv::Mat& frame, cv::Mat& out) { cv::LUT(frame, table, out); });
 
-    add("Filter color, blue", "HLS and inRange", [](cv::Mat& frame, cv::Mat&) {
+    addInPlace("Filter color, blue", "HLS and inRange", [](cv::Mat& frame, cv::Mat&) {
         FilterColor(frame, {140, 60, 0}, {194, 200, 255}, {40, 0, 0, 0});
     });
-    add("Filter color, green", "HLS and inRange", [](cv::Mat& frame, cv::Mat&) {
+    addInPlace("Filter color, green", "HLS and inRange", [](cv::Mat& frame, cv::Mat&) {
         FilterColor(frame, {68, 60, 0}, {110, 200, 255}, {0, 40, 0, 0});
     });
     // Red's range runs across the end of the scale; one half is asked for here, which flatters the peer.
-    add("Filter color, red", "HLS and inRange", [](cv::Mat& frame, cv::Mat&) {
+    addInPlace("Filter color, red", "HLS and inRange", [](cv::Mat& frame, cv::Mat&) {
         FilterColor(frame, {0, 60, 0}, {24, 200, 255}, {0, 0, 40, 0});
     });
 
@@ -104,6 +118,21 @@ std::vector<Peer> OpenCvPeers(Size size)
     shift("Shift edges, both", 1, 1);
     shift("Shift edges, vertical", 0, 1);
     shift("Shift edges, horizontal", 1, 0);
+
+    for (const Stack& stack : Stacks()) {
+        std::vector<Call> row;
+        for (const std::string& effect : stack.effects)
+            row.push_back(calls.at(effect));
+        peers.push_back({stack.name, {"OpenCV", [=](kernels::Frame bytes) {
+                                          cv::Mat frame(size.height, size.width, CV_8UC4, bytes.data());
+                                          cv::Mat *here = &frame, *there = target.get();
+                                          for (const Call& call : row) {
+                                              call.work(*here, *there);
+                                              if (!call.inPlace)
+                                                  std::swap(here, there);
+                                          }
+                                      }}});
+    }
     return peers;
 }
 

@@ -60,6 +60,8 @@ void Report::AddFigures(Size size, const std::vector<Row>& rows)
 
 void Report::Add(Size size, const std::vector<std::string>& columns, const std::vector<Row>& rows)
 {
+    if (rows.empty())
+        return;
     if (json) {
         AddFigures(size, rows);
         return;

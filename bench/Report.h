@@ -20,7 +20,9 @@ struct Options
     std::vector<Size> sizes;
     double seconds = 0.25; // per candidate
     bool json = false;
-    std::string only; // effects whose name holds this
+    std::string only; // effects and stacks whose name holds this
+
+    bool Wants(const std::string& name) const { return name.find(only) != std::string::npos; }
 };
 
 // Throws std::invalid_argument with one line for words that it does not know.
@@ -33,7 +35,8 @@ public:
     Report(const std::string& program, bool asJson);
     ~Report();
 
-    // One table: a line per effect, a column per name in `columns`, and last the fastest of the other candidates.
+    // One table: a line per row, a column per name in `columns`, and last the fastest of the other candidates. Nothing
+    // without rows.
     void Add(Size size, const std::vector<std::string>& columns, const std::vector<Row>& rows);
     // A figure of its own, such as a time.
     void Add(const std::string& name, double value, const std::string& unit);
