@@ -51,7 +51,7 @@ public:
         for (int plane = 0; plane < 4 && frame->data[plane]; ++plane) {
             const int bytes = frame->linesize[plane] * size.height;
             for (int at = 0; at < bytes; ++at)
-                frame->data[plane][at] = static_cast<std::uint8_t>(at * 2654435761u >> 24);
+                frame->data[plane][at] = static_cast<std::uint8_t>(static_cast<unsigned>(at) * 2654435761u >> 24);
         }
         result = av_frame_alloc();
     }
@@ -78,6 +78,23 @@ private:
     AVFrame *frame = nullptr, *result = nullptr;
 };
 
+std::string ConvolutionFor(const kernels::ConvolutionKernel& kernel)
+{
+    std::ostringstream matrix, description;
+    int sum = 0;
+    for (const std::int32_t coefficient : kernel.coefficients) {
+        matrix << (matrix.tellp() > 0 ? " " : "") << coefficient;
+        sum += coefficient;
+    }
+    description << "convolution=";
+    for (int plane = 0; plane < 4; ++plane) {
+        description << (plane > 0 ? ":" : "") << plane << "m='" << matrix.str() << "':" << plane
+                    << "rdiv=" << (kernel.divides ? 1.0 / sum : 1.0) << ":" << plane
+                    << "bias=" << (kernel.offsets ? 128 : 0);
+    }
+    return description.str();
+}
+
 } // namespace
 
 std::vector<Peer> FfmpegPeers(Size size)
@@ -92,44 +109,18 @@ std::vector<Peer> FfmpegPeers(Size size)
         peers.push_back({effect, {std::string("FFmpeg ") + name, [graph](kernels::Frame) { graph->Run(); }}});
     };
     add("Add pixel", "lutrgb", "bgra",
-        "lutrgb=r=clip(val+50\\,0\\,255):g=clip(val-30\\,0\\,255):b=clip(val+20\\,0\\,255)");
+        R"(lutrgb=r=clip(val+50\,0\,255):g=clip(val-30\,0\,255):b=clip(val+20\,0\,255))");
     add("Invert color", "negate", "gbrap", "negate");
     add("Multiply pixel", "lutrgb", "bgra",
-        "lutrgb=r=clip(val*1.5\\,0\\,255):g=clip(val*1.5\\,0\\,255):b=clip(val*1.5\\,0\\,255)");
+        R"(lutrgb=r=clip(val*1.5\,0\,255):g=clip(val*1.5\,0\,255):b=clip(val*1.5\,0\,255))");
     add("Gamma correction", "lutrgb", "bgra", "lutrgb=r=gammaval(0.625):g=gammaval(0.625):b=gammaval(0.625)");
     for (const auto& [effect, colour] :
          {std::pair{"Filter color, blue", "blues"}, {"Filter color, green", "greens"}, {"Filter color, red", "reds"}})
         add(effect, "selectivecolor", "bgra", std::string("selectivecolor=") + colour + "=-0.3 0.3 0.3");
 
-    const struct
-    {
-        const char* effect;
-        std::int32_t kind;
-    } filters[] = {{"Detect edges", 1},
-                   {"Emboss", 2},
-                   {"Enhance details", 3},
-                   {"Enhance edges", 4},
-                   {"Enhance focus", 5},
-                   {"Light edges", 6},
-                   {"Shift edges, both", 7},
-                   {"Shift edges, vertical", 9},
-                   {"Shift edges, horizontal", 10},
-                   {"Soften filter", 8}};
-    for (const auto& filter : filters) {
-        const kernels::ConvolutionKernel& row = *kernels::KernelOf(filter.kind);
-        std::ostringstream matrix, description;
-        int sum = 0;
-        for (const std::int32_t coefficient : row.coefficients) {
-            matrix << (matrix.tellp() > 0 ? " " : "") << coefficient;
-            sum += coefficient;
-        }
-        description << "convolution=";
-        for (int plane = 0; plane < 4; ++plane) {
-            description << (plane > 0 ? ":" : "") << plane << "m='" << matrix.str() << "':" << plane
-                        << "rdiv=" << (row.divides ? 1.0 / sum : 1.0) << ":" << plane
-                        << "bias=" << (row.offsets ? 128 : 0);
-        }
-        add(filter.effect, "convolution", "gbrap", description.str());
+    for (const Case& measured : Cases()) {
+        if (measured.kind > 0)
+            add(measured.effect, "convolution", "gbrap", ConvolutionFor(*kernels::KernelOf(measured.kind)));
     }
     // A row is given frames in either layout, and converts where it must.
     for (const Stack& stack : Stacks()) {

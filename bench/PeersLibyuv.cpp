@@ -4,7 +4,6 @@
 
 #include <libyuv.h>
 
-#include <cmath>
 #include <memory>
 
 namespace vixa::bench {
@@ -14,7 +13,7 @@ std::vector<Peer> LibyuvPeers(Size size)
     using Bytes = std::vector<std::uint8_t>;
     const int width = size.width, height = size.height, stride = width * 4;
     std::vector<Peer> peers;
-    const auto add = [&](const char* effect, const char* name, std::function<void(std::uint8_t*)> work) {
+    const auto add = [&](const char* effect, const char* name, const std::function<void(std::uint8_t*)>& work) {
         peers.push_back(
             {effect, {std::string("libyuv ") + name, [work](kernels::Frame frame) { work(frame.data()); }}});
     };
@@ -29,9 +28,9 @@ std::vector<Peer> LibyuvPeers(Size size)
     });
     add("Multiply pixel", "ARGBShade",
         [=](std::uint8_t* frame) { libyuv::ARGBShade(frame, stride, frame, stride, width, height, 0x00C0C0C0); });
-    auto table = std::make_shared<Bytes>(1024);
-    for (std::size_t i = 0; i < 1024; ++i)
-        (*table)[i] = static_cast<std::uint8_t>(255 * std::pow(static_cast<double>(i / 4) / 255.0, 100.0 / 160) + 0.5);
+    auto table = std::make_shared<Bytes>();
+    for (const std::uint8_t entry : kernels::MakeGammaTable(160).entries)
+        table->insert(table->end(), 4, entry);
     add("Gamma correction", "RGBColorTable",
         [=](std::uint8_t* frame) { libyuv::RGBColorTable(frame, stride, table->data(), 0, 0, width, height); });
 

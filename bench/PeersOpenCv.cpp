@@ -41,15 +41,15 @@ std::vector<Peer> OpenCvPeers(Size size)
     auto target = std::make_shared<cv::Mat>(size.height, size.width, CV_8UC4);
     std::vector<Peer> peers;
     std::map<std::string, Call> calls; // for an effect the first that is added
-    const auto add = [&](const std::string& effect, const std::string& name, Work work, bool inPlace = false) {
+    const auto add = [&](const std::string& effect, const std::string& name, const Work& work, bool inPlace = false) {
         calls.try_emplace(effect, Call{work, inPlace});
         peers.push_back({effect, {"OpenCV " + name, [=](kernels::Frame bytes) {
                                       cv::Mat frame(size.height, size.width, CV_8UC4, bytes.data());
                                       work(frame, *target);
                                   }}});
     };
-    const auto addInPlace = [&](const std::string& effect, const std::string& name, Work work) {
-        add(effect, name, std::move(work), true);
+    const auto addInPlace = [&](const std::string& effect, const std::string& name, const Work& work) {
+        add(effect, name, work, true);
     };
 
     addInPlace("Add pixel", "add", [](cv::Mat& frame, cv::Mat&) { cv::add(frame, cv::Scalar(20, -30, 50, 0), frame); });
@@ -78,22 +78,10 @@ std::vector<Peer> OpenCvPeers(Size size)
         FilterColor(frame, {0, 60, 0}, {24, 200, 255}, {0, 0, 40, 0});
     });
 
-    const struct
-    {
-        const char* effect;
-        std::int32_t kind;
-    } filters[] = {{"Detect edges", 1},
-                   {"Emboss", 2},
-                   {"Enhance details", 3},
-                   {"Enhance edges", 4},
-                   {"Enhance focus", 5},
-                   {"Light edges", 6},
-                   {"Shift edges, both", 7},
-                   {"Shift edges, vertical", 9},
-                   {"Shift edges, horizontal", 10},
-                   {"Soften filter", 8}};
-    for (const auto& filter : filters) {
-        const kernels::ConvolutionKernel& row = *kernels::KernelOf(filter.kind);
+    for (const Case& measured : Cases()) {
+        if (measured.kind == 0)
+            continue;
+        const kernels::ConvolutionKernel& row = *kernels::KernelOf(measured.kind);
         cv::Mat kernel(3, 3, CV_32F);
         float sum = 0;
         for (int i = 0; i < 9; ++i)
@@ -101,7 +89,7 @@ std::vector<Peer> OpenCvPeers(Size size)
         if (row.divides)
             kernel /= sum;
         const double offset = row.offsets ? 128 : 0;
-        add(filter.effect, "filter2D", [kernel, offset](cv::Mat& frame, cv::Mat& out) {
+        add(measured.effect, "filter2D", [kernel, offset](cv::Mat& frame, cv::Mat& out) {
             cv::filter2D(frame, out, -1, kernel, {-1, -1}, offset, cv::BORDER_CONSTANT);
         });
     }

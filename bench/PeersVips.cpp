@@ -8,7 +8,6 @@
 #include <malloc.h>
 
 #include <array>
-#include <cmath>
 #include <memory>
 #include <stdexcept>
 
@@ -86,10 +85,8 @@ Operation OperationFor(const std::string& effect)
     if (effect == "Invert color")
         return [](VipsImage* in, VipsImage** out) { return Library().invert(in, out, nullptr); };
     if (effect == "Gamma correction") {
-        const auto bytes = std::make_shared<std::array<unsigned char, 256>>();
-        for (std::size_t i = 0; i < bytes->size(); ++i)
-            (*bytes)[i] = static_cast<unsigned char>(255 * std::pow(static_cast<double>(i) / 255, 100.0 / 160) + 0.5);
-        const std::shared_ptr<VipsImage> table(Library().fromMemory(bytes->data(), 256, 256, 1, 1, formatByte),
+        const auto bytes = std::make_shared<kernels::GammaTable>(kernels::MakeGammaTable(160));
+        const std::shared_ptr<VipsImage> table(Library().fromMemory(bytes->entries.data(), 256, 256, 1, 1, formatByte),
                                                Release());
         return
             [=, kept = bytes](VipsImage* in, VipsImage** out) { return Library().map(in, out, table.get(), nullptr); };

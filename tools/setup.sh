@@ -43,7 +43,7 @@ if [ ${#missing[@]} -gt 0 ]; then
     [ "$(id -u)" = 0 ] || fail "Set-up must install packages (${missing[*]}) and needs root: start this command as root once."
     say "Setting up: $why ${#missing[@]} Debian packages that are not here: ${missing[*]}"
     added=
-    if ! dpkg --print-foreign-architectures | grep -qx i386; then
+    if printf '%s\n' "${missing[@]}" | grep -q ':i386$' && ! dpkg --print-foreign-architectures | grep -qx i386; then
         ! dpkg --add-architecture i386 || added=i386
     fi
     # An index of a side suite may be stale on a mirror; whether what is needed can be had shows in the next step.

@@ -52,7 +52,8 @@ void RemoveLeftovers(const std::filesystem::path& target)
     std::filesystem::directory_iterator entry(FolderOf(target), fault);
     for (; !fault && entry != std::filesystem::directory_iterator(); entry.increment(fault)) {
         const std::wstring name = entry->path().filename().native();
-        if (!name.starts_with(beginning) || name.find_first_not_of(L"0123456789", beginning.size()) != name.npos)
+        if (!name.starts_with(beginning) ||
+            name.find_first_not_of(L"0123456789", beginning.size()) != std::wstring::npos)
             continue;
         const UniqueFile left = OpenShared(entry->path(), GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING);
         if (left && Lock(left.get(), LOCKFILE_EXCLUSIVE_LOCK))

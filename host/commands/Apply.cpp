@@ -124,7 +124,7 @@ graph::JobDone Apply(const Job& job, const std::optional<media::PictureFormat>& 
         fileJob.progress = [&line](std::int64_t done, std::int64_t total) { line.Show(done, total); };
     const auto reader = OpenFrames(job.command.input, job.command.frames);
     const auto target = CreateFrames(job.command.output, job.command.frames, *reader);
-    const graph::JobDone done = SaveThroughEffects(fileJob, *reader, *target->writer);
+    graph::JobDone done = SaveThroughEffects(fileJob, *reader, *target->writer);
     if (done.frames == 0)
         throw FailedJob((IsStandard(job.command.input) ? "Standard input" : Show(job.command.input)) +
                         " holds no frame.");

@@ -72,7 +72,7 @@ JobDone SaveThroughEffects(const FileJob& job, const std::filesystem::path& clip
     media::ClipReader reader(clip);
     TargetFile target(job.target);
     media::ClipWriter writer(target, reader.Format(), &reader);
-    const JobDone done = SaveThroughEffects(job, reader, writer);
+    JobDone done = SaveThroughEffects(job, reader, writer);
     target.Commit();
     return done;
 }

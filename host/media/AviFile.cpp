@@ -358,6 +358,36 @@ std::vector<FileChunk> FurtherMovies(FileBytes& file, std::uint64_t at)
     return movies;
 }
 
+// What the part that begins the file holds.
+struct FirstPart
+{
+    Header header;
+    FileChunk movie;
+    std::optional<FileChunk> index;
+};
+
+FirstPart ReadFirstPart(FileBytes& file, const FileChunk& riff)
+{
+    std::optional<Header> header;
+    std::optional<FileChunk> movie, index;
+    std::uint64_t count = 0;
+    for (std::uint64_t at = riff.content; at + 8 <= riff.end && ++count < mostTopChunks;) {
+        const auto chunk = ChunkAt(file, at);
+        if (!chunk || chunk->end > riff.end)
+            Damaged("a part of it is longer than the whole");
+        if (chunk->type == TagOf("hdrl") && !header)
+            header = ReadHeader(file, *chunk);
+        else if (chunk->type == TagOf("movi") && !movie)
+            movie = chunk;
+        else if (chunk->tag == TagOf("idx1") && !index)
+            index = chunk;
+        at = chunk->Next();
+    }
+    if (!header || !movie)
+        Damaged("it has no header or no data");
+    return {std::move(*header), *movie, index};
+}
+
 // A time in units of 100 ns stays below 2^61 for all frames.
 void CheckLength(const AviStream& stream)
 {
@@ -419,42 +449,26 @@ AviFile ReadAviFile(FileBytes& file)
     const auto riff = ChunkAt(file, 0);
     if (!riff || riff->end > file.Size())
         CutShort();
-    std::optional<Header> header;
-    std::optional<FileChunk> movie, index;
-    std::uint64_t count = 0;
-    for (std::uint64_t at = riff->content; at + 8 <= riff->end && ++count < mostTopChunks;) {
-        const auto chunk = ChunkAt(file, at);
-        if (!chunk || chunk->end > riff->end)
-            Damaged("a part of it is longer than the whole");
-        if (chunk->type == TagOf("hdrl") && !header)
-            header = ReadHeader(file, *chunk);
-        else if (chunk->type == TagOf("movi") && !movie)
-            movie = chunk;
-        else if (chunk->tag == TagOf("idx1") && !index)
-            index = chunk;
-        at = chunk->Next();
-    }
-    if (!header || !movie)
-        Damaged("it has no header or no data");
+    FirstPart part = ReadFirstPart(file, *riff);
     const std::vector<FileChunk> more = FurtherMovies(file, riff->Next());
-    ChunkList chunks(*header, file.Size());
+    ChunkList chunks(part.header, file.Size());
     const bool ownIndexes =
-        std::ranges::all_of(header->indexes, [](const auto& streamIndex) { return !streamIndex.empty(); });
+        std::ranges::all_of(part.header.indexes, [](const auto& streamIndex) { return !streamIndex.empty(); });
     if (ownIndexes && !more.empty()) {
         StreamIndexes reader(file, chunks);
-        for (const auto& streamIndex : header->indexes)
+        for (const auto& streamIndex : part.header.indexes)
             reader.Read(streamIndex);
     } else {
-        if (header->hasIndex && index)
-            ReadIndex(file, *index, *movie, chunks);
+        if (part.header.hasIndex && part.index)
+            ReadIndex(file, *part.index, part.movie, chunks);
         else
-            WalkMovie(file, *movie, chunks);
+            WalkMovie(file, part.movie, chunks);
         for (const FileChunk& further : more)
             WalkMovie(file, further, chunks);
     }
-    for (const AviStream& stream : header->streams)
+    for (const AviStream& stream : part.header.streams)
         CheckLength(stream);
-    return {std::move(header->streams)};
+    return {std::move(part.header.streams)};
 }
 
 bool ReadChunk(FileBytes& file, const AviChunk& chunk, std::span<std::uint8_t> into)

@@ -7,28 +7,28 @@ namespace vixahost::media {
 
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
+using ByteString = std::vector<std::uint8_t>;
 
 constexpr std::size_t indexHeaderBytes = 24;
 
-void Put(Bytes& to, std::uint64_t value, int bytes)
+void Put(ByteString& to, std::uint64_t value, int bytes)
 {
     for (int i = 0; i < bytes; ++i)
         to.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
 }
 
-void Put32(Bytes& to, std::uint64_t value)
+void Put32(ByteString& to, std::uint64_t value)
 {
     Put(to, value, 4);
 }
 
-void PutTag(Bytes& to, const Tag& tag)
+void PutTag(ByteString& to, const Tag& tag)
 {
     for (const char letter : tag)
         to.push_back(static_cast<std::uint8_t>(letter));
 }
 
-void PutChunk(Bytes& to, const Tag& tag, const Bytes& content)
+void PutChunk(ByteString& to, const Tag& tag, const ByteString& content)
 {
     PutTag(to, tag);
     Put32(to, content.size());
@@ -37,9 +37,9 @@ void PutChunk(Bytes& to, const Tag& tag, const Bytes& content)
         to.push_back(0);
 }
 
-Bytes ListOf(const Tag& type)
+ByteString ListOf(const Tag& type)
 {
-    Bytes list;
+    ByteString list;
     PutTag(list, type);
     return list;
 }
@@ -76,7 +76,7 @@ AviOutput::AviOutput(BytesSink& sink, std::vector<AviStream> newStreams, std::ui
     }
     Append(Header()); // its room; what it says is known at the end
     movie = end;
-    Bytes list;
+    ByteString list;
     PutTag(list, TagOf("LIST"));
     Put32(list, 0);
     PutTag(list, TagOf("movi"));
@@ -104,14 +104,14 @@ void AviOutput::Add(std::size_t stream, std::span<const std::uint8_t> data, std:
         BeginPart();
     }
     Track& track = tracks[stream];
-    Bytes head;
+    ByteString head;
     PutTag(head, ChunkTag(stream, track.stream.type));
     Put32(head, data.size());
     Append(head);
     entries.push_back({static_cast<std::uint32_t>(stream), static_cast<std::uint32_t>(data.size()), end});
     Append(data);
     if (data.size() % 2 != 0)
-        Append(Bytes{0});
+        Append(ByteString{0});
     track.samples += samples;
     track.partSamples += samples;
     track.stream.suggestedBuffer = std::max(track.stream.suggestedBuffer, static_cast<std::uint32_t>(data.size()));
@@ -123,7 +123,7 @@ void AviOutput::BeginPart()
         throw AviFault("would have more than " + std::to_string(mostParts) +
                        " parts, for which an AVI file has no room; split the clip first.");
     riff = end;
-    Bytes head;
+    ByteString head;
     PutTag(head, TagOf("RIFF"));
     Put32(head, 0);
     PutTag(head, TagOf("AVIX"));
@@ -140,7 +140,7 @@ void AviOutput::EndPart(bool last)
     if (Several() || !last)
         for (std::size_t number = 0; number < tracks.size(); ++number) {
             Track& track = tracks[number];
-            Bytes list;
+            ByteString list;
             std::uint32_t count = 0;
             for (const Entry& entry : entries)
                 if (entry.stream == number) {
@@ -150,7 +150,7 @@ void AviOutput::EndPart(bool last)
                 }
             if (count == 0)
                 continue;
-            Bytes index;
+            ByteString index;
             Put(index, 2, 2);      // numbers an entry
             Put(index, 1 << 8, 2); // an index of chunks
             Put32(index, count);
@@ -158,19 +158,19 @@ void AviOutput::EndPart(bool last)
             Put(index, movie, 8);
             Put32(index, 0);
             index.insert(index.end(), list.begin(), list.end());
-            Bytes chunk;
+            ByteString chunk;
             PutChunk(chunk, IndexTag(number), index);
             track.parts.push_back(
                 {end, static_cast<std::uint32_t>(chunk.size()), static_cast<std::uint32_t>(track.partSamples)});
             Append(chunk);
             track.partSamples = 0;
         }
-    Bytes size;
+    ByteString size;
     Put32(size, end - movie - 8);
     file.Write(movie + 4, size);
     if (!Several()) {
         firstFrames = tracks.front().samples;
-        Bytes index, chunk;
+        ByteString index, chunk;
         for (const Entry& entry : entries) {
             PutTag(index, ChunkTag(entry.stream, tracks[entry.stream].stream.type));
             Put32(index, 0x10); // a key frame
@@ -191,7 +191,7 @@ void AviOutput::EndPart(bool last)
 void AviOutput::Finish()
 {
     EndPart(true);
-    Bytes header = Header();
+    ByteString header = Header();
     // All but the part's size, which stands there.
     file.Write(8, std::span(header).subspan(8));
 }
@@ -203,7 +203,7 @@ std::vector<std::uint8_t> AviOutput::Header() const
     std::uint32_t buffer = 0;
     for (const Track& track : tracks)
         buffer = std::max(buffer, track.stream.suggestedBuffer);
-    Bytes main;
+    ByteString main;
     const std::uint32_t hasIndexInterleaved = 0x110;
     for (const std::uint64_t value :
          {std::uint64_t{pictures.scale} * 1'000'000 / pictures.rate, std::uint64_t{0}, std::uint64_t{0},
@@ -211,13 +211,13 @@ std::vector<std::uint8_t> AviOutput::Header() const
           std::uint64_t{buffer}, static_cast<std::uint64_t>(layout.width), static_cast<std::uint64_t>(layout.height),
           std::uint64_t{0}, std::uint64_t{0}, std::uint64_t{0}, std::uint64_t{0}})
         Put32(main, value);
-    Bytes headers = ListOf(TagOf("hdrl"));
+    ByteString headers = ListOf(TagOf("hdrl"));
     PutChunk(headers, TagOf("avih"), main);
     // The room of what a plain file does not have is kept as a piece without meaning.
     const Tag unused = TagOf("JUNK");
     for (std::size_t number = 0; number < tracks.size(); ++number) {
         const auto& [stream, samples, partSamples, parts] = tracks[number];
-        Bytes head;
+        ByteString head;
         PutTag(head, stream.type);
         PutTag(head, stream.handler);
         Put32(head, stream.flags);
@@ -231,15 +231,15 @@ std::vector<std::uint8_t> AviOutput::Header() const
         const bool shown = stream.type == TagOf("vids");
         Put(head, static_cast<std::uint64_t>(shown ? layout.width : 0), 2);
         Put(head, static_cast<std::uint64_t>(shown ? layout.height : 0), 2);
-        Bytes list = ListOf(TagOf("strl"));
+        ByteString list = ListOf(TagOf("strl"));
         PutChunk(list, TagOf("strh"), head);
         PutChunk(list, TagOf("strf"), stream.format);
         if (!stream.name.empty()) {
-            Bytes name(stream.name.begin(), stream.name.end());
+            ByteString name(stream.name.begin(), stream.name.end());
             name.push_back(0);
             PutChunk(list, TagOf("strn"), name);
         }
-        Bytes index;
+        ByteString index;
         Put(index, 4, 2); // numbers an entry
         Put(index, 0, 2); // an index of indexes
         Put32(index, parts.size());
@@ -254,14 +254,14 @@ std::vector<std::uint8_t> AviOutput::Header() const
         PutChunk(list, Several() ? TagOf("indx") : unused, index);
         PutChunk(headers, TagOf("LIST"), list);
     }
-    Bytes total;
+    ByteString total;
     Put32(total, tracks.front().samples);
     total.resize(248);
-    Bytes extended = ListOf(TagOf("odml"));
+    ByteString extended = ListOf(TagOf("odml"));
     PutChunk(extended, TagOf("dmlh"), total);
     PutChunk(headers, Several() ? TagOf("LIST") : unused, extended);
 
-    Bytes start;
+    ByteString start;
     PutTag(start, TagOf("RIFF"));
     Put32(start, 0);
     PutTag(start, TagOf("AVI "));

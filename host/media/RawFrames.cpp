@@ -37,6 +37,58 @@ void CheckFrames(const RawFormat& format)
         throw RawFault("has no sensible frame rate.");
 }
 
+void TakeRate(std::string_view value, RawFormat& format)
+{
+    const auto colon = std::min(value.find(':'), value.size());
+    format.rate = Number(value.substr(0, colon)).value_or(0);
+    format.scale = colon < value.size() ? Number(value.substr(colon + 1)).value_or(0) : 1;
+    if (format.rate == 0 && format.scale == 0) { // unknown
+        format.rate = 25;
+        format.scale = 1;
+    }
+}
+
+YuvLayout SamplingNamed(std::string_view name)
+{
+    const auto* const found = std::ranges::find(samplings, name, [](const auto& sampling) { return sampling.first; });
+    if (found == std::end(samplings))
+        throw RawFault("has samples of a kind that isn't taken; have it sent in 8 bits without alpha, as "
+                       "`ffmpeg -pix_fmt yuv420p` does.");
+    return found->second;
+}
+
+// A word of a y4m stream's first line. The tags are the words that the stream goes out with again.
+void TakeWord(std::string_view word, RawFormat& format)
+{
+    const std::string_view value = word.substr(1);
+    switch (word.front()) {
+    case 'W':
+        format.width = static_cast<int>(Number(value).value_or(0));
+        break;
+    case 'H':
+        format.height = static_cast<int>(Number(value).value_or(0));
+        break;
+    case 'F':
+        TakeRate(value, format);
+        break;
+    case 'C':
+        format.yuv = SamplingNamed(value);
+        format.tags += ' ' + std::string(word);
+        break;
+    case 'X':
+        if (value == "COLORRANGE=FULL" || value == "COLORRANGE=LIMITED")
+            format.range = value.ends_with("FULL") ? YuvRange::Full : YuvRange::Limited;
+        break;
+    case 'I':
+    case 'A':
+        if (value.size() < 32 && std::ranges::all_of(value, [](char letter) { return letter > ' ' && letter < 127; }))
+            format.tags += ' ' + std::string(word);
+        break;
+    default:
+        break;
+    }
+}
+
 } // namespace
 
 std::size_t RawFormat::FrameBytes() const noexcept
@@ -54,47 +106,8 @@ RawFormat ReadY4mHeader(std::string_view line)
         rest.remove_prefix(1);
         const std::string_view word = rest.substr(0, rest.find(' '));
         rest.remove_prefix(word.size());
-        if (word.empty())
-            continue;
-        const std::string_view value = word.substr(1);
-        switch (word.front()) {
-        case 'W':
-            format.width = static_cast<int>(Number(value).value_or(0));
-            break;
-        case 'H':
-            format.height = static_cast<int>(Number(value).value_or(0));
-            break;
-        case 'F': {
-            const auto colon = std::min(value.find(':'), value.size());
-            format.rate = Number(value.substr(0, colon)).value_or(0);
-            format.scale = colon < value.size() ? Number(value.substr(colon + 1)).value_or(0) : 1;
-            if (format.rate == 0 && format.scale == 0) // unknown
-                format.rate = 25, format.scale = 1;
-            break;
-        }
-        case 'C': {
-            const auto* const found =
-                std::ranges::find(samplings, value, [](const auto& sampling) { return sampling.first; });
-            if (found == std::end(samplings))
-                throw RawFault("has samples of a kind that isn't taken; have it sent in 8 bits without alpha, as "
-                               "`ffmpeg -pix_fmt yuv420p` does.");
-            format.yuv = found->second;
-            format.tags += ' ' + std::string(word);
-            break;
-        }
-        case 'X':
-            if (value == "COLORRANGE=FULL" || value == "COLORRANGE=LIMITED")
-                format.range = value.ends_with("FULL") ? YuvRange::Full : YuvRange::Limited;
-            break;
-        case 'I':
-        case 'A':
-            if (value.size() < 32 &&
-                std::ranges::all_of(value, [](char letter) { return letter > ' ' && letter < 127; }))
-                format.tags += ' ' + std::string(word);
-            break;
-        default:
-            break;
-        }
+        if (!word.empty())
+            TakeWord(word, format);
     }
     CheckFrames(format);
     return format;
@@ -133,7 +146,7 @@ YuvLayout PlanarFor(const std::optional<YuvLayout>& layout) noexcept
 
 RawInput::RawInput(ByteSource& bytes) : source(bytes), format(ReadY4mHeader(Line({}))), y4m(true) {}
 
-RawInput::RawInput(ByteSource& bytes, const RawFormat& frames) : source(bytes), format(frames), y4m(false)
+RawInput::RawInput(ByteSource& bytes, RawFormat frames) : source(bytes), format(std::move(frames)), y4m(false)
 {
     CheckFrames(format);
 }

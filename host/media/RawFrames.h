@@ -56,7 +56,7 @@ public:
     // A y4m stream: reads its first line. The source must outlive this.
     explicit RawInput(ByteSource& bytes);
     // Bare frames of this format. Throws RawFault for a size that no frame in memory can have.
-    RawInput(ByteSource& bytes, const RawFormat& frames);
+    RawInput(ByteSource& bytes, RawFormat frames);
 
     const RawFormat& Format() const noexcept { return format; }
     // Fills `stored` (the format's FrameBytes) with the next frame; false at the stream's end. Throws RawFault when the

@@ -83,7 +83,7 @@ YuvPixels::YuvPixels(YuvLayout frames, const YuvColours& colours, int frameWidth
     : layout(frames), width(frameWidth), height(frameHeight)
 {
     // In ten-thousandths.
-    constexpr std::int64_t one = 10'000;
+    constexpr std::int64_t one = 10'000, white = 255;
     const std::int64_t kr = colours.matrix == YuvMatrix::Bt709 ? 2126 : 2990;
     const std::int64_t kb = colours.matrix == YuvMatrix::Bt709 ? 722 : 1140;
     const std::int64_t kg = one - kr - kb;
@@ -92,8 +92,8 @@ YuvPixels::YuvPixels(YuvLayout frames, const YuvColours& colours, int frameWidth
     const int blackLevel = full ? 0 : 16;
     for (int i = 0; i < 256; ++i) {
         const auto at = static_cast<std::size_t>(i);
-        const std::int64_t chroma = std::int64_t{255} * (i - 128);
-        brightness[at] = Scaled(std::int64_t{255} * (i - blackLevel), levels);
+        const std::int64_t chroma = white * (i - 128);
+        brightness[at] = Scaled(white * (i - blackLevel), levels);
         redOfV[at] = Scaled(2 * (one - kr) * chroma, one * chromaLevels);
         blueOfU[at] = Scaled(2 * (one - kb) * chroma, one * chromaLevels);
         greenOfU[at] = -Scaled(2 * kb * (one - kb) * chroma, one * kg * chromaLevels);

@@ -231,7 +231,7 @@ TEST_F(HostRun, BadInputIsToldInOneLineAndWritesNothing)
         {{L"apply", L"Emboss", L"foreign.avi", L"out.avi"}, 1, "ZZZ9"},
         {{L"apply", L"Emboss", L"foreign.avi", L"out.avi"},
          1,
-         "ffmpeg -i \"foreign.avi\" -c:v rawvideo -pix_fmt bgr24 -c:a pcm_s16le \"foreign-rgb.avi\""},
+         R"(ffmpeg -i "foreign.avi" -c:v rawvideo -pix_fmt bgr24 -c:a pcm_s16le "foreign-rgb.avi")"},
         {{L"apply", L"Emboss", L"random.avi", L"out.avi"}, 1, "is no AVI clip although its name says so"},
         {{L"apply", L"Emboss", L"camera.mp4", L"out.png"}, 1, "MP4 or QuickTime"},
         {{L"apply", L"Emboss", L"middle.avi", L"out.avi"}, 1, "can't be decoded"},

@@ -12,11 +12,12 @@ using test::MemoryFile;
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr int frameCount = 40;
+constexpr std::string_view indexTag = "indx";
 
 Bytes ChunkOf(std::size_t stream, int number)
 {
     // The sound's have odd sizes, and one is empty.
-    Bytes chunk(stream == 0 ? 8 * 4 * 4 : std::size_t(number % 5) * 7);
+    Bytes chunk(stream == 0 ? std::size_t{8} * 4 * 4 : std::size_t(number % 5) * 7);
     for (std::size_t i = 0; i < chunk.size(); ++i)
         chunk[i] = static_cast<std::uint8_t>(i * 3 + std::size_t(number) * 7 + stream);
     return chunk;
@@ -120,7 +121,7 @@ TEST(AviOutput, WhatIsLongerHasParts)
         // Without them: by the old index and the parts' own data.
         MemoryFile bare = file;
         for (auto found = bare.bytes.begin();
-             (found = std::search(found, bare.bytes.end(), "indx", "indx" + 4)) != bare.bytes.end();)
+             (found = std::search(found, bare.bytes.end(), indexTag.begin(), indexTag.end())) != bare.bytes.end();)
             *found = 'J';
         ExpectWhole(bare);
         bare.bytes.resize(bare.bytes.size() - 1);
@@ -131,7 +132,7 @@ TEST(AviOutput, WhatIsLongerHasParts)
 TEST(AviOutput, AnIndexIsNotReadAgainAndAgain)
 {
     MemoryFile file = WriteClip(12'000);
-    const auto list = std::search(file.bytes.begin(), file.bytes.end(), "indx", "indx" + 4) + 8;
+    const auto list = std::search(file.bytes.begin(), file.bytes.end(), indexTag.begin(), indexTag.end()) + 8;
     *(list + 4) = 0;
     *(list + 5) = 1; // 256 entries
     for (std::ptrdiff_t entry = 1; entry < 256; ++entry)

@@ -90,39 +90,59 @@ struct Samples
     {
         return static_cast<std::uint8_t>(90 + x * 5 + y * 9 + plane * 17 + x * y % 3);
     }
+    static Bytes Plane(int which, int columns, int rows)
+    {
+        Bytes bytes;
+        for (int y = 0; y < rows; ++y)
+            for (int x = 0; x < columns; ++x)
+                bytes.push_back(At(which, x, y));
+        return bytes;
+    }
+    static Bytes Woven(const Bytes& first, const Bytes& second)
+    {
+        Bytes bytes;
+        for (std::size_t i = 0; i < first.size(); ++i)
+            bytes.insert(bytes.end(), {first[i], second[i]});
+        return bytes;
+    }
     static Bytes Stored(YuvLayout layout, int width, int height)
     {
         const bool blocks = layout == YuvLayout::I420 || layout == YuvLayout::Yv12 || layout == YuvLayout::Nv12;
         const int columns = layout == YuvLayout::I444 ? width : (width + 1) / 2,
                   rows = blocks ? (height + 1) / 2 : height;
-        Bytes bytes;
-        const auto plane = [&](int which) {
-            for (int y = 0; y < (which == 0 ? height : rows); ++y)
-                for (int x = 0; x < (which == 0 ? width : columns); ++x)
-                    bytes.push_back(At(which, x, y));
-        };
+        const Bytes u = Plane(1, columns, rows), v = Plane(2, columns, rows);
         if (layout == YuvLayout::Yuy2 || layout == YuvLayout::Uyvy) {
-            for (int y = 0; y < height; ++y)
-                for (int x = 0; x < width; x += 2) {
-                    const Bytes light = {At(0, x, y), At(0, x + 1, y)}, chroma = {At(1, x / 2, y), At(2, x / 2, y)};
-                    for (std::size_t i = 0; i < 2; ++i) {
-                        bytes.push_back(layout == YuvLayout::Yuy2 ? light[i] : chroma[i]);
-                        bytes.push_back(layout == YuvLayout::Yuy2 ? chroma[i] : light[i]);
-                    }
-                }
-            return bytes;
+            const Bytes light = Plane(0, columns * 2, height), chroma = Woven(u, v);
+            return layout == YuvLayout::Yuy2 ? Woven(light, chroma) : Woven(chroma, light);
         }
-        plane(0);
-        if (layout == YuvLayout::Nv12)
-            for (int y = 0; y < rows; ++y)
-                for (int x = 0; x < columns; ++x)
-                    bytes.insert(bytes.end(), {At(1, x, y), At(2, x, y)});
-        else if (layout != YuvLayout::Grey)
-            for (const int which : {1, 2})
-                plane(layout == YuvLayout::Yv12 ? 3 - which : which);
+        Bytes bytes = Plane(0, width, height);
+        const auto append = [&](const Bytes& plane) { bytes.insert(bytes.end(), plane.begin(), plane.end()); };
+        if (layout == YuvLayout::Nv12) {
+            append(Woven(u, v));
+        } else if (layout != YuvLayout::Grey) {
+            append(layout == YuvLayout::Yv12 ? v : u);
+            append(layout == YuvLayout::Yv12 ? u : v);
+        }
         return bytes;
     }
 };
+
+// Whether the frame of these samples has the colours of the model. `columns` and `rows` share a chroma sample; 0: none.
+bool HasColoursOfSamples(const Bytes& frame, const Model& model, int width, int height, int columns, int rows)
+{
+    bool right = true;
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            const auto chroma = [&](int plane) {
+                return columns == 0 ? 128 : Samples::At(plane, x / columns, y / rows);
+            };
+            const Colour rgb = model.Rgb({double(Samples::At(0, x, y)), double(chroma(1)), double(chroma(2))});
+            const std::size_t at = std::size_t((height - 1 - y) * width + x) * 4;
+            for (std::size_t channel = 0; channel < 3; ++channel)
+                right &= Near(frame[at + 2 - channel], rgb[channel], 0.500002);
+        }
+    return right;
+}
 
 TEST(YuvPixels, EveryLayoutIsReadAndWrittenBack)
 {
@@ -143,19 +163,7 @@ TEST(YuvPixels, EveryLayoutIsReadAndWrittenBack)
             const YuvPixels pixels(row.layout, allColours[3], width, height);
             Bytes frame(std::size_t(width) * std::size_t(height) * 4), back = stored;
             pixels.ToRgb(stored, frame);
-            bool right = true;
-            for (int y = 0; y < height; ++y)
-                for (int x = 0; x < width; ++x) {
-                    const auto chroma = [&](int plane) {
-                        return row.columns == 0 ? 128 : Samples::At(plane, x / row.columns, y / row.rows);
-                    };
-                    const Colour rgb =
-                        Model(allColours[3]).Rgb({double(Samples::At(0, x, y)), double(chroma(1)), double(chroma(2))});
-                    const std::size_t at = std::size_t((height - 1 - y) * width + x) * 4;
-                    for (std::size_t channel = 0; channel < 3; ++channel)
-                        right &= Near(frame[at + 2 - channel], rgb[channel], 0.500002);
-                }
-            EXPECT_TRUE(right);
+            EXPECT_TRUE(HasColoursOfSamples(frame, Model(allColours[3]), width, height, row.columns, row.rows));
             // In the full range nothing is lost but rounding.
             pixels.FromRgb(frame, back);
             for (std::size_t i = 0; i < stored.size(); ++i)
