@@ -119,8 +119,8 @@ void EffectGraph::Run(const std::function<void(std::int64_t)>& onProgress, const
     Start();
     WaitForEnd(onProgress, stopped);
     Stop();
-    if (taker.Failure()) // of the last frames, behind which nothing came
-        std::rethrow_exception(taker.Failure());
+    if (const auto failure = taker.Failure()) // of the last frames, behind which nothing came
+        std::rethrow_exception(failure);
     if (onProgress)
         onProgress(taker.FramesWritten());
 }
@@ -142,7 +142,7 @@ void EffectGraph::WaitForEnd(const std::function<void(std::int64_t)>& onProgress
     }
 }
 
-bool EffectGraph::HasEnded(const std::function<void()>& wake) const
+bool EffectGraph::HasEnded(const std::function<void()>& wake)
 {
     long code = 0;
     LONG_PTR first = 0, second = 0;
@@ -160,13 +160,13 @@ bool EffectGraph::HasEnded(const std::function<void()>& wake) const
     return false;
 }
 
-void EffectGraph::Fail(HRESULT result) const
+void EffectGraph::Fail(HRESULT result)
 {
     Stop();
     if (source->Failure())
         std::rethrow_exception(source->Failure());
-    if (taker.Failure())
-        std::rethrow_exception(taker.Failure());
+    if (const auto failure = taker.Failure())
+        std::rethrow_exception(failure);
     if (result == E_OUTOFMEMORY)
         throw media::NoRoomFor(format.width, format.height);
     throw FailedJob("The filter graph failed (" + Show(result) + ").");

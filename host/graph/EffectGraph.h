@@ -49,7 +49,7 @@ public:
     void Stop() const noexcept;
     // For a graph that was started: true once all frames have come out; doesn't wait. Throws as Run does when the graph
     // has failed, which ends it; `wake` is called before that, for a reader that may wait inside Read.
-    bool HasEnded(const std::function<void()>& wake = {}) const;
+    bool HasEnded(const std::function<void()>& wake = {});
 
     // The time that all the effects took for a frame, in milliseconds: the median when the graph has stopped, the last
     // frame's at any time.
@@ -63,7 +63,7 @@ private:
     void Add(IBaseFilter* filter, const std::string& name);
     void Connect(IBaseFilter* from, IBaseFilter* to, const std::string& name);
     void WaitForEnd(const std::function<void(std::int64_t)>& onProgress, const std::function<bool()>& stopped);
-    [[noreturn]] void Fail(HRESULT result) const;
+    [[noreturn]] void Fail(HRESULT result);
 
     PassTimer timer;
     FrameTaker taker;

@@ -135,8 +135,12 @@ HRESULT FrameSourcePin::DeliverAhead()
         for (std::int64_t index = 0; result == S_OK; ++index) {
             ComPtr<IMediaSample> sample;
             result = ReadSample(index, sample);
-            if (result == S_OK && !ahead.Put(sample.Get()))
-                result = S_FALSE;
+            try {
+                if (result == S_OK && !ahead.Put(sample.Get()))
+                    result = S_FALSE;
+            } catch (const std::exception&) {
+                result = E_OUTOFMEMORY;
+            }
         }
         ahead.End(result);
         if (SUCCEEDED(com))

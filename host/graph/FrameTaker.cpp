@@ -13,8 +13,14 @@ bool FrameTaker::Accepts(const CMediaType& type) const
 
 FrameTaker::~FrameTaker()
 {
+    Failure();
+}
+
+std::exception_ptr FrameTaker::Failure() noexcept
+{
     waiting.Close();
     End();
+    return failure;
 }
 
 HRESULT FrameTaker::Take(IMediaSample& sample) noexcept

@@ -31,8 +31,8 @@ public:
 
     // Frames written so far; any thread.
     std::int64_t FramesWritten() const noexcept { return written; }
-    // What the writer threw, if it did; read it when the graph has stopped.
-    std::exception_ptr Failure() const noexcept { return failure; }
+    // What the writer threw, if it did; for when the graph has stopped. What still waits to be written is dropped.
+    std::exception_ptr Failure() noexcept;
 
 private:
     HRESULT Write(IMediaSample& sample) noexcept;
