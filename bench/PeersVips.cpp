@@ -22,7 +22,7 @@ constexpr int formatByte = 0, precisionInteger = 0;
 // Its functions take pairs of a name and a value behind their arguments, and a null pointer at the end.
 struct Vips
 {
-    void* library = dlopen("libvips.so.42", RTLD_NOW);
+    void* handle = dlopen("libvips.so.42", RTLD_NOW);
     int (*init)(const char*) = At("vips_init");
     void (*setConcurrency)(int) = At("vips_concurrency_set");
     void (*setCache)(int) = At("vips_cache_set_max"); // of operations done before
@@ -46,7 +46,7 @@ struct Vips
             return reinterpret_cast<Function*>(address);
         }
     };
-    Symbol At(const char* name) const { return {library ? dlsym(library, name) : nullptr}; }
+    Symbol At(const char* name) const { return {handle ? dlsym(handle, name) : nullptr}; }
 };
 
 struct Release
@@ -124,7 +124,7 @@ void Run(const std::vector<Operation>& row, Size size, kernels::Frame bytes)
 std::vector<Peer> VipsPeers(Size size)
 {
     std::vector<Peer> peers;
-    if (!Library().library || Library().init("vixa_bench") != 0)
+    if (!Library().handle || Library().init("vixa_bench") != 0)
         return peers;
     Library().setConcurrency(1);
     Library().setCache(0);

@@ -15,7 +15,7 @@
 
 namespace vixahost::media {
 
-// A file's bytes at any place. One thread at a time.
+// A file's bytes at any place. One thread at a time, where a class doesn't say more.
 class FileBytes
 {
 public:

@@ -16,15 +16,17 @@ bool FileOnDisk::Read(std::uint64_t offset, std::span<std::uint8_t> into)
 {
     if (offset > size || into.size() > size - offset)
         return false;
-    const LARGE_INTEGER place = {.QuadPart = static_cast<LONGLONG>(offset)};
-    if (!SetFilePointerEx(file.get(), place, nullptr, FILE_BEGIN))
-        return false;
     while (!into.empty()) {
+        // With its place in the request a read doesn't lean on the handle's, which another thread may move.
+        OVERLAPPED place = {};
+        place.Offset = static_cast<DWORD>(offset);
+        place.OffsetHigh = static_cast<DWORD>(offset >> 32);
         const auto wanted = static_cast<DWORD>(std::min<std::size_t>(into.size(), 1 << 30));
         DWORD got = 0;
-        if (!ReadFile(file.get(), into.data(), wanted, &got, nullptr) || got == 0)
+        if (!ReadFile(file.get(), into.data(), wanted, &got, &place) || got == 0)
             return false;
         into = into.subspan(got);
+        offset += got;
     }
     return true;
 }

@@ -9,7 +9,7 @@
 
 namespace vixahost::media {
 
-// Nobody may write to the file meanwhile.
+// Nobody may write to the file meanwhile. Any thread, several at once.
 class FileOnDisk : public FileBytes
 {
 public:

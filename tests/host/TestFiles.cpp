@@ -15,6 +15,9 @@ ScratchFolder::ScratchFolder() : path(std::filesystem::temp_directory_path())
 {
     static int count = 0;
     path /= L"vixahost test \x00e4\x4e2d " + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++count);
+    // A program that was ended had the same number, and a folder that something still held.
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
     std::filesystem::create_directories(path);
 }
 
