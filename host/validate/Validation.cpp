@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
+#include <exception>
+#include <memory>
 #include <optional>
 
 namespace vixahost::validate {
@@ -93,6 +95,21 @@ private:
     ReportReader reader;
 };
 
+// A loaded system may refuse a process, or what one needs, for a moment: a validation of many processes doesn't end at
+// that.
+std::unique_ptr<Child> StartChild(const ValidationRequest& request, const std::string& group, std::size_t firstCheck)
+{
+    for (int attempt = 1;; ++attempt) {
+        try {
+            return std::make_unique<Child>(request, group, firstCheck, RandomKey());
+        } catch (const std::exception&) {
+            if (attempt == 3)
+                throw;
+        }
+        Sleep(250);
+    }
+}
+
 // How long a process may take to begin its first check. None of the library's code runs before.
 constexpr ULONGLONG startMilliseconds = 60'000;
 
@@ -118,7 +135,8 @@ struct Run
     // One child's life. Answers the index of the check with which the next one begins.
     std::size_t Attend(const std::string& group, const std::vector<const Check*>& checks, std::size_t first)
     {
-        Child child(request, group, first, RandomKey());
+        const auto started = StartChild(request, group, first);
+        Child& child = *started;
         const ULONGLONG limit = static_cast<ULONGLONG>(request.secondsPerCheck) * 1000;
         std::size_t current = first;
         bool running = false; // the current check has begun
