@@ -63,7 +63,7 @@ const std::vector<Stack>& Stacks()
     static const std::vector<Stack> stacks = {
         {"Five point effects",
          {"Add pixel", "Invert color", "Multiply pixel", "Gamma correction", "Filter color, blue"}},
-        {"Point and full kernels", {"Add pixel", "Soften filter", "Gamma correction", "Enhance focus", "Invert color"}},
+        {"Mixed", {"Add pixel", "Soften filter", "Gamma correction", "Enhance focus", "Invert color"}},
         {"Three full kernels", {"Enhance details", "Soften filter", "Emboss"}},
     };
     return stacks;

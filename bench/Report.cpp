@@ -68,9 +68,10 @@ void Report::Add(Size size, const std::vector<std::string>& columns, const std::
     }
 
     const auto isOther = [&](const Timing& timing) { return std::ranges::find(columns, timing.name) == columns.end(); };
+    const auto widthOf = [](const std::string& column) { return std::max(10, static_cast<int>(column.size()) + 2); };
     std::printf("\n%-26s", (std::to_string(size.width) + " x " + std::to_string(size.height)).c_str());
     for (const std::string& column : columns)
-        std::printf("%10s", column.c_str());
+        std::printf("%*s", widthOf(column), column.c_str());
     if (std::ranges::any_of(rows, [&](const Row& row) { return std::ranges::any_of(row.timings, isOther); }))
         std::printf("%10s", "best peer");
     std::printf("\n");
@@ -79,9 +80,9 @@ void Report::Add(Size size, const std::vector<std::string>& columns, const std::
         for (const std::string& column : columns) {
             const auto timing = std::ranges::find(row.timings, column, &Timing::name);
             if (timing != row.timings.end())
-                std::printf("%10.2f", timing->ratio);
+                std::printf("%*.2f", widthOf(column), timing->ratio);
             else
-                std::printf("%10s", "");
+                std::printf("%*s", widthOf(column), "");
         }
         const Timing* best = nullptr;
         for (const Timing& timing : row.timings) {
