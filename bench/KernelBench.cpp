@@ -15,16 +15,6 @@ using namespace vixa::bench;
 
 namespace {
 
-std::vector<Peer> PeersFor(Size size)
-{
-    std::vector<Peer> all;
-    for (const auto list : {OpenCvPeers, LibyuvPeers, FfmpegPeers, VipsPeers}) {
-        for (Peer& peer : list(size))
-            all.push_back(std::move(peer));
-    }
-    return all;
-}
-
 // The kernels' candidates and those of the other libraries for the same.
 Row MeasureWith(const std::vector<Peer>& peers, TestFrame& frame, const std::string& name,
                 std::vector<Candidate> candidates, double seconds)

@@ -16,10 +16,13 @@ struct Peer
     Candidate candidate;
 };
 
-// All of them for frames of one size; empty for a library that was not there when this was built.
+// For frames of one size, of the libraries that were there when this was built.
+std::vector<Peer> PeersFor(Size size);
+
+// Those of one library.
 std::vector<Peer> OpenCvPeers(Size size);
 std::vector<Peer> LibyuvPeers(Size size);
 std::vector<Peer> FfmpegPeers(Size size);
-std::vector<Peer> VipsPeers(Size size);
+std::vector<Peer> VipsPeers(Size size); // empty when it isn't installed
 
 } // namespace vixa::bench

@@ -1,7 +1,5 @@
 #include "bench/Peers.h"
 
-#ifdef VIXA_HAS_FFMPEG
-
 extern "C" {
 #include <libavfilter/avfilter.h>
 #include <libavfilter/buffersink.h>
@@ -134,14 +132,3 @@ std::vector<Peer> FfmpegPeers(Size size)
 }
 
 } // namespace vixa::bench
-
-#else
-
-namespace vixa::bench {
-std::vector<Peer> FfmpegPeers(Size)
-{
-    return {};
-}
-} // namespace vixa::bench
-
-#endif

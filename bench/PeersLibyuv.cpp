@@ -1,7 +1,5 @@
 #include "bench/Peers.h"
 
-#ifdef VIXA_HAS_LIBYUV
-
 #include <libyuv.h>
 
 #include <memory>
@@ -46,14 +44,3 @@ std::vector<Peer> LibyuvPeers(Size size)
 }
 
 } // namespace vixa::bench
-
-#else
-
-namespace vixa::bench {
-std::vector<Peer> LibyuvPeers(Size)
-{
-    return {};
-}
-} // namespace vixa::bench
-
-#endif

@@ -1,7 +1,5 @@
 #include "bench/Peers.h"
 
-#ifdef VIXA_HAS_OPENCV
-
 #include <opencv2/core.hpp>
 #include <opencv2/core/utility.hpp>
 #include <opencv2/imgproc.hpp>
@@ -125,14 +123,3 @@ std::vector<Peer> OpenCvPeers(Size size)
 }
 
 } // namespace vixa::bench
-
-#else
-
-namespace vixa::bench {
-std::vector<Peer> OpenCvPeers(Size)
-{
-    return {};
-}
-} // namespace vixa::bench
-
-#endif

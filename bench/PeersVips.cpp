@@ -2,8 +2,6 @@
 
 // The runtime library alone is asked for: its development package needs half a desktop. These declarations are all of
 // it that is used.
-#ifdef __linux__
-
 #include <dlfcn.h>
 #include <malloc.h>
 
@@ -143,14 +141,3 @@ std::vector<Peer> VipsPeers(Size size)
 }
 
 } // namespace vixa::bench
-
-#else
-
-namespace vixa::bench {
-std::vector<Peer> VipsPeers(Size)
-{
-    return {};
-}
-} // namespace vixa::bench
-
-#endif
