@@ -115,8 +115,8 @@ void CheckSoundFormat(AviStream& stream)
         Damaged("its sound has samples of no sensible size");
 }
 
-// `place`: where the list's content begins in the file; `index`: its own index, if it has one.
-AviStream ReadStream(View list, std::uint64_t place, std::uint64_t fileBytes, std::vector<std::uint8_t>& index)
+// `index` gets its own index, if it has one.
+AviStream ReadStream(View list, std::uint64_t fileBytes, std::vector<std::uint8_t>& index)
 {
     AviStream stream;
     bool described = false;
@@ -125,7 +125,6 @@ AviStream ReadStream(View list, std::uint64_t place, std::uint64_t fileBytes, st
             if (described || part.size() < 48)
                 Damaged("a stream's header is cut short");
             described = true;
-            stream.header = place + static_cast<std::uint64_t>(part.data() - list.data());
             stream.type = TagAt(part, 0);
             stream.handler = TagAt(part, 4);
             stream.flags = Number32(part, 8);
@@ -191,9 +190,7 @@ Header ReadHeader(FileBytes& file, const FileChunk& list)
                 Damaged("it has no main header");
             if (header.streams.size() == mostStreams)
                 Damaged("it has too many streams");
-            const View content = part.subspan(4);
-            const std::uint64_t place = list.content + static_cast<std::uint64_t>(content.data() - bytes.data());
-            header.streams.push_back(ReadStream(content, place, file.Size(), header.indexes.emplace_back()));
+            header.streams.push_back(ReadStream(part.subspan(4), file.Size(), header.indexes.emplace_back()));
         }
     });
     if (promised != header.streams.size())
@@ -398,14 +395,6 @@ void CheckLength(const AviStream& stream)
 }
 
 } // namespace
-
-std::uint64_t AviStream::ChunkBytes() const noexcept
-{
-    std::uint64_t bytes = 0;
-    for (const AviChunk& chunk : chunks)
-        bytes += chunk.bytes;
-    return bytes;
-}
 
 const AviStream* AviFile::Pictures() const noexcept
 {

@@ -42,7 +42,6 @@ struct AviChunk
 
 struct AviStream
 {
-    std::uint64_t header = 0; // where its header's content begins in the file
     // What its header says. Rate and scale are not 0.
     Tag type = {}, handler = {};
     std::uint32_t flags = 0, initialFrames = 0, scale = 1, rate = 1, start = 0, length = 0;
@@ -54,8 +53,6 @@ struct AviStream
     std::vector<std::uint8_t> format;
     // Lies within the file, in the order of the index.
     std::vector<AviChunk> chunks;
-
-    std::uint64_t ChunkBytes() const noexcept;
 };
 
 struct AviFile

@@ -134,55 +134,72 @@ void AviOutput::BeginPart()
     Append(head);
 }
 
+// The index of a stream's chunks in the present part, as a chunk; empty when it has none there.
+std::vector<std::uint8_t> AviOutput::StreamIndex(std::size_t number) const
+{
+    ByteString list;
+    std::uint32_t count = 0;
+    for (const Entry& entry : entries)
+        if (entry.stream == number) {
+            Put32(list, entry.content - movie);
+            Put32(list, entry.bytes); // the highest bit would say that it is no key frame
+            ++count;
+        }
+    ByteString index, chunk;
+    if (count == 0)
+        return chunk;
+    Put(index, 2, 2);      // numbers an entry
+    Put(index, 1 << 8, 2); // an index of chunks
+    Put32(index, count);
+    PutTag(index, ChunkTag(number, tracks[number].stream.type));
+    Put(index, movie, 8);
+    Put32(index, 0);
+    index.insert(index.end(), list.begin(), list.end());
+    PutChunk(chunk, IndexTag(number), index);
+    return chunk;
+}
+
+// The index of the first part, of all streams, as plain AVI has it.
+std::vector<std::uint8_t> AviOutput::PlainIndex() const
+{
+    ByteString index, chunk;
+    for (const Entry& entry : entries) {
+        PutTag(index, ChunkTag(entry.stream, tracks[entry.stream].stream.type));
+        Put32(index, 0x10); // a key frame
+        Put32(index, entry.content - 8 - (movie + 8));
+        Put32(index, entry.bytes);
+    }
+    PutChunk(chunk, TagOf("idx1"), index);
+    return chunk;
+}
+
+void AviOutput::WriteSize(std::uint64_t at)
+{
+    ByteString size;
+    Put32(size, end - at - 4);
+    file.Write(at, size);
+}
+
 // The only part of a file has no indexes for each stream, but the old one.
 void AviOutput::EndPart(bool last)
 {
     if (Several() || !last)
         for (std::size_t number = 0; number < tracks.size(); ++number) {
             Track& track = tracks[number];
-            ByteString list;
-            std::uint32_t count = 0;
-            for (const Entry& entry : entries)
-                if (entry.stream == number) {
-                    Put32(list, entry.content - movie);
-                    Put32(list, entry.bytes); // the highest bit would say that it is no key frame
-                    ++count;
-                }
-            if (count == 0)
+            const ByteString index = StreamIndex(number);
+            if (index.empty())
                 continue;
-            ByteString index;
-            Put(index, 2, 2);      // numbers an entry
-            Put(index, 1 << 8, 2); // an index of chunks
-            Put32(index, count);
-            PutTag(index, ChunkTag(number, track.stream.type));
-            Put(index, movie, 8);
-            Put32(index, 0);
-            index.insert(index.end(), list.begin(), list.end());
-            ByteString chunk;
-            PutChunk(chunk, IndexTag(number), index);
             track.parts.push_back(
-                {end, static_cast<std::uint32_t>(chunk.size()), static_cast<std::uint32_t>(track.partSamples)});
-            Append(chunk);
+                {end, static_cast<std::uint32_t>(index.size()), static_cast<std::uint32_t>(track.partSamples)});
+            Append(index);
             track.partSamples = 0;
         }
-    ByteString size;
-    Put32(size, end - movie - 8);
-    file.Write(movie + 4, size);
+    WriteSize(movie + 4);
     if (!Several()) {
         firstFrames = tracks.front().samples;
-        ByteString index, chunk;
-        for (const Entry& entry : entries) {
-            PutTag(index, ChunkTag(entry.stream, tracks[entry.stream].stream.type));
-            Put32(index, 0x10); // a key frame
-            Put32(index, entry.content - 8 - (movie + 8));
-            Put32(index, entry.bytes);
-        }
-        PutChunk(chunk, TagOf("idx1"), index);
-        Append(chunk);
+        Append(PlainIndex());
     }
-    size.clear();
-    Put32(size, end - riff - 8);
-    file.Write(riff + 4, size);
+    WriteSize(riff + 4);
     if (!last)
         ++finished;
     entries.clear();

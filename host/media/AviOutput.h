@@ -63,6 +63,9 @@ private:
     std::vector<std::uint8_t> Header() const;
     std::uint64_t IndexBytes(std::uint64_t more) const noexcept;
     void Append(std::span<const std::uint8_t> bytes);
+    std::vector<std::uint8_t> StreamIndex(std::size_t number) const;
+    std::vector<std::uint8_t> PlainIndex() const;
+    void WriteSize(std::uint64_t at); // of what begins behind it and ends with the file
     void BeginPart();
     void EndPart(bool last);
 
