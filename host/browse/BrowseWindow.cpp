@@ -716,9 +716,10 @@ void BrowseWindow::AskSaveStack()
 
 void BrowseWindow::AskSavePreset()
 {
+    const std::filesystem::path folder = PresetFolder();
     std::error_code fault;
-    std::filesystem::create_directories(PresetFolder(), fault);
-    const auto file = AskTarget(FilePurpose::SavePreset, PresetFolder() / L"1.txt");
+    std::filesystem::create_directories(folder, fault);
+    const auto file = AskTarget(FilePurpose::SavePreset, folder / L"1.txt");
     if (!file)
         return;
     SaveStack(*file);

@@ -28,7 +28,8 @@ effects::EffectStack LoadPreset(const ShippedPreset& preset, const std::vector<e
 
 std::filesystem::path PresetFolder()
 {
-    return UserFolder() / L"Presets";
+    const std::filesystem::path folder = UserFolder();
+    return folder.empty() ? folder : folder / L"Presets";
 }
 
 } // namespace vixahost::browse

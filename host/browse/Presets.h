@@ -19,7 +19,7 @@ std::vector<ShippedPreset> ShippedPresets();
 // Throws FailedJob.
 effects::EffectStack LoadPreset(const ShippedPreset& preset, const std::vector<effects::CatalogueEntry>& catalogue);
 
-// The folder of the user's own: stack files under the name that the menu shows.
+// The folder of the user's own: stack files under the name that the menu shows. Empty when the system names none.
 std::filesystem::path PresetFolder();
 
 } // namespace vixahost::browse

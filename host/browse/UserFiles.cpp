@@ -24,8 +24,11 @@ std::filesystem::path UserFolder()
     return std::filesystem::path(folder.data()) / L"VixaVideoFX";
 }
 
-RecentFiles::RecentFiles(const std::filesystem::path& folder) : listFile(folder / L"recent.txt")
+RecentFiles::RecentFiles(const std::filesystem::path& folder)
 {
+    if (folder.empty())
+        return;
+    listFile = folder / L"recent.txt";
     std::ifstream stream(listFile, std::ios::binary);
     for (std::string line; files.size() < mostRecent && std::getline(stream, line);)
         if (!line.empty())
@@ -41,6 +44,8 @@ void RecentFiles::Enter(const std::filesystem::path& file)
     std::erase_if(files, [&](const auto& old) { return _wcsicmp(old.c_str(), whole.c_str()) == 0; });
     files.insert(files.begin(), whole);
     files.resize(std::min(files.size(), mostRecent));
+    if (listFile.empty())
+        return;
     std::filesystem::create_directories(listFile.parent_path(), fault);
     std::ofstream stream(listFile, std::ios::binary);
     for (const auto& entry : files)
@@ -50,6 +55,8 @@ void RecentFiles::Enter(const std::filesystem::path& file)
 std::vector<std::filesystem::path> StackFilesIn(const std::filesystem::path& folder)
 {
     std::vector<std::filesystem::path> files;
+    if (folder.empty())
+        return files;
     WIN32_FIND_DATAW found = {};
     const auto search = Opened<UniqueSearch>(FindFirstFileW((folder / L"*.txt").c_str(), &found));
     if (!search)

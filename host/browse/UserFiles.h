@@ -14,6 +14,7 @@ std::filesystem::path UserFolder();
 class RecentFiles
 {
 public:
+    // Without a folder the list ends with this.
     explicit RecentFiles(const std::filesystem::path& folder);
     const std::vector<std::filesystem::path>& List() const noexcept { return files; }
     // Puts a file first and writes the list. What can't be written is only forgotten.
