@@ -16,11 +16,18 @@
 #include <stdlib.h>
 #include <string.h>
 
+static void Fail(const char* text)
+{
+    fprintf(stderr, "host: %s\n", text);
+    exit(1);
+}
+
 static void Check(HRESULT result, const char* what)
 {
+    char text[100];
     if (FAILED(result)) {
-        fprintf(stderr, "host: %s: 0x%08lX\n", what, (unsigned long)result);
-        exit(1);
+        snprintf(text, sizeof text, "%s: 0x%08lX", what, (unsigned long)result);
+        Fail(text);
     }
 }
 
@@ -506,12 +513,15 @@ static void UseEffect(IClassFactory* factory)
         frame[i] = 0x404040;
     SourceSend(&source, frame);
     printf("404040 becomes %06X\n", frame[0]);
+    if (frame[0] != 0x6B6B6B)
+        Fail("that should have been 6B6B6B");
     Check(IMediaControl_Stop(control), "Stop");
 
     editing.effect = effect;
     editing.parameters = set;
     OpenPanel(info, &editing);
 
+    // The graph lets go of its filters when it goes, so the host's reference is then the last.
     IMediaControl_Release(control);
     effect->lpVtbl->Release(effect);
     IPin_Release(end);
@@ -519,9 +529,9 @@ static void UseEffect(IClassFactory* factory)
     IPin_Release(in);
     IGraphBuilder_Release(graph);
     IBaseFilter_Release(renderer);
-    IBaseFilter_Release(filter);
     free(name);
-    info->lpVtbl->Release(info);
+    if (IBaseFilter_Release(filter) != 0 || info->lpVtbl->Release(info) != 0)
+        Fail("somebody still holds the filter or the catalogue object");
 }
 
 typedef HRESULT(STDMETHODCALLTYPE* GetClassObject)(REFCLSID, REFIID, void**);
@@ -538,12 +548,12 @@ int wmain(int count, wchar_t** arguments)
 
     Check(CoInitialize(NULL), "CoInitialize");
     library = LoadLibraryW(count > 1 ? arguments[1] : L"VixaVideoFX.dll");
-    if (!library) {
-        fprintf(stderr, "host: the library cannot be loaded: is it there, and as wide as this program?\n");
-        return 1;
-    }
+    if (!library)
+        Fail("the library cannot be loaded: is it there, and as wide as this program?");
     getClassObject = (GetClassObject)(AnyFunction)GetProcAddress(library, "DllGetClassObject");
     canUnloadNow = (CanUnloadNow)(AnyFunction)GetProcAddress(library, "DllCanUnloadNow");
+    if (!getClassObject || !canUnloadNow)
+        Fail("that is no library of effects");
 
     Check(getClassObject(&CLSID_VixaGammaCorrection, &IID_IClassFactory, (void**)&factory), "DllGetClassObject");
     UseEffect(factory);
@@ -555,5 +565,5 @@ int wmain(int count, wchar_t** arguments)
     if (unused)
         FreeLibrary(library);
     CoUninitialize();
-    return 0;
+    return unused ? 0 : 1;
 }

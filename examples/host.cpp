@@ -414,13 +414,27 @@ void UseEffect(IClassFactory* factory)
     Check(control->Run(), "Run");
     const std::vector<std::uint32_t> result = source.Send(std::vector<std::uint32_t>(4 * 2, 0x404040));
     std::printf("404040 becomes %06X\n", static_cast<unsigned>(result.front()));
+    if (result.front() != 0x6B6B6B)
+        throw std::runtime_error("that should have been 6B6B6B");
     Check(control->Stop(), "Stop");
 
     Editing editing = {effect.Get(), &parameters};
     OpenPanel(info.Get(), editing);
+
+    // The graph lets go of its filters when it goes, so the host's reference is then the last.
+    control.Reset();
+    effect.Reset();
+    end.Reset();
+    out.Reset();
+    in.Reset();
+    graph.Reset();
+    renderer.Reset();
+    if (filter.Reset() != 0 || info.Reset() != 0)
+        throw std::runtime_error("somebody still holds the filter or the catalogue object");
 }
 
-void UseLibrary(const wchar_t* path)
+// Answers whether the library could be unloaded.
+bool UseLibrary(const wchar_t* path)
 {
     const HMODULE library = LoadLibraryW(path);
     if (!library)
@@ -430,6 +444,8 @@ void UseLibrary(const wchar_t* path)
     };
     const auto getClassObject = reinterpret_cast<decltype(&DllGetClassObject)>(function("DllGetClassObject"));
     const auto canUnloadNow = reinterpret_cast<decltype(&DllCanUnloadNow)>(function("DllCanUnloadNow"));
+    if (!getClassObject || !canUnloadNow)
+        throw std::runtime_error("that is no library of effects");
 
     {
         ComPtr<IClassFactory> factory;
@@ -442,6 +458,7 @@ void UseLibrary(const wchar_t* path)
     std::printf("The library can be unloaded: %s\n", unused ? "yes" : "no");
     if (unused)
         FreeLibrary(library);
+    return unused;
 }
 
 } // namespace
@@ -452,7 +469,7 @@ int wmain(int count, wchar_t** arguments)
         return 1;
     int code = 0;
     try {
-        UseLibrary(count > 1 ? arguments[1] : L"VixaVideoFX.dll");
+        code = UseLibrary(count > 1 ? arguments[1] : L"VixaVideoFX.dll") ? 0 : 1;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "host: %s\n", error.what());
         code = 1;

@@ -6,8 +6,8 @@
 case ${1:-} in
     plugins) list=packages-plugins why="the plug-ins are built with" programs="cmake ninja g++" ;;
     hosts)
-        list=packages-hosts programs="ffmpeg melt gst-launch-1.0"
-        why="the tests run the frei0r plug-ins in FFmpeg, MLT and GStreamer, and so need"
+        list=packages-hosts programs="ffmpeg melt gst-launch-1.0 go"
+        why="the tests run the frei0r plug-ins in FFmpeg, MLT and GStreamer, and a host in Go, and so need"
         ;;
     *)
         list=packages why="the build needs"

@@ -19,7 +19,7 @@ std::vector<std::string> LinesOf(const fs::path& file)
     std::vector<std::string> lines;
     // A quotation may stand further to the left than its original.
     for (std::string line; std::getline(stream, line);)
-        lines.push_back(line.substr(std::min(line.find_first_not_of(' '), line.size())));
+        lines.push_back(line.substr(std::min(line.find_first_not_of(" \t"), line.size())));
     return lines;
 }
 
@@ -44,11 +44,12 @@ TEST(House, QuotedCodeIsPartOfAnExample)
         if (entry.path().extension() == ".md" && entry.path().filename() != "adding-an-effect.md")
             documents.push_back(entry.path());
 
+    const std::string languages[] = {"```cpp", "```c", "```csharp", "```python", "```javascript", "```go"};
     int quotations = 0;
     for (const fs::path& document : documents) {
         const auto lines = LinesOf(document);
         for (auto line = lines.begin(); line != lines.end(); ++line) {
-            if (*line != "```cpp" && *line != "```c")
+            if (std::ranges::find(languages, *line) == std::end(languages))
                 continue;
             const auto end = std::find(line, lines.end(), "```");
             const std::string quotation = Joined(line + 1, end);
