@@ -40,6 +40,7 @@ sed 's/"amd64"/"x86"/' "$stage/x64/$manifest" >"$stage/x86/$manifest"
 
 of_package README.md "$stage/README.md"
 cp "$ROOT"/docs/{installation,stack-files,validator}.md "$ROOT/CHANGELOG.md" "$stage/docs/"
+cp -r "$ROOT"/docs/{effects,performance.md,performance.svg} "$stage/docs/" # F1 in the window opens a page
 of_package sdk/README.md "$sdk/README.md"
 cmake "-DVERSION=$version" "-DFILE=$sdk/cmake/VixaVideoFXConfigVersion.cmake" -P "$ROOT/installer/sdk/version.cmake"
 cp "$ROOT/installer/sdk/VixaVideoFXConfig.cmake" "$sdk/cmake/"
