@@ -53,13 +53,6 @@ std::string Show(const std::filesystem::path& path)
     return Utf8(path.native());
 }
 
-std::string Show(HRESULT result)
-{
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(result));
-    return text;
-}
-
 std::string LowerCase(std::string_view text)
 {
     std::string result(text);

@@ -16,9 +16,6 @@ std::wstring Wide(std::string_view utf8);
 // A path as the user wrote it, for messages.
 std::string Show(const std::filesystem::path& path);
 
-// A result code as "0x80004005".
-std::string Show(HRESULT result);
-
 // Lower-case ASCII letters; other bytes stay.
 std::string LowerCase(std::string_view text);
 

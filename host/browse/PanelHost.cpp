@@ -1,6 +1,7 @@
 #include "host/browse/PanelHost.h"
 
 #include "host/base/HostError.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 
 #include <commctrl.h>
@@ -40,7 +41,7 @@ void PanelHost::Show()
 {
     const HRESULT result = ShowPanel(*info.Get(), set.Get(), &panel);
     if (FAILED(result))
-        throw FailedJob("The library can't open the effect's settings (" + vixahost::Show(result) + ").");
+        throw FailedJob("The library can't open the effect's settings: " + Explain(result) + ".");
     // The keys that move between controls reach into the panel.
     SetWindowLongPtrW(panel, GWL_EXSTYLE, GetWindowLongPtrW(panel, GWL_EXSTYLE) | WS_EX_CONTROLPARENT);
     ShowWindow(panel, SW_SHOW);

@@ -279,6 +279,7 @@ Words ApplyWords(CLI::App& program)
         ->check(CLI::IsMember({"y4m", "rgb32"}));
     parser->add_option("--size", given->size, "The size of rgb32 frames on standard input")->type_name("WIDTHxHEIGHT");
     parser->add_option("--rate", given->rate, "Their frames per second, such as 25 or 30000/1001")->type_name("RATE");
+    AddVerbose(*parser);
     parser->footer(examples);
     return {parser, [=] {
                 FrameWords frames;

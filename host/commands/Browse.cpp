@@ -103,6 +103,7 @@ Words BrowseWords(CLI::App& program)
         ->type_name("FILE");
     parser->add_option("--size", given->size, "The window's size in pixels")->type_name("WIDTHxHEIGHT");
     parser->add_option("--language", given->language, "The effects' language, as de or pt-BR")->type_name("CODE");
+    AddVerbose(*parser);
     return {parser, [given] {
                 BrowseCommand command{Wide(given->file), Wide(given->stack), Wide(given->screenshot), given->language};
                 ReadSize(given->size, command);

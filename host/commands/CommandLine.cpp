@@ -38,6 +38,7 @@ Command ParseCommandLine(const std::vector<std::string>& words)
     program.allow_windows_style_options(false);
     program.require_subcommand(0, 1);
     program.set_version_flag("--version", "vixahost " VIXA_VERSION);
+    AddVerbose(program); // for the run without a command
     program.footer(examples);
     const std::vector<Words> commands = {EffectsWords(program),  ApplyWords(program),   BrowseWords(program),
                                          ListWords(program),     IconWords(program),    PanelWords(program),

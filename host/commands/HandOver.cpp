@@ -3,6 +3,7 @@
 #include "host/base/ChildProcess.h"
 #include "host/base/HostError.h"
 #include "host/base/Interrupt.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 #include "host/effects/LibraryFile.h"
 
@@ -40,7 +41,7 @@ bool HandOver(const std::filesystem::path& library)
     constexpr DWORD lastOwnStatus = 4;
     if (status > lastOwnStatus)
         throw HostError(static_cast<int>(status), "The host for this library did not end by itself (status " +
-                                                      Show(static_cast<HRESULT>(status)) + "): " + Show(host));
+                                                      ShowHex(status) + "): " + Show(host));
     if (status != statusDone)
         throw HostError(static_cast<int>(status), "");
     return true;

@@ -1,6 +1,7 @@
 #include "host/commands/List.h"
 #include "host/base/HostError.h"
 #include "host/base/Json.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 #include "host/commands/HandOver.h"
 #include "host/commands/Words.h"
@@ -51,7 +52,7 @@ ULONG KindOf(const effects::CatalogueEntry& entry)
 {
     ULONG kind = 0;
     if (const HRESULT result = entry.info->GetPropertySetKind(&kind); FAILED(result))
-        throw FailedJob("The kind of \"" + entry.englishName + "\" can't be read (" + Show(result) + ").");
+        throw FailedJob("The kind of \"" + entry.englishName + "\" can't be read: " + Explain(result) + ".");
     return kind;
 }
 

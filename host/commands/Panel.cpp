@@ -1,5 +1,6 @@
 #include "host/commands/Panel.h"
 #include "host/base/HostError.h"
+#include "host/base/ResultCode.h"
 #include "host/base/TargetFile.h"
 #include "host/base/Text.h"
 #include "host/commands/Words.h"
@@ -24,7 +25,7 @@ void Run(const PanelCommand& command)
     HWND panel = nullptr;
     const HRESULT result = host.ShowPanel(*entry.info.Get(), set.Get(), &panel);
     if (FAILED(result) || !panel)
-        throw FailedJob("The panel of \"" + entry.englishName + "\" can't be opened (" + Show(result) + ").");
+        throw FailedJob("The panel of \"" + entry.englishName + "\" can't be opened: " + Explain(result) + ".");
     // The host's window is as large as the panel, as a host would leave room for it.
     RECT area = {};
     GetWindowRect(panel, &area);

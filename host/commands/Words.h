@@ -1,6 +1,7 @@
 // How a command's words are declared on the parser and read from it. For the commands' own sources only.
 #pragma once
 
+#include "host/base/Verbose.h"
 #include "host/commands/CommandLine.h"
 
 #if defined(__GNUC__)
@@ -25,6 +26,15 @@ struct Words
     CLI::App* parser;
     std::function<Command()> read;
 };
+
+// --verbose of a command that builds filter graphs.
+inline void AddVerbose(CLI::App& parser)
+{
+    parser.add_flag_callback(
+        "--verbose", [] { verbose = true; },
+        "Tells on standard error what each filter graph is made of: filters, pins, types, allocators, instruction "
+        "sets");
+}
 
 // One a command, in the order of the help.
 Words EffectsWords(CLI::App& program);

@@ -2,6 +2,7 @@
 
 #include "host/base/HostError.h"
 #include "host/base/NearestNames.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 #include "host/effects/DataPropertySet.h"
 
@@ -19,8 +20,8 @@ namespace {
 void Require(HRESULT result)
 {
     if (FAILED(result))
-        throw FailedJob("The library's list of effects can't be read (" + Show(result) +
-                        "); is VixaVideoFX.dll of the same version as this program?");
+        throw FailedJob("The library's list of effects can't be read: " + Explain(result) +
+                        "; is VixaVideoFX.dll of the same version as this program?");
 }
 
 // A text by two calls: its length with the terminator, then the text.

@@ -2,6 +2,7 @@
 
 #include "host/base/HostError.h"
 #include "host/base/ModuleFile.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 #include "host/effects/LibraryFile.h"
 
@@ -47,8 +48,8 @@ Microsoft::WRL::ComPtr<IBaseFilter> EffectLibrary::CreateFilter(const GUID& clas
     if (SUCCEEDED(result))
         result = factory->CreateInstance(nullptr, IID_IBaseFilter, &filter);
     if (FAILED(result))
-        throw FailedJob("The library can't make the effect \"" + std::string(name) + "\" (" + Show(result) +
-                        "); is VixaVideoFX.dll of the same version as this program?");
+        throw FailedJob("The library can't make the effect \"" + std::string(name) + "\": " + Explain(result) +
+                        "; is VixaVideoFX.dll of the same version as this program?");
     return filter;
 }
 
@@ -60,8 +61,8 @@ Microsoft::WRL::ComPtr<IEffectInfo> EffectLibrary::CatalogueOf(const GUID& class
     if (SUCCEEDED(result))
         result = factory->QueryInterface(IID_IEffectInfo, &info);
     if (FAILED(result))
-        throw FailedJob("The library tells nothing about one of its effects (" + Show(result) +
-                        "); is VixaVideoFX.dll of the same version as this program?");
+        throw FailedJob("The library tells nothing about one of its effects: " + Explain(result) +
+                        "; is VixaVideoFX.dll of the same version as this program?");
     return info;
 }
 

@@ -1,8 +1,11 @@
 #include "host/graph/EffectGraph.h"
 
 #include "host/base/HostError.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
+#include "host/base/Verbose.h"
 #include "host/effects/DataPropertySet.h"
+#include "host/graph/GraphText.h"
 #include "host/media/DibSize.h"
 #include "host/media/Room.h"
 
@@ -20,20 +23,7 @@ constexpr long buffersAhead = 4;
 void Require(HRESULT result, const std::string& what)
 {
     if (FAILED(result))
-        throw FailedJob(what + " (" + Show(result) + ").");
-}
-
-ComPtr<IPin> FindPin(IBaseFilter* filter, PIN_DIRECTION wanted)
-{
-    ComPtr<IEnumPins> pins;
-    if (FAILED(filter->EnumPins(&pins)))
-        return nullptr;
-    for (ComPtr<IPin> pin; pins->Next(1, pin.ReleaseAndGetAddressOf(), nullptr) == S_OK;) {
-        PIN_DIRECTION direction = PINDIR_INPUT;
-        if (SUCCEEDED(pin->QueryDirection(&direction)) && direction == wanted)
-            return pin;
-    }
-    return nullptr;
+        throw FailedJob(what + ": " + Explain(result) + ".");
 }
 
 } // namespace
@@ -51,6 +41,9 @@ EffectGraph::EffectGraph(const effects::EffectLibrary& library, const effects::E
     Require(graph->QueryInterface(IID_IMediaEvent, &events), noGraph);
     source = FrameSource::Create(reader, timer, pace == Pace::Overlapping ? buffersAhead : 1);
     sink = FrameSink::Create(taker);
+    ComPtr<IMemInputPin> sinkMemory;
+    if (verbose && SUCCEEDED(FindPin(sink.Get(), PINDIR_INPUT).As(&sinkMemory)))
+        sinkMemory->GetAllocator(&sinkAllocator);
 
     Add(source.Get(), "Source");
     IBaseFilter* last = source.Get();
@@ -93,6 +86,8 @@ void EffectGraph::Connect(IBaseFilter* from, IBaseFilter* to, const std::string&
 
 void EffectGraph::Start()
 {
+    if (verbose)
+        Complain(DescribeRow(source.Get(), sinkAllocator.Get()));
     if (const HRESULT result = control->Run(); FAILED(result))
         Fail(result);
 }
@@ -169,7 +164,7 @@ void EffectGraph::Fail(HRESULT result)
         std::rethrow_exception(failure);
     if (result == E_OUTOFMEMORY)
         throw media::NoRoomFor(format.width, format.height);
-    throw FailedJob("The filter graph failed (" + Show(result) + ").");
+    throw FailedJob("The filter graph failed: " + Explain(result) + ".");
 }
 
 } // namespace vixahost::graph

@@ -72,6 +72,7 @@ private:
     ComPtr<IMediaEvent> events;
     ComPtr<FrameSource> source;
     ComPtr<FrameSink> sink;
+    ComPtr<IMemAllocator> sinkAllocator; // its own, to be told from others when the graph is described
     media::FrameFormat format;
     std::vector<ComPtr<IBaseFilter>> effects;
 };

@@ -1,6 +1,7 @@
 #include "host/media/ClipDecoder.h"
 
 #include "host/base/HostError.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 #include "host/media/AviHeader.h"
 
@@ -62,7 +63,7 @@ ClipDecoder::ClipDecoder(std::filesystem::path clip, int frameWidth, int frameHe
 {
     const std::string damaged = Show(path) + " is a damaged AVI clip; get a whole copy of it";
     if (const HRESULT result = session.Open(path, file); FAILED(result))
-        throw FailedJob(damaged + " (" + Show(result) + ").");
+        throw FailedJob(damaged + ": " + Explain(result) + ".");
     if (FAILED(file->GetStream(&video, streamtypeVIDEO, 0)))
         throw FailedJob(damaged + ".");
     first = AVIStreamStart(video.Get());

@@ -3,6 +3,7 @@
 #include "host/base/HostError.h"
 #include "host/base/Interrupt.h"
 #include "host/base/ModuleFile.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 #include "host/media/ClipDecoder.h"
 #include "host/media/DibSize.h"
@@ -108,7 +109,7 @@ void FrameDecoder::Wait(const std::string& what)
         std::ranges::replace_if(
             reason, [](char letter) { return letter >= 0 && letter < ' '; }, '?');
     } else if (which == WAIT_OBJECT_0 + 1) {
-        reason += "the system's decoder crashed (" + Show(static_cast<HRESULT>(process->Status())) +
+        reason += "the system's decoder crashed (" + ShowHex(process->Status()) +
                   "). The clip is damaged, or convert it to uncompressed RGB first.";
     } else {
         reason += "the system's decoder gave no answer for " + std::to_string((patience + 999) / 1000) +

@@ -1,6 +1,7 @@
 #include "host/media/PictureFile.h"
 
 #include "host/base/HostError.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 #include "host/media/DibSize.h"
 #include "host/media/PictureFacts.h"
@@ -60,7 +61,7 @@ public:
         if (result == E_OUTOFMEMORY)
             throw std::bad_alloc();
         if (FAILED(result))
-            throw FailedJob(std::string("Can't ") + verb + " " + Show(file) + " (" + Show(result) + "); " + advice);
+            throw FailedJob(std::string("Can't ") + verb + " " + Show(file) + ": " + Explain(result) + "; " + advice);
     }
 
 private:
@@ -74,7 +75,7 @@ ComPtr<IWICImagingFactory> Factory()
     const HRESULT result =
         CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&factory));
     if (FAILED(result))
-        throw FailedJob("The system's picture codecs can't be had (" + Show(result) + ").");
+        throw FailedJob("The system's picture codecs can't be had: " + Explain(result) + ".");
     return factory;
 }
 

@@ -1,5 +1,6 @@
 #include "host/validate/Check.h"
 
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 
 #include <vector>

@@ -1,9 +1,12 @@
-// Names that are nearly right, the words of the progress display, and text between its encodings.
+// Names that are nearly right, the words of the progress display, result codes, and text between its encodings.
 #include "host/base/Text.h"
 #include "host/base/NearestNames.h"
 #include "host/base/Progress.h"
+#include "host/base/ResultCode.h"
 
 #include <gtest/gtest.h>
+
+#include <dshow.h>
 
 namespace vixahost {
 namespace {
@@ -40,6 +43,18 @@ TEST(Progress, SaysWhatIsDoneAndWhatIsLeft)
     EXPECT_EQ(ProgressBar(149, 300, 10), "[####......]");
     EXPECT_EQ(ProgressBar(300, 300, 10), "[##########]");
     EXPECT_EQ(ProgressBar(400, 300, 10), "[##########]") << "a clip may hold more frames than it said";
+}
+
+TEST(ResultCode, HasNameNumberAndWords)
+{
+    EXPECT_EQ(Explain(VFW_E_TYPE_NOT_ACCEPTED), "VFW_E_TYPE_NOT_ACCEPTED (0x8004022A): the media type is not accepted");
+    EXPECT_EQ(Show(S_OK), "S_OK (0x00000000)");
+    EXPECT_EQ(Show(HRESULT_FROM_WIN32(ERROR_DISK_FULL)), "ERROR_DISK_FULL (0x80070070)");
+    constexpr auto unknown = static_cast<HRESULT>(0x8899AABB);
+    EXPECT_EQ(Explain(unknown), "0x8899AABB") << "nobody has words for it";
+    const std::string systems = Explain(HRESULT_FROM_WIN32(ERROR_CRC)); // whose words differ between systems
+    EXPECT_EQ(systems.find("0x80070017: "), 0u) << systems;
+    EXPECT_TRUE(systems.size() > 12 && systems.back() > ' ' && systems.back() != '.') << systems;
 }
 
 TEST(Text, KeepsEveryLetter)

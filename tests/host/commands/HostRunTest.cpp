@@ -93,6 +93,21 @@ TEST_F(HostRun, AChainOfEffectsKeepsOrderSettingsAndTransparency)
     EXPECT_TRUE(media::ReadPicture(folder / L"out.tif").pixels == Expected(picture, stack).pixels);
 }
 
+TEST_F(HostRun, VerboseTellsWhatTheGraphIsMadeOf)
+{
+    const Outcome outcome = Run({L"apply", L"--verbose", L"Emboss", L"--level", L"sse2", L"in.png", L"out.png"});
+    EXPECT_EQ(outcome.status, 0u);
+    EXPECT_EQ(outcome.out.find("The filter graph"), std::string::npos) << "standard output may be full of frames";
+    const media::Picture picture = media::ReadPicture(folder / L"in.png");
+    const std::string size = std::to_string(picture.width * picture.height * 4) + " bytes";
+    for (const std::string& word :
+         {std::string("\"Emboss\": SSE2, together"), std::string("MEDIASUBTYPE_RGB32, FORMAT_VideoInfo"),
+          size + " a frame",
+          "frames: 1 x " + size + ", aligned to 1, prefix 0, of the row's last filter, the same as before"})
+        EXPECT_NE(outcome.err.find(word), std::string::npos) << word << "\n" << outcome.err;
+    ExpectDone(Run({L"apply", L"Emboss", L"in.png", L"out.png"}));
+}
+
 TEST_F(HostRun, AClipKeepsEverythingButItsColours)
 {
     ClipRecipe recipe;
