@@ -82,11 +82,17 @@ void Run(const ValidateCommand& command)
 {
     if (command.list)
         return Say(ListChecks(command.json));
-    const auto groups = validate::Groups();
-    for (const std::string& group : command.groups)
-        if (std::find(groups.begin(), groups.end(), group) == groups.end())
-            throw WrongWords("There is no group \"" + group + "\" of checks; did you mean " +
-                             Alternatives(NearestNames(group, groups)) + "? `vixahost validate --list` shows all.");
+    for (const std::string& name : command.groups)
+        if (validate::ChecksOf(name).empty()) {
+            auto names = validate::Groups();
+            if (name.find('/') != std::string::npos) {
+                names.clear();
+                for (const validate::Check& check : validate::AllChecks())
+                    names.push_back(check.Id());
+            }
+            throw WrongWords("There is no check and no group of checks \"" + name + "\"; did you mean " +
+                             Alternatives(NearestNames(name, names)) + "? `vixahost validate --list` shows all.");
+        }
     validate::ValidationRequest request;
     request.dll = effects::LibraryOr(command.dll);
     request.program = ThisProgram();
@@ -137,8 +143,8 @@ Words ValidateWords(CLI::App& program)
     const auto given = std::make_shared<Given>();
     parser->add_flag("--json", given->json, "For programs");
     parser->add_option("DLL", given->library, "The library; without it the one beside this program");
-    parser->add_option("--only", given->groups, "This group of checks only (may be repeated)")
-        ->type_name("GROUP")
+    parser->add_option("--only", given->groups, "This group of checks only, or this check (may be repeated)")
+        ->type_name("GROUP or GROUP/NAME")
         ->allow_extra_args(false);
     parser->add_flag("--list", given->list, "Names and describes the checks");
     parser->add_option("--time-limit", given->seconds, "How long one check may take")

@@ -11,7 +11,7 @@ namespace vixahost::commands {
 struct ValidateCommand
 {
     std::filesystem::path dll;       // empty: the one beside the program
-    std::vector<std::string> groups; // empty: all
+    std::vector<std::string> groups; // or single checks; empty: all
     bool json, list;
     int secondsPerCheck;
     int attackMinutes = 0; // instead of the checks

@@ -1,6 +1,8 @@
 // Group "connections": what an effect agrees on with its neighbours, and how it holds to that when they change.
+#include "host/fixtures/GuardedMemory.h"
 #include "host/fixtures/PushGraph.h"
 #include "host/fixtures/RecordedSet.h"
+#include "host/validate/Contract.h"
 #include "host/validate/Subject.h"
 
 #include <vixavideofx/ClassIds.h>
@@ -74,10 +76,13 @@ struct OtherSink
 
 void SinksAllocator(Subject& library)
 {
+    const OtherSink sink; // one whose allocator was looked at before it agreed on any
     fixtures::PushGraph graph(TenBrighter(library).Get(), type);
-    Require(graph.Seen().allocator == OwnAllocator(graph.Downstream()).Get(),
-            "the sink's allocator was not proposed upstream when the output was connected");
     Require(ArrivesInPlace(graph, graph.Seen()), "frames are copied although both sides agree");
+    sink.TakeOver(graph);
+    Require(sink.record.allocator == sink.own.Get(),
+            "the sink's allocator was not proposed upstream when the output was connected");
+    Require(ArrivesInPlace(graph, sink.record), "frames are copied although both sides agree again");
 }
 
 void SourcesAllocator(Subject& library)
@@ -106,6 +111,44 @@ void ReadOnlyAllocator(Subject& library)
                   "connecting the sink again");
     graph.Run();
     Require(!ArrivesInPlace(graph, graph.Seen()), "a read-only sample was handed on when the sink had come back");
+}
+
+// Frames that only upstream may write to, in memory where a write ends the process.
+void ProtectedMemory(Subject& library)
+{
+    for (const Promise& effect : Promises())
+        for (const Allocator allocator : {Allocator::ReadOnly, Allocator::SharedReadOnly}) {
+            const auto filter = library.Filter(*effect.classId);
+            fixtures::RecordedSet set(effect.working);
+            RequireResult(Parameters(filter.Get())->SetPropertySet(&set), S_OK, "SetPropertySet");
+            fixtures::PushGraph graph(filter.Get(), type, allocator);
+            const fixtures::GuardedMemory memory(8 * 8 * 4);
+            DWORD before = 0;
+            VirtualProtect(memory.data(), memory.size(), PAGE_READONLY, &before);
+            fixtures::HandSample sample(memory.Bytes());
+            RequireResult(graph.Send(&sample), S_OK, std::string(effect.name) + ": Receive of a read-only sample");
+            RequireNumber(graph.Seen().samples, 1, std::string(effect.name) + ": samples delivered");
+        }
+}
+
+// The input is connected to another source, whose frames have another size, while the output stays as it is.
+void InputAgain(Subject& library)
+{
+    const CMediaType other = fixtures::VideoType(16, 3);
+    const auto source = graph::FrameSource::Create(other);
+    fixtures::PushGraph graph(TenBrighter(library).Get(), type);
+    Separate(graph, graph.Upstream(), graph.Input());
+    graph.Manager()->AddFilter(source.Get(), L"another source");
+    RequireResult(graph.Manager()->ConnectDirect(source->GetPin(0), graph.Input(), nullptr), S_OK,
+                  "the connection to another source");
+    CMediaType out;
+    RequireResult(graph.Output()->ConnectionMediaType(&out), S_OK, "the output's ConnectionMediaType after that");
+    Require(out == other, "the output's type is not the new source's");
+    graph.Run();
+    RequireNumber(graph.Through(std::vector<std::uint8_t>(16 * 3 * 4, 100)).back(), 100, "the last byte of a frame");
+    RequireNumber(graph.Seen().content.at(16 * 3 * 4 - 2), 110, "the last red byte of a frame from another source");
+    graph.Control()->Stop();
+    graph.Manager()->RemoveFilter(source.Get());
 }
 
 void BothInsist(Subject& library)
@@ -173,6 +216,9 @@ constexpr Check connectionChecks[] = {
     {"connections", "read-only-allocator", "Samples that only upstream may write to are copied.", ReadOnlyAllocator},
     {"connections", "both-insist", "A source and a sink that both insist on their allocators are connected by copies.",
      BothInsist},
+    {"connections", "protected-memory", "Frames of a read-only source may lie in memory that can't be written to.",
+     ProtectedMemory},
+    {"connections", "input-again", "The input can be connected to another source while the output stays.", InputAgain},
     {"connections", "while-running", "Another allocator is refused in a running graph.", WhileRunning},
     {"connections", "rings", "Connections that lead back to the filter fail with VFW_E_CIRCULAR_GRAPH.", Rings},
     {"connections", "questions", "A question that a neighbour asks back comes to an end.", Questions},

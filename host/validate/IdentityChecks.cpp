@@ -79,7 +79,8 @@ void FactoryCounts(Subject& library)
         auto factory = library.Factory(*effect.classId);
         RequireNumber(factory->AddRef(), 2, name + ": the second reference's count");
         RequireNumber(factory->Release(), 1, name + ": the count after its release");
-        auto filter = library.Filter(*effect.classId);
+        ComPtr<IBaseFilter> filter;
+        RequireResult(factory->CreateInstance(nullptr, IID_IBaseFilter, &filter), S_OK, name + ": CreateInstance");
         RequireNumber(ReferencesOf(factory.Get()), 1, name + ": the factory's count after it made a filter");
         RequireNumber(factory.Detach()->Release(), 0, name + ": the factory's last Release");
     }

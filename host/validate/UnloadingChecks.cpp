@@ -1,5 +1,5 @@
 // Group "unloading": when the library may go, and that it goes.
-#include "framework/Handles.h"
+#include "host/fixtures/OpenObjects.h"
 #include "host/fixtures/PushGraph.h"
 #include "host/validate/EmbeddedPanel.h"
 
@@ -179,22 +179,6 @@ void WindowsLeft(Subject& library)
     }
 }
 
-// How many handles this process has open. Where the system does not count them, the highest of some new ones grows with
-// their number.
-long OpenHandles()
-{
-    DWORD count = 0;
-    if (GetProcessHandleCount(GetCurrentProcess(), &count) && count != 0)
-        return static_cast<long>(count);
-    std::vector<vixa::UniqueEvent> events(300);
-    ULONG_PTR highest = 0;
-    for (vixa::UniqueEvent& event : events) {
-        event.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));
-        highest = std::max(highest, reinterpret_cast<ULONG_PTR>(event.get()));
-    }
-    return static_cast<long>(highest / 4);
-}
-
 // The first index of thread-local storage that is free; a process has about a thousand.
 long FreeThreadIndex()
 {
@@ -212,13 +196,32 @@ void LoadsLeaveNothing(Subject& library)
         library.Unload();
     };
     load(); // what the system keeps of a first time is no leak
-    const long handles = OpenHandles(), index = FreeThreadIndex();
+    const long handles = fixtures::OpenHandles(), index = FreeThreadIndex();
     for (int i = 0; i < loads; ++i)
         load();
-    const long handlesLeft = OpenHandles() - handles, indicesLeft = FreeThreadIndex() - index;
+    const long handlesLeft = fixtures::OpenHandles() - handles, indicesLeft = FreeThreadIndex() - index;
     Require(handlesLeft < loads / 2 && indicesLeft < loads / 2,
             std::to_string(loads) + " loads leave " + std::to_string(handlesLeft) + " open handles and " +
                 std::to_string(indicesLeft) + " indices of thread-local storage behind");
+}
+
+void PanelsLeaveNothing(Subject& library)
+{
+    constexpr int loads = 10;
+    const auto load = [&] {
+        {
+            const Embedded panel(library, CLSID_GammaCorrection, PromiseOf(CLSID_GammaCorrection).defaults);
+        }
+        library.Unload();
+    };
+    load();
+    const long drawing = fixtures::OpenDrawingObjects(), windows = fixtures::OpenWindows();
+    for (int i = 0; i < loads; ++i)
+        load();
+    const long drawingLeft = fixtures::OpenDrawingObjects() - drawing, windowsLeft = fixtures::OpenWindows() - windows;
+    Require(drawingLeft < loads / 2 && windowsLeft < loads / 2,
+            std::to_string(loads) + " loads with a panel leave " + std::to_string(drawingLeft) +
+                " drawing objects and " + std::to_string(windowsLeft) + " windows behind");
 }
 
 constexpr Check unloadingChecks[] = {
@@ -233,6 +236,8 @@ constexpr Check unloadingChecks[] = {
     {"unloading", "cycles", "Twenty loads and unloads in one process work and leave nothing.", Cycles},
     {"unloading", "windows-left", "Windows that outlive the library do not call into it.", WindowsLeft},
     {"unloading", "handles", "Loads leave no handles and no thread-local storage behind.", LoadsLeaveNothing},
+    {"unloading", "drawing-objects", "Loads with panels leave no drawing objects and no windows behind.",
+     PanelsLeaveNothing},
 };
 
 } // namespace

@@ -228,11 +228,11 @@ std::vector<std::string> Groups()
     return groups;
 }
 
-std::vector<const Check*> ChecksOf(std::string_view group)
+std::vector<const Check*> ChecksOf(std::string_view name)
 {
     std::vector<const Check*> checks;
     for (const Check& check : AllChecks())
-        if (check.group == group)
+        if (check.group == name || check.Id() == name)
             checks.push_back(&check);
     return checks;
 }

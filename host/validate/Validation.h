@@ -22,7 +22,7 @@ struct ValidationRequest
 {
     std::filesystem::path dll;
     std::filesystem::path program;   // a vixahost, which is started for the children
-    std::vector<std::string> groups; // empty: all
+    std::vector<std::string> groups; // or single checks, as "group/name"; empty: all
     int secondsPerCheck = 20;        // a check that takes longer counts as crashed, and its process is ended
 };
 
@@ -35,8 +35,8 @@ std::vector<Result> Validate(const ValidationRequest& request, const std::functi
 // is signed; throws WrongWords when it doesn't.
 void RunAsChild(const std::filesystem::path& library, const std::string& group, int firstCheck);
 
-// The checks of one group; empty for a name that is none.
-std::vector<const Check*> ChecksOf(std::string_view group);
+// The checks of one group, or one check by its "group/name"; empty for a name that is none.
+std::vector<const Check*> ChecksOf(std::string_view name);
 
 // The groups in their order.
 std::vector<std::string> Groups();

@@ -1,293 +1,148 @@
-// Linked into a copy of the library, this breaks one thing in it: the fault that VIXA_FAULT_... names. It takes effect
-// when the module's static objects are made, by exchanging entries of virtual tables; the library's sources stay as
-// they are. Never part of a product.
-#include "effects/CAddPixel.h"
+// Linked into a copy of the library, this breaks one thing in it when it is loaded: the fault that the environment
+// variable VIXA_FAULT names by the check that is meant for it; without one the copy is as good as the library. The
+// library's sources stay as they are. Never part of a product.
+#include "tests/validator/Hooks.h"
 
-#include <vixavideofx/IEffectInfo.h>
-#include <vixavideofx/PropertySets.h>
+#include <vixavideofx/ClassIds.h>
 
-#include <windows.h>
-
-#include <strmif.h>
-
+#include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
+#include <iterator>
+#include <string>
 
-// The functions below stand in for member functions and are called as these are.
-#pragma GCC diagnostic ignored "-Wattributes"
+extern IMAGE_DOS_HEADER imageBase __asm__(SYMBOL("__ImageBase"));
 
-#ifdef _WIN64
-#define SYMBOL(name) name
-#else
-#define SYMBOL(name) "_" name
-#endif
-
-// Tables and operations of the library by their symbols. A table's first two entries aren't operations.
-extern "C" {
-extern void* infoTable[] __asm__(SYMBOL("_ZTVN23VixaVideoFXClassFactory10EffectInfoE"));
-extern void* factoryTable[] __asm__(SYMBOL("_ZTV23VixaVideoFXClassFactory"));
-extern void* convolutionTable[] __asm__(SYMBOL("_ZTV15CConvCorrection"));
-extern void* invertPanelTable[] __asm__(SYMBOL("_ZTV13CDialogInvert"));
-extern void* addTable[] __asm__(SYMBOL("_ZTV9CAddPixel"));
-HRESULT __thiscall KernelTransform(void* self,
-                                   IMediaSample* sample) __asm__(SYMBOL("_ZN12KernelEffect9TransformEP12IMediaSample"));
-void __thiscall PanelDestroyed(void* self) __asm__(SYMBOL("_ZN8CBaseWnd9OnDestroyEv"));
-}
+namespace broken {
 
 namespace {
 
-void Put(void** entry, void* function)
+using namespace vixavideofx;
+
+struct Exchanged
 {
-    DWORD before = 0;
-    VirtualProtect(entry, sizeof *entry, PAGE_READWRITE, &before);
-    *entry = function;
-    VirtualProtect(entry, sizeof *entry, before, &before);
+    void** entry;
+    void* before;
+    void* instead;
+};
+std::vector<Exchanged> exchanged; // written while faults are planted, by one thread
+
+const IMAGE_DATA_DIRECTORY& DirectoryOf(const BYTE* module, int index)
+{
+    const auto* const headers =
+        reinterpret_cast<const IMAGE_NT_HEADERS*>(module + reinterpret_cast<const IMAGE_DOS_HEADER*>(module)->e_lfanew);
+    return headers->OptionalHeader.DataDirectory[index];
 }
 
-// The first entry that is `wanted`; a class's tables lie in a row, so a bounded search is enough.
-[[maybe_unused]] void** Find(void** table, void* wanted)
-{
-    for (int i = 0; i < 200; ++i)
-        if (table[i] == wanted)
-            return &table[i];
-    std::abort(); // the library has changed, and this fault with it
-}
+// The entry points.
 
-[[maybe_unused]] void Exchange(void** table, void* from, void* to)
+// Another function, or none, in the table of exports.
+void Export(std::string_view name, void* function)
 {
-    Put(Find(table, from), to);
-}
-
-// SetPropertySet in the table by which CAddPixel serves IEffectFilter: the fourth operation. That table begins with how
-// far back the object begins.
-[[maybe_unused]] void** SetPropertySetEntry()
-{
-    auto* const object = reinterpret_cast<CAddPixel*>(0x10000);
-    const auto back =
-        reinterpret_cast<INT_PTR>(object) - reinterpret_cast<INT_PTR>(static_cast<IEffectFilter*>(object));
-    return Find(addTable, reinterpret_cast<void*>(back)) + 2 + 3;
-}
-
-// An operation of the catalogue object by its place in the interface.
-[[maybe_unused]] void** Slot(int slot)
-{
-    return &infoTable[2 + slot];
+    auto* const module = reinterpret_cast<BYTE*>(&imageBase);
+    const auto* const table = reinterpret_cast<IMAGE_EXPORT_DIRECTORY*>(
+        module + DirectoryOf(module, IMAGE_DIRECTORY_ENTRY_EXPORT).VirtualAddress);
+    const auto* const names = reinterpret_cast<DWORD*>(module + table->AddressOfNames);
+    const auto* const ordinals = reinterpret_cast<WORD*>(module + table->AddressOfNameOrdinals);
+    const auto place = static_cast<DWORD>(static_cast<BYTE*>(function) - module);
+    for (DWORD i = 0; i < table->NumberOfNames; ++i)
+        if (name == reinterpret_cast<const char*>(module + names[i]))
+            Put(module + table->AddressOfFunctions + ordinals[i] * sizeof(DWORD), &place, sizeof place);
 }
 
 template <typename Function>
-[[maybe_unused]] Function* Old(void* entry)
+void* Address(Function* function)
 {
-    return reinterpret_cast<Function*>(entry);
+    return reinterpret_cast<void*>(function);
 }
 
-enum : int
+const Fault* wanted = nullptr;
+
+// One factory tells where the tables of the others are.
+void PlantInObjects()
 {
-    GetTypeCode = 3,
-    GetGroupId = 4,
-    GetEffectName = 7,
-    GetIcon = 8,
-    SetDefaults = 12,
-    ShowSettingsDialog = 13,
-    GetVersion = 15,
-};
-
-[[maybe_unused]] void* old = nullptr;
-
-#if defined(VIXA_FAULT_SLOTS)
-
-void Break()
-{
-    void* const first = *Slot(GetTypeCode);
-    Put(Slot(GetTypeCode), *Slot(GetGroupId));
-    Put(Slot(GetGroupId), first);
-}
-
-#elif defined(VIXA_FAULT_LEAK)
-
-using Query = HRESULT STDMETHODCALLTYPE(IUnknown*, REFIID, void**);
-HRESULT STDMETHODCALLTYPE LeakingQuery(IUnknown* self, REFIID riid, void** object)
-{
-    const HRESULT result = Old<Query>(old)(self, riid, object);
-    if (SUCCEEDED(result) && riid == IID_IEffectInfo)
-        static_cast<IUnknown*>(*object)->AddRef();
-    return result;
-}
-void Break()
-{
-    old = factoryTable[2];
-    Put(&factoryTable[2], reinterpret_cast<void*>(LeakingQuery));
-}
-
-#elif defined(VIXA_FAULT_ICON)
-
-using Icon = HRESULT STDMETHODCALLTYPE(IUnknown*, BYTE*, ULONG*);
-HRESULT STDMETHODCALLTYPE LongIcon(IUnknown* self, BYTE* buffer, ULONG* size)
-{
-    const HRESULT result = Old<Icon>(old)(self, buffer, size);
-    if (!buffer && size)
-        *size += 2; // a bitmap file's header would be added so
-    return result;
-}
-void Break()
-{
-    old = *Slot(GetIcon);
-    Put(Slot(GetIcon), reinterpret_cast<void*>(LongIcon));
-}
-
-#elif defined(VIXA_FAULT_BORDER)
-
-HRESULT __thiscall Bordered(void* self, IMediaSample* sample)
-{
-    const HRESULT result = KernelTransform(self, sample);
-    BYTE* bytes = nullptr;
-    if (SUCCEEDED(sample->GetPointer(&bytes)) && bytes && sample->GetActualDataLength() >= 8)
-        bytes[4] = 1;
-    return result;
-}
-void Break()
-{
-    Exchange(convolutionTable, reinterpret_cast<void*>(KernelTransform), reinterpret_cast<void*>(Bordered));
-}
-
-#elif defined(VIXA_FAULT_OVERRUN)
-
-HRESULT __thiscall Overrun(void* self, IMediaSample* sample)
-{
-    const HRESULT result = KernelTransform(self, sample);
-    BYTE* bytes = nullptr;
-    if (SUCCEEDED(sample->GetPointer(&bytes)) && bytes)
-        bytes[sample->GetSize()] = 0;
-    return result;
-}
-void Break()
-{
-    Exchange(addTable, reinterpret_cast<void*>(KernelTransform), reinterpret_cast<void*>(Overrun));
-}
-
-#elif defined(VIXA_FAULT_TIMES)
-
-HRESULT __thiscall Retimed(void* self, IMediaSample* sample)
-{
-    REFERENCE_TIME start = 0, end = 1;
-    sample->SetTime(&start, &end);
-    return KernelTransform(self, sample);
-}
-void Break()
-{
-    Exchange(addTable, reinterpret_cast<void*>(KernelTransform), reinterpret_cast<void*>(Retimed));
-}
-
-#elif defined(VIXA_FAULT_NULL)
-
-using Setting = HRESULT STDMETHODCALLTYPE(void*, IUnknown*);
-HRESULT STDMETHODCALLTYPE Trusting(void* self, IUnknown* set)
-{
-    set->AddRef();
-    set->Release();
-    return Old<Setting>(old)(self, set);
-}
-void Break()
-{
-    old = *SetPropertySetEntry();
-    Put(SetPropertySetEntry(), reinterpret_cast<void*>(Trusting));
-}
-
-#elif defined(VIXA_FAULT_HANG)
-
-using Setting = HRESULT STDMETHODCALLTYPE(void*, IUnknown*);
-HRESULT STDMETHODCALLTYPE Patient(void* self, IUnknown* set)
-{
-    alignas(8) char block[1 << 17];
-    int size = 0;
-    while (set && FAILED(static_cast<IDataPropertySet*>(set)->GetData(block, &size)))
-        Sleep(1);
-    return Old<Setting>(old)(self, set);
-}
-void Break()
-{
-    old = *SetPropertySetEntry();
-    Put(SetPropertySetEntry(), reinterpret_cast<void*>(Patient));
-}
-
-#elif defined(VIXA_FAULT_DEFAULT)
-
-using Defaults = HRESULT STDMETHODCALLTYPE(IUnknown*, IUnknown*);
-HRESULT STDMETHODCALLTYPE ShiftedDefaults(IUnknown* self, IUnknown* set)
-{
-    const HRESULT result = Old<Defaults>(old)(self, set);
-    std::int32_t block[4] = {};
-    int size = 0;
-    auto* const data = static_cast<IDataPropertySet*>(set);
-    if (SUCCEEDED(result) && SUCCEEDED(data->GetData(block, &size)) && size == 4 && block[0] == 2) {
-        block[0] = 3; // "Emboss" gets the kind of "Enhance details"
-        data->SetData(block, size);
+    Objects objects;
+    for (const GUID* effect : {&CLSID_Emboss, &CLSID_AddPixel, &CLSID_FilterColor, &CLSID_InvertColor,
+                               &CLSID_MultiplyPixel, &CLSID_GammaCorrection}) {
+        DllGetClassObject(*effect, IID_PPV_ARGS(objects.factory.ReleaseAndGetAddressOf()));
+        objects.factory.As(&objects.info);
+        objects.filters.emplace_back();
+        objects.factory->CreateInstance(nullptr, IID_PPV_ARGS(&objects.filters.back()));
     }
+    wanted->plant(objects);
+    // What is let go of here goes the library's own way.
+    for (const Exchanged& each : exchanged)
+        Put(each.entry, &each.before, sizeof each.before);
+    objects = {};
+    for (const Exchanged& each : exchanged)
+        Put(each.entry, &each.instead, sizeof each.instead);
+}
+
+HRESULT WINAPI GetClassObject(REFCLSID classId, REFIID riid, void** object)
+{
+    [[maybe_unused]] static const bool planted = (PlantInObjects(), true);
+    return DllGetClassObject(classId, riid, object);
+}
+
+HRESULT WINAPI LacksOne(REFCLSID classId, REFIID riid, void** object)
+{
+    return classId == CLSID_SoftenFilter ? CLASS_E_CLASSNOTAVAILABLE : DllGetClassObject(classId, riid, object);
+}
+
+HRESULT WINAPI ClearsPointer(REFCLSID classId, REFIID riid, void** object)
+{
+    const HRESULT result = DllGetClassObject(classId, riid, object);
+    if (FAILED(result))
+        *object = nullptr;
     return result;
 }
-void Break()
+
+HRESULT WINAPI JudgesClassFirst(REFCLSID classId, REFIID riid, void** object)
 {
-    old = *Slot(SetDefaults);
-    Put(Slot(SetDefaults), reinterpret_cast<void*>(ShiftedDefaults));
+    void* factory = nullptr;
+    const HRESULT known = DllGetClassObject(classId, IID_IClassFactory, &factory);
+    if (FAILED(known))
+        return known;
+    static_cast<IUnknown*>(factory)->Release();
+    return DllGetClassObject(classId, riid, object);
 }
 
-#elif defined(VIXA_FAULT_SILENT)
-
-using Dialog = HRESULT STDMETHODCALLTYPE(IUnknown*, ULONG, HWND, UINT, IUnknown*, HWND*);
-HRESULT STDMETHODCALLTYPE SilentDialog(IUnknown* self, ULONG ignored, HWND parent, UINT, IUnknown* set, HWND* window)
+// The catalogue object for the factory.
+HRESULT WINAPI GivesOther(REFCLSID classId, REFIID riid, void** object)
 {
-    return Old<Dialog>(old)(self, ignored, parent, 0, set, window);
-}
-void Break()
-{
-    old = *Slot(ShowSettingsDialog);
-    Put(Slot(ShowSettingsDialog), reinterpret_cast<void*>(SilentDialog));
+    const HRESULT result = DllGetClassObject(classId, riid, object);
+    auto* const factory = SUCCEEDED(result) && riid == IID_IUnknown ? static_cast<IUnknown*>(*object) : nullptr;
+    return factory ? factory->QueryInterface(IID_IEffectInfo, object) : result;
 }
 
-#elif defined(VIXA_FAULT_DESTROY)
-
-// Inside a window procedure, where the system may swallow it.
-void __thiscall Faulting(void* self)
+HRESULT WINAPI AlwaysUnload()
 {
-    PanelDestroyed(self);
-    static volatile int* nowhere = nullptr;
-    *nowhere = 0; // cppcheck-suppress nullPointer // the fault
-}
-void Break()
-{
-    Exchange(invertPanelTable, reinterpret_cast<void*>(PanelDestroyed), reinterpret_cast<void*>(Faulting));
+    return S_OK;
 }
 
-#elif defined(VIXA_FAULT_LANGUAGE)
-
-using Name = HRESULT STDMETHODCALLTYPE(IUnknown*, ULONG, WCHAR*, ULONG*);
-HRESULT STDMETHODCALLTYPE SwappedName(IUnknown* self, ULONG language, WCHAR* text, ULONG* length)
+HRESULT WINAPI NeverUnload()
 {
-    return Old<Name>(old)(self, language == 0x0407 ? 0x040C : language, text, length); // French for German
-}
-void Break()
-{
-    old = *Slot(GetEffectName);
-    Put(Slot(GetEffectName), reinterpret_cast<void*>(SwappedName));
+    return S_FALSE;
 }
 
-#elif defined(VIXA_FAULT_TEXT_END)
-
-using Name = HRESULT STDMETHODCALLTYPE(IUnknown*, ULONG, WCHAR*, ULONG*);
-HRESULT STDMETHODCALLTYPE Unterminated(IUnknown* self, ULONG language, WCHAR* text, ULONG* length)
-{
-    const HRESULT result = Old<Name>(old)(self, language, text, length);
-    if (length && *length > 0 && language == 0x040D)
-        --*length; // in a language without a file, the terminator is written and not counted
-    return result;
+// The stack and the registers.
+extern "C" {
+void SpoilsTheCaller() __asm__("spoils_the_caller");
+void WantsAlignment() __asm__("wants_alignment");
+void* aligned __asm__("aligned_receive");
 }
-void Break()
-{
-    old = *Slot(GetEffectName);
-    Put(Slot(GetEffectName), reinterpret_cast<void*>(Unterminated));
-}
+#ifdef _WIN64
+__asm__(".text\nspoils_the_caller:\n\txorq %r12, %r12\n\tmovl $0x80004002, %eax\n\tret\n"
+        "wants_alignment:\n\tleaq 8(%rsp), %rax\n\ttestq $31, %rax\n\tjz 1f\n\tmovq 0, %rax\n"
+        "1:\tmovq aligned_receive(%rip), %rax\n\tjmp *%rax\n");
+#else
+__asm__(".text\nspoils_the_caller:\n\tmovl $0x80004002, %eax\n\tret\n"
+        "wants_alignment:\n\tleal 4(%esp), %eax\n\ttestl $15, %eax\n\tjz 1f\n\tmovl 0, %eax\n"
+        "1:\tjmp *aligned_receive\n");
+#endif
 
-#elif defined(VIXA_FAULT_FLOOD) || defined(VIXA_FAULT_STATUS)
+// The report.
 
 // To whoever listens: the library looks for the report of the checks among the open handles.
 void Say(const char* text)
@@ -296,77 +151,140 @@ void Say(const char* text)
         if (DWORD written = 0; GetFileType(reinterpret_cast<HANDLE>(handle)) == FILE_TYPE_PIPE)
             WriteFile(reinterpret_cast<HANDLE>(handle), text, static_cast<DWORD>(std::strlen(text)), &written, nullptr);
 }
-HRESULT STDMETHODCALLTYPE TellingVersion(IUnknown*, ULONG* version)
-{
-#if defined(VIXA_FAULT_FLOOD)
-    char line[5000];
-    std::memset(line, '!', sizeof line - 1);
-    for (line[sizeof line - 1] = '\0';;)
-        Say(line); // it has no end
-#endif
-    Say("0123456789abcdef 9 1 4 7 all is well\n");
-    *version = 1;
-    return S_OK;
-}
-void Break()
-{
-    Put(Slot(GetVersion), reinterpret_cast<void*>(TellingVersion));
-}
 
-#elif defined(VIXA_FAULT_REPEAT) || defined(VIXA_FAULT_FORGE)
-
-// Between the host and its report: each line is written twice, or a failure becomes a success.
+// Between the host and its report.
 using Writing = BOOL WINAPI(HANDLE, const void*, DWORD, DWORD*, OVERLAPPED*);
+Writing* writing = nullptr;
+bool forges = false; // makes a success of a failure; or else writes each line twice
+
 BOOL WINAPI Meddling(HANDLE file, const void* data, DWORD size, DWORD* written, OVERLAPPED* overlapped)
 {
     char line[4096] = {};
-    std::memcpy(line, data, size < sizeof line ? size : sizeof line - 1);
-#if defined(VIXA_FAULT_FORGE)
-    if (char* const failure = std::strstr(line, " 1 4 3 "))
+    std::memcpy(line, data, std::min<std::size_t>(size, sizeof line - 1));
+    if (!forges)
+        writing(file, line, size, written, overlapped);
+    else if (char* const failure = std::strstr(line, " 1 0 3 "))
         failure[5] = '0';
-#else
-    Old<Writing>(old)(file, line, size, written, overlapped);
-#endif
-    return Old<Writing>(old)(file, line, size, written, overlapped);
+    const BOOL done = writing(file, line, size, written, overlapped);
+    return done;
 }
-HRESULT STDMETHODCALLTYPE MeddlingVersion(IUnknown*, ULONG* version)
+
+void Meddle()
 {
     auto* const host = reinterpret_cast<BYTE*>(GetModuleHandleW(nullptr));
-    const auto* const headers =
-        reinterpret_cast<IMAGE_NT_HEADERS*>(host + reinterpret_cast<IMAGE_DOS_HEADER*>(host)->e_lfanew);
-    const auto& imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IAT];
-    old = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "WriteFile"));
-    for (auto** entry = reinterpret_cast<void**>(host + imports.VirtualAddress);
-         reinterpret_cast<BYTE*>(entry) < host + imports.VirtualAddress + imports.Size; ++entry)
-        if (*entry == old)
-            Put(entry, reinterpret_cast<void*>(Meddling));
-#if defined(VIXA_FAULT_FORGE)
-    *version = 2;
-#else
-    *version = 1;
-#endif
-    return S_OK;
+    const auto& imports = DirectoryOf(host, IMAGE_DIRECTORY_ENTRY_IAT);
+    writing = reinterpret_cast<Writing*>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "WriteFile")));
+    void* const other = Address(Meddling);
+    for (BYTE* entry = host + imports.VirtualAddress; entry < host + imports.VirtualAddress + imports.Size;
+         entry += sizeof(void*))
+        if (*reinterpret_cast<void**>(entry) == Address(writing))
+            Put(entry, &other, sizeof other);
 }
-void Break()
+
+constexpr Fault reportFaults[] = {
+    {"report/flood", On<IEffectInfo, &IEffectInfo::GetVersion>([](auto real, ULONG* version) -> HRESULT {
+         char line[5000];
+         std::memset(line, '!', sizeof line - 1);
+         for (line[sizeof line - 1] = '\0'; real.self;)
+             Say(line); // it has no end
+         return real(version);
+     })},
+    {"report/status", On<IEffectInfo, &IEffectInfo::GetVersion>([](auto real, ULONG* version) -> HRESULT {
+         Say("0123456789abcdef 9 1 4 7 all is well\n");
+         return real(version);
+     })},
+    {"report/forge", On<IEffectInfo, &IEffectInfo::GetVersion>([](auto real, ULONG* version) -> HRESULT {
+         Meddle();
+         forges = true;
+         real(version);
+         *version = 2;
+         return S_OK;
+     })},
+    {"report/repeat", On<IEffectInfo, &IEffectInfo::GetVersion>([](auto real, ULONG* version) -> HRESULT {
+         Meddle();
+         return real(version);
+     })},
+    {"bad-input/misaligned-stack",
+     [](Objects& objects) {
+         EachOf<IMemInputPin>(objects, [](void* pin) {
+             void** const entry = &(*static_cast<void***>(pin))[6]; // Receive
+             Exchange(entry, Address(WantsAlignment));
+             aligned = Before(entry);
+         });
+     }},
+};
+
+// What is planted when the library is loaded.
+struct LoadFault
 {
-    Put(Slot(GetVersion), reinterpret_cast<void*>(MeddlingVersion));
+    std::string_view check;
+    void (*plant)();
+};
+
+DWORD WINAPI Wait(void*)
+{
+    Sleep(INFINITE);
+    return 0;
 }
 
-#else // the fault is in the table of exports
-
-void Break() {}
-
-#endif
+constexpr LoadFault loadFaults[] = {
+    {"loading/no-threads", [] { CloseHandle(CreateThread(nullptr, 0, Wait, nullptr, 0, nullptr)); }},
+    {"exports/names", [] { Export("DllUnregisterServer", &imageBase); }},
+    {"exports/calling-convention", [] { Export("DllGetClassObject", Address(SpoilsTheCaller)); }},
+    {"factories/all-classes", [] { Export("DllGetClassObject", Address(LacksOne)); }},
+    {"factories/unknown-class", [] { Export("DllGetClassObject", Address(ClearsPointer)); }},
+    {"factories/wrong-interface", [] { Export("DllGetClassObject", Address(JudgesClassFirst)); }},
+    {"factories/unknown-is-factory", [] { Export("DllGetClassObject", Address(GivesOther)); }},
+    {"unloading/fresh", [] { Export("DllCanUnloadNow", Address(NeverUnload)); }},
+    {"unloading/objects", [] { Export("DllCanUnloadNow", Address(AlwaysUnload)); }},
+    {"unloading/handles", [] { CreateEventW(nullptr, FALSE, FALSE, nullptr); }},
+};
 
 const struct Breaker
 {
-    Breaker() { Break(); }
+    Breaker()
+    {
+        char name[64] = "";
+        GetEnvironmentVariableA("VIXA_FAULT", name, sizeof name);
+        for (const LoadFault& each : loadFaults)
+            if (each.check == name)
+                each.plant();
+        for (const auto faults :
+             {CatalogueFaults(), PanelFaults(), FilterFaults(), std::span<const Fault>(reportFaults)})
+            for (const Fault& each : faults)
+                if (each.check == name)
+                    wanted = &each;
+        if (wanted)
+            Export("DllGetClassObject", Address(GetClassObject));
+    }
 } breaker;
 
 } // namespace
 
-// For a table of exports that names it instead of the library's own.
-extern "C" HRESULT WINAPI AlwaysUnload()
+void Put(void* place, const void* value, std::size_t size)
 {
-    return S_OK;
+    DWORD before = 0;
+    VirtualProtect(place, size, PAGE_READWRITE, &before);
+    std::memcpy(place, value, size);
+    VirtualProtect(place, size, before, &before);
 }
+
+void* Before(void** entry)
+{
+    for (const Exchanged& each : exchanged)
+        if (each.entry == entry)
+            return each.before;
+    std::abort(); // an object with a table that was not among those of the first factory
+}
+
+void Exchange(void** entry, void* function)
+{
+    for (const Exchanged& each : exchanged)
+        if (each.entry == entry)
+            return;
+    exchanged.push_back({entry, *entry, function});
+    Put(entry, &function, sizeof function);
+}
+
+} // namespace broken
