@@ -39,7 +39,7 @@ step package-manifest "Asking the library for its manifest" \
 sed 's/"amd64"/"x86"/' "$stage/x64/$manifest" >"$stage/x86/$manifest"
 
 of_package README.md "$stage/README.md"
-cp "$ROOT"/docs/{installation,stack-files,validator}.md "$ROOT/CHANGELOG.md" "$stage/docs/"
+cp "$ROOT"/docs/{hosting,installation,stack-files,troubleshooting,validator}.md "$ROOT/CHANGELOG.md" "$stage/docs/"
 cp -r "$ROOT"/docs/{effects,performance.md,performance.svg} "$stage/docs/" # F1 in the window opens a page
 of_package sdk/README.md "$sdk/README.md"
 cmake "-DVERSION=$version" "-DFILE=$sdk/cmake/VixaVideoFXConfigVersion.cmake" -P "$ROOT/installer/sdk/version.cmake"
@@ -48,12 +48,14 @@ cp "$ROOT"/include/vixavideofx/*.h "$sdk/include/vixavideofx/"
 cp "$ROOT"/examples/host.* "$sdk/examples/"
 cp "$ROOT/module/VixaVideoFX.def" "$sdk/"
 cp "$ROOT/docs/hosting.md" "$ROOT/CHANGELOG.md" "$sdk/docs/"
-# Everything that is linked statically, by the texts of the packages that it came from.
-cp "$BUILD/deps/tinyxml/copyright" "$stage/notices/tinyxml.txt"
-cp /usr/share/doc/g++-mingw-w64-i686-posix/copyright "$stage/notices/compiler-runtime.txt"
-cp /usr/share/doc/mingw-w64-common/copyright "$stage/notices/windows-runtime.txt"
-cp /usr/share/doc/libcli11-dev/copyright "$stage/notices/vixahost-command-line.txt"
-cp /usr/share/doc/nlohmann-json3-dev/copyright "$stage/notices/vixahost-json.txt"
+# Everything that is linked statically, by the texts of the packages that it came from; the table of THIRD-PARTY.md says which.
+cp "$ROOT/THIRD-PARTY.md" "$stage/notices/README.md"
+(
+    cd "$ROOT"
+    sed -n 's/^|.*| `\(notices[^`]*\)` | `\([^`]*\)` |$/\1 \2/p' THIRD-PARTY.md | while read -r notice text; do
+        cp "$text" "$stage/$notice" || exit 1
+    done
+)
 find "$stage" "$sdk" -type f -exec chmod 644 {} + -o -type d -exec chmod 755 {} +
 find "$stage" "$sdk" -exec touch --no-dereference --date="@$SOURCE_DATE_EPOCH" {} +
 
