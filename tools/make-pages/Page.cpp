@@ -191,7 +191,7 @@ std::string Speed(const Effect& effect, const std::string& performance)
 // Words as the command line takes them.
 std::string CommandOf(const Effect& effect, const Setting& setting)
 {
-    std::string text = "./run apply \"" + effect.name + "\"";
+    std::string text = "vixahost apply \"" + effect.name + "\"";
     if (!effect.parameters.empty())
         for (const std::string& one : Split(setting.text, ", "))
             text += " --set " + one;
@@ -263,9 +263,9 @@ std::string PageOf(const Effect& effect, const Section& words, const std::vector
 std::string IndexOf(const std::vector<Effect>& effects, const std::vector<Section>& words)
 {
     constexpr std::size_t columns = 3;
-    std::string text = std::string(made) +
-                       "# The effects\n\nA page each: what it does, formula, parameters, data block, speed. The "
-                       "pictures are of this one:\n\n![The sample picture](sample.png)\n";
+    std::string text = std::string(made) + "# The effects\n\nA page each: what it does, formula, parameters, data "
+                                           "block, speed. From the sources `vixahost` is `./run`. The "
+                                           "pictures are of this one:\n\n![The sample picture](sample.png)\n";
     for (std::size_t first = 0; first < effects.size(); first += columns) {
         std::string pictures = "\n|", rule = "\n|", names = "\n|";
         for (std::size_t i = first; i < std::min(first + columns, effects.size()); ++i) {
