@@ -1,5 +1,7 @@
 #include "bridges/frei0r/Bands.h"
 
+#include "effects/kernels/Plan.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -37,10 +39,27 @@ void WriteRow(std::uint32_t* out, const std::uint32_t* colours, const std::uint3
         out[x] = (colours[x] & 0x00FFFFFFu) | (alpha[x] & 0xFF000000u);
 }
 
+// Effects that look at each pixel alone go from one picture to the other at once. False where that can't be done; then
+// nothing is written.
+bool RenderPixels(const kernels::StepParameters& effect, const kernels::KernelSet& kernels, const std::uint32_t* in,
+                  std::uint32_t* out, std::size_t pixels) noexcept
+{
+    kernels::PointStep point;
+    // (some leave the last one of an odd number alone, which the rows' order decides)
+    if (pixels % 2 != 0 || !kernels.points || !kernels::PlanPoint(effect, point))
+        return false;
+    kernels.points({reinterpret_cast<const std::uint8_t*>(in), 4 * pixels}, reinterpret_cast<std::uint8_t*>(out),
+                   {&point, 1}, true);
+    return true;
+}
+
 } // namespace
 
 void Render(kernels::StepParameters effect, const std::uint32_t* in, std::uint32_t* out, PictureSize size) noexcept
 {
+    const kernels::KernelSet& kernels = kernels::KernelsOf(kernels::HighestLevel());
+    if (RenderPixels(effect, kernels, in, out, size.width * size.height))
+        return;
     auto* const convolution = std::get_if<kernels::PictureConvolution>(&effect);
     // A convolution looks one row further. Both rows around a band's end are kept as they were, because in one buffer
     // the picture is overwritten behind the band.
@@ -56,8 +75,6 @@ void Render(kernels::StepParameters effect, const std::uint32_t* in, std::uint32
         return CopyPixels(out, in, size.width * size.height);
     std::uint32_t* const band = memory.get();
     std::uint32_t* const kept = band + bandPixels;
-    const kernels::KernelSet& kernels = kernels::KernelsOf(kernels::HighestLevel());
-
     std::size_t held = 0; // rows of the band that are there from the one before
     for (std::size_t start = 0, end = 0; start < size.height; start = end) {
         end = std::min(start + bandRows, size.height);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "effects/kernels/Step.h"
+#include "effects/kernels/VectorKernels.h"
 
 #include <cstddef>
 #include <vector>
@@ -19,7 +20,7 @@ public:
     static constexpr std::size_t usualBand = std::size_t{128} * 1024;
 
     // Throws std::bad_alloc; then the chain is as before.
-    void Add(const Step& step) { links.push_back({step, 0, 0}); }
+    void Add(const Step& step);
 
     // Runs all steps over bands of about so many bytes (at least 8; more where a row needs it) and forgets them; the
     // room for as many is kept.
@@ -29,13 +30,17 @@ private:
     struct Link
     {
         Step step;
+        bool planned;     // `points` has it for this frame
         std::size_t done; // bytes that the step has finished
         std::size_t rows; // rows, in a convolution
     };
 
+    std::size_t PointsFrom(std::size_t first) const noexcept;
+    void AdvancePoints(std::size_t first, std::size_t count, std::size_t ready) noexcept;
     static std::size_t Advance(Link& link, std::size_t ready, bool last) noexcept;
 
     std::vector<Link> links;
+    std::vector<PointStep> points; // one for each link
 };
 
 } // namespace vixa::kernels

@@ -4,9 +4,9 @@
 // Bytes become sums of 16 bits (the largest magnitude is 2550) by interleaving two vectors and multiplying pairs; a
 // pixel's neighbour to the left or to the right is a load four bytes away.
 //
-// Two rows are made at a time, and the results replace the frame. What they need of the rows above has been worked out
-// before: for each vector one or two sums of a row, kept until the rows under it have been read. So a step looks at
-// three rows only: an upper and a middle one, which get the results, and the lower one.
+// Two rows are made at a time, or twice two, and the results replace the frame. What they need of the rows above has
+// been worked out before: for each vector one or two sums of a row, kept until the rows under it have been read. So a
+// step looks at three rows only: an upper and a middle one, which get the results, and the lower one.
 
 // The bytes of one vector as words, or sums of them.
 struct Words
@@ -55,74 +55,67 @@ struct Neighbours
     Vector left, here, right;
 };
 
-// One vector's place in the rows of a step.
+// Two rows of a step at one vector. Pixels to the left must be given where results have replaced the first of them.
 struct Place
 {
     std::uint8_t* upper;
     std::uint8_t* middle;
     const std::uint8_t* lower;
-    std::uint8_t* sums;
+    Vector middleLeft;
+    const Vector* lowerLeft; // null: as in memory
+    Words* kept;
 
     VIXA_INLINE Vector Upper() const noexcept { return B::Load(upper); }
-    // The pixels to the left must be given, because results have replaced the first of them.
-    VIXA_INLINE Neighbours Middle(Vector left) const noexcept
+    VIXA_INLINE Neighbours Middle() const noexcept
     {
-        return {left, B::Load(middle), B::Load(middle + pixelBytes)};
+        return {middleLeft, B::Load(middle), B::Load(middle + pixelBytes)};
     }
     VIXA_INLINE Neighbours Lower() const noexcept
     {
-        return {B::Load(lower - pixelBytes), B::Load(lower), B::Load(lower + pixelBytes)};
+        return {lowerLeft ? *lowerLeft : B::Load(lower - pixelBytes), B::Load(lower), B::Load(lower + pixelBytes)};
     }
     VIXA_INLINE void SetUpper(Vector result) const noexcept { B::Store(upper, result); }
     VIXA_INLINE void SetMiddle(Vector result) const noexcept { B::Store(middle, result); }
-
-    template <std::size_t number>
-    VIXA_INLINE Words Kept() const noexcept
-    {
-        return {B::Load(sums + 2 * number * B::bytes), B::Load(sums + (2 * number + 1) * B::bytes)};
-    }
-    template <std::size_t number>
-    VIXA_INLINE void Keep(Words words) const noexcept
-    {
-        B::Store(sums + 2 * number * B::bytes, words.low);
-        B::Store(sums + (2 * number + 1) * B::bytes, words.high);
-    }
 };
 
 // Eight registers do not hold all that a step of the longest form reads. With more it is faster to read before writing.
-constexpr bool manyRegisters = sizeof(void*) == 8;
+constexpr bool manyRegisters = B::registers > 8;
+
+// Each form has `sums`, how many it keeps for each vector, and `fourRowsFrom`: with so many registers four rows at a
+// time are faster than two, which saves half of what the sums cost.
+constexpr int never = 1000;
 
 // Centre times a weight less the 3 x 3 sum, or the mean. Kept: the sums of three pixels side by side, in the row above
 // the upper one and in the upper one.
 template <int centre>
 struct BoxForm
 {
-    static VIXA_INLINE Words Sum(Neighbours row) noexcept
-    {
-        return Weigh<1, 1>(row.left, row.right) + Widen(row.here);
-    }
+    static constexpr std::size_t sums = 2;
+    static constexpr int fourRowsFrom = centre == 0 ? 16 : 32;
+
+    static VIXA_INLINE Words Sum(Neighbours row) noexcept { return Weigh<1, 1>(row.left, row.right) + Widen(row.here); }
 
     static VIXA_INLINE Vector Result(Vector pixels, Words sum) noexcept
     {
         if constexpr (centre == 0)
             return Pack(Divide<7282>(sum)); // eleven ninety-ninths are a ninth
         else
-            return Pack(Weigh<centre, 0>(pixels, pixels) - sum);
+            return Pack(Weigh<centre, 0>(pixels, B::Zero()) - sum);
     }
 
-    static VIXA_INLINE void Step(Place at, Vector left) noexcept
+    static VIXA_INLINE void Step(Place at) noexcept
     {
         Neighbours lower;
         if constexpr (manyRegisters)
             lower = at.Lower();
-        const Words middleSum = Sum(at.Middle(left)), both = at.Kept<1>() + middleSum;
-        at.SetUpper(Result(at.Upper(), at.Kept<0>() + both));
-        at.Keep<0>(middleSum);
+        const Words middleSum = Sum(at.Middle()), both = at.kept[1] + middleSum;
+        at.SetUpper(Result(at.Upper(), at.kept[0] + both));
+        at.kept[0] = middleSum;
         if constexpr (!manyRegisters)
             lower = at.Lower();
         const Words lowerSum = Sum(lower);
-        at.Keep<1>(lowerSum);
-        at.SetMiddle(Result(at.Middle(left).here, both + lowerSum));
+        at.kept[1] = lowerSum;
+        at.SetMiddle(Result(at.Middle().here, both + lowerSum));
     }
 };
 
@@ -130,24 +123,27 @@ struct BoxForm
 // above. Kept: all but the first of them for the upper row, and that row's l.
 struct EmbossForm
 {
+    static constexpr std::size_t sums = 2;
+    static constexpr int fourRowsFrom = 32;
+
     static VIXA_INLINE Vector Result(Words sum) noexcept
     {
         // Clamping to -128 ... 127 and turning the sign bit is adding 128 and clamping to 0 ... 255.
         return B::Xor(B::PackI8(sum.low, sum.high), B::Pattern(0x80808080u));
     }
 
-    static VIXA_INLINE void Step(Place at, Vector left) noexcept
+    static VIXA_INLINE void Step(Place at) noexcept
     {
-        const Neighbours middle = at.Middle(left), lower = at.Lower();
+        const Neighbours middle = at.Middle(), lower = at.Lower();
         const Words middleRight = Weigh<1, 1>(middle.here, middle.right);
-        at.SetUpper(Result(at.Kept<0>() + middleRight));
+        at.SetUpper(Result(at.kept[0] + middleRight));
         const Words middleLeft = Weigh<1, 1>(middle.left, middle.here);
-        const Words rest = middleRight - middleLeft - at.Kept<1>();
+        const Words rest = middleRight - middleLeft - at.kept[1];
         const Words lowerRight = Weigh<1, 1>(lower.here, lower.right);
         at.SetMiddle(Result(rest + lowerRight));
         const Words lowerLeft = Weigh<1, 1>(lower.left, lower.here);
-        at.Keep<0>(lowerRight - lowerLeft - middleLeft);
-        at.Keep<1>(lowerLeft);
+        at.kept[0] = lowerRight - lowerLeft - middleLeft;
+        at.kept[1] = lowerLeft;
     }
 };
 
@@ -155,24 +151,27 @@ struct EmbossForm
 // right, in the row above the upper one and in the upper one.
 struct CornersForm
 {
+    static constexpr std::size_t sums = 2;
+    static constexpr int fourRowsFrom = 32;
+
     static VIXA_INLINE Vector Result(Vector pixels, Words corners) noexcept
     {
-        return Pack(Divide<21846>(Weigh<7, 0>(pixels, pixels) - corners));
+        return Pack(Divide<21846>(Weigh<7, 0>(pixels, B::Zero()) - corners));
     }
 
-    static VIXA_INLINE void Step(Place at, Vector left) noexcept
+    static VIXA_INLINE void Step(Place at) noexcept
     {
         Neighbours lower;
         if constexpr (manyRegisters)
             lower = at.Lower();
-        const Words middleSum = Weigh<1, 1>(left, at.Middle(left).right);
-        at.SetUpper(Result(at.Upper(), at.Kept<0>() + middleSum));
-        at.Keep<0>(middleSum);
+        const Words middleSum = Weigh<1, 1>(at.middleLeft, at.Middle().right);
+        at.SetUpper(Result(at.Upper(), at.kept[0] + middleSum));
+        at.kept[0] = middleSum;
         if constexpr (!manyRegisters)
             lower = at.Lower();
         const Words lowerSum = Weigh<1, 1>(lower.left, lower.right);
-        at.SetMiddle(Result(at.Middle(left).here, at.Kept<1>() + lowerSum));
-        at.Keep<1>(lowerSum);
+        at.SetMiddle(Result(at.Middle().here, at.kept[1] + lowerSum));
+        at.kept[1] = lowerSum;
     }
 };
 
@@ -181,6 +180,9 @@ struct CornersForm
 template <int centre, int arm, int reciprocal>
 struct CrossForm
 {
+    static constexpr std::size_t sums = 1;
+    static constexpr int fourRowsFrom = never;
+
     static VIXA_INLINE Words Sum(Vector above, Neighbours row) noexcept
     {
         return Weigh<centre, arm>(row.here, above) + Weigh<arm, arm>(row.left, row.right);
@@ -195,13 +197,13 @@ struct CrossForm
             return Pack(Divide<reciprocal>(all));
     }
 
-    static VIXA_INLINE void Step(Place at, Vector left) noexcept
+    static VIXA_INLINE void Step(Place at) noexcept
     {
         const Vector upper = at.Upper();
-        const Neighbours middle = at.Middle(left), lower = at.Lower();
-        at.SetUpper(Result(at.Kept<0>(), middle.here));
+        const Neighbours middle = at.Middle(), lower = at.Lower();
+        at.SetUpper(Result(at.kept[0], middle.here));
         at.SetMiddle(Result(Sum(upper, middle), lower.here));
-        at.Keep<0>(Sum(middle.here, lower));
+        at.kept[0] = Sum(middle.here, lower);
     }
 };
 
@@ -211,44 +213,66 @@ VIXA_INLINE void ClearEnds(std::uint8_t* row, std::size_t rowBytes) noexcept
     std::memset(row + rowBytes - pixelBytes, 0, pixelBytes);
 }
 
-// The rows of a step. There is memory before the middle and the lower one, a pixel of any value, and less than a vector
-// behind the middle one, if that is longer than a vector.
-struct ThreeRows
+// Makes the rows from `rows[0]` on, two for each pair, given the row under them, which stays. There is memory before
+// all but the first, a pixel of any value, and less than a vector behind all but the last, if that is longer than a
+// vector.
+template <typename Form, std::size_t pairs>
+VIXA_INLINE void MakeRows(std::uint8_t* const (&rows)[2 * pairs + 1], std::size_t rowBytes, std::uint8_t* sums) noexcept
 {
-    std::uint8_t* upper;
-    std::uint8_t* middle;
-    const std::uint8_t* lower;
-};
-
-template <typename Form>
-VIXA_INLINE void MakeTwoRows(ThreeRows rows, std::size_t rowBytes, std::uint8_t* sums) noexcept
-{
-    Vector left =
-        rowBytes < B::bytes ? B::LoadPart(rows.middle - pixelBytes, rowBytes) : B::Load(rows.middle - pixelBytes);
+    constexpr std::size_t made = 2 * pairs;
+    Vector left[made];
+#pragma GCC unroll 8
+    for (std::size_t i = 1; i < made; ++i)
+        left[i] = rowBytes < B::bytes ? B::LoadPart(rows[i] - pixelBytes, rowBytes) : B::Load(rows[i] - pixelBytes);
+    const auto step = [&](std::uint8_t* const* at, std::size_t x, std::uint8_t* kept) __attribute__((always_inline))
+    {
+        Words sumsHere[Form::sums];
+#pragma GCC unroll 8
+        for (std::size_t i = 0; i < Form::sums; ++i)
+            sumsHere[i] = {B::Load(kept + 2 * i * B::bytes), B::Load(kept + (2 * i + 1) * B::bytes)};
+#pragma GCC unroll 8
+        for (std::size_t i = 0; i < made; i += 2)
+            Form::Step({at[i] + x, at[i + 1] + x, at[i + 2] + x, left[i + 1], i + 2 < made ? &left[i + 2] : nullptr,
+                        sumsHere});
+#pragma GCC unroll 8
+        for (std::size_t i = 0; i < Form::sums; ++i) {
+            B::Store(kept + 2 * i * B::bytes, sumsHere[i].low);
+            B::Store(kept + (2 * i + 1) * B::bytes, sumsHere[i].high);
+        }
+    };
     std::size_t x = 0;
     for (; x + B::bytes < rowBytes; x += B::bytes) {
         // The next step's rows come from memory, and nothing asks for them in time: processors do that by themselves
         // for rows that are read one after the other, but hardly for so many at once.
-        for (std::size_t line = 0; line < 2 * B::bytes; line += cacheLine)
-            _mm_prefetch(reinterpret_cast<const char*>(rows.lower + rowBytes + 2 * x + line), _MM_HINT_T1);
-        const Vector nextLeft = B::Load(rows.middle + x + B::bytes - pixelBytes);
-        Form::Step({rows.upper + x, rows.middle + x, rows.lower + x, sums + 4 * x}, left);
-        left = nextLeft;
+        for (std::size_t line = 0; line < made * B::bytes; line += cacheLine)
+            _mm_prefetch(reinterpret_cast<const char*>(rows[made] + rowBytes + made * x + line), _MM_HINT_T1);
+        Vector nextLeft[made];
+#pragma GCC unroll 8
+        for (std::size_t i = 1; i < made; ++i)
+            nextLeft[i] = B::Load(rows[i] + x + B::bytes - pixelBytes);
+        step(rows, x, sums + 4 * x);
+#pragma GCC unroll 8
+        for (std::size_t i = 1; i < made; ++i)
+            left[i] = nextLeft[i];
     }
 
     // The last vector goes through copies, because what is behind the row must not be touched.
-    std::uint8_t upper[B::bytes] = {}, middle[B::bytes + pixelBytes] = {},
-                 lower[pixelBytes + B::bytes + pixelBytes] = {};
+    constexpr std::size_t room = pixelBytes + B::bytes + pixelBytes;
+    std::uint8_t copies[made + 1][room] = {};
+    std::uint8_t* ends[made + 1];
     const std::size_t part = rowBytes - x;
-    std::memcpy(upper, rows.upper + x, part);
-    std::memcpy(middle, rows.middle + x, part);
-    std::memcpy(lower, rows.lower + x - pixelBytes, pixelBytes + part);
-    Form::Step({upper, middle, lower + pixelBytes, sums + 4 * x}, left);
-    std::memcpy(rows.upper + x, upper, part);
-    std::memcpy(rows.middle + x, middle, part);
-
-    ClearEnds(rows.upper, rowBytes);
-    ClearEnds(rows.middle, rowBytes);
+#pragma GCC unroll 8
+    for (std::size_t i = 0; i <= made; ++i) {
+        ends[i] = copies[i] + pixelBytes;
+        std::memcpy(ends[i], rows[i] + x, part);
+    }
+    std::memcpy(copies[made], rows[made] + x - pixelBytes, pixelBytes);
+    step(ends, 0, sums + 4 * x);
+#pragma GCC unroll 8
+    for (std::size_t i = 0; i < made; ++i) {
+        std::memcpy(rows[i] + x, ends[i], part);
+        ClearEnds(rows[i], rowBytes);
+    }
 }
 
 VIXA_INLINE std::uint8_t* Aligned(std::uint8_t* at) noexcept
@@ -268,14 +292,18 @@ std::size_t ConvolveForm(std::uint8_t* frame, std::size_t rowBytes, std::size_t 
             return 0;
         // A step for the sums of the first two rows: its results mean nothing.
         std::memcpy(copy, frame, rowBytes);
-        MakeTwoRows<Form>({frame, copy, frame + rowBytes}, rowBytes, sums);
+        MakeRows<Form, 1>({frame, copy, frame + rowBytes}, rowBytes, sums);
         std::memset(frame, 0, rowBytes);
         y = 1;
     }
-    for (; y + 2 < ready; y += 2) {
-        std::uint8_t* const upper = frame + y * rowBytes;
-        MakeTwoRows<Form>({upper, upper + rowBytes, upper + 2 * rowBytes}, rowBytes, sums);
+    std::uint8_t* at = frame + y * rowBytes;
+    if constexpr (B::registers >= Form::fourRowsFrom) {
+        for (; y + 4 < ready; y += 4, at += 4 * rowBytes)
+            MakeRows<Form, 2>({at, at + rowBytes, at + 2 * rowBytes, at + 3 * rowBytes, at + 4 * rowBytes}, rowBytes,
+                              sums);
     }
+    for (; y + 2 < ready; y += 2, at += 2 * rowBytes)
+        MakeRows<Form, 1>({at, at + rowBytes, at + 2 * rowBytes}, rowBytes, sums);
     if (ready < height)
         return y;
     if (y + 1 < height) {
@@ -283,7 +311,7 @@ std::size_t ConvolveForm(std::uint8_t* frame, std::size_t rowBytes, std::size_t 
         // it.
         std::uint8_t* const upper = frame + y * rowBytes;
         std::memcpy(copy, upper + rowBytes, rowBytes);
-        MakeTwoRows<Form>({upper, copy, copy}, rowBytes, sums);
+        MakeRows<Form, 1>({upper, copy, copy}, rowBytes, sums);
     }
     std::memset(frame + (height - 1) * rowBytes, 0, rowBytes);
     return height;

@@ -17,6 +17,8 @@ namespace vixa::kernels {
 
 using Frame = std::span<std::uint8_t>;
 
+struct PointStep;
+
 struct KernelSet
 {
     // Maps bytes 0 to 2 of each whole pixel through the table.
@@ -51,6 +53,12 @@ struct KernelSet
     std::size_t (*convolveRows)(Frame frame, std::int32_t width, std::int32_t height,
                                 const ConvolutionParameters& parameters, Frame scratch, std::size_t done,
                                 std::size_t ready) noexcept;
+
+    // Several effects that look at each pixel alone, one after the other, in one pass over the whole pixels of a frame;
+    // PlanPoint (Plan.h) prepares them. The result goes to as many bytes at `to`, which are the frame's own or apart
+    // from it; the fourth bytes may be kept as they are. Null at the levels that have none.
+    void (*points)(std::span<const std::uint8_t> frame, std::uint8_t* to, std::span<const PointStep> steps,
+                   bool keepFourth) noexcept;
 };
 
 // The bytes of working memory that `convolve` asks for: a few rows; 0 for a width below 1.

@@ -14,6 +14,7 @@ struct Backend
 {
     using Vector = __m256i;
     static constexpr std::size_t bytes = 32;
+    static constexpr int registers = sizeof(void*) == 8 ? 16 : 8;
 
     static VIXA_INLINE Vector Load(const std::uint8_t* at)
     {
@@ -98,11 +99,17 @@ struct Backend
     {
         return _mm256_madd_epi16(_mm256_maddubs_epi16(pixels, weights), _mm256_set1_epi16(1));
     }
+    // Below 0 where both are, or where both are 0.
+    static VIXA_INLINE Vector BothBelowOrZero(Vector a, Vector b)
+    {
+        return AndNot(Xor(a, b), Add32(Or(a, b), Pattern(0xFFFFFFFFu)));
+    }
     template <bool up>
     static VIXA_INLINE Vector ChangeWhere(Vector v, Vector change, Vector inside, Vector light, Vector tooLight)
     {
-        const Vector where = And(_mm256_srai_epi32(inside, 31), _mm256_cmpgt_epi8(tooLight, light));
-        const Vector chosen = And(where, change);
+        const __m256 chosenHue =
+            _mm256_blendv_ps(_mm256_setzero_ps(), _mm256_castsi256_ps(change), _mm256_castsi256_ps(inside));
+        const Vector chosen = And(_mm256_castps_si256(chosenHue), _mm256_cmpgt_epi8(tooLight, light));
         return up ? AddSaturatedU8(v, chosen) : SubtractSaturatedU8(v, chosen);
     }
 };
@@ -114,9 +121,10 @@ struct Backend
 // The table in sixteen parts of 16 entries. A shuffle looks up the lower half of each byte in one part, and gives 0
 // where the byte's highest bit is set: so the parts i and i + 8 are looked up together, and the other three bits choose
 // between the eight results.
-void Gamma(std::uint8_t* frame, std::size_t pixels, const std::uint8_t* table) noexcept
+VIXA_INLINE auto Mapping(const std::uint8_t* table) noexcept
 {
-    ForEachVector(frame, pixels * pixelBytes, [&](Vector v) {
+    return VIXA_STEP(v)
+    {
         const Vector turned = B::Xor(v, B::Pattern(0x80808080u));
         const auto part = [&](std::size_t i) {
             return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i_u*>(table + 16 * i)));
@@ -130,11 +138,18 @@ void Gamma(std::uint8_t* frame, std::size_t pixels, const std::uint8_t* table) n
         const auto ofFour = [&](std::size_t i) { return _mm256_blendv_epi8(ofTwo(i), ofTwo(i + 2), bit5); };
         const Vector result = _mm256_blendv_epi8(ofFour(0), ofFour(4), bit6);
         return _mm256_blendv_epi8(result, v, B::Pattern(0xFF000000u));
-    });
+    };
 }
+
+void Gamma(std::uint8_t* frame, std::size_t pixels, const std::uint8_t* table) noexcept
+{
+    ForEachVector(frame, pixels * pixelBytes, Mapping(table));
+}
+
+#include "effects/kernels/PointRuns.inl"
 
 } // namespace
 
-const VectorKernels avx2Kernels = {Gamma, Multiply, Invert, FilterColor, Add, Convolve};
+const VectorKernels avx2Kernels = {Gamma, Multiply, Invert, FilterColor, Add, Convolve, RunPoints};
 
 } // namespace vixa::kernels

@@ -14,6 +14,7 @@ struct Backend
 {
     using Vector = __m512i;
     static constexpr std::size_t bytes = 64;
+    static constexpr int registers = sizeof(void*) == 8 ? 32 : 8;
 
     static VIXA_INLINE Vector Load(const std::uint8_t* at) { return _mm512_loadu_si512(at); }
     static VIXA_INLINE void Store(std::uint8_t* at, Vector v) { _mm512_storeu_si512(at, v); }
@@ -89,6 +90,12 @@ struct Backend
     {
         return _mm512_dpbusd_epi32(Zero(), pixels, weights);
     }
+    // Below 0 where both are, or where both are 0.
+    static VIXA_INLINE Vector BothBelowOrZero(Vector a, Vector b)
+    {
+        // bit 31 of ~(a ^ b) & ((a | b) - 1)
+        return _mm512_ternarylogic_epi32(a, b, Add32(Or(a, b), Pattern(0xFFFFFFFFu)), 0x82);
+    }
     template <bool up>
     static VIXA_INLINE Vector ChangeWhere(Vector v, Vector change, Vector inside, Vector light, Vector tooLight)
     {
@@ -102,22 +109,30 @@ struct Backend
 
 #include "effects/kernels/ConvolutionBodies.inl"
 
-void Gamma(std::uint8_t* frame, std::size_t pixels, const std::uint8_t* table) noexcept
+VIXA_INLINE auto Mapping(const std::uint8_t* table) noexcept
 {
     const Vector t0 = B::Load(table), t1 = B::Load(table + 64), t2 = B::Load(table + 128), t3 = B::Load(table + 192);
     constexpr __mmask64 colours = 0x7777777777777777u;
     // Arithmetic on 64-bit masks would go through general registers in 32-bit code, so the fourth bytes are left out of
     // the mask before it is made.
     const Vector upperHalf = B::Pattern(0x00808080u);
-    ForEachVector(frame, pixels * pixelBytes, [&](Vector v) {
+    return VIXA_STEP(v)
+    {
         const Vector low = _mm512_mask2_permutex2var_epi8(t0, v, colours, t1);
-        const __mmask64 upper = _mm512_movepi8_mask(B::And(v, upperHalf));
+        const __mmask64 upper = _mm512_test_epi8_mask(v, upperHalf);
         return _mm512_mask_blend_epi8(upper, low, _mm512_permutex2var_epi8(t2, v, t3));
-    });
+    };
 }
+
+void Gamma(std::uint8_t* frame, std::size_t pixels, const std::uint8_t* table) noexcept
+{
+    ForEachVector(frame, pixels * pixelBytes, Mapping(table));
+}
+
+#include "effects/kernels/PointRuns.inl"
 
 } // namespace
 
-const VectorKernels avx512Kernels = {Gamma, Multiply, Invert, FilterColor, Add, Convolve};
+const VectorKernels avx512Kernels = {Gamma, Multiply, Invert, FilterColor, Add, Convolve, RunPoints};
 
 } // namespace vixa::kernels

@@ -14,6 +14,7 @@ struct Backend
 {
     using Vector = __m128i;
     static constexpr std::size_t bytes = 16;
+    static constexpr int registers = sizeof(void*) == 8 ? 16 : 8;
 
     static VIXA_INLINE Vector Load(const std::uint8_t* at)
     {
@@ -105,6 +106,11 @@ struct Backend
     {
         return Add32(_mm_madd_epi16(Even(pixels), weights.even), _mm_madd_epi16(Odd(pixels), weights.odd));
     }
+    // Below 0 where both are, or where both are 0.
+    static VIXA_INLINE Vector BothBelowOrZero(Vector a, Vector b)
+    {
+        return AndNot(Xor(a, b), Add32(Or(a, b), Pattern(0xFFFFFFFFu)));
+    }
     template <bool up>
     static VIXA_INLINE Vector ChangeWhere(Vector v, Vector change, Vector inside, Vector light, Vector tooLight)
     {
@@ -138,6 +144,6 @@ void Gamma(std::uint8_t* frame, std::size_t pixels, const std::uint8_t* table) n
 
 } // namespace
 
-const VectorKernels sse2Kernels = {Gamma, Multiply, Invert, FilterColor, Add, Convolve};
+const VectorKernels sse2Kernels = {Gamma, Multiply, Invert, FilterColor, Add, Convolve, nullptr};
 
 } // namespace vixa::kernels

@@ -20,7 +20,7 @@ template <const VectorKernels& level>
 void Multiply(Frame frame, std::int32_t factor) noexcept
 {
     const std::int32_t multiplier = MultiplierOf(factor);
-    if (multiplier < 0 || multiplier > 32767)
+    if (!FitsVectors(multiplier))
         return scalar::Multiply(frame, factor);
     level.multiply(frame.data(), frame.size() / 4, static_cast<std::uint32_t>(multiplier));
 }
@@ -83,12 +83,20 @@ void Convolve(Frame frame, std::int32_t width, std::int32_t height, const Convol
     ConvolveRows<level>(frame, width, height, parameters, scratch, 0, std::numeric_limits<std::size_t>::max());
 }
 
-constexpr KernelSet scalarKernels = {scalar::Gamma, scalar::Multiply, scalar::Invert,   scalar::FilterColor,
-                                     scalar::Add,   scalar::Convolve, PlainConvolveRows};
-
 template <const VectorKernels& level>
-constexpr KernelSet vectorKernels = {Gamma<level>, Multiply<level>, Invert<level>,      FilterColor<level>,
-                                     Add<level>,   Convolve<level>, ConvolveRows<level>};
+void Points(std::span<const std::uint8_t> frame, std::uint8_t* to, std::span<const PointStep> steps,
+            bool keepFourth) noexcept
+{
+    level.points(frame.data(), to, frame.size() / 4, steps.data(), steps.size(), keepFourth);
+}
+
+constexpr KernelSet scalarKernels = {scalar::Gamma, scalar::Multiply, scalar::Invert,    scalar::FilterColor,
+                                     scalar::Add,   scalar::Convolve, PlainConvolveRows, nullptr};
+
+template <const VectorKernels& level, bool runs = true>
+constexpr KernelSet vectorKernels = {
+    Gamma<level>, Multiply<level>, Invert<level>,       FilterColor<level>,
+    Add<level>,   Convolve<level>, ConvolveRows<level>, runs ? Points<level> : nullptr};
 
 } // namespace
 
@@ -111,7 +119,7 @@ const KernelSet& KernelsOf(Level level) noexcept
     case Level::Avx2:
         return vectorKernels<avx2Kernels>;
     case Level::Sse2:
-        return vectorKernels<sse2Kernels>;
+        return vectorKernels<sse2Kernels, false>;
     default:
         return scalarKernels;
     }

@@ -28,6 +28,11 @@ std::int32_t MultiplierOf(std::int32_t factor) noexcept
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(factor) * 256u) / 100;
 }
 
+bool FitsVectors(std::int32_t multiplier) noexcept
+{
+    return multiplier >= 0 && multiplier <= 32767;
+}
+
 std::uint32_t InvertPattern(std::int32_t mask) noexcept
 {
     std::uint32_t pattern = 0;
@@ -45,6 +50,58 @@ AddPatterns AddPatternsOf(const AddParameters& parameters) noexcept
     for (int channel = 0; channel < 3; ++channel)
         (deltas[channel] < 0 ? patterns.subtract : patterns.add) |= InByte(ByteMagnitude(deltas[channel]), channel);
     return patterns;
+}
+
+namespace {
+
+// As PlanPoint says, for each effect.
+struct PlanOf
+{
+    PointStep& point;
+
+    bool operator()(const GammaTable& table) const noexcept
+    {
+        point.kind = PointKind::Gamma;
+        point.table = table.entries.data();
+        return true;
+    }
+    bool operator()(const MultiplyParameters& parameters) const noexcept
+    {
+        const std::int32_t multiplier = MultiplierOf(parameters.factor);
+        point.kind = PointKind::Multiply;
+        point.first = static_cast<std::uint32_t>(multiplier);
+        return FitsVectors(multiplier);
+    }
+    bool operator()(const InvertParameters& parameters) const noexcept
+    {
+        point.kind = PointKind::Invert;
+        point.first = InvertPattern(parameters.mask);
+        return parameters.mask != 0;
+    }
+    bool operator()(const FilterColorParameters& parameters) const noexcept
+    {
+        point.kind = PointKind::FilterColor;
+        point.colour = static_cast<std::uint8_t>(parameters.colour);
+        point.brighten = parameters.brighten;
+        point.first = ByteMagnitude(parameters.intensity);
+        return parameters.colour >= 0 && parameters.colour <= 2;
+    }
+    bool operator()(const AddParameters& parameters) const noexcept
+    {
+        const AddPatterns patterns = AddPatternsOf(parameters);
+        point.kind = PointKind::Add;
+        point.first = patterns.add;
+        point.second = patterns.subtract;
+        return true;
+    }
+    bool operator()(const PictureConvolution&) const noexcept { return false; }
+};
+
+} // namespace
+
+bool PlanPoint(const StepParameters& parameters, PointStep& point) noexcept
+{
+    return std::visit(PlanOf{point}, parameters);
 }
 
 ConvolutionPlan PlanConvolution(Frame frame, std::int32_t width, std::int32_t height,

@@ -2,7 +2,8 @@
 // media types and are hostile until checked here.
 #pragma once
 
-#include "effects/kernels/Kernels.h"
+#include "effects/kernels/Step.h"
+#include "effects/kernels/VectorKernels.h"
 
 namespace vixa::kernels {
 
@@ -11,6 +12,9 @@ std::uint8_t ByteMagnitude(std::int32_t value) noexcept;
 
 // `factor` percent in 1/256, computed in 32 bits that wrap and truncated toward zero.
 std::int32_t MultiplierOf(std::int32_t factor) noexcept;
+
+// Whether the vector forms can multiply by it.
+bool FitsVectors(std::int32_t multiplier) noexcept;
 
 // One pixel with 255 in each channel that the mask selects.
 std::uint32_t InvertPattern(std::int32_t mask) noexcept;
@@ -22,6 +26,10 @@ struct AddPatterns
     std::uint32_t subtract = 0;
 };
 AddPatterns AddPatternsOf(const AddParameters& parameters) noexcept;
+
+// Fills in the step of a point effect; false for one that vectors can't do or that changes nothing. The step refers to
+// the parameters.
+bool PlanPoint(const StepParameters& parameters, PointStep& point) noexcept;
 
 // What a convolution has to do with a frame.
 struct ConvolutionPlan

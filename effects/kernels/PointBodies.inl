@@ -20,30 +20,54 @@ VIXA_INLINE void ForEachVector(std::uint8_t* frame, std::size_t bytes, const Ste
         B::StorePart(frame + at, step(B::LoadPart(frame + at, bytes - at)), bytes - at);
 }
 
-void Multiply(std::uint8_t* frame, std::size_t pixels, std::uint32_t multiplier) noexcept
+// What an effect does to a vector. The functions that are made here are used for one effect alone and in runs of them.
+#define VIXA_STEP(v) [=](Vector v) __attribute__((always_inline))
+
+VIXA_INLINE auto Multiplying(std::uint32_t multiplier) noexcept
 {
     // A byte in the upper half of a word times the multiplier has byte x multiplier / 256 in the upper half of the
     // product. The fourth byte's multiplier is 0.
     const Vector factors = B::Pattern64((multiplier << 16) | multiplier, multiplier);
     const Vector zero = B::Zero();
-    ForEachVector(frame, pixels * pixelBytes, [&](Vector v) {
+    return VIXA_STEP(v)
+    {
         const Vector low = B::MultiplyHighU16(B::UnpackLow8(zero, v), factors);
         const Vector high = B::MultiplyHighU16(B::UnpackHigh8(zero, v), factors);
         return B::PackU8(low, high);
-    });
+    };
+}
+
+VIXA_INLINE auto Inverting(std::uint32_t pattern) noexcept
+{
+    const Vector ones = B::Pattern(pattern);
+    return VIXA_STEP(v)
+    {
+        return B::SubtractSaturatedU8(ones, v);
+    };
+}
+
+VIXA_INLINE auto Adding(std::uint32_t add, std::uint32_t subtract) noexcept
+{
+    const Vector up = B::Pattern(add), down = B::Pattern(subtract);
+    return VIXA_STEP(v)
+    {
+        return B::SubtractSaturatedU8(B::AddSaturatedU8(v, up), down);
+    };
+}
+
+void Multiply(std::uint8_t* frame, std::size_t pixels, std::uint32_t multiplier) noexcept
+{
+    ForEachVector(frame, pixels * pixelBytes, Multiplying(multiplier));
 }
 
 void Invert(std::uint8_t* frame, std::size_t pixels, std::uint32_t pattern) noexcept
 {
-    const Vector ones = B::Pattern(pattern);
-    ForEachVector(frame, pixels * pixelBytes, [&](Vector v) { return B::SubtractSaturatedU8(ones, v); });
+    ForEachVector(frame, pixels * pixelBytes, Inverting(pattern));
 }
 
 void Add(std::uint8_t* frame, std::size_t pixels, std::uint32_t add, std::uint32_t subtract) noexcept
 {
-    const Vector up = B::Pattern(add), down = B::Pattern(subtract);
-    ForEachVector(frame, pixels * pixelBytes,
-                  [&](Vector v) { return B::SubtractSaturatedU8(B::AddSaturatedU8(v, up), down); });
+    ForEachVector(frame, pixels * pixelBytes, Adding(add, subtract));
 }
 
 // The hue range of a colour is a wedge of the colour cube between two planes through the grey axis. With the hue's
@@ -82,7 +106,7 @@ VIXA_INLINE Vector LightnessOf(Vector v) noexcept
 }
 
 template <int colour, bool brighten>
-VIXA_INLINE void FilterOneColor(std::uint8_t* frame, std::size_t pixels, std::uint32_t magnitude) noexcept
+VIXA_INLINE auto Filtering(std::uint32_t magnitude) noexcept
 {
     constexpr Wedge wedge = wedges[colour];
     const auto first = B::MakeWeights(wedge.first[0], wedge.first[1], wedge.first[2]);
@@ -91,33 +115,31 @@ VIXA_INLINE void FilterOneColor(std::uint8_t* frame, std::size_t pixels, std::ui
     // 60 moved to the lowest signed byte, so that one comparison finds both ends of 60 to 200.
     const Vector fromDarkest = B::Pattern(0x01010101u * (256 - 128 - 60));
     const Vector tooLight = B::Pattern(0x01010101u * (201 - 128 - 60));
-    ForEachVector(frame, pixels * pixelBytes, [&](Vector v) {
+    return VIXA_STEP(v)
+    {
         const Vector d1 = B::Product32(v, first), d2 = B::Product32(v, second);
-        Vector inside = B::And(d1, d2); // the sign says
-        if constexpr (colour == 0) {
-            // Below 0 when both are, or when both are 0.
-            inside = B::AndNot(B::Xor(d1, d2), B::Add32(B::Or(d1, d2), B::Pattern(0xFFFFFFFFu)));
-        }
+        const Vector inside = colour == 0 ? B::BothBelowOrZero(d1, d2) : B::And(d1, d2); // the sign says
         const Vector light = B::AddI8(LightnessOf<colour>(v), fromDarkest);
         return B::template ChangeWhere<brighten>(v, change, inside, light, tooLight);
-    });
+    };
 }
 
-template <int colour>
-VIXA_INLINE void FilterEither(std::uint8_t* frame, std::size_t pixels, std::uint32_t magnitude, bool brighten) noexcept
+// Calls use(step) with the step that filters the colour.
+template <typename Use>
+VIXA_INLINE void WithFiltering(int colour, std::uint32_t magnitude, bool brighten, const Use& use) noexcept
 {
-    if (brighten)
-        FilterOneColor<colour, true>(frame, pixels, magnitude);
+    if (colour == 0)
+        brighten ? use(Filtering<0, true>(magnitude)) : use(Filtering<0, false>(magnitude));
+    else if (colour == 1)
+        brighten ? use(Filtering<1, true>(magnitude)) : use(Filtering<1, false>(magnitude));
     else
-        FilterOneColor<colour, false>(frame, pixels, magnitude);
+        brighten ? use(Filtering<2, true>(magnitude)) : use(Filtering<2, false>(magnitude));
 }
 
 void FilterColor(std::uint8_t* frame, std::size_t pixels, int colour, std::uint32_t magnitude, bool brighten) noexcept
 {
-    if (colour == 0)
-        FilterEither<0>(frame, pixels, magnitude, brighten);
-    else if (colour == 1)
-        FilterEither<1>(frame, pixels, magnitude, brighten);
-    else
-        FilterEither<2>(frame, pixels, magnitude, brighten);
+    WithFiltering(
+        colour, magnitude, brighten, [&](const auto& step) __attribute__((always_inline)) {
+            ForEachVector(frame, pixels * pixelBytes, step);
+        });
 }

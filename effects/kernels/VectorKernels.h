@@ -13,6 +13,26 @@ namespace vixa::kernels {
 
 using vixavideofx::ConvolutionKind;
 
+enum class PointKind : std::uint8_t
+{
+    Gamma,
+    Multiply,
+    Invert,
+    FilterColor,
+    Add,
+};
+
+// A point effect with what its function below is given; what its kind does not name is ignored.
+struct PointStep
+{
+    PointKind kind{};
+    std::uint8_t colour = 0; // Filter color
+    bool brighten = false;
+    std::uint32_t first = 0;             // multiplier, pattern, magnitude or what is added
+    std::uint32_t second = 0;            // what is subtracted
+    const std::uint8_t* table = nullptr; // Gamma
+};
+
 struct VectorKernels
 {
     // `table` has 256 entries; `pixels` are counted in pixels of four bytes throughout.
@@ -34,6 +54,11 @@ struct VectorKernels
     // all when all are ready. Scratch holds what the next call for this frame needs.
     std::size_t (*convolve)(std::uint8_t* frame, std::size_t width, std::size_t height, ConvolutionKind kind,
                             std::uint8_t* scratch, std::size_t done, std::size_t ready) noexcept;
+
+    // So many point effects, one after the other, in one pass from a frame to itself or to another one that it does not
+    // overlap; on request with the fourth bytes as they were. Null in SSE2, whose gamma is no vector code.
+    void (*points)(const std::uint8_t* from, std::uint8_t* to, std::size_t pixels, const PointStep* steps,
+                   std::size_t count, bool keepFourth) noexcept;
 };
 
 // The widest vector of any level.
