@@ -36,7 +36,10 @@ struct Embedded
     void Open()
     {
         panel = nullptr;
-        RequireResult(host.ShowPanel(*info.Get(), &set, &panel), S_OK, name + ": ShowSettingsDialog");
+        SetLastError(0);
+        const HRESULT result = host.ShowPanel(*info.Get(), &set, &panel);
+        const DWORD error = GetLastError();
+        RequireResult(result, S_OK, name + ": ShowSettingsDialog (last error " + std::to_string(error) + ")");
         Require(panel && IsWindow(panel), name + ": ShowSettingsDialog answers no window");
     }
     HWND Item(int id) const
