@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# setup.sh [plugins | hosts]: installs what a build needs on Debian 12 and is not there yet; or what the frei0r plug-ins are
-# built with; or the hosts that their tests run. Says what and why; does nothing the second time.
+# setup.sh [plugins | hosts | decoders]: installs what a build needs on Debian 12 and is not there yet; or what the frei0r
+# plug-ins are built with; or the hosts that their tests run; or the decoders that Wine has from GStreamer. Says what and why; does nothing the second time.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 case ${1:-} in
@@ -9,6 +9,7 @@ case ${1:-} in
         list=packages-hosts programs="ffmpeg melt gst-launch-1.0 go"
         why="the tests run the frei0r plug-ins in FFmpeg, MLT and GStreamer, and a host in Go, and so need"
         ;;
+    decoders) list=packages-decoders why="Wine decodes compressed clips with" programs= ;;
     *)
         list=packages why="the build needs"
         programs="wine i686-w64-mingw32-g++-posix x86_64-w64-mingw32-g++-posix cmake ninja clang++ xvfb-run"

@@ -20,7 +20,7 @@ export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe=;winedbg.exe="
 # Controls are written in Tahoma, which Debian's Wine has but doesn't look for; letters that it lacks (Chinese, Japanese, Korean)
 # come from the linked font, as on Windows from fonts of its own.
 own_fonts=/usr/share/wine/fonts linked_font='wqy-microhei.ttc,WenQuanYi Micro Hei'
-setup='fonts 1' # another one here brings older prefixes up to date
+setup='fonts 1, silent' # another one here brings older prefixes up to date
 is_ready() { [ "$(cat "$WINEPREFIX/.ready" 2>/dev/null)" = "$setup" ]; }
 if ! is_ready; then
     mkdir -p "$WINEPREFIX"
@@ -33,6 +33,8 @@ if ! is_ready; then
         env DISPLAY= wineboot --init >"$WINEPREFIX/wineboot.log" 2>&1 9>&- ||
             { echo "Wine could not make its prefix; see $WINEPREFIX/wineboot.log" >&2; exit 1; }
         wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d "$graphics" /f >>"$WINEPREFIX/wineboot.log" 2>&1 9>&-
+        # Nothing here plays sound; looking for a card where there is none fills standard error.
+        wine reg add 'HKCU\Software\Wine\Drivers' /v Audio /d '' /f >>"$WINEPREFIX/wineboot.log" 2>&1 9>&-
         mkdir -p "$WINEPREFIX/drive_c/windows/Fonts"
         ln -sf "$own_fonts"/tahoma*.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
         for font in Tahoma 'Tahoma Bold' 'Microsoft Sans Serif'; do
