@@ -1,4 +1,5 @@
-// vixahost: a small host of the effect library. Exit status: 0 done, 1 the job failed, 2 the words were wrong.
+// vixahost: a small host of the effect library. Exit status: 0 done, 1 the job failed, 2 the words were wrong, 3 the
+// system has no decoder for the clip.
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
 #include "host/commands/CommandLine.h"

@@ -9,6 +9,7 @@ namespace vixahost {
 inline constexpr int statusDone = 0;
 inline constexpr int statusFailedJob = 1;
 inline constexpr int statusWrongWords = 2;
+inline constexpr int statusNoDecoder = 3;
 
 // The message is one line of UTF-8 that says what is wrong and what to do.
 class HostError : public std::runtime_error
@@ -32,7 +33,14 @@ public:
 class FailedJob : public HostError
 {
 public:
-    explicit FailedJob(const std::string& message) : HostError(statusFailedJob, message) {}
+    explicit FailedJob(const std::string& message, int exitStatus = statusFailedJob) : HostError(exitStatus, message) {}
+};
+
+// The system can't decode the clip; it could with other codecs.
+class NoDecoder : public FailedJob
+{
+public:
+    explicit NoDecoder(const std::string& message) : FailedJob(message, statusNoDecoder) {}
 };
 
 // The user ended the job.

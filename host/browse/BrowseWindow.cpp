@@ -359,6 +359,12 @@ void BrowseWindow::OnCommand(int command)
             ShowPosition();
         }
         return;
+    case IDM_COLOURS_BY_SIZE:
+    case IDM_BT601:
+    case IDM_BT709:
+    case IDM_LIMITED_RANGE:
+    case IDM_FULL_RANGE:
+        return SetColours(command);
     case IDM_EFFECT_HELP:
         return ShowHelp();
     case IDM_ABOUT:
@@ -366,6 +372,21 @@ void BrowseWindow::OnCommand(int command)
     default:
         return;
     }
+}
+
+void BrowseWindow::SetColours(int command)
+{
+    if (!session->Open().Yuv())
+        return;
+    media::YuvChoice colours = session->Choice().colours;
+    if (command == IDM_COLOURS_BY_SIZE)
+        colours = {};
+    else if (command == IDM_BT601 || command == IDM_BT709)
+        colours.matrix = command == IDM_BT601 ? media::YuvMatrix::Bt601 : media::YuvMatrix::Bt709;
+    else
+        colours.range = command == IDM_FULL_RANGE ? media::YuvRange::Full : media::YuvRange::Limited;
+    session->SetColours(colours);
+    ShowPosition();
 }
 
 LRESULT BrowseWindow::OnNotify(const NMHDR& header)
@@ -524,6 +545,14 @@ void BrowseWindow::UpdateMenu()
     check(IDM_SWITCH, current && current->on);
     check(IDM_ENLARGE, preview->Enlarges());
     check(IDM_FIT, preview->Fits());
+    const auto yuv = session->Open().Yuv();
+    for (UINT command = IDM_COLOURS_BY_SIZE; command <= IDM_FULL_RANGE; ++command)
+        enable(command, yuv.has_value());
+    check(IDM_COLOURS_BY_SIZE, yuv && !session->Choice().colours.matrix && !session->Choice().colours.range);
+    check(IDM_BT601, yuv && yuv->colours.matrix == media::YuvMatrix::Bt601);
+    check(IDM_BT709, yuv && yuv->colours.matrix == media::YuvMatrix::Bt709);
+    check(IDM_LIMITED_RANGE, yuv && yuv->colours.range == media::YuvRange::Limited);
+    check(IDM_FULL_RANGE, yuv && yuv->colours.range == media::YuvRange::Full);
     const std::vector<effects::Language>& languages = menuContent.languages;
     for (std::size_t i = 0; i < languages.size(); ++i)
         if (languages[i].id == session->Language())
@@ -626,13 +655,14 @@ void BrowseWindow::Save(const std::filesystem::path& file)
     const Medium& medium = session->Open();
     SaveOrder order;
     if (medium.IsClip())
-        order.source = medium.File();
+        order.source = medium.File(), order.choice = session->Choice();
     else
         order.still = medium.Still();
     order.stack = effects::SwitchedOn(session->Stack().Items());
     order.target = file;
     const bool done = SaveDialog::Run(hwnd, *style, texts, std::move(order));
-    Tell(done ? texts(IDT_SAVED, {file.native()}) : texts(IDT_SAVE_CANCELLED));
+    const std::wstring saved = texts(IDT_SAVED, {file.native()});
+    Tell(!done ? texts(IDT_SAVE_CANCELLED) : medium.LosesSoundIn(file) ? texts(IDT_WITHOUT_SOUND, {saved}) : saved);
 }
 
 void BrowseWindow::SetLanguage(LANGID language)
@@ -742,11 +772,17 @@ bool BrowseWindow::MayClose()
 
 void BrowseWindow::OnDrop(HDROP drop)
 {
-    std::wstring name(DragQueryFileW(drop, 0, nullptr, 0) + 1, L'\0');
-    name.resize(DragQueryFileW(drop, 0, name.data(), static_cast<UINT>(name.size())));
+    std::vector<std::filesystem::path> files;
+    for (UINT i = 0, count = DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0); i < count; ++i) {
+        std::wstring name(DragQueryFileW(drop, i, nullptr, 0) + 1, L'\0');
+        name.resize(DragQueryFileW(drop, i, name.data(), static_cast<UINT>(name.size())));
+        files.emplace_back(name);
+    }
     DragFinish(drop);
+    if (files.empty())
+        return;
     SetForegroundWindow(hwnd);
-    const std::filesystem::path file = name;
+    const std::filesystem::path file = OneOf(files);
     if (_wcsicmp(file.extension().c_str(), L".txt") == 0)
         LoadStack(file);
     else

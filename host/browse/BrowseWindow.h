@@ -53,6 +53,7 @@ private:
     void OnFault(const char* message) noexcept override;
     void OnCreate();
     void OnCommand(int command);
+    void SetColours(int command);
     LRESULT OnNotify(const NMHDR& header);
     void OnDrop(HDROP drop);
     void OnSeekBar();

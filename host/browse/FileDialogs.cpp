@@ -1,11 +1,13 @@
 #include "host/browse/FileDialogs.h"
 
 #include "host/base/HostError.h"
+#include "host/media/PictureSequence.h"
 
 #include <commdlg.h>
 
 #include <algorithm>
 #include <array>
+#include <cwchar>
 #include <string>
 #include <vector>
 
@@ -13,7 +15,8 @@ namespace vixahost::browse {
 
 namespace {
 
-constexpr const wchar_t* mediumPatterns = L"*.png;*.bmp;*.dib;*.jpg;*.jpeg;*.tif;*.tiff;*.avi";
+constexpr const wchar_t* mediumPatterns =
+    L"*.png;*.bmp;*.dib;*.jpg;*.jpeg;*.tif;*.tiff;*.avi;*.y4m;*.mkv;*.webm;*.mov;*.mp4;*.ogv;*.mpg";
 
 struct Form
 {
@@ -32,7 +35,7 @@ Form FormOf(FilePurpose purpose, const Texts& texts)
     case FilePurpose::SavePicture:
         return {IDT_SAVE, L"png", true, {L"PNG", L"*.png", L"BMP", L"*.bmp", L"JPEG", L"*.jpg", L"TIFF", L"*.tif"}};
     case FilePurpose::SaveClip:
-        return {IDT_SAVE, L"avi", true, {L"AVI", L"*.avi"}};
+        return {IDT_SAVE, L"avi", true, {L"AVI", L"*.avi", L"y4m", L"*.y4m"}};
     case FilePurpose::OpenStack:
         return {IDT_LOAD_STACK, nullptr, false, {texts(IDT_STACKS), L"*.txt", texts(IDT_ALL_FILES), L"*.*"}};
     case FilePurpose::SavePreset:
@@ -42,7 +45,26 @@ Form FormOf(FilePurpose purpose, const Texts& texts)
     }
 }
 
+// What the dialog leaves: a name, or a folder and names in it, each ended by a zero, and a zero more behind the last.
+std::vector<std::filesystem::path> Chosen(const wchar_t* names)
+{
+    const std::filesystem::path first = names;
+    std::vector<std::filesystem::path> files;
+    for (names += first.native().size() + 1; *names; names += std::wcslen(names) + 1)
+        files.push_back(first / names);
+    if (files.empty())
+        files.push_back(first);
+    return files;
+}
+
 } // namespace
+
+std::filesystem::path OneOf(const std::vector<std::filesystem::path>& files)
+{
+    if (files.size() == 1)
+        return files.front();
+    return media::SequenceName::Around(files.front()).value_or(files.front());
+}
 
 std::optional<std::filesystem::path> AskForFile(HWND owner, const Texts& texts, FilePurpose purpose,
                                                 const std::filesystem::path& suggestion)
@@ -68,8 +90,10 @@ std::optional<std::filesystem::path> AskForFile(HWND owner, const Texts& texts, 
     dialog.lpstrDefExt = form.ending;
     dialog.Flags = OFN_EXPLORER | OFN_HIDEREADONLY | OFN_NOCHANGEDIR |
                    (form.saves ? OFN_PATHMUSTEXIST | OFN_NOREADONLYRETURN : OFN_FILEMUSTEXIST);
+    if (purpose == FilePurpose::OpenMedium)
+        dialog.Flags |= OFN_ALLOWMULTISELECT;
     if (form.saves ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog))
-        return name.data();
+        return OneOf(Chosen(name.data()));
     if (const DWORD fault = CommDlgExtendedError())
         throw FailedJob("The system's file dialog can't be opened (error " + std::to_string(fault) + ").");
     return std::nullopt;

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 namespace vixahost::browse {
 
@@ -17,6 +18,9 @@ enum class FilePurpose
     SaveStack,
     SavePreset,
 };
+
+// What is opened when several files are chosen: the sequence of pictures that the first one is of, or that file.
+std::filesystem::path OneOf(const std::vector<std::filesystem::path>& files);
 
 // Begins with `suggestion`, which may be empty. None when the user has cancelled. Nothing is asked about a file that is
 // there already.

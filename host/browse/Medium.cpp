@@ -5,6 +5,7 @@
 #include "host/media/AviHeader.h"
 #include "host/media/PictureFile.h"
 #include "host/media/PictureFrames.h"
+#include "host/media/PictureSequence.h"
 #include "host/media/Room.h"
 
 #include <algorithm>
@@ -14,22 +15,24 @@
 
 namespace vixahost::browse {
 
-Medium::Medium(const std::filesystem::path& file) : path(file), name(Show(file.filename()))
+Medium::Medium(const std::filesystem::path& file, const media::ClipChoice& choice)
+    : path(file), name(Show(file.filename()))
 {
     WIN32_FILE_ATTRIBUTE_DATA data = {};
-    if (!GetFileAttributesExW(file.c_str(), GetFileExInfoStandard, &data))
+    const bool sequence = media::SequenceName::Of(file).has_value();
+    if (!sequence && !GetFileAttributesExW(file.c_str(), GetFileExInfoStandard, &data))
         throw FailedJob("There is no file " + Show(file) + "; check its name and folder.");
     if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
         throw FailedJob(Show(file) + " is a folder; choose a picture or a clip in it.");
-    if (media::IsAvi(file)) {
-        clip = std::make_unique<media::ClipReader>(file);
+    if (media::HoldsClip(file)) {
+        clip = media::OpenClip(file, choice);
         format = clip->Format();
         count = clip->FrameCount();
         if (count < 1)
-            throw FailedJob(Show(file) + " has no frames; choose another clip.");
+            throw FailedJob(Show(file) + " doesn't tell how long it is; choose another clip.");
         return;
     }
-    media::RefuseForeignClip(file);
+    media::RefuseFalseName(file);
     picture = media::ReadPicture(file);
     TakePicture();
 }
@@ -37,6 +40,11 @@ Medium::Medium(const std::filesystem::path& file) : path(file), name(Show(file.f
 Medium::Medium(media::Picture source, std::string title) : name(std::move(title)), picture(std::move(source))
 {
     TakePicture();
+}
+
+bool Medium::LosesSoundIn(const std::filesystem::path& target) const
+{
+    return clip && clip->HasSound() && !media::KeepsSound(*clip, target);
 }
 
 void Medium::TakePicture()
@@ -63,7 +71,8 @@ SharedFrame Medium::Frame(std::int64_t index)
         return still;
     auto bytes = NewFrame();
     clip->Seek(std::clamp<std::int64_t>(index, 0, count - 1));
-    clip->Read(*bytes);
+    if (!clip->Read(*bytes))
+        throw FailedJob(name + " ends before frame " + std::to_string(index) + ".");
     return bytes;
 }
 

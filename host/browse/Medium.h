@@ -1,12 +1,13 @@
 // What the browser has open: a picture or a clip.
 #pragma once
 
-#include "host/media/ClipReader.h"
+#include "host/media/Clips.h"
 #include "host/media/Frames.h"
 #include "host/media/Picture.h"
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 
 namespace vixahost::browse {
 
@@ -16,14 +17,17 @@ using media::SharedFrame;
 class Medium
 {
 public:
-    // Opens a picture or an AVI clip. Throws HostError. One thread, in which COM must be running.
-    explicit Medium(const std::filesystem::path& file);
+    // Opens a picture or a clip. Throws HostError. One thread, in which COM must be running.
+    explicit Medium(const std::filesystem::path& file, const media::ClipChoice& choice = {});
     // A picture without a file.
     Medium(media::Picture source, std::string title);
 
     bool IsClip() const noexcept { return clip != nullptr; }
     const std::filesystem::path& File() const noexcept { return path; } // empty for a picture without a file
-    const media::Picture& Still() const noexcept { return picture; }    // empty for a clip
+    std::optional<media::YuvFrames> Yuv() const { return clip ? clip->Yuv() : std::nullopt; }
+    // Whether the clip's sound would not be in a copy of that name.
+    bool LosesSoundIn(const std::filesystem::path& target) const;
+    const media::Picture& Still() const noexcept { return picture; } // empty for a clip
     const media::FrameFormat& Format() const noexcept { return format; }
     std::int64_t FrameCount() const noexcept { return count; } // 1 for a picture
     REFERENCE_TIME Duration() const noexcept { return format.TimeOf(count); }
@@ -40,7 +44,7 @@ private:
     std::filesystem::path path;
     std::string name;
     media::Picture picture;
-    std::unique_ptr<media::ClipReader> clip;
+    std::unique_ptr<media::ClipFrames> clip;
     media::FrameFormat format;
     std::int64_t count = 1;
     SharedFrame still;

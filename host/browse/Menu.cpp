@@ -1,10 +1,12 @@
 #include "host/browse/Menu.h"
 
+#include "host/base/Handles.h"
 #include "host/browse/Ids.h"
 
 #include <algorithm>
 #include <new>
 #include <span>
+#include <utility>
 
 namespace vixahost::browse {
 
@@ -13,8 +15,9 @@ namespace {
 struct Item
 {
     UINT command = 0; // 0: a line between groups
-    UINT text = 0;
+    UINT text = 0;    // 0: the label, which is the same in every language
     const wchar_t* keys = L"";
+    const wchar_t* label = L"";
 };
 
 constexpr Item fileItems[] = {{IDM_OPEN, IDT_OPEN, L"Ctrl+O"},
@@ -41,14 +44,21 @@ constexpr Item viewItems[] = {{IDM_DIVIDER_MIDDLE, IDT_BOTH, L"Ctrl+1"},
                               {IDM_COMPARE, IDT_COMPARE, L"Ctrl+B"},
                               {},
                               {IDM_FIT, IDT_FIT, L"Ctrl+0"},
-                              {IDM_ACTUAL_SIZE, 0, L"Ctrl+4"},
+                              {IDM_ACTUAL_SIZE, 0, L"Ctrl+4", L"100 %"},
                               {IDM_ZOOM_IN, IDT_ZOOM_IN, L"Ctrl++"},
                               {IDM_ZOOM_OUT, IDT_ZOOM_OUT, L"Ctrl+-"},
                               {IDM_ENLARGE, IDT_ENLARGE}};
 constexpr Item clipItems[] = {{IDM_PLAY, IDT_PLAY, L"Ctrl+P"},
                               {IDM_STEP_FORWARD, IDT_STEP_FORWARD, L"Ctrl+Right"},
                               {IDM_STEP_BACK, IDT_STEP_BACK, L"Ctrl+Left"},
-                              {IDM_TO_START, IDT_TO_START, L"Ctrl+Home"}};
+                              {IDM_TO_START, IDT_TO_START, L"Ctrl+Home"},
+                              {},
+                              {IDM_COLOURS_BY_SIZE, IDT_COLOURS_BY_SIZE},
+                              {IDM_BT601, 0, L"", L"BT.601"},
+                              {IDM_BT709, 0, L"", L"BT.709"},
+                              {},
+                              {IDM_LIMITED_RANGE, IDT_LIMITED_RANGE},
+                              {IDM_FULL_RANGE, IDT_FULL_RANGE}};
 constexpr Item helpItems[] = {{IDM_EFFECT_HELP, IDT_EFFECT_HELP, L"F1"}, {IDM_ABOUT, IDT_ABOUT}};
 
 bool HasLetterKey(wchar_t letter)
@@ -66,9 +76,18 @@ std::wstring Literal(const std::wstring& text)
     return literal;
 }
 
-void Append(HMENU menu, UINT flags, UINT_PTR target, const std::wstring& text)
+using UniqueMenu = UniqueHandle<HMENU, DestroyMenu>;
+
+UniqueMenu Made(HMENU menu)
 {
-    if (!AppendMenuW(menu, flags, target, text.c_str()))
+    if (!menu)
+        throw std::bad_alloc();
+    return UniqueMenu(menu);
+}
+
+void Append(const UniqueMenu& menu, UINT flags, UINT_PTR target, const std::wstring& text)
+{
+    if (!AppendMenuW(menu.get(), flags, target, text.c_str()))
         throw std::bad_alloc();
 }
 
@@ -77,25 +96,26 @@ class Builder
 public:
     explicit Builder(const Texts& language) : texts(language) {}
 
-    HMENU Popup(std::span<const Item> items) const
+    UniqueMenu Popup(std::span<const Item> items) const
     {
-        const HMENU menu = CreatePopupMenu();
+        UniqueMenu menu = Made(CreatePopupMenu());
         std::wstring used;
         for (const Item& item : items) {
             if (item.command == 0) {
                 Append(menu, MF_SEPARATOR, 0, {});
                 continue;
             }
-            const std::wstring text = item.text ? Keyed(item.text, used) : std::wstring(L"100 %");
+            const std::wstring text = item.text ? Keyed(item.text, used) : std::wstring(item.label);
             Append(menu, MF_STRING, item.command, *item.keys ? text + L"\t" + item.keys : text);
         }
         return menu;
     }
 
     // `menu` goes into `bar` under a text of its own.
-    void Enter(HMENU bar, UINT text, HMENU menu)
+    void Enter(const UniqueMenu& bar, UINT text, UniqueMenu menu)
     {
-        Append(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(menu), Keyed(text, barKeys));
+        Append(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(menu.get()), Keyed(text, barKeys));
+        static_cast<void>(menu.release()); // the bar's
     }
 
     std::wstring Keyed(UINT text, std::wstring& used) const { return WithAccessKey(texts(text), Texts()(text), used); }
@@ -130,20 +150,21 @@ std::wstring WithAccessKey(std::wstring text, const std::wstring& english, std::
 HMENU MakeMenu(const Texts& texts, const MenuContent& content)
 {
     Builder builder(texts);
-    const HMENU bar = CreateMenu();
-    const HMENU file = builder.Popup(fileItems), recent = CreatePopupMenu();
+    UniqueMenu bar = Made(CreateMenu()), file = builder.Popup(fileItems), recent = Made(CreatePopupMenu());
     for (std::size_t i = 0; i < content.recent.size(); ++i)
         Append(recent, MF_STRING, IDM_RECENT_FILE + i,
                L"&" + std::to_wstring(i + 1) + L" " + Literal(content.recent[i].native()));
     wchar_t label[100] = {};
-    GetMenuStringW(file, IDM_RECENT, label, 100, MF_BYCOMMAND);
-    ModifyMenuW(file, IDM_RECENT, MF_BYCOMMAND | MF_POPUP | (content.recent.empty() ? MF_GRAYED : 0u),
-                reinterpret_cast<UINT_PTR>(recent), label);
-    builder.Enter(bar, IDT_FILE, file);
+    GetMenuStringW(file.get(), IDM_RECENT, label, 100, MF_BYCOMMAND);
+    if (!ModifyMenuW(file.get(), IDM_RECENT, MF_BYCOMMAND | MF_POPUP | (content.recent.empty() ? MF_GRAYED : 0u),
+                     reinterpret_cast<UINT_PTR>(recent.get()), label))
+        throw std::bad_alloc();
+    static_cast<void>(recent.release()); // the file menu's
+    builder.Enter(bar, IDT_FILE, std::move(file));
     builder.Enter(bar, IDT_EDIT, builder.Popup(editItems));
     builder.Enter(bar, IDT_VIEW, builder.Popup(viewItems));
 
-    const HMENU presets = CreatePopupMenu();
+    UniqueMenu presets = Made(CreatePopupMenu());
     std::wstring used;
     for (std::size_t i = 0; i < content.presets.size(); ++i) {
         if (i == content.shipped)
@@ -152,16 +173,16 @@ HMENU MakeMenu(const Texts& texts, const MenuContent& content)
     }
     Append(presets, MF_SEPARATOR, 0, {});
     Append(presets, MF_STRING, IDM_SAVE_PRESET, builder.Keyed(IDT_SAVE_PRESET, used));
-    builder.Enter(bar, IDT_PRESETS, presets);
+    builder.Enter(bar, IDT_PRESETS, std::move(presets));
     builder.Enter(bar, IDT_CLIP, builder.Popup(clipItems));
 
-    const HMENU languages = CreatePopupMenu();
+    UniqueMenu languages = Made(CreatePopupMenu());
     for (std::size_t i = 0; i < content.languages.size(); ++i)
         Append(languages, i > 0 && i % 14 == 0 ? MF_STRING | MF_MENUBARBREAK : MF_STRING, IDM_LANGUAGE + i,
                content.languages[i].name);
-    builder.Enter(bar, IDT_LANGUAGE, languages);
+    builder.Enter(bar, IDT_LANGUAGE, std::move(languages));
     builder.Enter(bar, IDT_HELP, builder.Popup(helpItems));
-    return bar;
+    return bar.release();
 }
 
 } // namespace vixahost::browse

@@ -13,8 +13,10 @@ namespace vixahost::browse {
 SaveJob::SaveJob(SaveOrder what, std::function<void()> notify) : order(std::move(what)), onEnd(std::move(notify))
 {
     const bool clip = !order.source.empty();
-    if (clip && _wcsicmp(order.target.extension().c_str(), L".avi") != 0)
-        throw WrongWords("A clip is saved as an AVI file: give it a name that ends in .avi.");
+    if (clip && !media::NamesClip(order.target))
+        throw WrongWords(
+            "A clip is saved as AVI, y4m or a sequence of pictures: give it a name that ends in .avi or .y4m, "
+            "or one like frame%04d.png.");
     if (!clip && !media::PictureFormatOf(order.target))
         throw WrongWords(
             "A picture is saved as PNG, BMP, JPEG or TIFF: give it a name that ends in .png, .bmp, .jpg or "
@@ -54,7 +56,7 @@ void SaveJob::Run()
         if (order.source.empty())
             SaveThroughEffects(job, order.still, *media::PictureFormatOf(order.target));
         else
-            SaveThroughEffects(job, order.source);
+            SaveThroughEffects(job, order.source, order.choice);
     } catch (const std::bad_alloc&) {
         failure = "There is not enough memory for a picture of this size.";
     } catch (const std::exception& fault) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/effects/EffectStack.h"
+#include "host/media/Clips.h"
 #include "host/media/Picture.h"
 
 #include <atomic>
@@ -15,6 +16,7 @@ namespace vixahost::browse {
 struct SaveOrder
 {
     std::filesystem::path source; // a clip; empty for `still`
+    media::ClipChoice choice = {};
     media::Picture still;
     effects::EffectStack stack;
     std::filesystem::path target;

@@ -26,18 +26,28 @@ void Session::SetLanguage(LANGID newLanguage)
     language = newLanguage;
 }
 
-void Session::OpenFile(const std::filesystem::path& file)
+void Session::OpenFile(const std::filesystem::path& file, const media::ClipChoice& choice)
 {
-    auto opened = std::make_unique<Medium>(file);
+    auto opened = std::make_unique<Medium>(file, choice);
     SharedFrame first = opened->Frame(0);
     effects::EffectStack steps = effects::SwitchedOn(stack.Items());
     auto fresh = std::make_unique<LiveGraph>(library, opened->Format(), steps, opened->Duration(), onResult);
     medium = std::move(opened);
+    clipChoice = choice;
     frame = std::move(first);
     player = {medium->Format(), medium->FrameCount()};
     running = std::move(steps);
     graph = std::move(fresh);
     Push();
+}
+
+void Session::SetColours(const media::YuvChoice& colours)
+{
+    const std::int64_t position = player.Position();
+    media::ClipChoice choice = clipChoice;
+    choice.colours = colours;
+    OpenFile(std::filesystem::path(medium->File()), choice);
+    Seek(position);
 }
 
 void Session::Seek(std::int64_t index)

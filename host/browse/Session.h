@@ -48,7 +48,12 @@ public:
     }
 
     const Medium& Open() const noexcept { return *medium; }
-    void OpenFile(const std::filesystem::path& file); // throws HostError; the old medium then stays
+    // Throws HostError; the old medium then stays.
+    void OpenFile(const std::filesystem::path& file, const media::ClipChoice& choice = {});
+    // How the clip was asked to be read.
+    const media::ClipChoice& Choice() const noexcept { return clipChoice; }
+    // Reads the open clip of YUV with other colours, where it stands. Throws as OpenFile.
+    void SetColours(const media::YuvChoice& colours);
     const class Player& Player() const noexcept { return player; }
     void Play(std::uint64_t now) { player.Play(now); }
     void Pause() { player.Pause(); }
@@ -75,6 +80,7 @@ private:
     std::vector<effects::CatalogueEntry> catalogue;
     StackModel stack;
     std::unique_ptr<Medium> medium;
+    media::ClipChoice clipChoice;
     class Player player;
     SharedFrame frame;            // the current one
     effects::EffectStack running; // what the graph was built from, with its present parameters

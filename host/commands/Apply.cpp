@@ -9,9 +9,13 @@
 #include "host/effects/StackFile.h"
 #include "host/graph/FileJob.h"
 #include "host/media/AviHeader.h"
+#include "host/media/PictureSequence.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <map>
+#include <tuple>
+#include <utility>
 
 namespace vixahost::commands {
 
@@ -128,10 +132,11 @@ graph::JobDone Apply(const Job& job, const std::optional<media::PictureFormat>& 
     if (done.frames == 0)
         throw FailedJob((IsStandard(job.command.input) ? "Standard input" : Show(job.command.input)) +
                         " holds no frame.");
-    if (target->file)
-        target->file->Commit();
+    target->Commit();
+    if (reader->HadAlpha())
+        Complain("The pictures' transparency is left out: a clip's frames have none.\n");
     if (target->losesSound)
-        Complain("The clip's sound is left out: y4m and rgb32 have none.\n");
+        Complain("The clip's sound is left out: only an AVI clip has it, and only from another AVI clip.\n");
     return done;
 }
 
@@ -158,28 +163,37 @@ std::vector<effects::EffectWords> ReadSteps(const std::vector<CLI::Option*>& ord
     return steps;
 }
 
-// "1920x1080", and "30000/1001" or nothing.
-media::RawFormat BareFormat(const std::string& size, const std::string& rate)
+// "1920x1080".
+void ReadSize(const std::string& size, media::RawFormat& format)
 {
-    media::RawFormat format;
     char rest = 0;
     unsigned width = 0, height = 0;
-    if (!size.empty()) {
-        if (std::sscanf(size.c_str(), "%9ux%9u%c", &width, &height, &rest) != 2 || width == 0 || height == 0)
-            throw WrongWords("--size " + size + " is no size: write it as 1920x1080.");
-        format.width = static_cast<int>(width);
-        format.height = static_cast<int>(height);
-    }
-    if (!rate.empty()) {
-        unsigned frames = 0, seconds = 1;
-        const int read = std::sscanf(rate.c_str(), "%9u/%9u%c", &frames, &seconds, &rest);
-        if (read < 1 || read > 2 || (read == 1 && rate.find_first_not_of("0123456789") != std::string::npos) ||
-            frames == 0 || seconds == 0)
-            throw WrongWords("--rate " + rate + " is no rate: write it as 25 or 30000/1001.");
-        format.rate = frames;
-        format.scale = seconds;
-    }
-    return format;
+    if (std::sscanf(size.c_str(), "%9ux%9u%c", &width, &height, &rest) != 2 || width == 0 || height == 0)
+        throw WrongWords("--size " + size + " is no size: write it as 1920x1080.");
+    format.width = static_cast<int>(width);
+    format.height = static_cast<int>(height);
+}
+
+// "25" or "30000/1001": frames and seconds.
+std::pair<std::uint32_t, std::uint32_t> ReadRate(const std::string& rate)
+{
+    char rest = 0;
+    unsigned frames = 0, seconds = 1;
+    const int read = std::sscanf(rate.c_str(), "%9u/%9u%c", &frames, &seconds, &rest);
+    if (read < 1 || read > 2 || (read == 1 && rate.find_first_not_of("0123456789") != std::string::npos) ||
+        frames == 0 || seconds == 0 || seconds > std::uint64_t{60} * frames)
+        throw WrongWords("--rate " + rate + " is no rate: write it as 25 or 30000/1001.");
+    return {frames, seconds};
+}
+
+// The input is never changed: neither a file nor one of a sequence's pictures.
+bool Overwrites(const std::filesystem::path& input, const std::filesystem::path& output)
+{
+    const auto from = media::SequenceName::Of(input), to = media::SequenceName::Of(output);
+    if (!from || !to)
+        return IsSameFile(input, output);
+    return std::ranges::any_of(from->Numbers(),
+                               [&](std::int64_t number) { return IsSameFile(from->At(number), to->At(number)); });
 }
 
 } // namespace
@@ -190,28 +204,36 @@ void Run(const ApplyCommand& command)
     // What is wrong with the words is said before the files are looked at.
     if (command.stackFile.empty())
         job.stack = StackOf(job.effectLibrary, command.steps);
-    const std::optional<media::PictureFormat> format = media::PictureFormatOf(command.output);
     const bool clipWanted = NamesFrames(command.output);
+    const auto format = clipWanted ? std::nullopt : media::PictureFormatOf(command.output);
     if (!format && !clipWanted)
         throw WrongWords("The output " + Show(command.output) +
-                         " must end in .png, .bmp, .jpg or .tif for a picture, in .avi or .y4m for a clip, or be - for "
-                         "standard output.");
+                         " must end in .png, .bmp, .jpg or .tif for a picture, in .avi or .y4m for a clip, be a "
+                         "sequence of pictures such as frame%04d.png, or - for standard output.");
     if (!IsStandard(command.input)) {
-        RequireReadable(command.input);
-        if (IsSameFile(command.input, command.output))
-            throw WrongWords("Input and output are the same file, " + Show(command.input) +
-                             "; name another output, the input is never changed.");
+        const bool sequence = media::SequenceName::Of(command.input).has_value();
+        if (!sequence)
+            RequireReadable(command.input);
+        if (Overwrites(command.input, command.output))
+            throw WrongWords("Input and output are the same file" + std::string(sequence ? "s" : "") + ", " +
+                             Show(command.input) + "; name another output, the input is never changed.");
+        if (command.frames.rateGiven && !sequence)
+            throw WrongWords("--rate is for a sequence of pictures and for --format rgb32; " + Show(command.input) +
+                             " tells its own.");
+    } else if (!command.frames.bare && command.frames.rateGiven) {
+        throw WrongWords("--rate is for a sequence of pictures and for --format rgb32; y4m tells its own.");
     } else if (command.frames.bare && command.frames.bare->width == 0) {
         throw WrongWords(
             "Frames of rgb32 don't tell their size: add --size 1920x1080, and --rate 25 if it isn't that.");
     }
     const bool clip = HoldsFrames(command.input);
     if (!clip)
-        media::RefuseForeignClip(command.input);
+        media::RefuseFalseName(command.input);
     if (clip != clipWanted)
         throw WrongWords(Show(command.input) +
-                         (clip ? " is a clip: the output must end in .avi or .y4m, or be -."
-                               : " is not an AVI clip: the output must be a picture (.png, .bmp, .jpg, .tif)."));
+                         (clip ? " is a clip: the output must end in .avi or .y4m, be a sequence such as "
+                                 "frame%04d.png, or -."
+                               : " is no clip: the output must be a picture (.png, .bmp, .jpg, .tif)."));
     if (!command.stackFile.empty())
         job.stack = StackOf(job.effectLibrary, command.stackFile);
     CatchInterrupts();
@@ -239,8 +261,9 @@ Words ApplyWords(CLI::App& program)
                                                                      {"709", media::YuvMatrix::Bt709}};
     static const std::map<std::string, media::YuvRange> ranges = {{"limited", media::YuvRange::Limited},
                                                                   {"full", media::YuvRange::Full}};
-    CLI::App* const parser = program.add_subcommand("apply", "Sends a picture (PNG, BMP, JPEG, TIFF) or an AVI clip "
-                                                             "through one or more effects");
+    CLI::App* const parser =
+        program.add_subcommand("apply", "Sends a picture (PNG, BMP, JPEG, TIFF) or a clip "
+                                        "(AVI, y4m, pictures in%04d.png) through one or more effects");
     const auto given = std::make_shared<Given>();
     const CLI::Option* const first =
         parser->add_option("EFFECT", given->effect, "The effect's name, as `vixahost effects` lists it")->required();
@@ -278,19 +301,29 @@ Words ApplyWords(CLI::App& program)
         ->type_name("FORMAT")
         ->check(CLI::IsMember({"y4m", "rgb32"}));
     parser->add_option("--size", given->size, "The size of rgb32 frames on standard input")->type_name("WIDTHxHEIGHT");
-    parser->add_option("--rate", given->rate, "Their frames per second, such as 25 or 30000/1001")->type_name("RATE");
+    parser
+        ->add_option("--rate", given->rate,
+                     "Frames per second, such as 25 or 30000/1001, of rgb32 on standard input and of a sequence of "
+                     "pictures (in%04d.png)")
+        ->type_name("RATE");
     AddVerbose(*parser);
     parser->footer(examples);
     return {parser, [=] {
                 FrameWords frames;
                 if (matrix->count() > 0)
-                    frames.colours.matrix = given->matrix;
+                    frames.clip.colours.matrix = given->matrix;
                 if (range->count() > 0)
-                    frames.colours.range = given->range;
-                if (given->format == "rgb32")
-                    frames.bare = BareFormat(given->size, given->rate);
-                else if (!given->size.empty() || !given->rate.empty())
-                    throw WrongWords("--size and --rate are for --format rgb32; y4m tells its own.");
+                    frames.clip.colours.range = given->range;
+                frames.rateGiven = !given->rate.empty();
+                if (frames.rateGiven)
+                    std::tie(frames.clip.rate, frames.clip.scale) = ReadRate(given->rate);
+                if (given->format == "rgb32") {
+                    frames.bare = {.rate = frames.clip.rate, .scale = frames.clip.scale};
+                    if (!given->size.empty())
+                        ReadSize(given->size, *frames.bare);
+                } else if (!given->size.empty()) {
+                    throw WrongWords("--size is for --format rgb32; y4m tells its own.");
+                }
                 if (given->stackFile.empty()) {
                     if (out->count() == 0)
                         throw WrongWords(

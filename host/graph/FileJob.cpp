@@ -2,8 +2,7 @@
 
 #include "host/base/HostError.h"
 #include "host/base/TargetFile.h"
-#include "host/media/ClipReader.h"
-#include "host/media/ClipWriter.h"
+#include "host/media/Clips.h"
 #include "host/media/PictureFrames.h"
 
 namespace vixahost::graph {
@@ -45,7 +44,7 @@ JobDone SaveThroughEffects(const FileJob& job, media::Picture& picture, media::P
     if (!bands.Whole())
         throw FailedJob("The filter graph gave no picture.");
     RequireGoingOn(job);
-    media::WritePicture(target.Temporary(), format, picture);
+    media::WritePicture(target.Temporary(), format, picture, target.Name());
     RequireGoingOn(job);
     target.Commit();
     return {{picture.width, picture.height}, 1, milliseconds};
@@ -67,13 +66,12 @@ JobDone SaveThroughEffects(const FileJob& job, media::FrameReader& reader, media
     return done;
 }
 
-JobDone SaveThroughEffects(const FileJob& job, const std::filesystem::path& clip)
+JobDone SaveThroughEffects(const FileJob& job, const std::filesystem::path& clip, const media::ClipChoice& choice)
 {
-    media::ClipReader reader(clip);
-    TargetFile target(job.target);
-    media::ClipWriter writer(target, reader.Format(), &reader);
-    JobDone done = SaveThroughEffects(job, reader, writer);
-    target.Commit();
+    const auto reader = media::OpenClip(clip, choice);
+    const auto target = media::CreateClip(job.target, *reader, choice.colours);
+    JobDone done = SaveThroughEffects(job, *reader, *target->writer);
+    target->Commit();
     return done;
 }
 

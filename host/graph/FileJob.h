@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/graph/EffectGraph.h"
+#include "host/media/Clips.h"
 #include "host/media/Picture.h"
 #include "host/media/PictureFile.h"
 #include "host/media/YuvPixels.h"
@@ -33,7 +34,7 @@ struct JobDone
 
 // They throw HostError, and StoppedJob for a job that was stopped; nothing is written then.
 JobDone SaveThroughEffects(const FileJob& job, media::Picture& picture, media::PictureFormat format);
-JobDone SaveThroughEffects(const FileJob& job, const std::filesystem::path& clip);
+JobDone SaveThroughEffects(const FileJob& job, const std::filesystem::path& clip, const media::ClipChoice& choice = {});
 // From any reader to any writer, which it finishes; the job's target is left alone.
 JobDone SaveThroughEffects(const FileJob& job, media::FrameReader& reader, media::FrameWriter& writer);
 

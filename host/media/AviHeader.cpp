@@ -20,13 +20,18 @@ std::string ConversionOf(const std::filesystem::path& file)
     return "ffmpeg -i \"" + Show(file) + "\" -c:v rawvideo -pix_fmt bgr24 -c:a pcm_s16le \"" + Show(target) + "\"";
 }
 
-void RefuseForeignClip(const std::filesystem::path& file)
+std::string WaysOutFor(const std::filesystem::path& file)
 {
-    FileOnDisk bytes(file);
-    if (const std::string_view kind = ForeignClip(bytes); !kind.empty())
-        throw FailedJob(Show(file) + " is a clip of another kind (" + std::string(kind) +
-                        "), not AVI. Convert it first: " + ConversionOf(file));
-    if (_wcsicmp(file.extension().c_str(), L".avi") == 0 && !BeginsAsAvi(bytes))
+    // Wine has GStreamer's decoders.
+    static const bool wine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+    return (wine ? "`./run decoders` says which decoders are missing and installs them. Or convert it: "
+                 : "Convert it first: ") +
+           ConversionOf(file);
+}
+
+void RefuseFalseName(const std::filesystem::path& file)
+{
+    if (_wcsicmp(file.extension().c_str(), L".avi") == 0 && !IsAvi(file))
         throw FailedJob(Show(file) + " is no AVI clip although its name says so: it begins with other bytes.");
 }
 

@@ -11,12 +11,13 @@ namespace vixahost::media {
 // True when the file begins as an AVI clip does.
 bool IsAvi(const std::filesystem::path& file);
 
-// Throws FailedJob for a file that is no AVI clip although its name says so, and for a clip of a kind that isn't read
-// here; the message says what it is and how it is converted.
-void RefuseForeignClip(const std::filesystem::path& file);
+// Throws FailedJob for a file that is no AVI clip although its name says so.
+void RefuseFalseName(const std::filesystem::path& file);
 
 // The command by which FFmpeg makes a clip of it that is read here.
 std::string ConversionOf(const std::filesystem::path& file);
+// What helps where the system has no decoder for a clip: one or two sentences.
+std::string WaysOutFor(const std::filesystem::path& file);
 
 // Throws FailedJob with the file's name for what ReadAviFile refuses.
 AviFile ReadClipStructure(FileBytes& bytes, const std::filesystem::path& file);

@@ -58,8 +58,8 @@ std::string FormatName(IAVIStream* video)
 
 } // namespace
 
-ClipDecoder::ClipDecoder(std::filesystem::path clip, int frameWidth, int frameHeight)
-    : path(std::move(clip)), width(frameWidth), height(frameHeight)
+ClipDecoder::ClipDecoder(std::filesystem::path clip, const FrameFormat& frames)
+    : path(std::move(clip)), facts{frames}, width(frames.width), height(frames.height)
 {
     const std::string damaged = Show(path) + " is a damaged AVI clip; get a whole copy of it";
     if (const HRESULT result = session.Open(path, file); FAILED(result))
@@ -73,11 +73,11 @@ ClipDecoder::ClipDecoder(std::filesystem::path clip, int frameWidth, int frameHe
     if (!decoder)
         *decoder.GetAddressOf() = AVIStreamGetFrameOpen(video.Get(), nullptr); // whatever it likes to give
     if (!decoder)
-        throw FailedJob("This system has no decoder for " + Show(path) + " (format \"" + FormatName(video.Get()) +
-                        "\"). Convert it first: " + ConversionOf(path));
+        throw NoDecoder("This system has no decoder for " + Show(path) + " (format \"" + FormatName(video.Get()) +
+                        "\"). " + WaysOutFor(path));
 }
 
-void ClipDecoder::Decode(std::int64_t index, std::span<std::uint8_t> frame)
+bool ClipDecoder::Decode(std::int64_t index, std::span<std::uint8_t> frame)
 {
     const auto* const info =
         static_cast<const BITMAPINFO*>(AVIStreamGetFrame(decoder.Get(), static_cast<LONG>(first + index)));
@@ -94,6 +94,7 @@ void ClipDecoder::Decode(std::int64_t index, std::span<std::uint8_t> frame)
     // Not every decoder writes the byte that has no colour; what stood there before differs from run to run.
     for (std::size_t i = 3; i < frame.size(); i += 4)
         frame[i] = 0;
+    return true;
 }
 
 void ClipDecoder::Convert(const BITMAPINFO& info, const std::uint8_t* bits, std::span<std::uint8_t> frame)

@@ -1,8 +1,9 @@
-// The platform's decoder for one clip, in the process that uses it.
+// The decoder that the platform's AVI file interface has for a clip.
 #pragma once
 
 #include "host/base/Handles.h"
 #include "host/media/AviInterface.h"
+#include "host/media/Decoder.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -10,20 +11,20 @@
 
 namespace vixahost::media {
 
-// One thread, in which COM must be running.
-class ClipDecoder
+class ClipDecoder final : public Decoder
 {
 public:
-    // Throws FailedJob for a clip that the platform can't open or has no decoder for.
-    ClipDecoder(std::filesystem::path clip, int frameWidth, int frameHeight);
+    // Throws NoDecoder, and FailedJob for a clip that the interface can't open.
+    ClipDecoder(std::filesystem::path clip, const FrameFormat& frames);
 
-    // Frame `index` as 32-bit RGB, bottom-up. Throws FailedJob.
-    void Decode(std::int64_t index, std::span<std::uint8_t> frame);
+    const DecodedClip& Clip() const noexcept override { return facts; }
+    bool Decode(std::int64_t index, std::span<std::uint8_t> frame) override;
 
 private:
     void Convert(const BITMAPINFO& info, const std::uint8_t* bits, std::span<std::uint8_t> frame);
 
     std::filesystem::path path;
+    DecodedClip facts;
     int width, height;
     AviSession session;
     Microsoft::WRL::ComPtr<IAVIFile> file;

@@ -21,6 +21,11 @@ const AviStream& RequirePictures(const AviFile& clip, const std::filesystem::pat
     return *pictures;
 }
 
+bool IsSound(const AviStream& stream)
+{
+    return stream.type == TagOf("auds");
+}
+
 } // namespace
 
 ClipReader::ClipReader(const std::filesystem::path& source, const YuvChoice& choice)
@@ -32,16 +37,21 @@ ClipReader::ClipReader(const std::filesystem::path& source, const YuvChoice& cho
         yuv.emplace(*layout.yuv, *colours, layout.width, layout.height);
     }
     if (!layout.IsUncompressed())
-        decoder = std::make_unique<FrameDecoder>(path, layout.width, layout.height);
+        decoder = std::make_unique<FrameDecoder>(path, format);
 }
 
-std::vector<const AviStream*> ClipReader::Sound() const
+std::optional<AviOrigin> ClipReader::Avi()
 {
-    std::vector<const AviStream*> sound;
+    AviOrigin origin = {*pictures, {}, file};
     for (const AviStream& stream : clip.streams)
-        if (stream.type == TagOf("auds"))
-            sound.push_back(&stream);
-    return sound;
+        if (IsSound(stream))
+            origin.sound.push_back(&stream);
+    return origin;
+}
+
+bool ClipReader::HasSound() const
+{
+    return std::ranges::any_of(clip.streams, IsSound);
 }
 
 std::optional<YuvFrames> ClipReader::Yuv() const
@@ -53,24 +63,22 @@ bool ClipReader::Read(std::span<std::uint8_t> frame)
 {
     if (position == FrameCount())
         return false;
-    if (decoder)
-        decoder->Decode(position, frame);
-    else
-        ReadUncompressed(frame);
+    auto shown = static_cast<std::size_t>(position);
+    while (shown > 0 && pictures->chunks[shown].bytes == 0)
+        --shown;
+    if (pictures->chunks[shown].bytes == 0)
+        std::ranges::fill(frame, std::uint8_t{0});
+    else if (!decoder)
+        ReadUncompressed(pictures->chunks[shown], frame);
+    else if (!decoder->Decode(static_cast<std::int64_t>(shown), frame))
+        throw FailedJob("Frame " + std::to_string(position) + " of " + Show(path) +
+                        " can't be decoded; the clip is damaged.");
     ++position;
     return true;
 }
 
-void ClipReader::ReadUncompressed(std::span<std::uint8_t> frame)
+void ClipReader::ReadUncompressed(const AviChunk& chunk, std::span<std::uint8_t> frame)
 {
-    auto shown = static_cast<std::size_t>(position);
-    while (shown > 0 && pictures->chunks[shown].bytes == 0)
-        --shown;
-    const AviChunk& chunk = pictures->chunks[shown];
-    if (chunk.bytes == 0) {
-        std::ranges::fill(frame, std::uint8_t{0});
-        return;
-    }
     const bool direct = !yuv && layout.bits == 32 && !layout.topDown;
     if (!direct)
         stored.resize(layout.bytes);

@@ -15,7 +15,7 @@ namespace vixahost::media {
 
 // Reads uncompressed frames straight from the file; others are decoded by whatever the system has for the clip's
 // format, in a process of its own. One thread at a time.
-class ClipReader : public FrameReader
+class ClipReader : public ClipFrames
 {
 public:
     // `choice` is for clips of YUV. Throws FailedJob for a clip that is damaged, has no pictures, or no decoder on this
@@ -26,19 +26,15 @@ public:
     std::int64_t FrameCount() const noexcept override { return static_cast<std::int64_t>(pictures->chunks.size()); }
     // A frame without data shows the one before it once more; before the first it is black.
     bool Read(std::span<std::uint8_t> frame) override;
-    // The next Read gives frame `index`; one beyond the clip counts as its nearest end.
-    void Seek(std::int64_t index) noexcept;
+    void Seek(std::int64_t index) noexcept override;
 
     std::optional<YuvFrames> Yuv() const override;
 
-    // For a copy of the clip.
-    const AviStream& Pictures() const noexcept { return *pictures; }
-    std::vector<const AviStream*> Sound() const; // empty for a silent clip
-    // Where the streams' chunks are.
-    FileBytes& Bytes() noexcept { return file; }
+    std::optional<AviOrigin> Avi() override;
+    bool HasSound() const override;
 
 private:
-    void ReadUncompressed(std::span<std::uint8_t> frame);
+    void ReadUncompressed(const AviChunk& chunk, std::span<std::uint8_t> frame);
 
     std::filesystem::path path;
     FileOnDisk file;

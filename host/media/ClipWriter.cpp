@@ -2,7 +2,6 @@
 
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
-#include "host/media/ClipReader.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,11 +12,11 @@ namespace vixahost::media {
 
 namespace {
 
-AviStream PicturesOf(const FrameFormat& format, const ClipReader* source)
+AviStream PicturesOf(const FrameFormat& format, const std::optional<AviOrigin>& origin)
 {
     AviStream stream;
-    if (source)
-        stream = source->Pictures();
+    if (origin)
+        stream = origin->pictures;
     stream.type = TagOf("vids");
     stream.handler = TagOf("DIB ");
     stream.rate = format.rate;
@@ -35,11 +34,11 @@ AviStream PicturesOf(const FrameFormat& format, const ClipReader* source)
     return stream;
 }
 
-std::vector<AviStream> StreamsOf(const FrameFormat& format, const ClipReader* source)
+std::vector<AviStream> StreamsOf(const FrameFormat& format, const std::optional<AviOrigin>& origin)
 {
-    std::vector<AviStream> streams = {PicturesOf(format, source)};
-    if (source)
-        for (const AviStream* const sound : source->Sound())
+    std::vector<AviStream> streams = {PicturesOf(format, origin)};
+    if (origin)
+        for (const AviStream* const sound : origin->sound)
             streams.push_back(*sound);
     return streams;
 }
@@ -121,14 +120,15 @@ private:
     std::vector<std::uint8_t> data;
 };
 
-ClipWriter::ClipWriter(const TargetFile& finished, const FrameFormat& size, ClipReader* source, std::uint64_t partBytes)
-    : target(finished), format(size), file(finished), output(file, StreamsOf(format, source), partBytes)
+ClipWriter::ClipWriter(const TargetFile& finished, const FrameFormat& size, const std::optional<AviOrigin>& origin,
+                       std::uint64_t partBytes)
+    : target(finished), format(size), file(finished), output(file, StreamsOf(format, origin), partBytes)
 {
-    if (!source)
+    if (!origin)
         return;
     std::size_t number = 0;
-    for (const AviStream* const stream : source->Sound())
-        sound.push_back(std::make_unique<SoundCopy>(output, ++number, source->Bytes(), *stream));
+    for (const AviStream* const stream : origin->sound)
+        sound.push_back(std::make_unique<SoundCopy>(output, ++number, origin->bytes, *stream));
 }
 
 ClipWriter::~ClipWriter() = default;

@@ -12,15 +12,13 @@
 
 namespace vixahost::media {
 
-class ClipReader;
-
 // Frames have 32 bits a pixel, all four bytes as they come. A clip of more than 2 GB has several parts (OpenDML).
 class ClipWriter : public FrameWriter
 {
 public:
-    // A new file in the place of the target's temporary one, with the frames' size and rate, and the sound of `source`
-    // when there is one. Target and source must outlive the writer. Throws FailedJob.
-    ClipWriter(const TargetFile& finished, const FrameFormat& size, ClipReader* source,
+    // A new file in the place of the target's temporary one, with the frames' size and rate, and what `origin` has
+    // besides. The target and the origin's reader must outlive the writer. Throws FailedJob.
+    ClipWriter(const TargetFile& finished, const FrameFormat& size, const std::optional<AviOrigin>& origin,
                std::uint64_t partBytes = AviOutput::usualPart);
     ~ClipWriter() override;
 

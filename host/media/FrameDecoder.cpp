@@ -7,6 +7,7 @@
 #include "host/base/Text.h"
 #include "host/media/ClipDecoder.h"
 #include "host/media/DibSize.h"
+#include "host/media/GraphDecoder.h"
 #include "host/media/Room.h"
 
 #include <objbase.h>
@@ -15,6 +16,8 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <functional>
+#include <memory>
 #include <thread>
 #include <utility>
 
@@ -22,25 +25,34 @@ namespace vixahost::media {
 
 namespace {
 
-// Behind it the frame's pixels. Each side reads what the other wrote after its event.
-struct Shared
+enum class Answer : std::uint32_t
 {
-    std::int32_t width, height;
-    std::int64_t index;
-    std::uint32_t failed;
-    std::array<char, 1024> failure; // ends with a zero
+    Given,
+    End, // there is no such frame
+    Failed,
+    NoDecoder,
 };
 
-constexpr std::size_t pixelsAt = 4096;
+// Each side reads what the other wrote after its event.
+struct Shared
+{
+    FrameFormat known; // by the clip's header; without a size: nothing
+    DecodedClip clip;
+    std::uint64_t pixels; // the decoder's handle of the memory for a frame
+    std::int64_t index;
+    Answer answer;
+    std::array<char, 1024> failure; // ends with a zero
+};
 
 Shared& HeadOf(const UniqueView& view)
 {
     return *static_cast<Shared*>(view.get());
 }
 
-std::uint8_t* PixelsOf(const UniqueView& view)
+UniqueMapping NewMapping(std::uint64_t bytes)
 {
-    return static_cast<std::uint8_t*>(view.get()) + pixelsAt;
+    return UniqueMapping(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE,
+                                            static_cast<DWORD>(bytes >> 32), static_cast<DWORD>(bytes), nullptr));
 }
 
 // The host beside the program that runs, which may be a test.
@@ -59,23 +71,19 @@ LONG WINAPI EndOnFault(EXCEPTION_POINTERS* fault)
 
 } // namespace
 
-FrameDecoder::FrameDecoder(std::filesystem::path source, int width, int height, DWORD milliseconds)
-    : clip(std::move(source)), patience(milliseconds)
+FrameDecoder::FrameDecoder(std::filesystem::path source, const std::optional<FrameFormat>& frames, DWORD milliseconds)
+    : clip(std::move(source)), patience(milliseconds), mapping(NewMapping(sizeof(Shared)))
 {
-    const std::uint64_t bytes = pixelsAt + DibBytes(width, height, 32).value_or(0);
-    mapping.reset(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, static_cast<DWORD>(bytes >> 32),
-                                     static_cast<DWORD>(bytes), nullptr));
     if (mapping)
         view.reset(MapViewOfFile(mapping.get(), FILE_MAP_WRITE, 0, 0, 0));
     if (!view)
-        throw NoRoomFor(width, height);
-    HeadOf(view) = {width, height, -1, 0, {}};
-    Start();
+        throw FailedJob("The system gives no memory to share (system error " + std::to_string(GetLastError()) + ").");
+    Start(frames);
 }
 
-void FrameDecoder::Start()
+void FrameDecoder::Start(const std::optional<FrameFormat>& frames)
 {
-    HeadOf(view).failed = 0;
+    HeadOf(view) = {frames.value_or(FrameFormat{}), {}, 0, -1, Answer::Given, {}};
     asked.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));
     answered.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));
     HANDLE self = nullptr;
@@ -90,6 +98,15 @@ void FrameDecoder::Start()
     start.flags = CREATE_NO_WINDOW;
     process.emplace(start);
     Wait("can't be opened");
+    facts = HeadOf(view).clip;
+    const auto bytes = DibBytes(facts.format.width, facts.format.height, 32);
+    HANDLE theirs = reinterpret_cast<HANDLE>(static_cast<UINT_PTR>(HeadOf(view).pixels)), own = nullptr;
+    if (bytes && facts.format.rate > 0 && facts.format.scale > 0)
+        DuplicateHandle(process->Handle(), theirs, GetCurrentProcess(), &own, 0, FALSE, DUPLICATE_SAME_ACCESS);
+    const UniqueMapping memory(own);
+    pixels.reset(memory ? MapViewOfFile(memory.get(), FILE_MAP_READ, 0, 0, *bytes) : nullptr);
+    if (!pixels)
+        throw NoRoomFor(facts.format.width, facts.format.height);
 }
 
 void FrameDecoder::Wait(const std::string& what)
@@ -99,7 +116,8 @@ void FrameDecoder::Wait(const std::string& what)
     DWORD which = WAIT_TIMEOUT;
     while (which == WAIT_TIMEOUT && GetTickCount64() - begun < patience && !Interrupted())
         which = WaitForMultipleObjects(static_cast<DWORD>(ends.size()), ends.data(), FALSE, 100);
-    if (which == WAIT_OBJECT_0 && HeadOf(view).failed == 0)
+    const Answer answer = HeadOf(view).answer;
+    if (which == WAIT_OBJECT_0 && (answer == Answer::Given || answer == Answer::End))
         return;
     const bool stopped = which == WAIT_TIMEOUT && Interrupted();
     std::string reason = Show(clip) + " " + what + ": ";
@@ -118,18 +136,61 @@ void FrameDecoder::Wait(const std::string& what)
     process.reset();
     if (stopped)
         throw StoppedJob();
+    if (which == WAIT_OBJECT_0 && answer == Answer::NoDecoder)
+        throw NoDecoder(reason);
     throw FailedJob(reason);
 }
 
-void FrameDecoder::Decode(std::int64_t index, std::span<std::uint8_t> frame)
+bool FrameDecoder::Decode(std::int64_t index, std::span<std::uint8_t> frame)
 {
     if (!process)
-        Start(); // the last frame that was asked for took it along
+        Start(facts.format); // the last frame that was asked for took it along
     HeadOf(view).index = index;
     SetEvent(asked.get());
     Wait("has a frame " + std::to_string(index) + " that can't be decoded");
-    std::memcpy(frame.data(), PixelsOf(view), frame.size());
+    if (HeadOf(view).answer == Answer::End)
+        return false;
+    std::memcpy(frame.data(), pixels.get(), frame.size());
+    return true;
 }
+
+namespace {
+
+std::unique_ptr<Decoder> OpenDecoder(const std::filesystem::path& clip, const FrameFormat& known)
+{
+    if (known.width == 0)
+        return std::make_unique<GraphDecoder>(clip, std::nullopt);
+    try {
+        return std::make_unique<ClipDecoder>(clip, known);
+    } catch (const FailedJob& fault) {
+        // The graph knows more formats. What it can't decode is told by the interface, which can name it.
+        try {
+            return std::make_unique<GraphDecoder>(clip, known);
+        } catch (const NoDecoder&) {
+        }
+        throw;
+    }
+}
+
+// Answers until the process ends.
+void Serve(Decoder& decoder, Shared& shared, const std::function<void()>& answerAndWait)
+{
+    const FrameFormat& format = decoder.Clip().format;
+    const std::size_t bytes = format.FrameBytes();
+    const UniqueMapping memory = NewMapping(bytes);
+    const UniqueView view(memory ? MapViewOfFile(memory.get(), FILE_MAP_WRITE, 0, 0, 0) : nullptr);
+    if (!view)
+        throw NoRoomFor(format.width, format.height);
+    shared.clip = decoder.Clip();
+    shared.pixels = reinterpret_cast<UINT_PTR>(memory.get());
+    for (;;) {
+        answerAndWait();
+        const bool given = decoder.Decode(shared.index, {static_cast<std::uint8_t*>(view.get()), bytes});
+        shared.answer = given ? Answer::Given : Answer::End;
+    }
+}
+
+} // namespace
 
 void RunDecoder(const std::filesystem::path& clip, const DecoderEnds& ends)
 {
@@ -145,16 +206,15 @@ void RunDecoder(const std::filesystem::path& clip, const DecoderEnds& ends)
     if (!view)
         return;
     Shared& shared = HeadOf(view);
-    const std::span frame(PixelsOf(view), DibBytes(shared.width, shared.height, 32).value_or(0));
     try {
-        ClipDecoder decoder(clip, shared.width, shared.height);
-        for (;;) {
+        const auto decoder = OpenDecoder(clip, shared.known);
+        Serve(*decoder, shared, [&] {
             SetEvent(handle(ends.answered));
             WaitForSingleObject(handle(ends.asked), INFINITE);
-            decoder.Decode(shared.index, frame);
-        }
+        });
     } catch (const std::exception& fault) {
-        shared.failed = 1;
+        const bool none = dynamic_cast<const NoDecoder*>(&fault) != nullptr;
+        shared.answer = none ? Answer::NoDecoder : Answer::Failed;
         std::snprintf(shared.failure.data(), shared.failure.size(), "%s", fault.what());
     }
     SetEvent(handle(ends.answered));

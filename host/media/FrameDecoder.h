@@ -1,7 +1,8 @@
-// Frames of a compressed clip, decoded by the system's decoders in a process of their own.
+// Frames of a clip, decoded by the system's decoders in a process of their own.
 #pragma once
 
 #include "host/base/ChildProcess.h"
+#include "host/media/Decoder.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -16,23 +17,28 @@ namespace vixahost::media {
 class FrameDecoder
 {
 public:
-    // The clip must be one that ReadAviFile takes, its frames of that size. A decoder that gives no answer for so many
-    // milliseconds hangs. Throws FailedJob when the system has no decoder for the clip, when there is no memory for a
-    // frame, or when the decoder fails or hangs.
-    FrameDecoder(std::filesystem::path source, int width, int height, DWORD milliseconds = 20'000);
+    // An AVI clip that ReadAviFile takes, with frames of this format; or any other file. A decoder that gives no answer
+    // for so many milliseconds hangs. Throws NoDecoder when the system has no decoder for the clip, and FailedJob when
+    // there is no memory for a frame, or when the decoder fails or hangs.
+    explicit FrameDecoder(std::filesystem::path source, const std::optional<FrameFormat>& frames = std::nullopt,
+                          DWORD milliseconds = 20'000);
 
-    // Frame `index` as 32-bit RGB, bottom-up; `frame` has width * height * 4 bytes. Throws FailedJob when the decoder
-    // fails or hangs, and soon after the user has interrupted the process.
-    void Decode(std::int64_t index, std::span<std::uint8_t> frame);
+    const DecodedClip& Clip() const noexcept { return facts; }
+
+    // Frame `index` as 32-bit RGB, bottom-up; false behind the last one. `frame` has the format's FrameBytes. Throws
+    // FailedJob when the decoder fails or hangs, and soon after the user has interrupted the process.
+    bool Decode(std::int64_t index, std::span<std::uint8_t> frame);
 
 private:
-    void Start();
+    void Start(const std::optional<FrameFormat>& frames);
     void Wait(const std::string& what);
 
     std::filesystem::path clip;
     DWORD patience; // milliseconds
+    DecodedClip facts;
     UniqueMapping mapping;
-    UniqueView view; // of the mapping
+    UniqueView view;   // of the mapping, in which both sides speak
+    UniqueView pixels; // one frame, in the decoder's memory
     UniqueEvent asked, answered;
     std::optional<ChildProcess> process; // none after a frame that it could not give
 };

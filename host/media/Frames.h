@@ -39,6 +39,17 @@ struct FrameFormat
 using FrameBytes = std::vector<std::uint8_t>;
 using SharedFrame = std::shared_ptr<const FrameBytes>;
 
+class FileBytes;
+struct AviStream;
+
+// The AVI clip that frames come from, for a copy: what its header says of them, its sound, and where both lie.
+struct AviOrigin
+{
+    const AviStream& pictures;
+    std::vector<const AviStream*> sound; // empty for a silent clip
+    FileBytes& bytes;
+};
+
 // Gives frames one after the other. Called on the graph's streaming thread only.
 class FrameReader
 {
@@ -51,8 +62,24 @@ public:
     virtual std::int64_t FrameCount() const noexcept { return 0; }
     // What the frames were before they became RGB; none for those that were no YUV.
     virtual std::optional<YuvFrames> Yuv() const { return std::nullopt; }
+    // Holds as long as the reader lives; none for frames from elsewhere.
+    virtual std::optional<AviOrigin> Avi() { return std::nullopt; }
+    // Whether sound belongs to the frames.
+    virtual bool HasSound() const { return false; }
+    // Whether a frame that was read had transparency, which no clip keeps.
+    virtual bool HadAlpha() const { return false; }
+    // The first frame's number, where frames are files with numbers.
+    virtual std::optional<std::int64_t> FirstNumber() const { return std::nullopt; }
     // Fills `frame` (Format().FrameBytes() bytes) with the next frame; false when there is none. Throws HostError.
     virtual bool Read(std::span<std::uint8_t> frame) = 0;
+};
+
+// Gives them in any order.
+class ClipFrames : public FrameReader
+{
+public:
+    // The next Read gives frame `index`; one beyond the clip counts as its nearest end.
+    virtual void Seek(std::int64_t index) noexcept = 0;
 };
 
 // Takes frames one after the other. Called on the graph's streaming thread only.
@@ -64,6 +91,8 @@ public:
     virtual void Write(std::span<const std::uint8_t> frame) = 0;
     // After the last one; what was written is whole then. Throws HostError.
     virtual void Finish() {}
+    // Then puts it in its place, where that isn't done for the writer. Throws HostError.
+    virtual void Commit() {}
 };
 
 } // namespace vixahost::media

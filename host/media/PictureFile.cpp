@@ -88,27 +88,30 @@ FailedJob TooLarge(const std::filesystem::path& file, std::uint32_t width, std::
                      " pixels, which is more than the system's picture codecs can count; make it smaller first.");
 }
 
-// What codecs don't tell, or tell too late. Not every system's hand the orientation out. And some make room for a
-// picture as soon as they see the file, by a count of its bytes in 32 bits, and fill more: what they can't count is
-// refused before.
-unsigned OrientationOfFile(const std::filesystem::path& file)
+// What is looked at before a codec sees the file: nothing of a bitmap file, which has no orientation and may be very
+// large.
+std::vector<std::uint8_t> BytesToLookAt(const std::filesystem::path& file)
 {
     std::ifstream stream(file, std::ios::binary);
     char start[2] = {};
     stream.read(start, sizeof start);
     if (start[0] == 'B' && start[1] == 'M')
-        return 1; // a bitmap file, which has no orientation and may be very large
+        return {};
     // A camera writes what it knows in front of the pixels, all but TIFF, where it may stand anywhere.
     stream.clear();
     stream.seekg(0, std::ios::end);
-    std::vector<char> bytes(static_cast<std::size_t>(std::max<std::streamoff>(stream.tellg(), 0)));
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::max<std::streamoff>(stream.tellg(), 0)));
     stream.seekg(0);
-    stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    const std::span content(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+    stream.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    return bytes;
+}
+
+// Some codecs make room for a picture as soon as they see the file, by a count of its bytes in 32 bits, and fill more.
+void RefuseUncountable(std::span<const std::uint8_t> content, const std::filesystem::path& file)
+{
     const auto size = StoredSizeOf(content);
     if (size && !DibBytes(size->width, size->height, 32, countable / size->sampleBytes))
         throw TooLarge(file, size->width, size->height);
-    return OrientationOf(content);
 }
 
 // The bytes of a source's pixels; one of the largest format's when its own isn't known.
@@ -154,7 +157,12 @@ Picture ReadThroughCodec(const std::filesystem::path& file, UINT& width, UINT& h
 {
     const Step read("read", file);
     constexpr const char* damaged = "the file is damaged or cut short: get a whole copy of it.";
-    const unsigned orientation = OrientationOfFile(file);
+    unsigned orientation = 1;
+    {
+        const std::vector<std::uint8_t> content = BytesToLookAt(file);
+        RefuseUncountable(content, file);
+        orientation = OrientationOf(content); // not every system's codecs hand it out
+    }
     const ComPtr<IWICImagingFactory> factory = Factory();
     ComPtr<IWICBitmapDecoder> decoder;
     read(factory->CreateDecoderFromFilename(file.c_str(), nullptr, GENERIC_READ, WICDecodeMetadataCacheOnDemand,
@@ -200,13 +208,14 @@ Picture ReadThroughCodec(const std::filesystem::path& file, UINT& width, UINT& h
     return orientation == 1 ? std::move(picture) : TurnUpright(picture, orientation);
 }
 
-void WriteThroughCodec(const std::filesystem::path& file, PictureFormat format, const Picture& picture)
+void WriteThroughCodec(const std::filesystem::path& file, PictureFormat format, const Picture& picture,
+                       const std::filesystem::path& called)
 {
-    const Step write("write", file);
+    const Step write("write", called);
     constexpr const char* advice = "is the disk full or the folder protected?";
     // Not every system's codec sees that it has lost the directory behind so many pixels.
     if (format == PictureFormat::Tiff && !DibBytes(picture.width, picture.height, 32))
-        throw FailedJob(Show(file) + " would be larger than TIFF files can be; name a PNG file instead.");
+        throw FailedJob(Show(called) + " would be larger than TIFF files can be; name a PNG file instead.");
     const FormatRow& row = RowOf(format);
     const ComPtr<IWICImagingFactory> factory = Factory();
     ComPtr<IWICStream> stream;
@@ -266,10 +275,11 @@ Picture ReadPicture(const std::filesystem::path& file)
     throw width > 0 ? NoRoomFor(static_cast<int>(width), static_cast<int>(height)) : NoRoomFor(Show(file));
 }
 
-void WritePicture(const std::filesystem::path& file, PictureFormat format, const Picture& picture)
+void WritePicture(const std::filesystem::path& file, PictureFormat format, const Picture& picture,
+                  const std::filesystem::path& called)
 {
     try {
-        return WriteThroughCodec(file, format, picture);
+        return WriteThroughCodec(file, format, picture, called.empty() ? file : called);
     } catch (const std::bad_alloc&) {
     }
     throw NoRoomFor(picture.width, picture.height);

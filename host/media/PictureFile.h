@@ -26,8 +26,9 @@ Picture ReadPicture(const std::filesystem::path& file);
 
 // Writes a new file in the given format, whatever the name. Alpha is written when a pixel isn't opaque and the format
 // has it (PNG, TIFF); else colours alone. Throws FailedJob, also for a TIFF file of more than 2 GB; what is left of the
-// file is the caller's to remove.
-void WritePicture(const std::filesystem::path& file, PictureFormat format, const Picture& picture);
+// file is the caller's to remove. Messages call it `called` when that isn't empty.
+void WritePicture(const std::filesystem::path& file, PictureFormat format, const Picture& picture,
+                  const std::filesystem::path& called = {});
 
 // True when some pixel isn't opaque.
 bool HasAlpha(const Picture& picture);

@@ -44,21 +44,15 @@ public:
 
 } // namespace
 
+namespace {
+
+constexpr const char* standardInput = "Standard input";
+
+}
+
 class RawReader::Stream : public ByteSource
 {
 public:
-    Stream(const std::filesystem::path& path, std::string title) : name(std::move(title))
-    {
-        if (path.empty()) {
-            handle = GetStdHandle(STD_INPUT_HANDLE);
-            return;
-        }
-        file = Opened(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-        if (!file)
-            throw FailedJob(name + " can't be opened (system error " + std::to_string(GetLastError()) + ").");
-        handle = file.get();
-    }
-
     std::size_t Read(std::span<std::uint8_t> into) override
     {
         std::size_t done = 0;
@@ -69,7 +63,8 @@ public:
                 const DWORD error = GetLastError();
                 if (error == ERROR_BROKEN_PIPE || error == ERROR_HANDLE_EOF)
                     return done; // its writer has gone
-                throw FailedJob(name + " can't be read (system error " + std::to_string(error) + ").");
+                throw FailedJob(std::string(standardInput) + " can't be read (system error " + std::to_string(error) +
+                                ").");
             }
             if (got == 0)
                 return done;
@@ -79,55 +74,85 @@ public:
     }
 
 private:
-    std::string name;
-    UniqueFile file;
-    HANDLE handle = nullptr;
+    HANDLE handle = GetStdHandle(STD_INPUT_HANDLE);
 };
 
-RawReader::RawReader(const std::filesystem::path& file, const std::optional<RawFormat>& bare, const YuvChoice& choice)
-    : name(file.empty() ? "Standard input" : vixahost::Show(file)), stream(std::make_unique<Stream>(file, name))
+RawFrameFormat::RawFrameFormat(RawFormat frames, const YuvChoice& choice) : stored(std::move(frames))
+{
+    if (!stored.yuv)
+        return;
+    YuvChoice chosen = choice;
+    if (!chosen.range)
+        chosen.range = stored.range;
+    colours = ColoursFor(chosen, stored.width, stored.height);
+    pixels.emplace(*stored.yuv, *colours, stored.width, stored.height);
+}
+
+std::optional<YuvFrames> RawFrameFormat::Yuv() const
+{
+    return colours ? std::optional(YuvFrames{*stored.yuv, *colours, stored.tags}) : std::nullopt;
+}
+
+void RawFrameFormat::ToRgb(std::span<const std::uint8_t> bytes, std::span<std::uint8_t> frame) const
+{
+    if (pixels)
+        pixels->ToRgb(bytes, frame);
+    else
+        TurnOver(stored, bytes, frame);
+}
+
+RawReader::RawReader(const std::optional<RawFormat>& bare, const YuvChoice& choice) : stream(std::make_unique<Stream>())
 {
     try {
         input = bare ? std::make_unique<RawInput>(*stream, *bare) : std::make_unique<RawInput>(*stream);
     } catch (const RawFault& fault) {
-        throw FailedJob(name + " " + fault.what());
+        throw FailedJob(std::string(standardInput) + " " + fault.what());
     }
-    const RawFormat& format = Stored();
-    if (format.yuv) {
-        YuvChoice chosen = choice;
-        if (!chosen.range)
-            chosen.range = format.range;
-        colours = ColoursFor(chosen, format.width, format.height);
-        pixels.emplace(*format.yuv, *colours, format.width, format.height);
-    }
-    stored.resize(format.FrameBytes());
+    format.emplace(input->Format(), choice);
+    stored.resize(format->Stored().FrameBytes());
 }
 
 RawReader::~RawReader() = default;
 
-FrameFormat RawReader::Format() const
-{
-    return {Stored().width, Stored().height, Stored().rate, Stored().scale};
-}
-
-std::optional<YuvFrames> RawReader::Yuv() const
-{
-    return colours ? std::optional(YuvFrames{*Stored().yuv, *colours, Stored().tags}) : std::nullopt;
-}
-
 bool RawReader::Read(std::span<std::uint8_t> frame)
+try {
+    if (!input->Next(stored))
+        return false;
+    format->ToRgb(stored, frame);
+    return true;
+} catch (const RawFault& fault) {
+    throw FailedJob(std::string(standardInput) + " " + fault.what());
+}
+
+Y4mReader::Y4mReader(const std::filesystem::path& path, const YuvChoice& choice)
+    : name(vixahost::Show(path)), file(path)
 {
     try {
-        if (!input->Next(stored))
-            return false;
+        Y4mFile content = ReadY4mFile(file);
+        format.emplace(std::move(content.format), choice);
+        frames = std::move(content.frames);
     } catch (const RawFault& fault) {
         throw FailedJob(name + " " + fault.what());
     }
-    if (pixels)
-        pixels->ToRgb(stored, frame);
-    else
-        TurnOver(Stored(), stored, frame);
+    if (frames.empty())
+        throw FailedJob(name + " holds no frame; name a clip that has some.");
+    stored.resize(format->Stored().FrameBytes());
+}
+
+bool Y4mReader::Read(std::span<std::uint8_t> frame)
+{
+    if (position == FrameCount())
+        return false;
+    if (!file.Read(frames[static_cast<std::size_t>(position)], stored))
+        throw FailedJob(name + " can't be read any more; has it changed?");
+    format->ToRgb(stored, frame);
+    ++position;
     return true;
+}
+
+void Y4mReader::Seek(std::int64_t index) noexcept
+{
+    position = std::clamp<std::int64_t>(index, 0, FrameCount());
 }
 
 RawWriter::RawWriter(const TargetFile* target, RawFormat frames, const YuvColours& colours)
@@ -169,18 +194,20 @@ void RawWriter::Finish()
     sink.reset();
 }
 
-RawFormat RawFormatOf(const FrameReader& reader, const YuvColours& colours, bool bare)
+std::unique_ptr<RawWriter> NewRawWriter(const TargetFile* target, const FrameReader& reader, const YuvChoice& choice,
+                                        bool bare)
 {
     const FrameFormat frames = reader.Format();
-    RawFormat format = {frames.width, frames.height, frames.rate, frames.scale};
-    if (bare)
-        return format;
     const auto yuv = reader.Yuv();
-    format.yuv = PlanarFor(yuv ? std::optional(yuv->layout) : std::nullopt);
-    format.range = colours.range;
-    if (yuv && yuv->layout == format.yuv)
-        format.tags = yuv->tags;
-    return format;
+    const YuvColours colours = yuv ? yuv->colours : ColoursFor(choice, frames.width, frames.height);
+    RawFormat format = {frames.width, frames.height, frames.rate, frames.scale};
+    if (!bare) {
+        format.yuv = PlanarFor(yuv ? std::optional(yuv->layout) : std::nullopt);
+        format.range = colours.range;
+        if (yuv && yuv->layout == format.yuv)
+            format.tags = yuv->tags;
+    }
+    return std::make_unique<RawWriter>(target, std::move(format), colours);
 }
 
 } // namespace vixahost::media

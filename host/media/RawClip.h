@@ -4,6 +4,7 @@
 #include "host/base/Handles.h"
 #include "host/base/TargetFile.h"
 #include "host/media/AviOutput.h"
+#include "host/media/FileOnDisk.h"
 #include "host/media/Frames.h"
 #include "host/media/RawFrames.h"
 
@@ -15,27 +16,63 @@
 
 namespace vixahost::media {
 
-class RawReader : public FrameReader
+// Frames as they are stored become those of the graph.
+class RawFrameFormat
 {
 public:
-    // Empty path: standard input. `bare`: of frames of 32-bit RGB without any header; none: y4m. Throws FailedJob.
-    RawReader(const std::filesystem::path& file, const std::optional<RawFormat>& bare, const YuvChoice& choice);
+    RawFrameFormat(RawFormat frames, const YuvChoice& choice);
+
+    const RawFormat& Stored() const noexcept { return stored; }
+    FrameFormat Frames() const { return {stored.width, stored.height, stored.rate, stored.scale}; }
+    std::optional<YuvFrames> Yuv() const;
+    void ToRgb(std::span<const std::uint8_t> bytes, std::span<std::uint8_t> frame) const;
+
+private:
+    RawFormat stored;
+    std::optional<YuvColours> colours;
+    std::optional<YuvPixels> pixels;
+};
+
+// Standard input.
+class RawReader final : public FrameReader
+{
+public:
+    // `bare`: of frames of 32-bit RGB without any header; none: y4m. Throws FailedJob.
+    RawReader(const std::optional<RawFormat>& bare, const YuvChoice& choice);
     ~RawReader() override;
 
-    FrameFormat Format() const override;
-    std::optional<YuvFrames> Yuv() const override;
+    FrameFormat Format() const override { return format->Frames(); }
+    std::optional<YuvFrames> Yuv() const override { return format->Yuv(); }
     bool Read(std::span<std::uint8_t> frame) override;
 
 private:
     class Stream;
 
-    const RawFormat& Stored() const noexcept { return input->Format(); }
-
-    std::string name; // for messages
     std::unique_ptr<Stream> stream;
     std::unique_ptr<RawInput> input;
-    std::optional<YuvColours> colours;
-    std::optional<YuvPixels> pixels;
+    std::optional<RawFrameFormat> format;
+    std::vector<std::uint8_t> stored;
+};
+
+// A y4m file.
+class Y4mReader final : public ClipFrames
+{
+public:
+    // Throws FailedJob, also for a file that ends within a frame or has none.
+    Y4mReader(const std::filesystem::path& path, const YuvChoice& choice);
+
+    FrameFormat Format() const override { return format->Frames(); }
+    std::optional<YuvFrames> Yuv() const override { return format->Yuv(); }
+    std::int64_t FrameCount() const noexcept override { return static_cast<std::int64_t>(frames.size()); }
+    bool Read(std::span<std::uint8_t> frame) override;
+    void Seek(std::int64_t index) noexcept override;
+
+private:
+    std::string name; // for messages
+    FileOnDisk file;
+    std::optional<RawFrameFormat> format;
+    std::vector<std::uint64_t> frames; // where they begin
+    std::int64_t position = 0;
     std::vector<std::uint8_t> stored;
 };
 
@@ -60,7 +97,9 @@ private:
     std::vector<std::uint8_t> stored;
 };
 
-// How a reader's frames leave: as y4m with as much chroma as they came with, or bare.
-RawFormat RawFormatOf(const FrameReader& reader, const YuvColours& colours, bool bare);
+// For a reader's frames: as y4m with as much chroma as they came with and, where they were YUV, their colours, else the
+// chosen ones; or bare. The target as above.
+std::unique_ptr<RawWriter> NewRawWriter(const TargetFile* target, const FrameReader& reader, const YuvChoice& choice,
+                                        bool bare);
 
 } // namespace vixahost::media

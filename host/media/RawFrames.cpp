@@ -164,30 +164,83 @@ std::string RawInput::Line(std::string begun)
     return begun;
 }
 
+namespace {
+
+[[noreturn]] void EndsInside(std::int64_t frame)
+{
+    throw RawFault("ends in the middle of frame " + std::to_string(frame) + "; its sender stopped too early.");
+}
+
+[[noreturn]] void NoFrameAt(std::int64_t frame)
+{
+    throw RawFault("is damaged: something else stands where frame " + std::to_string(frame) + " should begin.");
+}
+
+// A file's bytes one after the other.
+class FileSource : public ByteSource
+{
+public:
+    explicit FileSource(FileBytes& bytes) : file(bytes) {}
+    std::size_t Read(std::span<std::uint8_t> into) override
+    {
+        into = into.first(static_cast<std::size_t>(std::min<std::uint64_t>(into.size(), file.Size() - at)));
+        if (!file.Read(at, into))
+            return 0;
+        at += into.size();
+        return into.size();
+    }
+
+    std::uint64_t at = 0;
+
+private:
+    FileBytes& file;
+};
+
+} // namespace
+
+Y4mFile ReadY4mFile(FileBytes& file)
+{
+    FileSource source(file);
+    RawInput input(source);
+    Y4mFile found = {input.Format(), {}};
+    const std::size_t size = found.format.FrameBytes();
+    while (input.Begin()) {
+        if (file.Size() - source.at < size)
+            EndsInside(static_cast<std::int64_t>(found.frames.size()));
+        found.frames.push_back(source.at);
+        source.at += size;
+    }
+    return found;
+}
+
+bool RawInput::Begin()
+{
+    std::array<std::uint8_t, frameMagic.size() + 1> head = {};
+    const std::size_t got = source.Read(head);
+    if (got == 0)
+        return false;
+    if (got < head.size())
+        EndsInside(frame);
+    const bool frameBegins = std::equal(frameMagic.begin(), frameMagic.end(), head.begin());
+    if (!frameBegins || (head.back() != '\n' && head.back() != ' '))
+        NoFrameAt(frame);
+    if (head.back() == ' ')
+        Line(" ");
+    ++frame;
+    return true;
+}
+
 bool RawInput::Next(std::span<std::uint8_t> stored)
 {
-    const auto endsInside = [&] {
-        return RawFault("ends in the middle of frame " + std::to_string(frame) + "; its sender stopped too early.");
-    };
-    if (y4m) {
-        std::array<std::uint8_t, frameMagic.size() + 1> head = {};
-        const std::size_t got = source.Read(head);
-        if (got == 0)
-            return false;
-        if (got < head.size())
-            throw endsInside();
-        const bool frameBegins = std::equal(frameMagic.begin(), frameMagic.end(), head.begin());
-        if (!frameBegins || (head.back() != '\n' && head.back() != ' '))
-            throw RawFault("is damaged: something else stands where frame " + std::to_string(frame) + " should begin.");
-        if (head.back() == ' ')
-            Line(" ");
-    }
+    const std::int64_t number = frame;
+    if (y4m && !Begin())
+        return false;
     const std::size_t got = source.Read(stored);
     if (got == 0 && !y4m)
         return false;
     if (got < stored.size())
-        throw endsInside();
-    ++frame;
+        EndsInside(number);
+    frame = number + 1;
     return true;
 }
 

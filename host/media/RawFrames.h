@@ -1,6 +1,7 @@
 // Frames that follow each other in a stream without an index: YUV4MPEG2 ("y4m"), or bare 32-bit RGB. Portable.
 #pragma once
 
+#include "host/media/AviFile.h"
 #include "host/media/YuvPixels.h"
 
 #include <cstddef>
@@ -10,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vixahost::media {
 
@@ -62,6 +64,8 @@ public:
     // Fills `stored` (the format's FrameBytes) with the next frame; false at the stream's end. Throws RawFault when the
     // stream ends within a frame or goes on with something else.
     bool Next(std::span<std::uint8_t> stored);
+    // Of a y4m stream: goes to the next frame's samples.
+    bool Begin();
 
 private:
     std::string Line(std::string begun);
@@ -71,5 +75,14 @@ private:
     bool y4m;
     std::int64_t frame = 0;
 };
+
+// A y4m stream in a file, where each frame's samples begin.
+struct Y4mFile
+{
+    RawFormat format;
+    std::vector<std::uint64_t> frames;
+};
+// Throws RawFault as the functions above.
+Y4mFile ReadY4mFile(FileBytes& file);
 
 } // namespace vixahost::media

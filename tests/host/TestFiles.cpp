@@ -1,5 +1,7 @@
 #include "tests/host/TestFiles.h"
 
+#include "host/media/PictureFile.h"
+
 #include <windows.h>
 
 #include <algorithm>
@@ -129,6 +131,8 @@ bool RunLengths(const ClipRecipe& recipe)
 // A frame as it lies in the file.
 Bytes StoredFrame(const ClipRecipe& recipe, int frame)
 {
+    if (!recipe.stored.empty())
+        return recipe.stored.at(static_cast<std::size_t>(frame));
     Bytes stored;
     for (int row = 0; row < recipe.height; ++row) {
         const int y = recipe.topDown ? recipe.height - 1 - row : row;
@@ -330,6 +334,87 @@ Bytes MakeClip(const ClipRecipe& recipe)
         }
     }
     return List("RIFF", "AVI ", {List("LIST", "hdrl", headers), List("LIST", "movi", data), Chunk("idx1", index)});
+}
+
+std::uint8_t JpegGrey(const ClipRecipe& recipe, int frame, int row)
+{
+    return static_cast<std::uint8_t>(20 + 8 * frame + (row < recipe.height / 2 ? 60 : 0));
+}
+
+ClipRecipe JpegRecipe(int frames)
+{
+    ClipRecipe recipe = {.width = 48, .height = 32, .bits = 24, .frames = frames, .rate = 25, .scale = 1};
+    std::memcpy(recipe.compression, "MJPG", 5);
+    const ScratchFolder folder;
+    for (int frame = 0; frame < frames; ++frame) {
+        media::Picture picture(recipe.width, recipe.height);
+        for (int y = 0; y < recipe.height; ++y)
+            std::fill_n(picture.Row(y), picture.RowBytes(), JpegGrey(recipe, frame, y));
+        media::WritePicture(folder / L"frame", media::PictureFormat::Jpeg, picture);
+        recipe.stored.push_back(ReadBytes(folder / L"frame"));
+    }
+    return recipe;
+}
+
+namespace {
+
+// Its identifier as it is written, and a length of 8 bytes.
+Bytes Element(std::uint32_t identifier, const Bytes& content)
+{
+    Bytes element;
+    for (int shift = 24; shift >= 0; shift -= 8)
+        if (identifier >> shift)
+            element.push_back(static_cast<std::uint8_t>(identifier >> shift));
+    element.insert(element.end(), {1, 0, 0, 0});
+    for (int shift = 24; shift >= 0; shift -= 8)
+        element.push_back(static_cast<std::uint8_t>(content.size() >> shift));
+    element.insert(element.end(), content.begin(), content.end());
+    return element;
+}
+
+Bytes Element(std::uint32_t identifier, std::uint32_t number)
+{
+    return Element(identifier, Bytes{static_cast<std::uint8_t>(number >> 24), static_cast<std::uint8_t>(number >> 16),
+                                     static_cast<std::uint8_t>(number >> 8), static_cast<std::uint8_t>(number)});
+}
+
+Bytes Element(std::uint32_t identifier, const std::string& text)
+{
+    return Element(identifier, Bytes(text.begin(), text.end()));
+}
+
+Bytes Joined(const std::vector<Bytes>& parts)
+{
+    Bytes whole;
+    for (const Bytes& part : parts)
+        whole.insert(whole.end(), part.begin(), part.end());
+    return whole;
+}
+
+} // namespace
+
+Bytes MakeMatroska(const ClipRecipe& recipe)
+{
+    const std::uint32_t milliseconds = 1000 * recipe.scale / recipe.rate;
+    const float duration = static_cast<float>(milliseconds) * static_cast<float>(recipe.frames);
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &duration, sizeof bits);
+    const auto width = static_cast<std::uint32_t>(recipe.width), height = static_cast<std::uint32_t>(recipe.height);
+    const Bytes video = Joined({Element(0xB0, width), Element(0xBA, height)});
+    const Bytes track =
+        Joined({Element(0xD7, 1u), Element(0x73C5, 1u), Element(0x83, 1u), Element(0x86, std::string("V_MJPEG")),
+                Element(0x23E383, milliseconds * 1'000'000), Element(0xE0, video)});
+    std::vector<Bytes> segment = {Element(0x1549A966, Joined({Element(0x2AD7B1, 1'000'000u), Element(0x4489, bits)})),
+                                  Element(0x1654AE6B, Element(0xAE, track))};
+    for (int frame = 0; frame < recipe.frames; ++frame) {
+        Bytes block = {0x81, 0, 0, 0x80}; // the track, no time after the cluster's, a key frame
+        block.insert(block.end(), recipe.stored[std::size_t(frame)].begin(), recipe.stored[std::size_t(frame)].end());
+        segment.push_back(
+            Element(0x1F43B675, Joined({Element(0xE7, milliseconds * std::uint32_t(frame)), Element(0xA3, block)})));
+    }
+    return Joined({Element(0x1A45DFA3, Joined({Element(0x4282, std::string("matroska")), Element(0x4287, 2u),
+                                               Element(0x4285, 2u)})),
+                   Element(0x18538067, Joined(segment))});
 }
 
 ParsedClip ParseClip(const Bytes& file)

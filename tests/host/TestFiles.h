@@ -51,7 +51,16 @@ struct ClipRecipe
     int emptyFrame = -1;                   // a frame without data: the one before it stays
     bool records = false;                  // what belongs together stands in a list of its own
     std::uint32_t buffer = 0;              // that the pictures' header suggests; 0: a frame's bytes
+    std::vector<Bytes> stored = {};        // the frames as they lie in the file; empty: made by the rest
 };
+
+// A clip of JPEG pictures ("MJPG"), each of one grey in its upper half and a darker one below, lighter from frame to
+// frame.
+ClipRecipe JpegRecipe(int frames = 20);
+// The grey of a pixel of frame `frame` of such a clip; rows count from the top.
+std::uint8_t JpegGrey(const ClipRecipe& recipe, int frame, int row);
+// The same pictures in Matroska.
+Bytes MakeMatroska(const ClipRecipe& recipe);
 
 // Blue, green, red and the fourth byte of one pixel, counted from the picture's bottom row.
 std::uint8_t ClipByte(int frame, int x, int y, int channel);

@@ -186,6 +186,54 @@ TEST_F(HostRun, FramesGoThroughStandardInputAndOutput)
     EXPECT_NE(Run({L"apply", L"Emboss", L"-", L"-"}, L"", bare).err.find("no y4m stream"), std::string::npos);
 }
 
+TEST_F(HostRun, NumberedPicturesAreAClip)
+{
+    const effects::EffectStep step = Step("Emboss");
+    const auto write = [&](const wchar_t* name, int seed, int width = 20) {
+        media::WritePicture(folder / name, *media::PictureFormatOf(name), TestPicture(width, 12, unsigned(seed)));
+    };
+    const wchar_t* const names[] = {L"in 9998.png", L"in 9999.png", L"in 10000.png"};
+    for (int i = 0; i < 3; ++i)
+        write(names[i], i);
+    write(L"in 09997.png", 7); // another form of number
+    ExpectDone(Run({L"apply", L"Emboss", L"in %04d.png", L"out%%%06d.bmp"}));
+    const wchar_t* const results[] = {L"out%009998.bmp", L"out%009999.bmp", L"out%010000.bmp"};
+    for (unsigned i = 0; i < 3; ++i)
+        EXPECT_TRUE(media::ReadPicture(folder / results[i]).pixels == Expected(TestPicture(20, 12, i), {step}).pixels);
+    ExpectDone(Run({L"apply", L"Emboss", L"in %04d.png", L"out.avi", L"--rate", L"30000/1001"}));
+    const ParsedClip clip = ParseClip(ReadBytes(folder / L"out.avi"));
+    EXPECT_EQ(clip.frames.size(), 3u);
+    EXPECT_EQ(std::pair(clip.rate, clip.scale), std::pair(30000u, 1001u));
+    ExpectDone(Run({L"apply", L"Emboss", L"out.avi", L"from clip%d.png"}));
+    EXPECT_TRUE(std::filesystem::exists(folder / L"from clip1.png"));
+
+    write(L"in 10003.png", 3);
+    write(L"in 10007.png", 3);
+    write(L"odd1.png", 1);
+    write(L"odd2.png", 1, 21);
+    const auto before = folder.Names();
+    struct Case
+    {
+        std::vector<std::wstring> words;
+        unsigned long status;
+        const char* mentions;
+    };
+    for (const Case& wrong :
+         {Case{{L"in %04d.png", L"x%d.png"}, 1, "no in 10001.png to in 10002.png, in 10004.png to in 10006.png."},
+          {{L"odd%d.png", L"x%d.png"}, 1, "odd2.png measures 21 x 12 pixels, the first of its sequence 20 x 12"},
+          {{L"none%d.png", L"x%d.png"}, 1, "no picture of the sequence none%d.png, such as none1.png"},
+          {{L"odd%d.png", L"ODD%01d.png"}, 2, "same files"},
+          {{L"odd1.png", L"x%d.png"}, 2, "is no clip"},
+          {{L"out.avi", L"x%d.png", L"--rate", L"5"}, 2, "tells its own"}}) {
+        std::vector<std::wstring> words = {L"apply", L"Emboss"};
+        words.insert(words.end(), wrong.words.begin(), wrong.words.end());
+        const Outcome outcome = Run(words);
+        EXPECT_EQ(outcome.status, wrong.status) << outcome.err;
+        EXPECT_NE(outcome.err.find(wrong.mentions), std::string::npos) << outcome.err;
+        EXPECT_EQ(folder.Names(), before) << wrong.mentions;
+    }
+}
+
 TEST_F(HostRun, BadInputIsToldInOneLineAndWritesNothing)
 {
     WriteBytes(folder / L"empty.png", {});
@@ -243,12 +291,13 @@ TEST_F(HostRun, BadInputIsToldInOneLineAndWritesNothing)
         {{L"apply", L"Emboss", L"cut.png", L"out.png"}, 1, "a whole PNG"},
         {{L"apply", L"Emboss", L"text.png", L"out.png"}, 1, "PNG, BMP, JPEG or TIFF"},
         {{L"apply", L"Emboss", L"cut.avi", L"out.avi"}, 1, "cut short"},
-        {{L"apply", L"Emboss", L"foreign.avi", L"out.avi"}, 1, "ZZZ9"},
+        {{L"apply", L"Emboss", L"foreign.avi", L"out.avi"}, 3, "ZZZ9"},
         {{L"apply", L"Emboss", L"foreign.avi", L"out.avi"},
-         1,
+         3,
          R"(ffmpeg -i "foreign.avi" -c:v rawvideo -pix_fmt bgr24 -c:a pcm_s16le "foreign-rgb.avi")"},
         {{L"apply", L"Emboss", L"random.avi", L"out.avi"}, 1, "is no AVI clip although its name says so"},
-        {{L"apply", L"Emboss", L"camera.mp4", L"out.png"}, 1, "MP4 or QuickTime"},
+        {{L"apply", L"Emboss", L"camera.mp4", L"out.png"}, 2, "is a clip"},
+        {{L"apply", L"Emboss", L"camera.mp4", L"out.avi"}, 3, "MP4 or QuickTime"},
         {{L"apply", L"Emboss", L"middle.avi", L"out.avi"}, 1, "can't be decoded"},
         {{L"apply", L"Emboss", L"in.png", L"nowhere/out.png"}, 1, "nowhere"},
         {{L"apply", L"Emboss", L"clip.avi", L"nowhere/out.avi"}, 1, "nowhere"},

@@ -39,9 +39,9 @@ TEST(Words, EachCommandIsUnderstood)
     EXPECT_EQ(apply.output.native(), L"out/\x00e4.png");
     ASSERT_EQ(apply.steps.size(), 1u);
     EXPECT_EQ(apply.steps[0].name, "EMBOSS");
-    EXPECT_FALSE(apply.frames.colours.matrix || apply.frames.colours.range || apply.frames.bare);
+    EXPECT_FALSE(apply.frames.clip.colours.matrix || apply.frames.clip.colours.range || apply.frames.bare);
     const auto colours =
-        ParseApply({"apply", "Emboss", "--matrix", "709", "--range=full", "a.avi", "b.avi"}).frames.colours;
+        ParseApply({"apply", "Emboss", "--matrix", "709", "--range=full", "a.avi", "b.avi"}).frames.clip.colours;
     EXPECT_TRUE(colours.matrix == media::YuvMatrix::Bt709 && colours.range == media::YuvRange::Full);
     const auto bare =
         ParseApply({"apply", "Emboss", "-", "-", "--format", "rgb32", "--size", "64x48", "--rate", "30000/1001"})
@@ -81,6 +81,7 @@ TEST(Words, WrongOnesAreRefusedInOneLine)
                                                   {"apply", "Emboss", "-", "-", "--size", "64x48"},
                                                   {"apply", "Emboss", "-", "-", "--format", "rgb32", "--size", "64x"},
                                                   {"apply", "Emboss", "-", "-", "--format", "rgb32", "--rate", "1/0"},
+                                                  {"apply", "Emboss", "a%d.png", "b.avi", "--rate", "1/61"},
                                                   {"--loud"},
                                                   {""},
                                                   {"effects", "all"}})

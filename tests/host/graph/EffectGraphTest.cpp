@@ -1,12 +1,16 @@
 // The host's graph: pictures in bands, and a graph that can't start.
 #include "host/graph/EffectGraph.h"
 #include "host/base/HostError.h"
+#include "host/effects/DataPropertySet.h"
 #include "host/fixtures/PixelModel.h"
 #include "host/media/PictureFrames.h"
 #include "tests/host/TestFiles.h"
 #include "tests/support/ComTest.h"
 
 #include <vixavideofx/ClassIds.h>
+#include <vixavideofx/IEffectFilter.h>
+
+#include <qedit.h>
 
 #include <algorithm>
 
@@ -112,6 +116,66 @@ TEST_F(Graph, OneThatCannotStartEndsAtOnceAndSaysWhy)
             std::string::npos)
             << fault.what();
     }
+}
+
+// As a foreign host plays a compressed clip: the system finds splitter and decoder, the effect takes what they give.
+TEST_F(Graph, BehindTheSystemsDecoderAnEffectWorksAndEverythingIsGivenBack)
+{
+    const ClipRecipe recipe = JpegRecipe(10);
+    const ScratchFolder folder;
+    WriteBytes(folder / L"clip.avi", MakeClip(recipe));
+    constexpr CLSID sampleGrabber = {0xC1F400A0, 0x3F08, 0x11D3, {0x9F, 0x0B, 0x00, 0x60, 0x08, 0x03, 0x9E, 0x37}};
+    constexpr CLSID nullRenderer = {0xC1F400A4, 0x3F08, 0x11D3, {0x9F, 0x0B, 0x00, 0x60, 0x08, 0x03, 0x9E, 0x37}};
+    const effects::EffectStep step = {CLSID_InvertColor, "Invert color", {7}};
+    ComPtr<IBaseFilter> effect = library.CreateFilter(step.classId, step.name);
+    ComPtr<IGraphBuilder> graph;
+    ASSERT_EQ(CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&graph)), S_OK);
+    {
+        ComPtr<IBaseFilter> source, end, nowhere;
+        ComPtr<ISampleGrabber> grabber;
+        ComPtr<IEffectFilter> parameters;
+        ComPtr<IMediaControl> control;
+        ComPtr<IMediaEvent> events;
+        ComPtr<IMediaFilter> clock;
+        ASSERT_EQ(CoCreateInstance(sampleGrabber, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&end)), S_OK);
+        ASSERT_EQ(CoCreateInstance(nullRenderer, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&nowhere)), S_OK);
+        ASSERT_EQ(end.As(&grabber) | effect.As(&parameters) | graph.As(&control) | graph.As(&clock), S_OK);
+        ASSERT_EQ(graph->QueryInterface(IID_IMediaEvent, &events), S_OK);
+        ASSERT_EQ(parameters->SetPropertySet(effects::DataPropertySet::Create(step.block).Get()), S_OK);
+        ASSERT_EQ(grabber->SetBufferSamples(TRUE), S_OK);
+        for (IBaseFilter* const filter : {effect.Get(), end.Get(), nowhere.Get()})
+            ASSERT_EQ(graph->AddFilter(filter, nullptr), S_OK);
+        ASSERT_EQ(graph->AddSourceFilter((folder / L"clip.avi").c_str(), L"Clip", &source), S_OK);
+        const auto pin = [](IBaseFilter* filter, PIN_DIRECTION wanted) {
+            ComPtr<IEnumPins> pins;
+            ComPtr<IPin> found;
+            PIN_DIRECTION direction = {};
+            filter->EnumPins(&pins);
+            while (pins->Next(1, found.ReleaseAndGetAddressOf(), nullptr) == S_OK)
+                if (found->QueryDirection(&direction) == S_OK && direction == wanted)
+                    break;
+            return found;
+        };
+        const auto join = [&](IBaseFilter* from, IBaseFilter* to) {
+            return graph->Connect(pin(from, PINDIR_OUTPUT).Get(), pin(to, PINDIR_INPUT).Get());
+        };
+        ASSERT_EQ(join(source.Get(), effect.Get()), S_OK) << "are GStreamer's plug-ins installed? ./run decoders";
+        ASSERT_EQ(join(effect.Get(), end.Get()) | join(end.Get(), nowhere.Get()), S_OK);
+        ASSERT_EQ(clock->SetSyncSource(nullptr), S_OK);
+        long code = 0, bytes = 48 * 32 * 4;
+        ASSERT_GE(control->Run(), S_OK);
+        ASSERT_EQ(events->WaitForCompletion(20'000, &code), S_OK);
+        EXPECT_EQ(code, EC_COMPLETE);
+        Bytes last(std::size_t(bytes), 0);
+        ASSERT_EQ(grabber->GetCurrentBuffer(&bytes, reinterpret_cast<long*>(last.data())), S_OK);
+        for (const auto& [row, at] : {std::pair{31, std::size_t{0}}, {0, last.size() - 4}})
+            EXPECT_NEAR(last[at], 255 - JpegGrey(recipe, 9, row), 3) << "row " << row;
+        EXPECT_EQ(control->Stop(), S_OK);
+        EXPECT_FALSE(library.CanUnload());
+    }
+    EXPECT_EQ(graph.Detach()->Release(), 0u);
+    EXPECT_EQ(effect.Detach()->Release(), 0u);
+    EXPECT_TRUE(library.CanUnload());
 }
 
 } // namespace

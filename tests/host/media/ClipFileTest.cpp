@@ -3,6 +3,8 @@
 #include "host/media/AviHeader.h"
 #include "host/media/ClipReader.h"
 #include "host/media/ClipWriter.h"
+#include "host/media/Clips.h"
+#include "host/media/GraphDecoder.h"
 #include "tests/host/TestFiles.h"
 #include "tests/support/ComTest.h"
 
@@ -10,6 +12,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <tuple>
 
 namespace vixahost {
 namespace {
@@ -95,6 +98,50 @@ TEST_F(ClipFile, ACompressedClipIsDecoded)
     }
 }
 
+// With GStreamer's decoders, which ./test installs.
+TEST_F(ClipFile, ThePlatformsGraphDecodesEveryFrame)
+{
+    const ClipRecipe recipe = JpegRecipe();
+    WriteBytes(folder / L"clip.avi", MakeClip(recipe));
+    WriteBytes(folder / L"clip.mkv", MakeMatroska(recipe));
+    for (const wchar_t* const name : {L"clip.avi", L"clip.mkv"}) {
+        const bool avi = media::IsAvi(folder / name);
+        ASSERT_TRUE(media::HoldsClip(folder / name));
+        const auto reader = media::OpenClip(folder / name);
+        SCOPED_TRACE(avi ? "AVI" : "Matroska");
+        ASSERT_EQ(reader->FrameCount(), recipe.frames);
+        EXPECT_EQ(reader->HasSound(), avi);
+        EXPECT_EQ(reader->Avi().has_value(), avi);
+        const media::FrameFormat format = reader->Format();
+        ASSERT_EQ(std::tie(format.width, format.height, format.rate, format.scale), std::tuple(48, 32, 25u, 1u));
+        Bytes frame(format.FrameBytes());
+        const auto expect = [&](int index) {
+            ASSERT_TRUE(reader->Read(frame)) << index;
+            int most = 0;
+            for (int row = 0; row < 32; ++row)
+                for (std::size_t at = std::size_t(31 - row) * 48 * 4, end = at + 48 * 4; at < end; ++at)
+                    most = std::max(most, std::abs(frame[at] - (at % 4 == 3 ? 0 : JpegGrey(recipe, index, row))));
+            EXPECT_LE(most, 3) << "frame " << index; // the next one is lighter by 8
+        };
+        for (int index = 0; index < recipe.frames; ++index)
+            expect(index);
+        EXPECT_FALSE(reader->Read(frame));
+        for (const int index : {13, 2, 3, 19}) {
+            reader->Seek(index);
+            expect(index);
+        }
+    }
+    for (const auto& [interval, rate, scale] : {std::tuple(400'000, 25u, 1u),
+                                                {333'667, 30'000u, 1001u},
+                                                {417'083, 24'000u, 1001u},
+                                                {166'667, 60u, 1u},
+                                                {645'161, 10'000'000u, 645'161u},
+                                                {0, 30u, 1u}}) {
+        const media::FrameFormat found = media::RateOfInterval(interval);
+        EXPECT_EQ(std::pair(found.rate, found.scale), std::pair(rate, scale)) << interval;
+    }
+}
+
 TEST_F(ClipFile, ShallowDepthsBecomeRgb)
 {
     struct Case
@@ -141,7 +188,7 @@ TEST_F(ClipFile, ADecoderThatDiesOrHangsIsAMessageAndIsReplaced)
     ClipRecipe recipe;
     recipe.bits = 8;
     std::memcpy(recipe.compression, "MRLE", 5);
-    media::FrameDecoder decoder(Make(recipe), recipe.width, recipe.height, 4000);
+    media::FrameDecoder decoder(Make(recipe), media::FrameFormat{recipe.width, recipe.height}, 4000);
     Bytes frame = ClipFrame(recipe, 0);
     decoder.Decode(0, frame);
     const auto expectReplaced = [&](int index, const char* message) {
@@ -171,9 +218,9 @@ TEST_F(ClipFile, ACopyKeepsFramesRateLengthAndSound)
         const auto copy = folder / L"copy";
         {
             media::ClipReader reader(Make(recipe));
-            ASSERT_EQ(reader.Sound().size(), sound ? 1u : 0u);
+            ASSERT_EQ(reader.HasSound(), sound);
             TargetFile target(copy);
-            media::ClipWriter writer(target, reader.Format(), &reader);
+            media::ClipWriter writer(target, reader.Format(), reader.Avi());
             Bytes frame(reader.Format().FrameBytes());
             while (reader.Read(frame))
                 writer.Write(frame);

@@ -1,5 +1,6 @@
 // Streams of frames: what their first line says, and where they may end.
 #include "host/media/RawFrames.h"
+#include "tests/host/media/MemoryFile.h"
 
 #include <gtest/gtest.h>
 
@@ -55,7 +56,14 @@ TEST(RawFrames, AStreamEndsBetweenFramesOnly)
     EXPECT_TRUE(input.Next(frame));
     EXPECT_EQ(frame, (std::vector<std::uint8_t>{'c', 'd'}));
     EXPECT_FALSE(input.Next(frame));
+    const auto fileOf = [](const std::string& text) {
+        test::MemoryFile file({text.begin(), text.end()});
+        return ReadY4mFile(file);
+    };
+    const std::uint64_t first = header.size() + 6;
+    EXPECT_EQ(fileOf(header + frames).frames, (std::vector<std::uint64_t>{first, first + 2 + 12}));
     for (const std::size_t bytes : {1u, 6u, 7u, 10u, 14u, 21u}) {
+        EXPECT_THROW(fileOf(header + frames.substr(0, bytes)), RawFault) << bytes;
         Text cut(header + frames.substr(0, bytes));
         RawInput cutInput(cut);
         EXPECT_THROW(while (cutInput.Next(frame)){}, RawFault) << bytes;
