@@ -224,8 +224,7 @@ VIXA_INLINE void MakeRows(std::uint8_t* const (&rows)[2 * pairs + 1], std::size_
 #pragma GCC unroll 8
     for (std::size_t i = 1; i < made; ++i)
         left[i] = rowBytes < B::bytes ? B::LoadPart(rows[i] - pixelBytes, rowBytes) : B::Load(rows[i] - pixelBytes);
-    const auto step = [&](std::uint8_t* const* at, std::size_t x, std::uint8_t* kept) __attribute__((always_inline))
-    {
+    const auto step = [&](std::uint8_t* const* at, std::size_t x, std::uint8_t* kept) VIXA_INLINE_LAMBDA {
         Words sumsHere[Form::sums];
 #pragma GCC unroll 8
         for (std::size_t i = 0; i < Form::sums; ++i)

@@ -5,6 +5,7 @@
 #include <immintrin.h>
 
 #define VIXA_INLINE inline __attribute__((always_inline))
+#define VIXA_INLINE_LAMBDA __attribute__((always_inline))
 
 namespace vixa::kernels {
 
@@ -126,16 +127,18 @@ VIXA_INLINE auto Mapping(const std::uint8_t* table) noexcept
     return VIXA_STEP(v)
     {
         const Vector turned = B::Xor(v, B::Pattern(0x80808080u));
-        const auto part = [&](std::size_t i) {
+        const auto part = [&](std::size_t i) VIXA_INLINE_LAMBDA {
             return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i_u*>(table + 16 * i)));
         };
-        const auto one = [&](std::size_t i) {
+        const auto one = [&](std::size_t i) VIXA_INLINE_LAMBDA {
             return B::Or(_mm256_shuffle_epi8(part(i), v), _mm256_shuffle_epi8(part(i + 8), turned));
         };
         // A choice looks at the highest bit of each byte.
         const Vector bit4 = _mm256_slli_epi16(v, 3), bit5 = _mm256_slli_epi16(v, 2), bit6 = _mm256_slli_epi16(v, 1);
-        const auto ofTwo = [&](std::size_t i) { return _mm256_blendv_epi8(one(i), one(i + 1), bit4); };
-        const auto ofFour = [&](std::size_t i) { return _mm256_blendv_epi8(ofTwo(i), ofTwo(i + 2), bit5); };
+        const auto ofTwo = [&](std::size_t i)
+                               VIXA_INLINE_LAMBDA { return _mm256_blendv_epi8(one(i), one(i + 1), bit4); };
+        const auto ofFour = [&](std::size_t i)
+                                VIXA_INLINE_LAMBDA { return _mm256_blendv_epi8(ofTwo(i), ofTwo(i + 2), bit5); };
         const Vector result = _mm256_blendv_epi8(ofFour(0), ofFour(4), bit6);
         return _mm256_blendv_epi8(result, v, B::Pattern(0xFF000000u));
     };

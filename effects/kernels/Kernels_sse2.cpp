@@ -5,6 +5,7 @@
 #include <emmintrin.h>
 
 #define VIXA_INLINE inline __attribute__((always_inline))
+#define VIXA_INLINE_LAMBDA __attribute__((always_inline))
 
 namespace vixa::kernels {
 

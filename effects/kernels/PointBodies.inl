@@ -21,7 +21,7 @@ VIXA_INLINE void ForEachVector(std::uint8_t* frame, std::size_t bytes, const Ste
 }
 
 // What an effect does to a vector. The functions that are made here are used for one effect alone and in runs of them.
-#define VIXA_STEP(v) [=](Vector v) __attribute__((always_inline))
+#define VIXA_STEP(v) [=](Vector v) VIXA_INLINE_LAMBDA
 
 VIXA_INLINE auto Multiplying(std::uint32_t multiplier) noexcept
 {
@@ -138,8 +138,6 @@ VIXA_INLINE void WithFiltering(int colour, std::uint32_t magnitude, bool brighte
 
 void FilterColor(std::uint8_t* frame, std::size_t pixels, int colour, std::uint32_t magnitude, bool brighten) noexcept
 {
-    WithFiltering(
-        colour, magnitude, brighten, [&](const auto& step) __attribute__((always_inline)) {
-            ForEachVector(frame, pixels * pixelBytes, step);
-        });
+    WithFiltering(colour, magnitude, brighten,
+                  [&](const auto& step) VIXA_INLINE_LAMBDA { ForEachVector(frame, pixels * pixelBytes, step); });
 }

@@ -54,8 +54,7 @@ constexpr std::size_t runVectors = B::registers / 4;
 
 VIXA_INLINE void RunOn(Vector (&vectors)[runVectors], const PointStep& step) noexcept
 {
-    const auto use = [&](const auto& change) __attribute__((always_inline))
-    {
+    const auto use = [&](const auto& change) VIXA_INLINE_LAMBDA {
 #pragma GCC unroll 8
         for (Vector& v : vectors)
             v = change(v);
