@@ -1,4 +1,5 @@
 // Clips in the browser: any frame on demand, playing, saving and cancelling.
+#include "host/browse/FileDialogs.h"
 #include "host/browse/SaveJob.h"
 #include "host/browse/Session.h"
 #include "host/media/ClipReader.h"
@@ -60,6 +61,46 @@ TEST(BrowserClip, SeeksPlaysAndIsSavedOrCancelled)
         EXPECT_EQ(folder.Names(), (std::vector<std::wstring>{L"clip.avi", L"out.avi"})) << "nothing is left over";
         order.target = file;
         EXPECT_ANY_THROW(SaveJob(order, [] {}));
+    }
+    CoUninitialize();
+}
+
+// Chosen colours are seen where the clip stands, are in what is saved, and end with the clip.
+TEST(BrowserClip, ColoursOfYuvAreChosenAndSaved)
+{
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    {
+        const ScratchFolder folder;
+        const auto file = folder / L"clip.y4m", copy = folder / L"copy%d.png";
+        std::string clip = "YUV4MPEG2 W2 H1 F25:1 C444\n";
+        for (const char* const frame : {"\x10\x20\x80\x80\x80\x80", "\x30\x40\x80\x80\x80\x80"})
+            clip += "FRAME\n" + std::string(frame);
+        WriteBytes(file, Bytes(clip.begin(), clip.end()));
+        Session session([] {});
+        const auto firstByte = [&] {
+            for (int i = 0; i < 300 && session.Busy(); ++i)
+                Sleep(10);
+            return int(session.Latest().before->at(0));
+        };
+        session.OpenFile(file);
+        ASSERT_EQ(session.Open().FrameCount(), 2);
+        session.Seek(1);
+        EXPECT_EQ(firstByte(), 37) << "0x30 in the limited range";
+        session.SetColours({media::YuvMatrix::Bt709, media::YuvRange::Full});
+        EXPECT_EQ(firstByte(), 0x30);
+        EXPECT_EQ(session.Player().Position(), 1);
+        SaveOrder order;
+        order.source = file;
+        order.choice = session.Choice();
+        order.stack = {{vixavideofx::CLSID_InvertColor, "Invert color", {7}}};
+        order.target = copy;
+        EXPECT_EQ(SaveJob(order, [] {}).Wait(), "");
+        EXPECT_EQ(OneOf({folder / L"copy2.png", folder / L"copy1.png"}), copy);
+        EXPECT_EQ(OneOf({folder / L"copy.png", file}), folder / L"copy.png");
+        session.OpenFile(copy);
+        EXPECT_EQ(session.Open().FrameCount(), 2);
+        EXPECT_EQ(firstByte(), 255 - 0x10);
+        EXPECT_FALSE(session.Open().Yuv() || session.Choice().colours.matrix);
     }
     CoUninitialize();
 }
