@@ -3,6 +3,12 @@
 #include "host/media/DibSize.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace vixahost::media {
 
@@ -108,28 +114,143 @@ YuvPixels::YuvPixels(YuvLayout frames, const YuvColours& colours, int frameWidth
     toV = {chromaOf(one - kr, kr), chromaOf(-kg, kr), chromaOf(-kb, kr)};
 }
 
+namespace {
+
+// Rows are worked on in pieces of this many pixels, whose loops have one length, so that compilers make vectors of
+// them.
+constexpr std::size_t piece = 64;
+
+using Lane = std::array<std::int32_t, piece>;
+using Samples = std::array<std::uint8_t, piece>;
+using Pixels = std::array<std::uint32_t, piece>; // as they lie in memory, blue in the lowest byte
+static_assert(std::endian::native == std::endian::little);
+
+struct Colours
+{
+    Lane red = {}, green = {}, blue = {};
+};
+
+#if defined(__SSE2__)
+// Sixteen bits for each of eight sums; what comes out fits. The packing of vectors clamps.
+__m128i Rounded(const std::int32_t* sums, int shift)
+{
+    const __m128i half = _mm_set1_epi32(1 << (shift - 1)), by = _mm_cvtsi32_si128(shift);
+    const auto* const in = reinterpret_cast<const __m128i*>(sums);
+    return _mm_packs_epi32(_mm_sra_epi32(_mm_add_epi32(_mm_loadu_si128(in), half), by),
+                           _mm_sra_epi32(_mm_add_epi32(_mm_loadu_si128(in + 1), half), by));
+}
+
+void Narrow(const Lane& scaled, Samples& bytes, int shift = fraction)
+{
+    for (std::size_t i = 0; i < piece; i += 16)
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(&bytes[i]),
+                         _mm_packus_epi16(Rounded(&scaled[i], shift), Rounded(&scaled[i + 8], shift)));
+}
+#else
+void Narrow(const Lane& scaled, Samples& bytes, int shift = fraction)
+{
+    for (std::size_t i = 0; i < piece; ++i)
+        bytes[i] = Byte(scaled[i], shift);
+}
+#endif
+
+void Join(const Colours& scaled, Pixels& pixels)
+{
+    Samples red, green, blue;
+    Narrow(scaled.red, red);
+    Narrow(scaled.green, green);
+    Narrow(scaled.blue, blue);
+    for (std::size_t i = 0; i < piece; ++i)
+        pixels[i] = std::uint32_t{blue[i]} | std::uint32_t{green[i]} << 8 | std::uint32_t{red[i]} << 16;
+}
+
+// A piece's brightness, and what its chroma adds.
+void AddLight(const Lane& light, Colours& sums)
+{
+    for (std::size_t i = 0; i < piece; ++i) {
+        sums.red[i] += light[i];
+        sums.green[i] += light[i];
+        sums.blue[i] += light[i];
+    }
+}
+
+void Split(const Pixels& pixels, Colours& colours)
+{
+    for (std::size_t i = 0; i < piece; ++i) {
+        colours.blue[i] = static_cast<std::int32_t>(pixels[i] & 0xFF);
+        colours.green[i] = static_cast<std::int32_t>(pixels[i] >> 8 & 0xFF);
+        colours.red[i] = static_cast<std::int32_t>(pixels[i] >> 16 & 0xFF);
+    }
+}
+
+void Add(Colours& sums, const Colours& colours)
+{
+    for (std::size_t i = 0; i < piece; ++i) {
+        sums.red[i] += colours.red[i];
+        sums.green[i] += colours.green[i];
+        sums.blue[i] += colours.blue[i];
+    }
+}
+
+void Double(Colours& sums)
+{
+    Add(sums, Colours(sums));
+}
+
+// Two that lie beside each other become one, in the first half.
+void AddPairs(Lane& sums)
+{
+    for (std::size_t i = 0; i < piece / 2; ++i)
+        sums[i] = sums[2 * i] + sums[2 * i + 1];
+}
+
+void Weigh(const Colours& colours, const std::array<std::int32_t, 3>& weights, std::int32_t offset, Lane& sums)
+{
+    for (std::size_t i = 0; i < piece; ++i)
+        sums[i] = weights[0] * colours.red[i] + weights[1] * colours.green[i] + weights[2] * colours.blue[i] + offset;
+}
+
+void Store(const Samples& samples, std::size_t count, std::uint8_t* to, std::size_t step)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        to[i * step] = samples[i];
+}
+
+} // namespace
+
 void YuvPixels::ToRgb(std::span<const std::uint8_t> stored, std::span<std::uint8_t> frame) const noexcept
 {
     const auto columns = static_cast<std::size_t>(width), rows = static_cast<std::size_t>(height);
     const Places places = PlacesOf(layout, columns, rows);
     const std::uint8_t none = 128;
     const bool grey = layout == YuvLayout::Grey;
+    Colours sums;
+    Lane light = {};
+    Pixels pixels;
     for (std::size_t row = 0; row < rows; ++row) {
         const std::uint8_t* y = stored.data() + places.y + row * places.yRow;
         const std::size_t chroma = (row >> places.rows) * places.chromaRow;
         const std::uint8_t* u = grey ? &none : stored.data() + places.u + chroma;
         const std::uint8_t* v = grey ? &none : stored.data() + places.v + chroma;
         std::uint8_t* out = frame.data() + (rows - 1 - row) * columns * 4;
-        for (std::size_t group = 0; group < columns; u += places.chromaStep, v += places.chromaStep) {
-            const std::int32_t red = redOfV[*v], green = greenOfU[*u] + greenOfV[*v], blue = blueOfU[*u];
-            const std::size_t end = std::min(group + (std::size_t{1} << places.columns), columns);
-            for (; group < end; ++group, y += places.yStep, out += 4) {
-                const std::int32_t light = brightness[*y];
-                out[0] = Byte(light + blue);
-                out[1] = Byte(light + green);
-                out[2] = Byte(light + red);
-                out[3] = 0;
+        for (std::size_t first = 0; first < columns; first += piece, out += piece * 4) {
+            const std::size_t count = std::min(piece, columns - first);
+            for (std::size_t i = 0; i < count; ++i, y += places.yStep)
+                light[i] = brightness[*y];
+            const std::size_t shared = std::size_t{1} << places.columns;
+            for (std::size_t i = 0; i < count; i += shared, u += places.chromaStep, v += places.chromaStep) {
+                sums.red[i] = redOfV[*v];
+                sums.green[i] = greenOfU[*u] + greenOfV[*v];
+                sums.blue[i] = blueOfU[*u];
+                if (shared == 2) { // the piece has room for both
+                    sums.red[i + 1] = sums.red[i];
+                    sums.green[i + 1] = sums.green[i];
+                    sums.blue[i + 1] = sums.blue[i];
+                }
             }
+            AddLight(light, sums);
+            Join(sums, pixels);
+            std::memcpy(out, pixels.data(), count * 4);
         }
     }
 }
@@ -138,32 +259,47 @@ void YuvPixels::FromRgb(std::span<const std::uint8_t> frame, std::span<std::uint
 {
     const auto columns = static_cast<std::size_t>(width), rows = static_cast<std::size_t>(height);
     const Places places = PlacesOf(layout, columns, rows);
-    const auto sum = [](const std::array<std::int32_t, 3>& weights, const std::array<std::int32_t, 3>& colour) {
-        return weights[0] * colour[0] + weights[1] * colour[1] + weights[2] * colour[2];
-    };
+    const int shift = fraction + places.columns + places.rows;
+    const std::int32_t middle = 128 << shift; // and the sum of four is as large at most
+    Pixels pixels = {};
+    Colours colours;
+    Lane sums;
+    Samples samples;
     for (std::size_t firstRow = 0; firstRow < rows; firstRow += std::size_t{1} << places.rows)
-        for (std::size_t first = 0; first < columns; first += std::size_t{1} << places.columns) {
+        for (std::size_t first = 0; first < columns; first += piece) {
+            const std::size_t count = std::min(piece, columns - first);
             const std::size_t endRow = std::min(firstRow + (std::size_t{1} << places.rows), rows);
-            const std::size_t end = std::min(first + (std::size_t{1} << places.columns), columns);
-            std::array<std::int32_t, 3> whole = {};
-            for (std::size_t row = firstRow; row < endRow; ++row)
-                for (std::size_t column = first; column < end; ++column) {
-                    const std::uint8_t* const pixel = frame.data() + ((rows - 1 - row) * columns + column) * 4;
-                    const std::array<std::int32_t, 3> colour = {pixel[2], pixel[1], pixel[0]};
-                    stored[places.y + row * places.yRow + column * places.yStep] = Byte(sum(toY, colour) + black);
-                    for (std::size_t channel = 0; channel < 3; ++channel)
-                        whole[channel] += colour[channel];
-                }
+            Colours whole;
+            for (std::size_t row = firstRow; row < endRow; ++row) {
+                std::memcpy(pixels.data(), frame.data() + ((rows - 1 - row) * columns + first) * 4, count * 4);
+                // What stands alone counts twice, so that all chroma has one divisor.
+                if (count % 2 != 0)
+                    pixels[count] = pixels[count - 1];
+                Split(pixels, colours);
+                Weigh(colours, toY, black, sums);
+                Narrow(sums, samples);
+                Store(samples, count, stored.data() + places.y + row * places.yRow + first * places.yStep,
+                      places.yStep);
+                Add(whole, colours);
+            }
             if (layout == YuvLayout::Grey)
                 continue;
-            // One, two or four pixels: a division by shifting.
-            const std::size_t pixels = (endRow - firstRow) * (end - first);
-            const int shift = fraction + (pixels == 4 ? 2 : pixels == 2 ? 1 : 0);
+            if (endRow - firstRow < std::size_t{1} << places.rows)
+                Double(whole);
+            if (places.columns > 0) {
+                AddPairs(whole.red);
+                AddPairs(whole.green);
+                AddPairs(whole.blue);
+            }
             const std::size_t chroma =
                 (firstRow >> places.rows) * places.chromaRow + (first >> places.columns) * places.chromaStep;
-            const std::int32_t middle = 128 << shift; // and the sum of four is as large at most
-            stored[places.u + chroma] = Byte(sum(toU, whole) + middle, shift);
-            stored[places.v + chroma] = Byte(sum(toV, whole) + middle, shift);
+            const std::size_t chromaCount = (count + static_cast<std::size_t>(places.columns)) >> places.columns;
+            Weigh(whole, toU, middle, sums);
+            Narrow(sums, samples, shift);
+            Store(samples, chromaCount, stored.data() + places.u + chroma, places.chromaStep);
+            Weigh(whole, toV, middle, sums);
+            Narrow(sums, samples, shift);
+            Store(samples, chromaCount, stored.data() + places.v + chroma, places.chromaStep);
         }
 }
 

@@ -88,7 +88,7 @@ struct Samples
 {
     static std::uint8_t At(int plane, int x, int y)
     {
-        return static_cast<std::uint8_t>(90 + x * 5 + y * 9 + plane * 17 + x * y % 3);
+        return static_cast<std::uint8_t>(90 + x % 7 * 5 + y * 9 + plane * 17 + x * y % 3);
     }
     static Bytes Plane(int which, int columns, int rows)
     {
@@ -156,7 +156,7 @@ TEST(YuvPixels, EveryLayoutIsReadAndWrittenBack)
          {Row{YuvLayout::Yuy2, 2, 1, "YUY2"}, Row{YuvLayout::Uyvy, 2, 1, "UYVY"}, Row{YuvLayout::I420, 2, 2, "I420"},
           Row{YuvLayout::Yv12, 2, 2, "YV12"}, Row{YuvLayout::Nv12, 2, 2, "NV12"}, Row{YuvLayout::I422, 2, 1, nullptr},
           Row{YuvLayout::I444, 1, 1, nullptr}, Row{YuvLayout::Grey, 0, 0, nullptr}})
-        for (const auto& [width, height] : {std::pair{1, 1}, {6, 4}, {7, 5}}) {
+        for (const auto& [width, height] : {std::pair{1, 1}, {6, 4}, {7, 5}, {129, 3}}) {
             SCOPED_TRACE(testing::Message() << int(row.layout) << ", " << width << " x " << height);
             const Bytes stored = Samples::Stored(row.layout, width, height);
             ASSERT_EQ(YuvBytes(row.layout, width, height), stored.size());
