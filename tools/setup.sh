@@ -30,6 +30,7 @@ if [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$fingerprint" ] &&
     exit
 fi
 
+alone setup
 mapfile -t wanted < <(sed -e 's/#.*//' -e 's/[[:space:]]*$//' -e '/^$/d' "$ROOT/tools/$list.txt")
 installed() { dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep -q '^install ok installed'; }
 missing=()

@@ -3,8 +3,8 @@
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 . "$root/tools/wine-arch.sh" "${1:-}"
-export VIXA_WINEPREFIX="${VIXA_WINEPREFIX:-$root/build/wine-screen$WIDTH_SUFFIX}"
-mkdir -p "$root/build"
+export VIXA_WINEPREFIX="${VIXA_WINEPREFIX:-$WINE_HOME/wine-screen$WIDTH_SUFFIX}"
+mkdir -p "$WINE_HOME"
 exec 8>"$VIXA_WINEPREFIX.lock"
 flock 8
 # No window manager runs there: Wine would wait two seconds for one whenever a window closes.

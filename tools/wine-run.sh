@@ -12,7 +12,7 @@ if [ "${1:-}" = --display ]; then
     shift
 fi
 . "$root/tools/wine-arch.sh" "${1:-}"
-export WINEPREFIX="${VIXA_WINEPREFIX:-$root/build/wine-$graphics$WIDTH_SUFFIX}" WINEARCH=$VIXA_WINEARCH WINEDEBUG="${WINEDEBUG:--all}"
+export WINEPREFIX="${VIXA_WINEPREFIX:-$WINE_HOME/wine-$graphics$WIDTH_SUFFIX}" WINEARCH=$VIXA_WINEARCH WINEDEBUG="${WINEDEBUG:--all}"
 # Without UTF-8 Wine loses every letter of a file name that is not ASCII.
 [ "$(locale charmap 2>/dev/null)" = UTF-8 ] || export LC_ALL=C.UTF-8
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe=;winedbg.exe="

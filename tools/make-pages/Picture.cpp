@@ -53,7 +53,8 @@ Picture ReadPng(const std::filesystem::path& file)
     if (!png_image_begin_read_from_file(&image, file.c_str()))
         Fail(file, image.message);
     image.format = PNG_FORMAT_BGRA;
-    Picture picture = {image.width, image.height, std::vector<std::uint32_t>(std::size_t{image.width} * image.height)};
+    Picture picture = {image.width, image.height, {}};
+    picture.pixels.resize(std::size_t{image.width} * image.height);
     if (!png_image_finish_read(&image, nullptr, picture.pixels.data(), 0, nullptr))
         Fail(file, image.message);
     return picture;
