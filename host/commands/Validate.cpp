@@ -9,6 +9,7 @@
 #include "host/effects/EffectLibrary.h"
 #include "host/effects/LibraryFile.h"
 #include "host/validate/Attack.h"
+#include "host/validate/Soak.h"
 #include "host/validate/Validation.h"
 
 #include <algorithm>
@@ -105,6 +106,8 @@ void Run(const ValidateCommand& command)
 
     if (command.attackMinutes > 0)
         return validate::Attack(request.dll, command.attackMinutes, Say);
+    if (command.soakMinutes > 0)
+        return validate::Soak(request.dll, command.soakMinutes, Say);
 
     const auto results = validate::Validate(request, [&](const validate::Result& result) {
         if (!command.json)
@@ -136,7 +139,7 @@ Words ValidateWords(CLI::App& program)
         std::string library;
         std::vector<std::string> groups;
         bool json = false, list = false;
-        int seconds = 20, attack = 0;
+        int seconds = 20, attack = 0, soak = 0;
     };
     CLI::App* const parser =
         program.add_subcommand("validate", "Checks a build of the library as a foreign host would");
@@ -153,9 +156,12 @@ Words ValidateWords(CLI::App& program)
     parser->add_option("--attack", given->attack, "Instead of the checks: tries that long to break the library")
         ->type_name("MINUTES")
         ->check(CLI::Range(1, 1440));
+    parser->add_option("--soak", given->soak, "Instead of the checks: sends frames that long while all else changes")
+        ->type_name("MINUTES")
+        ->check(CLI::Range(1, 1440));
     return {parser, [given] {
-                return ValidateCommand{Wide(given->library), given->groups,  given->json,
-                                       given->list,          given->seconds, given->attack};
+                return ValidateCommand{Wide(given->library), given->groups, given->json, given->list,
+                                       given->seconds,       given->attack, given->soak};
             }};
 }
 

@@ -14,7 +14,7 @@ struct ValidateCommand
     std::vector<std::string> groups; // or single checks; empty: all
     bool json, list;
     int secondsPerCheck;
-    int attackMinutes = 0; // instead of the checks
+    int attackMinutes = 0, soakMinutes = 0; // instead of the checks
 };
 
 // Checks a library, or attacks it. Throws FailedJob when a check fails, after the report was written.

@@ -206,13 +206,6 @@ constexpr Attempt attempts[] = {
     {"panel messages", 2, PanelMessages},
 };
 
-void SayWhere(const char* words)
-{
-    Say("crash: ");
-    Say(words);
-    Say("\n");
-}
-
 // All attempts at once, each on its threads.
 class Assault
 {
@@ -323,7 +316,7 @@ private:
 void Attack(const std::filesystem::path& file, int minutes, const std::function<void(const std::string&)>& say)
 {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
-    WatchForCrashes(SayWhere);
+    WatchForCrashes(SayCrash);
     Subject library(file);
     library.Info(vixavideofx::CLSID_Emboss);
     const effects::PanelWindow first(1, 1); // two threads that register a window class at once may find none

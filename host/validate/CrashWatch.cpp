@@ -1,5 +1,7 @@
 #include "host/validate/CrashWatch.h"
 
+#include "host/base/Text.h"
+
 #include <atomic>
 #include <cinttypes>
 #include <cstddef>
@@ -88,6 +90,13 @@ void WatchForCrashes(void (*tell)(const char* words)) noexcept
     runtime = GetModuleHandleW(L"msvcrt.dll");
     SetUnhandledExceptionFilter(TellAndEnd);
     AddVectoredExceptionHandler(TRUE, FirstLook);
+}
+
+void SayCrash(const char* words)
+{
+    Say("crash: ");
+    Say(words);
+    Say("\n");
 }
 
 void WatchModule(HMODULE module) noexcept

@@ -14,6 +14,9 @@ namespace vixahost::validate {
 // procedure. What the system's other modules do to probe an address is theirs to handle.
 void WatchForCrashes(void (*tell)(const char* words)) noexcept;
 
+// What tells a person: writes the words as a line to standard output.
+void SayCrash(const char* words);
+
 // The module under examination; null when it has gone. Any thread.
 void WatchModule(HMODULE module) noexcept;
 
