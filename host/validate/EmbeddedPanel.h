@@ -39,7 +39,8 @@ struct Embedded
         SetLastError(0);
         const HRESULT result = host.ShowPanel(*info.Get(), &set, &panel);
         const DWORD error = GetLastError();
-        RequireResult(result, S_OK, name + ": ShowSettingsDialog (last error " + std::to_string(error) + ")");
+        const char* const parent = IsWindow(host.Handle()) ? "" : ", the window it is for is gone";
+        RequireResult(result, S_OK, name + ": ShowSettingsDialog (last error " + std::to_string(error) + parent + ")");
         Require(panel && IsWindow(panel), name + ": ShowSettingsDialog answers no window");
     }
     HWND Item(int id) const
