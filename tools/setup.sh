@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # setup.sh [plugins | hosts | decoders]: installs what a build needs on Debian 12 and is not there yet; or what the frei0r
-# plug-ins are built with; or the hosts that their tests run; or the decoders that Wine has from GStreamer. Says what and why; does nothing the second time.
+# plug-ins are built with; or the hosts that their tests run; or the decoders that Wine has from GStreamer. Says what and why;
+# does nothing the second time.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 case ${1:-} in

@@ -41,11 +41,17 @@ fi
 folder=$(mktemp -d "$BUILD/endings.XXXXXX")
 trap 'rm -rf "$folder"' EXIT
 clip "$folder/in.y4m" 160 120 60
-if ! unshare -rm true 2>/dev/null; then
-    fault "this machine gives nobody a file system of his own (unshare -rm fails)"
+# (a container may forbid namespaces to everybody)
+own_space=
+for way in -rm -m; do
+    [ -n "$own_space" ] || ! unshare $way true 2>/dev/null || own_space=$way
+done
+if [ -n "$own_space" ]; then
+    VIXA_WINEARCH=$([ -z "$wide" ] && echo win32 || echo win64) "$ROOT/tools/wine-fresh.sh" --host \
+        unshare $own_space "${BASH_SOURCE[0]}" "$host" --on-a-full-disk "$folder"
+else
+    say "NOT tested: a full disk, because this machine gives nobody a file system of his own (unshare fails)"
 fi
-VIXA_WINEARCH=$([ -z "$wide" ] && echo win32 || echo win64) "$ROOT/tools/wine-fresh.sh" --host \
-    unshare -rm "${BASH_SOURCE[0]}" "$host" --on-a-full-disk "$folder"
 
 mkdir "$folder/signals"
 clip "$folder/long.y4m" 320 240 400

@@ -160,6 +160,27 @@ std::string DataBlock(const Effect& effect, const Section& words)
     return text + "\nClass identifier: `" + ClassId(effect) + "`.\n";
 }
 
+// The effect in frei0r's hosts, whose parameters go from 0 to 1.
+std::string PlugIn(const Effect& effect)
+{
+    std::string file = "vixa_" + effect.Stem();
+    std::replace(file.begin(), file.end(), '-', '_');
+    std::string text = "The plug-in `" + file + "` ([how it is used](../linux-hosts.md))";
+    if (effect.knobs.empty())
+        return text + " has no parameters.\n";
+    text += ":\n\n| Parameter | What its number stands for | At first |\n|---|---|---|\n";
+    for (const frei0r::Knob& knob : effect.knobs) {
+        char initial[32];
+        std::snprintf(initial, sizeof initial, "%.3g", knob.initial);
+        text += "| `" + std::string(knob.name) + "` | " + knob.explanation.CString() + " | " +
+                (!knob.isSwitch               ? initial
+                 : frei0r::IsOn(knob.initial) ? "on"
+                                              : "off") +
+                " |\n";
+    }
+    return text;
+}
+
 // The effect's rows of the last table of figures by level, which is that of the newest forms.
 std::string Speed(const Effect& effect, const std::string& performance)
 {
@@ -253,6 +274,7 @@ std::string PageOf(const Effect& effect, const Section& words, const std::vector
     text += "## Good for\n\n" + words.One("good for") + "\n\n";
     text += "## Borders and extremes\n\n" + words.One("borders") + "\n\n" + words.One("extremes") + "\n\n";
     text += "## Data block\n\n" + DataBlock(effect, words) + "\n";
+    text += "## In FFmpeg, MLT and GStreamer\n\n" + PlugIn(effect) + "\n";
     text += "## Speed\n\n" + Speed(effect, performance);
     text += "\n[All effects](README.md)\n";
     for (std::size_t at = 0; (at = text.find(" \n", at)) != std::string::npos;)

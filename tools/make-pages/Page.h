@@ -1,6 +1,7 @@
 // An effect as the code describes it, and its page in Markdown.
 #pragma once
 
+#include "bridges/frei0r/Knobs.h"
 #include "effects/kernels/Step.h"
 #include "tools/make-pages/Words.h"
 
@@ -23,7 +24,8 @@ struct Effect
     std::span<const vixavideofx::ParameterDescription> parameters;
     Block defaults;
     kernels::StepParameters (*stepOf)(const Block& block);
-    std::string name; // "Add pixel"
+    std::vector<frei0r::Knob> knobs; // the frei0r plug-in's parameters
+    std::string name;                // "Add pixel"
 
     // What the page's file, and those of its pictures, begin with: "add-pixel".
     std::string Stem() const;

@@ -29,6 +29,10 @@ Effect Describe(const char* identifier, std::span<const vixavideofx::ParameterDe
     using Fields = typename std::remove_cvref_t<decltype(description)>::Block;
     using Numbers = std::array<std::int32_t, sizeof(Fields) / sizeof(std::int32_t)>;
     const auto defaults = std::bit_cast<Numbers>(description.defaults);
+    const vixa::frei0r::Knobs<Fields, description.defaults> all(parameters);
+    std::vector<vixa::frei0r::Knob> knobs;
+    for (std::size_t i = 0; i < all.size(); ++i)
+        knobs.push_back(all[i]);
     return {.identifier = identifier,
             .number = number,
             .parameters = parameters,
@@ -39,6 +43,7 @@ Effect Describe(const char* identifier, std::span<const vixavideofx::ParameterDe
                     std::copy_n(block.begin(), numbers.size(), numbers.begin());
                     return step(std::bit_cast<Fields>(numbers));
                 },
+            .knobs = std::move(knobs),
             .name = {}};
 }
 
