@@ -23,11 +23,6 @@ constexpr std::int32_t Scaled(std::int64_t dividend, std::int64_t divisor)
     return static_cast<std::int32_t>((twice + (twice < 0 ? -1 : 1)) / 2);
 }
 
-constexpr std::uint8_t Byte(std::int32_t scaled, int shift = fraction)
-{
-    return static_cast<std::uint8_t>(std::clamp((scaled + (1 << (shift - 1))) >> shift, 0, 255));
-}
-
 // Where the samples of a frame are: a pixel's brightness at row * yRow + column * yStep, its chroma at
 // (row >> rows) * chromaRow + (column >> columns) * chromaStep.
 struct Places
@@ -150,7 +145,7 @@ void Narrow(const Lane& scaled, Samples& bytes, int shift = fraction)
 void Narrow(const Lane& scaled, Samples& bytes, int shift = fraction)
 {
     for (std::size_t i = 0; i < piece; ++i)
-        bytes[i] = Byte(scaled[i], shift);
+        bytes[i] = static_cast<std::uint8_t>(std::clamp((scaled[i] + (1 << (shift - 1))) >> shift, 0, 255));
 }
 #endif
 
