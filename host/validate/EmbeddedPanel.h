@@ -36,11 +36,7 @@ struct Embedded
     void Open()
     {
         panel = nullptr;
-        SetLastError(0);
-        const HRESULT result = host.ShowPanel(*info.Get(), &set, &panel);
-        const DWORD error = GetLastError();
-        const char* const parent = IsWindow(host.Handle()) ? "" : ", the window it is for is gone";
-        RequireResult(result, S_OK, name + ": ShowSettingsDialog (last error " + std::to_string(error) + parent + ")");
+        RequireResult(host.ShowPanel(*info.Get(), &set, &panel), S_OK, name + ": ShowSettingsDialog");
         Require(panel && IsWindow(panel), name + ": ShowSettingsDialog answers no window");
     }
     HWND Item(int id) const

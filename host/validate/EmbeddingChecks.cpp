@@ -54,7 +54,7 @@ void TwoThreads(Subject& library)
                 panel.Open();
             }
         }
-        Require(panel.set.writes >= rounds, panel.name + ": changes were lost");
+        Require(panel.set.writes >= rounds, "changes were lost: " + panel.name);
         RequireNumber(panel.notifications, panel.set.writes, panel.name + ": the number of notifications");
     });
 }
