@@ -107,7 +107,7 @@ std::optional<std::filesystem::path> SequenceName::Around(const std::filesystem:
     };
     // Without leading zeros numbers may have any length.
     const std::wstring place =
-        stem[first] == L'0' && last > first ? L"%0" + std::to_wstring(last + 1 - first) + L"d" : L"%d";
+        last > first && stem[first] == L'0' ? L"%0" + std::to_wstring(last + 1 - first) + L"d" : L"%d";
     return picture.parent_path() / (literal(stem.substr(0, first)) + place + literal(stem.substr(last + 1)) +
                                     literal(picture.extension().native()));
 }
