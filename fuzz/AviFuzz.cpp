@@ -44,7 +44,7 @@ void ReadFrames(MemoryFile& file, const AviStream& pictures)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     MemoryFile file({data, data + size});
-    ForeignClip(file);
+    LacksItsFilm(file);
     try {
         const AviFile clip = ReadAviFile(file);
         for (const AviStream& stream : clip.streams) {

@@ -82,6 +82,10 @@ bool BeginsAsAvi(FileBytes& file);
 // file.
 std::string_view ForeignClip(FileBytes& file);
 
+// True for an MP4 or QuickTime clip without the box that describes its film: a recording that was not ended, or a copy
+// that was cut short.
+bool LacksItsFilm(FileBytes& file);
+
 // The chunk's data; false when the chunk isn't what the index says. `into` has the chunk's size.
 bool ReadChunk(FileBytes& file, const AviChunk& chunk, std::span<std::uint8_t> into);
 

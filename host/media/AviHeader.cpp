@@ -35,6 +35,14 @@ void RefuseFalseName(const std::filesystem::path& file)
         throw FailedJob(Show(file) + " is no AVI clip although its name says so: it begins with other bytes.");
 }
 
+void RefuseWithoutFilm(const std::filesystem::path& file)
+{
+    FileOnDisk bytes(file);
+    if (LacksItsFilm(bytes))
+        throw FailedJob(Show(file) + " holds no film: what describes it is missing (`moov`), as in a recording that " +
+                        "was not ended or a copy that was cut short.");
+}
+
 AviFile ReadClipStructure(FileBytes& bytes, const std::filesystem::path& file)
 {
     try {

@@ -41,6 +41,7 @@ std::unique_ptr<ClipFrames> OpenClip(const std::filesystem::path& file, const Cl
         return std::make_unique<SequenceReader>(std::move(*sequence), choice.rate, choice.scale);
     if (IsAvi(file))
         return std::make_unique<ClipReader>(file, choice.colours);
+    RefuseWithoutFilm(file);
     return std::make_unique<DecodedClipReader>(file);
 }
 

@@ -249,7 +249,9 @@ TEST_F(HostRun, BadInputIsToldInOneLineAndWritesNothing)
     std::copy_n("ZZZ9", 5, foreign.compression);
     WriteBytes(folder / L"foreign.avi", MakeClip(foreign));
     WriteBytes(folder / L"random.avi", Bytes(400, 0x5A));
-    WriteBytes(folder / L"camera.mp4", {0, 0, 0, 24, 'f', 't', 'y', 'p', 'i', 's', 'o', 'm'});
+    // A recording that was not ended: its pictures are there, but not what describes them.
+    WriteBytes(folder / L"camera.mp4", {0, 0, 0, 8, 'f', 't', 'y', 'p', 0, 0, 0, 9, 'm', 'd', 'a', 't', 1});
+    WriteBytes(folder / L"old.wmv", {0x30, 0x26, 0xB2, 0x75, 0x8E, 0x66, 0xCF, 0x11});
     ClipRecipe broken;
     broken.frames = 60;
     Bytes middle = MakeClip(broken);
@@ -297,7 +299,8 @@ TEST_F(HostRun, BadInputIsToldInOneLineAndWritesNothing)
          R"(ffmpeg -i "foreign.avi" -c:v rawvideo -pix_fmt bgr24 -c:a pcm_s16le "foreign-rgb.avi")"},
         {{L"apply", L"Emboss", L"random.avi", L"out.avi"}, 1, "is no AVI clip although its name says so"},
         {{L"apply", L"Emboss", L"camera.mp4", L"out.png"}, 2, "is a clip"},
-        {{L"apply", L"Emboss", L"camera.mp4", L"out.avi"}, 3, "MP4 or QuickTime"},
+        {{L"apply", L"Emboss", L"camera.mp4", L"out.avi"}, 1, "holds no film"},
+        {{L"apply", L"Emboss", L"old.wmv", L"out.avi"}, 3, "Windows Media"},
         {{L"apply", L"Emboss", L"middle.avi", L"out.avi"}, 1, "can't be decoded"},
         {{L"apply", L"Emboss", L"in.png", L"nowhere/out.png"}, 1, "nowhere"},
         {{L"apply", L"Emboss", L"clip.avi", L"nowhere/out.avi"}, 1, "nowhere"},

@@ -292,6 +292,43 @@ TEST_F(ClipFile, DamagedAndForeignClipsAreRefused)
     EXPECT_FALSE(media::IsAvi(folder / L"missing.avi"));
 }
 
+// Boxes of MP4: a size and a name, and for long ones (size 1) the size behind the name.
+TEST_F(ClipFile, AFilmIsFoundBehindAnyBoxesOrIsMissing)
+{
+    const auto file = folder / L"clip.mp4";
+    const Bytes kind = {0, 0, 0, 8, 'f', 't', 'y', 'p'}, film = {0, 0, 0, 8, 'm', 'o', 'o', 'v'};
+    const Bytes longer = {0, 0, 0, 1, 'm', 'd', 'a', 't', 0, 0, 0, 0, 0, 0, 0, 17, 'x'};
+    const Bytes endless = {0, 0, 0, 0, 'm', 'd', 'a', 't'}, tiny = {0, 0, 0, 7, 'f', 'r', 'e', 'e'};
+    Bytes cut = longer, huge = longer;
+    cut.pop_back();
+    huge[8] = 0x80;
+    struct Case
+    {
+        std::vector<Bytes> boxes;
+        bool film;
+    };
+    const std::vector<Case> cases = {{{film}, true},
+                                     {{kind, film}, true},
+                                     {{kind, longer, film}, true},
+                                     {{kind}, false},
+                                     {{kind, longer}, false},
+                                     {{kind, endless, film}, false},
+                                     {{kind, tiny, film}, false},
+                                     {{kind, cut}, false},
+                                     {{kind, huge, film}, false}};
+    for (const Case& each : cases) {
+        Bytes bytes;
+        for (const Bytes& box : each.boxes)
+            bytes.insert(bytes.end(), box.begin(), box.end());
+        WriteBytes(file, bytes);
+        SCOPED_TRACE(&each - cases.data());
+        if (each.film)
+            EXPECT_NO_THROW(media::RefuseWithoutFilm(file));
+        else
+            EXPECT_THROW(media::RefuseWithoutFilm(file), FailedJob);
+    }
+}
+
 TEST_F(ClipFile, TimesFollowTheRateWithoutDrift)
 {
     const media::FrameFormat ntsc = {2, 2, 30000, 1001};
