@@ -1,6 +1,7 @@
 #include "host/base/ChildProcess.h"
 
 #include "host/base/HostError.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 
 #include <algorithm>
@@ -85,8 +86,8 @@ ChildProcess::ChildProcess(const ChildStart& start)
     if (!CreateProcessW(start.program.c_str(), line.data(), nullptr, nullptr, TRUE,
                         start.flags | EXTENDED_STARTUPINFO_PRESENT, nullptr,
                         start.folder.empty() ? nullptr : start.folder.c_str(), &info.StartupInfo, &made))
-        throw FailedJob("No process can be started for " + start.purpose + " (system error " +
-                        std::to_string(GetLastError()) + "): " + Show(start.program));
+        throw FailedJob("No process can be started for " + start.purpose + " (" + ExplainError(GetLastError()) +
+                        "): " + Show(start.program));
     const UniqueThread firstThread(made.hThread);
     process.reset(made.hProcess);
 }

@@ -138,18 +138,29 @@ struct LocalText
     void operator()(wchar_t* text) const { LocalFree(text); }
 };
 
-// The system's sentence, without its line break and full stop; empty when it has none.
+// The system's sentence, on one line and without its full stop; empty when it has none. In English like all messages,
+// where the system has it.
 std::string SystemWords(HRESULT result)
 {
     wchar_t* words = nullptr;
-    const DWORD length =
-        FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                       nullptr, static_cast<DWORD>(result), 0, reinterpret_cast<wchar_t*>(&words), 0, nullptr);
+    DWORD length = 0;
+    for (const DWORD language : {DWORD{MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US)}, DWORD{0}})
+        if (length == 0)
+            length = FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
+                                        FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
+                                    nullptr, static_cast<DWORD>(result), language, reinterpret_cast<wchar_t*>(&words),
+                                    0, nullptr);
     const std::unique_ptr<wchar_t, LocalText> owner(words);
     std::wstring text(words ? words : L"", length);
     while (!text.empty() && (text.back() <= L' ' || text.back() == L'.'))
         text.pop_back();
     return Utf8(text);
+}
+
+std::string WordsFor(HRESULT result)
+{
+    const ResultWords* const row = WordsOf(result);
+    return row ? row->words : SystemWords(result);
 }
 
 } // namespace
@@ -163,9 +174,15 @@ std::string Show(HRESULT result)
 
 std::string Explain(HRESULT result)
 {
-    const ResultWords* const row = WordsOf(result);
-    const std::string words = row ? row->words : SystemWords(result);
+    const std::string words = WordsFor(result);
     return words.empty() ? Show(result) : Show(result) + ": " + words;
+}
+
+std::string ExplainError(DWORD error)
+{
+    const std::string number = "system error " + std::to_string(error);
+    const std::string words = WordsFor(HRESULT_FROM_WIN32(error));
+    return words.empty() ? number : number + ": " + words;
 }
 
 std::string ShowHex(DWORD number)

@@ -14,6 +14,9 @@ std::string Show(HRESULT result);
 // for, in those of the system if it has any.
 std::string Explain(HRESULT result);
 
+// What GetLastError told: "system error 32: another program has the file open", on one line.
+std::string ExplainError(DWORD error);
+
 // A number as "0xC0000005".
 std::string ShowHex(DWORD number);
 

@@ -1,6 +1,7 @@
 #include "host/base/TargetFile.h"
 
 #include "host/base/Handles.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 
 #include <array>
@@ -96,8 +97,7 @@ TargetFile::~TargetFile()
 FailedJob TargetFile::WriteFault(unsigned long error) const
 {
     if (error != ERROR_DISK_FULL && error != ERROR_HANDLE_DISK_FULL)
-        return FailedJob("Can't write " + Show(target) + " (system error " + std::to_string(error) +
-                         "); is the folder protected?");
+        return FailedJob("Can't write " + Show(target) + " (" + ExplainError(error) + "); is the folder protected?");
     std::array<wchar_t, MAX_PATH + 1> disk = {};
     if (!GetVolumePathNameW(FolderOf(target).c_str(), disk.data(), MAX_PATH))
         disk[0] = L'\0';
@@ -109,8 +109,8 @@ void TargetFile::Commit()
 {
     hold.reset();
     if (!MoveFileExW(temporary.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING))
-        throw FailedJob("Can't put the result in the place of " + Show(target) + " (system error " +
-                        std::to_string(GetLastError()) + "); is it open elsewhere or protected?");
+        throw FailedJob("Can't put the result in the place of " + Show(target) + " (" + ExplainError(GetLastError()) +
+                        "); is it open elsewhere or protected?");
 }
 
 bool IsSameFile(const std::filesystem::path& one, const std::filesystem::path& other)

@@ -1,6 +1,7 @@
 #include "host/base/Window.h"
 
 #include "host/base/HostError.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 
 #include <new>
@@ -25,11 +26,11 @@ void Window::Create(const Kind& kind, const wchar_t* title, DWORD style, DWORD e
     windowClass.hbrBackground = kind.background;
     windowClass.lpszClassName = kind.className;
     if (!RegisterClassExW(&windowClass) && GetLastError() != ERROR_CLASS_ALREADY_EXISTS)
-        throw FailedJob("The window can't be made (system error " + std::to_string(GetLastError()) + ").");
+        throw FailedJob("The window can't be made (" + ExplainError(GetLastError()) + ").");
     const int place = (style & WS_CHILD) ? 0 : CW_USEDEFAULT;
     if (!CreateWindowExW(exStyle, kind.className, title, style, place, place, size.cx, size.cy, parent, menu,
                          windowClass.hInstance, this))
-        throw FailedJob("The window can't be made (system error " + std::to_string(GetLastError()) + ").");
+        throw FailedJob("The window can't be made (" + ExplainError(GetLastError()) + ").");
 }
 
 LRESULT Window::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)

@@ -1,6 +1,7 @@
 #include "host/browse/Style.h"
 
 #include "host/base/HostError.h"
+#include "host/base/ResultCode.h"
 
 #include <utility>
 
@@ -35,7 +36,7 @@ HWND CreateControl(const wchar_t* className, const wchar_t* text, DWORD style, H
         CreateWindowExW(exStyle, className, text, style | WS_CHILD, 0, 0, 10, 10, parent,
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
     if (!control)
-        throw FailedJob("The window can't be made (system error " + std::to_string(GetLastError()) + ").");
+        throw FailedJob("The window can't be made (" + ExplainError(GetLastError()) + ").");
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(look.Font()), FALSE);
     return control;
 }

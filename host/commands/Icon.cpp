@@ -1,5 +1,6 @@
 #include "host/commands/Icon.h"
 #include "host/base/HostError.h"
+#include "host/base/ResultCode.h"
 #include "host/base/TargetFile.h"
 #include "host/base/Text.h"
 #include "host/commands/Words.h"
@@ -54,8 +55,8 @@ void Run(const IconCommand& command)
     if (!command.effect.empty())
         return Save(effects::RequireEntry(catalogue, command.effect), command.target);
     if (!CreateDirectoryW(command.target.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)
-        throw FailedJob("The folder " + Show(command.target) + " can't be made (system error " +
-                        std::to_string(GetLastError()) + ").");
+        throw FailedJob("The folder " + Show(command.target) + " can't be made (" + ExplainError(GetLastError()) +
+                        ").");
     for (const effects::CatalogueEntry& entry : catalogue)
         Save(entry, command.target / (effects::FileStem(entry) + ".png"));
     Say(std::to_string(catalogue.size()) + " icons are in " + Show(std::filesystem::absolute(command.target)) + ".\n");

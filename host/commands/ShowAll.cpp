@@ -1,6 +1,7 @@
 #include "host/commands/ShowAll.h"
 #include "host/base/HostError.h"
 #include "host/base/Interrupt.h"
+#include "host/base/ResultCode.h"
 #include "host/base/TargetFile.h"
 #include "host/base/Text.h"
 #include "host/effects/EffectCatalogue.h"
@@ -53,7 +54,7 @@ void Run(const ShowAllCommand&)
 {
     const std::filesystem::path folder = L"out";
     if (!CreateDirectoryW(folder.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)
-        throw FailedJob("The folder \"out\" can't be made here (system error " + std::to_string(GetLastError()) +
+        throw FailedJob("The folder \"out\" can't be made here (" + ExplainError(GetLastError()) +
                         "); start from a folder that you may write to.");
     CatchInterrupts();
     const effects::EffectLibrary library;

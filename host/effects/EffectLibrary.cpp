@@ -31,8 +31,7 @@ EffectLibrary::EffectLibrary(const std::filesystem::path& file) : module(LoadLib
     if (const int width = module ? ownWidth : WidthOf(file); width != 0 && width != ownWidth)
         throw FailedJob(WidthComplaint(file));
     if (!module)
-        throw FailedJob("The effect library can't be loaded (system error " + std::to_string(error) +
-                        "); put it here: " + Show(file));
+        throw FailedJob("The effect library can't be loaded (" + ExplainError(error) + "); put it here: " + Show(file));
     getClassObject = Export<GetClassObject>(module.get(), "DllGetClassObject");
     canUnloadNow = Export<CanUnloadNow>(module.get(), "DllCanUnloadNow");
     if (!getClassObject || !canUnloadNow)

@@ -1,6 +1,7 @@
 #include "host/media/PictureSequence.h"
 
 #include "host/base/HostError.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 #include "host/media/PictureFrames.h"
 
@@ -208,8 +209,8 @@ void SequenceWriter::Commit()
     for (std::int64_t number = first; number < next; ++number) {
         const std::filesystem::path file = name.At(number);
         if (!MoveFileExW((folder / file.filename()).c_str(), file.c_str(), MOVEFILE_REPLACE_EXISTING))
-            throw FailedJob("Can't put a picture in the place of " + Show(file) + " (system error " +
-                            std::to_string(GetLastError()) + "); is it open elsewhere or protected?");
+            throw FailedJob("Can't put a picture in the place of " + Show(file) + " (" + ExplainError(GetLastError()) +
+                            "); is it open elsewhere or protected?");
     }
 }
 

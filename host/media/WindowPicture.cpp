@@ -2,6 +2,7 @@
 
 #include "host/base/Handles.h"
 #include "host/base/HostError.h"
+#include "host/base/ResultCode.h"
 
 #include <cstring>
 
@@ -40,7 +41,7 @@ Picture PictureOfWindow(HWND window)
     std::memcpy(picture.pixels.data(), bits, picture.pixels.size());
     SelectObject(dc.get(), old);
     if (!done)
-        throw FailedJob("The window can't be read back (system error " + std::to_string(error) + ").");
+        throw FailedJob("The window can't be read back (" + ExplainError(error) + ").");
     for (std::size_t i = 3; i < picture.pixels.size(); i += 4)
         picture.pixels[i] = 255;
     return picture;

@@ -1,5 +1,6 @@
 // Groups "loading" and "exports": what the file is, and what it shows to the system.
 #include "host/base/Handles.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 #include "host/validate/Subject.h"
 
@@ -125,7 +126,7 @@ void Loads(Subject& library)
 {
     const UniqueModule module(LoadLibraryW(library.File().c_str()));
     const DWORD error = GetLastError();
-    Require(module != nullptr, "LoadLibrary fails with system error " + std::to_string(error));
+    Require(module != nullptr, "LoadLibrary fails with " + ExplainError(error));
 }
 
 void StartsNothing(Subject& library)

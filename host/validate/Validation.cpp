@@ -2,6 +2,7 @@
 
 #include "host/base/ChildProcess.h"
 #include "host/base/HostError.h"
+#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
 #include "host/validate/Report.h"
 
@@ -22,7 +23,7 @@ struct Pipe
     {
         HANDLE read = nullptr, write = nullptr;
         if (!CreatePipe(&read, &write, nullptr, 1 << 16))
-            throw FailedJob("The system gives no pipe (system error " + std::to_string(GetLastError()) + ").");
+            throw FailedJob("The system gives no pipe (" + ExplainError(GetLastError()) + ").");
         reading.reset(read);
         writing.reset(write);
     }

@@ -55,6 +55,9 @@ TEST(ResultCode, HasNameNumberAndWords)
     const std::string systems = Explain(HRESULT_FROM_WIN32(ERROR_CRC)); // whose words differ between systems
     EXPECT_EQ(systems.find("0x80070017: "), 0u) << systems;
     EXPECT_TRUE(systems.size() > 12 && systems.back() > ' ' && systems.back() != '.') << systems;
+    EXPECT_EQ(ExplainError(ERROR_SHARING_VIOLATION), "system error 32: another program has the file open");
+    EXPECT_EQ(ExplainError(ERROR_CRC), "system error 23" + systems.substr(10)) << "the same words";
+    EXPECT_EQ(ExplainError(0xAABB), "system error 43707") << "nobody has words for it";
 }
 
 TEST(Text, KeepsEveryLetter)
