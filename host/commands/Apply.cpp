@@ -3,6 +3,7 @@
 #include "host/base/HostError.h"
 #include "host/base/Interrupt.h"
 #include "host/base/Progress.h"
+#include "host/base/ResultCode.h"
 #include "host/base/TargetFile.h"
 #include "host/base/Text.h"
 #include "host/commands/Words.h"
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cwchar>
 #include <map>
 #include <tuple>
 #include <utility>
@@ -31,7 +33,7 @@ void RequireReadable(const std::filesystem::path& file)
     if (data.nFileSizeLow == 0 && data.nFileSizeHigh == 0)
         throw FailedJob(Show(file) + " is empty; name a picture or a clip that holds something.");
     if (!Opened(CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)))
-        throw FailedJob(Show(file) + " can't be opened (system error " + std::to_string(GetLastError()) +
+        throw FailedJob(Show(file) + " can't be opened (" + ExplainError(GetLastError()) +
                         "); are you allowed to read it?");
 }
 
@@ -115,6 +117,27 @@ private:
     std::optional<Progress> progress;
 };
 
+// How the input's sound comes to the frames that were written.
+std::string WayToSound(const std::filesystem::path& input, const std::filesystem::path& output,
+                       const media::FrameReader& reader)
+{
+    const std::string sound = "-i \"" + Show(input) + "\" -map 0:v -map 1:a";
+    if (IsStandard(output))
+        return "FFmpeg puts it back when it reads the clip after the frames: -i - " + sound;
+    // Neither y4m nor a sequence holds sound, and a sequence doesn't tell its rate.
+    const bool avi = _wcsicmp(output.extension().c_str(), L".avi") == 0;
+    const auto sequence = media::SequenceName::Of(output);
+    const media::FrameFormat format = reader.Format();
+    std::filesystem::path whole = output.parent_path() / (input.stem().native() + L"-with-sound");
+    whole += avi ? L".avi" : L".mkv";
+    return "This puts it back: ffmpeg " +
+           (sequence ? "-framerate " + std::to_string(format.rate) + "/" + std::to_string(format.scale) +
+                           " -start_number " + std::to_string(reader.FirstNumber().value_or(1)) + " "
+                     : "") +
+           "-i \"" + Show(output) + "\" " + sound + (avi ? " -c:v copy -c:a pcm_s16le \"" : " -c:v ffv1 -c:a copy \"") +
+           Show(whole) + "\"";
+}
+
 graph::JobDone Apply(const Job& job, const std::optional<media::PictureFormat>& format)
 {
     ProgressLine line;
@@ -136,7 +159,8 @@ graph::JobDone Apply(const Job& job, const std::optional<media::PictureFormat>& 
     if (reader->HadAlpha())
         Complain("The pictures' transparency is left out: a clip's frames have none.\n");
     if (target->losesSound)
-        Complain("The clip's sound is left out: only an AVI clip has it, and only from another AVI clip.\n");
+        Complain("The clip's sound is left out: only AVI clips that are made of AVI clips have some. " +
+                 WayToSound(job.command.input, job.command.output, *reader) + "\n");
     return done;
 }
 

@@ -16,6 +16,8 @@ public:
     virtual ~BytesSink() = default;
     // Behind what was written, or over it. Throws when it can't.
     virtual void Write(std::uint64_t offset, std::span<const std::uint8_t> bytes) = 0;
+    // After the last byte. Throws when one of them can't be written after all.
+    virtual void Close() {}
 };
 
 // A file that fits into one part is plain AVI, which every program reads; a longer one is OpenDML: parts that follow

@@ -33,7 +33,7 @@ public:
 
     // Throws FailedJob at the first byte that the disk doesn't take.
     void Write(std::uint64_t offset, std::span<const std::uint8_t> bytes) override;
-    void Close();
+    void Close() override;
 
 private:
     const TargetFile& target;

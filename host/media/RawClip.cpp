@@ -3,6 +3,7 @@
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
 #include "host/media/FileOnDisk.h"
+#include "host/media/StandardStreams.h"
 
 #include <algorithm>
 #include <cstring>
@@ -20,62 +21,9 @@ void TurnOver(const RawFormat& format, std::span<const std::uint8_t> from, std::
         std::memcpy(to.data() + (to.size() - row - at), from.data() + at, row);
 }
 
-class StandardOutput : public BytesSink
-{
-public:
-    void Write(std::uint64_t, std::span<const std::uint8_t> bytes) override
-    {
-        const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
-        while (!bytes.empty()) {
-            DWORD written = 0;
-            const auto wanted = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1 << 20));
-            if (WriteFile(output, bytes.data(), wanted, &written, nullptr) && written > 0) {
-                bytes = bytes.subspan(written);
-                continue;
-            }
-            const DWORD error = GetLastError();
-            if (error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED)
-                throw FailedJob("Whoever took the frames from standard output has stopped before the end.");
-            throw FailedJob("Frames can't be written to standard output (system error " + std::to_string(error) +
-                            "); is a disk full behind it?");
-        }
-    }
-};
-
-} // namespace
-
-namespace {
-
 constexpr const char* standardInput = "Standard input";
 
-}
-
-class RawReader::Stream : public ByteSource
-{
-public:
-    std::size_t Read(std::span<std::uint8_t> into) override
-    {
-        std::size_t done = 0;
-        while (done < into.size()) {
-            DWORD got = 0;
-            const auto wanted = static_cast<DWORD>(std::min<std::size_t>(into.size() - done, 1 << 20));
-            if (!ReadFile(handle, into.data() + done, wanted, &got, nullptr)) {
-                const DWORD error = GetLastError();
-                if (error == ERROR_BROKEN_PIPE || error == ERROR_HANDLE_EOF)
-                    return done; // its writer has gone
-                throw FailedJob(std::string(standardInput) + " can't be read (system error " + std::to_string(error) +
-                                ").");
-            }
-            if (got == 0)
-                return done;
-            done += got;
-        }
-        return done;
-    }
-
-private:
-    HANDLE handle = GetStdHandle(STD_INPUT_HANDLE);
-};
+} // namespace
 
 RawFrameFormat::RawFrameFormat(RawFormat frames, const YuvChoice& choice) : stored(std::move(frames))
 {
@@ -101,7 +49,8 @@ void RawFrameFormat::ToRgb(std::span<const std::uint8_t> bytes, std::span<std::u
         TurnOver(stored, bytes, frame);
 }
 
-RawReader::RawReader(const std::optional<RawFormat>& bare, const YuvChoice& choice) : stream(std::make_unique<Stream>())
+RawReader::RawReader(const std::optional<RawFormat>& bare, const YuvChoice& choice)
+    : stream(std::make_unique<StandardInput>())
 {
     try {
         input = bare ? std::make_unique<RawInput>(*stream, *bare) : std::make_unique<RawInput>(*stream);
@@ -191,7 +140,7 @@ void RawWriter::Write(std::span<const std::uint8_t> frame)
 
 void RawWriter::Finish()
 {
-    sink.reset();
+    sink->Close();
 }
 
 std::unique_ptr<RawWriter> NewRawWriter(const TargetFile* target, const FrameReader& reader, const YuvChoice& choice,

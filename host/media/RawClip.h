@@ -46,9 +46,7 @@ public:
     bool Read(std::span<std::uint8_t> frame) override;
 
 private:
-    class Stream;
-
-    std::unique_ptr<Stream> stream;
+    std::unique_ptr<ByteSource> stream;
     std::unique_ptr<RawInput> input;
     std::optional<RawFrameFormat> format;
     std::vector<std::uint8_t> stored;

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # endings-test.sh HOST: how jobs end that can't go on: on a disk that is really full, a file system of 2 MB in a namespace of
-# this test's own; and when ./run is told to end by SIGTERM or SIGHUP. Each time the old result stays and nothing else is left.
+# this test's own; and when ./run is told to end by SIGTERM or SIGHUP, also while it waits for frames. Each time the old result
+# stays and nothing else is left.
 set -euo pipefail
 host=$1
 . "$(dirname "${BASH_SOURCE[0]}")/../../tools/common.sh"
@@ -57,18 +58,25 @@ mkdir "$folder/signals"
 clip "$folder/long.y4m" 320 240 400
 slow=(Emboss --level plain)
 for step in {1..20}; do slow+=(--then Emboss); done
-for signal in TERM HUP; do
+# The last one waits for frames that don't come: one and a half are in the pipe, whose other end stays open.
+mkfifo "$folder/silent"
+exec 5<>"$folder/silent"
+head -c 30000 "$folder/in.y4m" >&5
+for ending in "TERM $folder/long.y4m" "HUP $folder/long.y4m" "TERM -"; do
+    signal=${ending%% *}
     echo old >"$folder/signals/out.avi"
-    "$ROOT/run" $wide apply "${slow[@]}" "$folder/long.y4m" "$folder/signals/out.avi" >"$folder/said" 2>&1 </dev/null &
+    "$ROOT/run" $wide apply "${slow[@]}" "${ending#* }" "$folder/signals/out.avi" >"$folder/said" 2>&1 <"$folder/silent" &
     run=$!
     until compgen -G "$folder/signals/*.partial-*" >/dev/null; do
-        kill -0 $run 2>/dev/null || fault "SIG$signal: it ended by itself: $(cat "$folder/said")"
+        kill -0 $run 2>/dev/null || fault "SIG$ending: it ended by itself: $(cat "$folder/said")"
         sleep 0.05
     done
+    [ "$ending" != "TERM -" ] || sleep 1 # until the frame is through
     kill -$signal $run
+    timeout 20 tail --pid=$run -f /dev/null || fault "SIG$ending: it goes on"
     status=0
     wait $run || status=$?
-    [ $status = 1 ] && grep -q Stopped "$folder/said" || fault "SIG$signal: status $status: $(cat "$folder/said")"
+    [ $status = 1 ] && grep -q Stopped "$folder/said" || fault "SIG$ending: status $status: $(cat "$folder/said")"
     only "$folder/signals" out.avi
-    [ "$(cat "$folder/signals/out.avi")" = old ] || fault "SIG$signal: the old result is gone"
+    [ "$(cat "$folder/signals/out.avi")" = old ] || fault "SIG$ending: the old result is gone"
 done
