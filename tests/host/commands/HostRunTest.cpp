@@ -131,6 +131,11 @@ TEST_F(HostRun, AClipKeepsEverythingButItsColours)
         const Bytes wanted = fixtures::ExpectedFrame(step.classId, step.block, ClipFrame(recipe, i), 40, 30);
         EXPECT_TRUE(clip.frames[static_cast<std::size_t>(i)] == wanted) << "frame " << i;
     }
+    const std::string lost = Run({L"apply", L"Emboss", L"clip.avi", L"f%02d.bmp"}).err;
+    EXPECT_NE(lost.find("ffmpeg -framerate 30000/1001 -start_number 1 -i \"f%02d.bmp\" -i \"clip.avi\" -map 0:v "
+                        "-map 1:a -c:v ffv1 -c:a copy \"clip-with-sound.mkv\""),
+              std::string::npos)
+        << lost;
 }
 
 TEST_F(HostRun, FramesGoThroughStandardInputAndOutput)
