@@ -32,10 +32,28 @@ if(VIXA_SANITIZE)
     add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 endif()
 
+# vixa_reproducible(TARGET...): lets what ships come out the same whichever folder it is built in and whenever: the debug
+# information names files from the root of the sources on, and nothing may ask for the date.
+function(vixa_reproducible)
+    if(WIN32)
+        foreach(target IN LISTS ARGN)
+            target_compile_options(${target} PRIVATE
+                $<$<COMPILE_LANGUAGE:CXX>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.> $<$<COMPILE_LANGUAGE:CXX>:-Wdate-time>)
+        endforeach()
+    endif()
+endfunction()
+
+# vixa_shipped(TARGET): what the packages hold. The linker's map beside it says what was linked, for the bill of materials.
+function(vixa_shipped target)
+    vixa_reproducible(${target})
+    target_link_options(${target} PRIVATE "-Wl,-Map=$<TARGET_FILE:${target}>.map")
+endfunction()
+
 # vixa_library(NAME SOURCE...): a static library of the project's own code.
 function(vixa_library name)
     add_library(${name} STATIC ${ARGN})
     target_link_libraries(${name} PUBLIC vixa_flags)
+    vixa_reproducible(${name})
 endfunction()
 
 # vixa_precompiled(NAME LIBRARIES library... HEADERS header...): headers that nearly every source of a part of the house reads,
@@ -78,11 +96,12 @@ function(vixa_test name)
     endif()
 endfunction()
 
-# vixa_split_debug(TARGET): moves the debug information of a linked target into TARGET-file.debug beside it.
+# vixa_split_debug(TARGET): moves the debug information of a linked target into TARGET-file.debug beside it. (A date that is not
+# preserved is today's.)
 function(vixa_split_debug target)
     add_custom_command(TARGET ${target} POST_BUILD
-        COMMAND "${CMAKE_OBJCOPY}" --only-keep-debug "$<TARGET_FILE:${target}>" "$<TARGET_FILE:${target}>.debug"
-        COMMAND "${CMAKE_OBJCOPY}" --strip-debug --strip-unneeded
+        COMMAND "${CMAKE_OBJCOPY}" --preserve-dates --only-keep-debug "$<TARGET_FILE:${target}>" "$<TARGET_FILE:${target}>.debug"
+        COMMAND "${CMAKE_OBJCOPY}" --preserve-dates --strip-debug --strip-unneeded
                 "--add-gnu-debuglink=$<TARGET_FILE:${target}>.debug" "$<TARGET_FILE:${target}>"
         VERBATIM)
 endfunction()

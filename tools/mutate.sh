@@ -33,7 +33,7 @@ git ls-files -z --cached --others --exclude-standard | xargs -0 cp -u --parents 
 git ls-files -z -- "$room" | xargs -0 cp --parents -t "$copy" # also what the last run left broken
 tree="$copy/build/$preset"
 # Natively without the sanitizers: the tests guard their memory by inaccessible pages, and are ten times as fast.
-[ $preset = win32 ] || set -- -DVIXA_SANITIZE=OFF -DCMAKE_BUILD_TYPE=Release
+[ $preset = win32 ] || set -- -DVIXA_SANITIZE=OFF -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE=-O1
 [ $preset != win32 ] || set --
 step mutate-configure "Preparing $room" cmake --preset $preset -S "$copy" -B "$tree" "$@"
 read -ra targets <<<"$tests"
