@@ -24,7 +24,7 @@ std::string WaysOutFor(const std::filesystem::path& file)
 {
     // Wine has GStreamer's decoders.
     static const bool wine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
-    return (wine ? "`./run decoders` says which decoders are missing and installs them. Or convert it: "
+    return (wine ? "`./run decoders` says which decoders can still be had here, and installs them. Or convert it: "
                  : "Convert it first: ") +
            ConversionOf(file);
 }
