@@ -5,15 +5,21 @@
 #include "host/base/Text.h"
 #include "host/base/Verbose.h"
 #include "host/effects/DataPropertySet.h"
-#include "host/graph/GraphText.h"
 #include "host/media/DibSize.h"
+#include "host/media/GraphText.h"
+#include "host/media/Pins.h"
 #include "host/media/Room.h"
 
+#include <vixavideofx/IEffectChaining.h>
 #include <vixavideofx/IEffectFilter.h>
+#include <vixavideofx/IInstructionCeiling.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace vixahost::graph {
+
+using media::FindPin;
 
 namespace {
 
@@ -24,6 +30,24 @@ void Require(HRESULT result, const std::string& what)
 {
     if (FAILED(result))
         throw FailedJob(what + ": " + Explain(result) + ".");
+}
+
+// An effect's instruction set, and whether it makes frames together with its neighbours.
+std::string EffectText(IBaseFilter* filter)
+{
+    static constexpr const char* levels[] = {"plain", "SSE2", "AVX2", "AVX-512"};
+    std::string text;
+    ComPtr<IInstructionCeiling> ceiling;
+    ULONG level = 0;
+    if (SUCCEEDED(filter->QueryInterface(IID_IInstructionCeiling, reinterpret_cast<void**>(ceiling.GetAddressOf()))) &&
+        SUCCEEDED(ceiling->GetLevel(&level)))
+        text = level < std::size(levels) ? levels[level] : "level " + std::to_string(level);
+    ComPtr<IEffectChaining> chaining;
+    BOOL together = FALSE;
+    if (SUCCEEDED(filter->QueryInterface(IID_IEffectChaining, reinterpret_cast<void**>(chaining.GetAddressOf()))) &&
+        SUCCEEDED(chaining->GetChaining(&together)))
+        text += std::string(text.empty() ? "" : ", ") + (together ? "together with" : "apart from") + " its neighbours";
+    return text;
 }
 
 } // namespace
@@ -42,7 +66,7 @@ EffectGraph::EffectGraph(const effects::EffectLibrary& library, const effects::E
     source = FrameSource::Create(reader, timer, pace == Pace::Overlapping ? buffersAhead : 1);
     sink = FrameSink::Create(taker);
     ComPtr<IMemInputPin> sinkMemory;
-    if (verbose && SUCCEEDED(FindPin(sink.Get(), PINDIR_INPUT).As(&sinkMemory)))
+    if (verbose && SUCCEEDED(FindPin(*sink.Get(), PINDIR_INPUT).As(&sinkMemory)))
         sinkMemory->GetAllocator(&sinkAllocator);
 
     Add(source.Get(), "Source");
@@ -79,7 +103,7 @@ void EffectGraph::Add(IBaseFilter* filter, const std::string& name)
 
 void EffectGraph::Connect(IBaseFilter* from, IBaseFilter* to, const std::string& name)
 {
-    const ComPtr<IPin> output = FindPin(from, PINDIR_OUTPUT), input = FindPin(to, PINDIR_INPUT);
+    const ComPtr<IPin> output = FindPin(*from, PINDIR_OUTPUT), input = FindPin(*to, PINDIR_INPUT);
     Require(output && input ? graph->ConnectDirect(output.Get(), input.Get(), nullptr) : VFW_E_NOT_FOUND,
             "\"" + name + "\" can't be connected");
 }
@@ -87,7 +111,7 @@ void EffectGraph::Connect(IBaseFilter* from, IBaseFilter* to, const std::string&
 void EffectGraph::Start()
 {
     if (verbose)
-        Complain(DescribeRow(source.Get(), sinkAllocator.Get()));
+        Complain("The filter graph:\n" + media::DescribeRow(source.Get(), sinkAllocator.Get(), EffectText));
     if (const HRESULT result = control->Run(); FAILED(result))
         Fail(result);
 }

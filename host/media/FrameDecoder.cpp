@@ -5,6 +5,7 @@
 #include "host/base/ModuleFile.h"
 #include "host/base/ResultCode.h"
 #include "host/base/Text.h"
+#include "host/base/Verbose.h"
 #include "host/media/ClipDecoder.h"
 #include "host/media/DibSize.h"
 #include "host/media/GraphDecoder.h"
@@ -37,6 +38,7 @@ enum class Answer : std::uint32_t
 struct Shared
 {
     FrameFormat known; // by the clip's header; without a size: nothing
+    bool verbose;      // the graph is described on standard error
     DecodedClip clip;
     std::uint64_t pixels; // the decoder's handle of the memory for a frame
     std::int64_t index;
@@ -77,25 +79,27 @@ FrameDecoder::FrameDecoder(std::filesystem::path source, const std::optional<Fra
     if (mapping)
         view.reset(MapViewOfFile(mapping.get(), FILE_MAP_WRITE, 0, 0, 0));
     if (!view)
-        throw FailedJob("The system gives no memory to share (system error " + std::to_string(GetLastError()) + ").");
+        throw FailedJob("The system gives no memory to share (" + ExplainError(GetLastError()) + ").");
     Start(frames);
 }
 
 void FrameDecoder::Start(const std::optional<FrameFormat>& frames)
 {
-    HeadOf(view) = {frames.value_or(FrameFormat{}), {}, 0, -1, Answer::Given, {}};
+    HeadOf(view) = {frames.value_or(FrameFormat{}), verbose, {}, 0, -1, Answer::Given, {}};
     asked.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));
     answered.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));
     HANDLE self = nullptr;
     DuplicateHandle(GetCurrentProcess(), GetCurrentProcess(), GetCurrentProcess(), &self, SYNCHRONIZE, FALSE, 0);
     const UniqueProcess parent(self);
     if (!asked || !answered || !parent)
-        throw FailedJob("The system gives no event (system error " + std::to_string(GetLastError()) + ").");
+        throw FailedJob("The system gives no event (" + ExplainError(GetLastError()) + ").");
     ChildStart start = {HostProgram(), L" decode-child \"" + clip.native() + L"\"", "the decoder"};
     start.inherited = {mapping.get(), asked.get(), answered.get(), parent.get()};
     for (const HANDLE end : start.inherited)
         start.words += L" " + std::to_wstring(reinterpret_cast<UINT_PTR>(end));
     start.flags = CREATE_NO_WINDOW;
+    if (verbose)
+        start.error = GetStdHandle(STD_ERROR_HANDLE);
     process.emplace(start);
     Wait("can't be opened");
     facts = HeadOf(view).clip;
@@ -206,6 +210,7 @@ void RunDecoder(const std::filesystem::path& clip, const DecoderEnds& ends)
     if (!view)
         return;
     Shared& shared = HeadOf(view);
+    verbose = shared.verbose;
     try {
         const auto decoder = OpenDecoder(clip, shared.known);
         Serve(*decoder, shared, [&] {

@@ -3,9 +3,12 @@
 #include "host/base/HostError.h"
 #include "host/base/ResultCode.h"
 #include "host/base/Text.h"
+#include "host/base/Verbose.h"
 #include "host/media/AviHeader.h"
 #include "host/media/DibSize.h"
 #include "host/media/FileOnDisk.h"
+#include "host/media/GraphText.h"
+#include "host/media/Pins.h"
 #include "host/media/Room.h"
 
 #include <amvideo.h>
@@ -43,31 +46,6 @@ struct HeldType : AM_MEDIA_TYPE
             pUnk->Release();
     }
 };
-
-// Calls the function with each of a filter's pins of that direction until it answers true.
-template <typename Function>
-bool AnyPin(IBaseFilter& filter, PIN_DIRECTION wanted, Function function)
-{
-    ComPtr<IEnumPins> pins;
-    if (FAILED(filter.EnumPins(&pins)))
-        return false;
-    for (ComPtr<IPin> pin; pins->Next(1, pin.ReleaseAndGetAddressOf(), nullptr) == S_OK;) {
-        PIN_DIRECTION direction = PINDIR_INPUT;
-        if (SUCCEEDED(pin->QueryDirection(&direction)) && direction == wanted && function(*pin.Get()))
-            return true;
-    }
-    return false;
-}
-
-ComPtr<IPin> OnlyPin(IBaseFilter& filter, PIN_DIRECTION direction)
-{
-    ComPtr<IPin> found;
-    AnyPin(filter, direction, [&](IPin& pin) {
-        found = &pin;
-        return true;
-    });
-    return found;
-}
 
 bool OffersSound(IPin& pin)
 {
@@ -125,7 +103,7 @@ GraphDecoder::GraphDecoder(std::filesystem::path clip, const std::optional<Frame
       taken(CreateEventW(nullptr, FALSE, FALSE, nullptr))
 {
     if (!given || !taken)
-        throw FailedJob("The system gives no event (system error " + std::to_string(GetLastError()) + ").");
+        throw FailedJob("The system gives no event (" + ExplainError(GetLastError()) + ").");
     Build();
     TakeFormat(known);
     TakeSound();
@@ -161,17 +139,19 @@ void GraphDecoder::Build()
         throw FailedJob("The system's filter graph can't be had.");
     if (FAILED(graph->AddSourceFilter(path.c_str(), L"Clip", &source)))
         throw NoDecoder(Undecoded(path));
-    const ComPtr<IPin> input = OnlyPin(*end.Get(), PINDIR_INPUT);
+    const ComPtr<IPin> input = FindPin(*end.Get(), PINDIR_INPUT);
     // The graph finds the splitter and the decoder.
     if (!input || !AnyPin(*source.Get(), PINDIR_OUTPUT,
                           [&](IPin& output) { return SUCCEEDED(graph->Connect(&output, input.Get())); }))
         throw NoDecoder(Undecoded(path));
     ComPtr<IPin> upstream;
-    const ComPtr<IPin> output = OnlyPin(*end.Get(), PINDIR_OUTPUT), last = OnlyPin(*nowhere.Get(), PINDIR_INPUT);
+    const ComPtr<IPin> output = FindPin(*end.Get(), PINDIR_OUTPUT), last = FindPin(*nowhere.Get(), PINDIR_INPUT);
     if (!output || !last || FAILED(graph->ConnectDirect(output.Get(), last.Get(), nullptr)) ||
         FAILED(clock->SetSyncSource(nullptr)) || FAILED(input->ConnectedTo(&upstream)))
         throw FailedJob("The system's filter graph takes no frames of " + Show(path) + ".");
     upstream.As(&seeking); // without it frames come in their order only
+    if (verbose)
+        Complain("The decoding graph:\n" + DescribeRow(source.Get()));
 }
 
 void GraphDecoder::TakeFormat(const std::optional<FrameFormat>& known)

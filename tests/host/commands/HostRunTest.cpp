@@ -106,6 +106,15 @@ TEST_F(HostRun, VerboseTellsWhatTheGraphIsMadeOf)
           "frames: 1 x " + size + ", aligned to 1, prefix 0, of the row's last filter, the same as before"})
         EXPECT_NE(outcome.err.find(word), std::string::npos) << word << "\n" << outcome.err;
     ExpectDone(Run({L"apply", L"Emboss", L"in.png", L"out.png"}));
+
+    // The decoding graph runs in another process.
+    WriteBytes(folder / L"in.mkv", MakeMatroska(JpegRecipe(2)));
+    const std::string decoding = Run({L"apply", L"--verbose", L"Emboss", L"in.mkv", L"out.avi"}).err;
+    EXPECT_EQ(decoding.find("The decoding graph:\n  \"Clip\"\n    from pin"), 0u) << decoding;
+    for (const char* const word : {"none, the next filter reads bytes itself",
+                                   "to pin \"In\"\n      type: MEDIATYPE_Video, MEDIASUBTYPE_RGB32", "\"Nowhere\""})
+        EXPECT_NE(decoding.find(word), std::string::npos) << word << "\n" << decoding;
+    ExpectDone(Run({L"apply", L"Emboss", L"in.mkv", L"out.avi"}));
 }
 
 TEST_F(HostRun, AClipKeepsEverythingButItsColours)

@@ -1,18 +1,17 @@
-#include "host/graph/GraphText.h"
+#include "host/media/GraphText.h"
 
 #include "host/base/ResultCode.h"
 #include "host/base/Text.h"
-
-#include <vixavideofx/IEffectChaining.h>
-#include <vixavideofx/IInstructionCeiling.h>
+#include "host/media/Pins.h"
 
 #include <dvdmedia.h>
 
 #include <array>
 #include <cstdlib>
-#include <iterator>
 
-namespace vixahost::graph {
+namespace vixahost::media {
+
+using Microsoft::WRL::ComPtr;
 
 namespace {
 
@@ -24,9 +23,14 @@ std::string NameOf(const GUID& id)
         const char* name;
     };
     static const Name names[] = {
-        {&MEDIATYPE_Video, "MEDIATYPE_Video"},       {&MEDIASUBTYPE_RGB32, "MEDIASUBTYPE_RGB32"},
-        {&MEDIASUBTYPE_RGB24, "MEDIASUBTYPE_RGB24"}, {&FORMAT_VideoInfo, "FORMAT_VideoInfo"},
+        {&MEDIATYPE_Video, "MEDIATYPE_Video"},
+        {&MEDIASUBTYPE_RGB32, "MEDIASUBTYPE_RGB32"},
+        {&MEDIASUBTYPE_RGB24, "MEDIASUBTYPE_RGB24"},
+        {&FORMAT_VideoInfo, "FORMAT_VideoInfo"},
         {&FORMAT_VideoInfo2, "FORMAT_VideoInfo2"},
+        {&MEDIATYPE_Stream, "MEDIATYPE_Stream"},
+        {&FORMAT_None, "FORMAT_None"},
+        {&GUID_NULL, "GUID_NULL"},
     };
     for (const Name& name : names)
         if (*name.id == id)
@@ -63,36 +67,21 @@ std::string AllocatorText(IPin* input, const IMemAllocator* lastOwn, ComPtr<IMem
     ComPtr<IMemInputPin> memory;
     ComPtr<IMemAllocator> allocator;
     ALLOCATOR_PROPERTIES given = {};
-    HRESULT result = input->QueryInterface(IID_PPV_ARGS(&memory));
-    if (SUCCEEDED(result))
-        result = memory->GetAllocator(&allocator);
+    if (FAILED(input->QueryInterface(IID_PPV_ARGS(&memory))))
+        return "none, the next filter reads bytes itself";
+    HRESULT result = memory->GetAllocator(&allocator);
     if (SUCCEEDED(result))
         result = allocator->GetProperties(&given);
     if (FAILED(result))
         return Explain(result);
     std::string text = std::to_string(given.cBuffers) + " x " + std::to_string(given.cbBuffer) + " bytes, aligned to " +
                        std::to_string(given.cbAlign) + ", prefix " + std::to_string(given.cbPrefix) +
-                       (allocator.Get() == lastOwn ? ", of the row's last filter" : ", of another filter");
+                       (!lastOwn                     ? ""
+                        : allocator.Get() == lastOwn ? ", of the row's last filter"
+                                                     : ", of another filter");
     if (before)
         text += allocator == before ? ", the same as before" : ", not the one before: frames are copied";
     before = allocator;
-    return text;
-}
-
-std::string EffectText(IBaseFilter* filter)
-{
-    static constexpr const char* levels[] = {"plain", "SSE2", "AVX2", "AVX-512"};
-    std::string text;
-    ComPtr<IInstructionCeiling> ceiling;
-    ULONG level = 0;
-    if (SUCCEEDED(filter->QueryInterface(IID_IInstructionCeiling, reinterpret_cast<void**>(ceiling.GetAddressOf()))) &&
-        SUCCEEDED(ceiling->GetLevel(&level)))
-        text = level < std::size(levels) ? levels[level] : "level " + std::to_string(level);
-    ComPtr<IEffectChaining> chaining;
-    BOOL together = FALSE;
-    if (SUCCEEDED(filter->QueryInterface(IID_IEffectChaining, reinterpret_cast<void**>(chaining.GetAddressOf()))) &&
-        SUCCEEDED(chaining->GetChaining(&together)))
-        text += std::string(text.empty() ? "" : ", ") + (together ? "together with" : "apart from") + " its neighbours";
     return text;
 }
 
@@ -108,31 +97,22 @@ std::string NameOf(IBaseFilter* filter)
 
 } // namespace
 
-ComPtr<IPin> FindPin(IBaseFilter* filter, PIN_DIRECTION wanted)
+std::string DescribeRow(IBaseFilter* source, const IMemAllocator* lastOwn,
+                        const std::function<std::string(IBaseFilter*)>& more)
 {
-    ComPtr<IEnumPins> pins;
-    if (FAILED(filter->EnumPins(&pins)))
-        return nullptr;
-    for (ComPtr<IPin> pin; pins->Next(1, pin.ReleaseAndGetAddressOf(), nullptr) == S_OK;) {
-        PIN_DIRECTION direction = PINDIR_INPUT;
-        if (SUCCEEDED(pin->QueryDirection(&direction)) && direction == wanted)
-            return pin;
-    }
-    return nullptr;
-}
-
-std::string DescribeRow(IBaseFilter* source, const IMemAllocator* lastOwn)
-{
-    std::string text = "The filter graph:\n";
+    std::string text;
     ComPtr<IMemAllocator> before;
     for (ComPtr<IBaseFilter> filter = source; filter;) {
-        const std::string own = EffectText(filter.Get());
+        const std::string own = more ? more(filter.Get()) : std::string();
         text += "  " + NameOf(filter.Get()) + (own.empty() ? "" : ": " + own) + "\n";
-        const ComPtr<IPin> output = FindPin(filter.Get(), PINDIR_OUTPUT);
-        ComPtr<IPin> input;
+        ComPtr<IPin> output, input;
+        AnyPin(*filter.Get(), PINDIR_OUTPUT, [&](IPin& pin) {
+            output = &pin;
+            return SUCCEEDED(pin.ConnectedTo(&input));
+        });
         PIN_INFO from = {}, to = {};
         filter.Reset();
-        if (!output || FAILED(output->ConnectedTo(&input)) || FAILED(output->QueryPinInfo(&from)))
+        if (!input || FAILED(output->QueryPinInfo(&from)))
             break;
         if (from.pFilter)
             from.pFilter->Release();
@@ -146,4 +126,4 @@ std::string DescribeRow(IBaseFilter* source, const IMemAllocator* lastOwn)
     return text;
 }
 
-} // namespace vixahost::graph
+} // namespace vixahost::media
