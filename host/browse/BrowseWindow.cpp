@@ -92,7 +92,7 @@ void BrowseWindow::OnCreate()
     for (const ButtonText& button : stackButtonTexts)
         stackButtons.push_back(MakeButton(hwnd, button, *style));
     panelLabel = CreateControl(WC_STATICW, L"", WS_VISIBLE | SS_ENDELLIPSIS, hwnd, 0, *style);
-    panel = std::make_unique<PanelHost>(hwnd);
+    panel = std::make_unique<PanelHost>(hwnd, texts);
     panel->onNewBlock = [this](const std::vector<std::int32_t>& block) { OnPanelChanged(block); };
     emptyPanel = CreateControl(WC_STATICW, L"", 0, panel->Handle(), 0, *style);
     preview = std::make_unique<PreviewPane>(hwnd, IDC_PREVIEW, *style, texts);
@@ -124,10 +124,14 @@ void BrowseWindow::NewMenu()
     ownPresets = StackFilesIn(PresetFolder());
     for (const auto& file : ownPresets)
         menuContent.presets.push_back(file.stem().native());
-    const HMENU old = GetMenu(hwnd);
-    SetMenu(hwnd, MakeMenu(texts, menuContent));
+    const HMENU old = GetMenu(hwnd), fresh = MakeMenu(texts, menuContent);
+    // The old menu refers to its items until it is gone.
+    MenuPainter painter;
+    painter.Take(fresh);
+    SetMenu(hwnd, fresh);
     if (old)
         DestroyMenu(old);
+    menuPainter = std::move(painter);
 }
 
 // Everything that is said in the chosen language.
@@ -187,6 +191,14 @@ LRESULT BrowseWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
     case WM_INITMENUPOPUP:
         UpdateMenu();
         return 0;
+    case WM_MEASUREITEM:
+        return menuPainter.Measure(*reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
+    case WM_DRAWITEM:
+        return menuPainter.Draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+    case WM_MENUCHAR:
+        if (const auto item = MenuPainter::ItemOf(reinterpret_cast<HMENU>(lParam), LOWORD(wParam)))
+            return MAKELRESULT(*item, MNC_EXECUTE);
+        break;
     case WM_DROPFILES:
         OnDrop(reinterpret_cast<HDROP>(wParam));
         return 0;
@@ -585,7 +597,7 @@ void BrowseWindow::LayOut()
     const int buttonWidth = (width - 3 * gap) / 4;
     for (std::size_t i = 0; i < stackButtons.size(); ++i)
         MoveWindow(stackButtons[i], left + static_cast<int>(i) * (buttonWidth + gap), y, buttonWidth, button, TRUE);
-    const int listHeight = std::clamp((y - gap) / 5, style->Scale(64), style->Scale(160));
+    const int listHeight = std::clamp(y - tree->FullHeight() - line - 3 * gap, style->Scale(64), style->Scale(160));
     y -= gap / 2 + listHeight;
     MoveWindow(list->Handle(), left, y, width, listHeight, TRUE);
     list->FitColumns();
@@ -613,7 +625,7 @@ void BrowseWindow::LayOut()
 
 void BrowseWindow::TakeNewStyle()
 {
-    auto fresh = std::make_unique<Style>();
+    auto fresh = std::make_unique<Style>(texts.Language());
     const auto font = reinterpret_cast<WPARAM>(fresh->Font());
     for (HWND child = GetWindow(hwnd, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
         SendMessageW(child, WM_SETFONT, font, TRUE);
@@ -669,9 +681,11 @@ void BrowseWindow::SetLanguage(LANGID language)
 {
     panel->Close();
     session->SetLanguage(language);
-    tree->Fill(session->Catalogue());
-    tree->ShowFirst();
     texts.SetLanguage(language);
+    TakeNewStyle();
+    tree->Fill(session->Catalogue());
+    LayOut();
+    tree->ShowFirst();
     ShowTexts();
 }
 
@@ -693,7 +707,8 @@ bool BrowseWindow::MayReplace(const std::filesystem::path& file)
         std::any_of(opened.begin(), opened.end(), [&](const auto& old) { return IsSameFile(file, old); });
     const Question question = {texts(original ? IDT_REPLACE_ORIGINAL : IDT_REPLACE_FILE, {file.filename().native()}),
                                texts(original ? IDT_ORIGINAL_LOST : IDT_FILE_THERE),
-                               {texts(IDT_REPLACE), texts(IDT_OTHER_NAME)}};
+                               {texts(IDT_REPLACE), texts(IDT_OTHER_NAME)},
+                               OwnFont()};
     return Ask(hwnd, program, question) == 0;
 }
 
@@ -763,7 +778,8 @@ bool BrowseWindow::MayClose()
         return true;
     const Question question = {texts(IDT_KEEP_STACK),
                                texts(IDT_STACK_CHANGED),
-                               {texts(IDT_SAVE_STACK), texts(IDT_DONT_SAVE), texts(IDT_CANCEL)}};
+                               {texts(IDT_SAVE_STACK), texts(IDT_DONT_SAVE), texts(IDT_CANCEL)},
+                               OwnFont()};
     const std::size_t answer = Ask(hwnd, program, question);
     if (answer == 0)
         AskSaveStack();
@@ -804,11 +820,10 @@ void BrowseWindow::ShowHelp()
 
 void BrowseWindow::About()
 {
-    const std::wstring text = std::wstring(program) + L" " + Wide(VIXA_VERSION) + L"\n\n" +
-                              texts(IDT_ABOUT_COUNTS, {std::to_wstring(session->Catalogue().size()),
+    const std::wstring text = texts(IDT_ABOUT_COUNTS, {std::to_wstring(session->Catalogue().size()),
                                                        std::to_wstring(menuContent.languages.size())}) +
                               L"\n" + session->LibraryFile().native() + L"\n\n" + texts(IDT_ABOUT_HINT);
-    MessageBoxW(hwnd, text.c_str(), program, MB_OK | MB_ICONINFORMATION);
+    Ask(hwnd, program, {std::wstring(program) + L" " + Wide(VIXA_VERSION), text, {}, OwnFont()});
 }
 
 } // namespace vixahost::browse

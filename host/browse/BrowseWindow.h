@@ -5,6 +5,7 @@
 #include "host/browse/EffectTree.h"
 #include "host/browse/FileDialogs.h"
 #include "host/browse/Menu.h"
+#include "host/browse/MenuPainter.h"
 #include "host/browse/PanelHost.h"
 #include "host/browse/Presets.h"
 #include "host/browse/PreviewPane.h"
@@ -84,6 +85,8 @@ private:
     void AskSavePreset();
     bool MayReplace(const std::filesystem::path& file);
     bool MayClose();
+    // What questions are written in where the system's font lacks letters, else null.
+    HFONT OwnFont() const noexcept { return style->ReplacesSystemFont() ? style->Font() : nullptr; }
     // A file to save to, where nothing is replaced that the user wants to keep; none when the user has cancelled.
     std::optional<std::filesystem::path> AskTarget(FilePurpose purpose, std::filesystem::path suggestion);
     void SaveStack(const std::filesystem::path& file);
@@ -108,6 +111,7 @@ private:
          status = nullptr;
     std::vector<HWND> stackButtons, clipButtons;
     MenuContent menuContent;
+    MenuPainter menuPainter;
     RecentFiles recent;
     std::vector<std::filesystem::path> ownPresets, opened; // what was opened since the window was
     effects::EffectStack savedStack;                       // as the stack was begun, loaded or saved

@@ -48,6 +48,15 @@ void EffectTree::Fill(const std::vector<effects::CatalogueEntry>& catalogue)
     filling = false;
 }
 
+int EffectTree::FullHeight() const
+{
+    RECT outer = {}, inner = {};
+    GetWindowRect(tree, &outer);
+    GetClientRect(tree, &inner);
+    return static_cast<int>(TreeView_GetCount(tree)) * TreeView_GetItemHeight(tree) + (outer.bottom - outer.top) -
+           inner.bottom;
+}
+
 void EffectTree::ShowFirst()
 {
     TreeView_EnsureVisible(tree, TreeView_GetRoot(tree));

@@ -14,6 +14,8 @@ class EffectTree
 public:
     EffectTree(HWND parent, int id, const Style& look);
 
+    // Pixels that show everything without scrolling, where nothing is folded.
+    int FullHeight() const;
     HWND Handle() const noexcept { return tree; }
     // Fills the tree anew; nothing is selected then.
     void Fill(const std::vector<effects::CatalogueEntry>& catalogue);

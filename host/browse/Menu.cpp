@@ -106,7 +106,10 @@ public:
                 continue;
             }
             const std::wstring text = item.text ? Keyed(item.text, used) : std::wstring(item.label);
-            Append(menu, MF_STRING, item.command, *item.keys ? text + L"\t" + item.keys : text);
+            // Letters of a linked font may be drawn wider than they were measured.
+            const bool linked = std::any_of(text.begin(), text.end(), [](wchar_t c) { return c >= 0x0370; });
+            const std::wstring keys = *item.keys ? std::wstring(linked ? L"  \t" : L"\t") + item.keys : std::wstring();
+            Append(menu, MF_STRING, item.command, text + keys);
         }
         return menu;
     }

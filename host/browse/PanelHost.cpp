@@ -3,6 +3,7 @@
 #include "host/base/HostError.h"
 #include "host/base/ResultCode.h"
 #include "host/base/Text.h"
+#include "host/browse/Style.h"
 
 #include <commctrl.h>
 
@@ -10,7 +11,29 @@
 
 namespace vixahost::browse {
 
-PanelHost::PanelHost(HWND parent) : PanelWindow(10, 10, parent)
+namespace {
+
+bool IsA(HWND control, const wchar_t* kind)
+{
+    wchar_t name[30] = {};
+    GetClassNameW(control, name, 30);
+    return _wcsicmp(name, kind) == 0;
+}
+
+BOOL CALLBACK GiveFont(HWND window, LPARAM font)
+{
+    SendMessageW(window, WM_SETFONT, static_cast<WPARAM>(font), TRUE);
+    return TRUE;
+}
+
+BOOL CALLBACK GiveTooltipFont(HWND window, LPARAM font)
+{
+    return !IsA(window, TOOLTIPS_CLASSW) || GiveFont(window, font);
+}
+
+} // namespace
+
+PanelHost::PanelHost(HWND parent, const Texts& language) : PanelWindow(10, 10, parent), texts(language)
 {
     onChange = [this](WPARAM, LPARAM) {
         if (onNewBlock && set)
@@ -44,27 +67,37 @@ void PanelHost::Show()
         throw FailedJob("The library can't open the effect's settings: " + Explain(result) + ".");
     // The keys that move between controls reach into the panel.
     SetWindowLongPtrW(panel, GWL_EXSTYLE, GetWindowLongPtrW(panel, GWL_EXSTYLE) | WS_EX_CONTROLPARENT);
+    ReplaceFont();
     ShowWindow(panel, SW_SHOW);
     NameSliders();
+}
+
+void PanelHost::ReplaceFont()
+{
+    LOGFONTW own = {};
+    if (font || !GetObjectW(reinterpret_cast<HFONT>(SendMessageW(panel, WM_GETFONT, 0, 0)), sizeof own, &own))
+        return;
+    const LOGFONTW chosen = FontFor(own, texts.Language());
+    if (chosen.lfCharSet == own.lfCharSet)
+        return;
+    font.reset(CreateFontIndirectW(&chosen));
+    const auto handle = reinterpret_cast<LPARAM>(font.get());
+    EnumChildWindows(panel, GiveFont, handle);
+    EnumThreadWindows(GetCurrentThreadId(), GiveTooltipFont, handle);
 }
 
 // A slider shows no text of its own: for who hears the window it is called as the label above it.
 void PanelHost::NameSliders() const
 {
-    const auto isA = [](HWND control, const wchar_t* kind) {
-        wchar_t name[30] = {};
-        GetClassNameW(control, name, 30);
-        return _wcsicmp(name, kind) == 0;
-    };
     for (HWND slider = GetWindow(panel, GW_CHILD); slider; slider = GetWindow(slider, GW_HWNDNEXT)) {
-        if (!isA(slider, TRACKBAR_CLASSW))
+        if (!IsA(slider, TRACKBAR_CLASSW))
             continue;
         RECT place = {}, nearest = {0, LONG_MIN, 0, 0};
         GetWindowRect(slider, &place);
         for (HWND label = GetWindow(panel, GW_CHILD); label; label = GetWindow(label, GW_HWNDNEXT)) {
             RECT above = {};
             GetWindowRect(label, &above);
-            if (!isA(label, WC_STATICW) || above.top >= place.top || above.top <= nearest.top ||
+            if (!IsA(label, WC_STATICW) || above.top >= place.top || above.top <= nearest.top ||
                 above.left > (place.left + place.right) / 2)
                 continue;
             nearest = above;
@@ -80,6 +113,7 @@ void PanelHost::Close()
     if (panel && IsWindow(panel))
         DestroyWindow(panel);
     panel = nullptr;
+    font.reset();
     info.Reset();
     set.Reset();
     classId = {};

@@ -1,6 +1,8 @@
 // The place in the window where the library's settings panel of one effect lives.
 #pragma once
 
+#include "host/base/Handles.h"
+#include "host/browse/Texts.h"
 #include "host/effects/DataPropertySet.h"
 #include "host/effects/EffectCatalogue.h"
 #include "host/effects/PanelWindow.h"
@@ -12,7 +14,8 @@ namespace vixahost::browse {
 class PanelHost : public effects::PanelWindow
 {
 public:
-    explicit PanelHost(HWND parent);
+    // `language` is what the panels speak; it lives as long as this.
+    PanelHost(HWND parent, const Texts& language);
     ~PanelHost() override;
 
     // Opens the effect's panel on a block, or loads the block into the panel that is open already. Throws FailedJob.
@@ -33,9 +36,12 @@ public:
 private:
     void Show();
     void NameSliders() const;
+    void ReplaceFont();
 
     Microsoft::WRL::ComPtr<IEffectInfo> info;
     Microsoft::WRL::ComPtr<effects::DataPropertySet> set;
+    const Texts& texts;
+    UniqueFont font; // the panel's, where its own lacks letters
     GUID classId = {};
     HWND panel = nullptr;
 };

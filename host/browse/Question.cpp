@@ -6,6 +6,23 @@
 
 namespace vixahost::browse {
 
+namespace {
+
+BOOL CALLBACK GiveFont(HWND window, LPARAM font)
+{
+    SendMessageW(window, WM_SETFONT, static_cast<WPARAM>(font), TRUE);
+    return TRUE;
+}
+
+HRESULT CALLBACK OnDialog(HWND dialog, UINT notification, WPARAM, LPARAM, LONG_PTR font) noexcept
+{
+    if (notification == TDN_DIALOG_CONSTRUCTED && font)
+        EnumChildWindows(dialog, GiveFont, font);
+    return S_OK;
+}
+
+} // namespace
+
 std::size_t Ask(HWND owner, const wchar_t* title, const Question& question)
 {
     constexpr int firstAnswer = 100;
@@ -18,15 +35,24 @@ std::size_t Ask(HWND owner, const wchar_t* title, const Question& question)
     dialog.hInstance = nullptr;
     dialog.dwFlags = TDF_ALLOW_DIALOG_CANCELLATION | TDF_POSITION_RELATIVE_TO_WINDOW | TDF_SIZE_TO_CONTENT;
     dialog.pszWindowTitle = title;
-    dialog.pszMainIcon = TD_WARNING_ICON;
-    dialog.pszMainInstruction = question.main.c_str();
-    dialog.pszContent = question.detail.c_str();
+    dialog.pszMainIcon = buttons.empty() ? TD_INFORMATION_ICON : TD_WARNING_ICON;
+    dialog.pszMainInstruction = question.main.empty() ? nullptr : question.main.c_str();
+    // The dialog measures in the system's font, whose lines may be lower: two more have room for the difference.
+    const std::wstring content = question.font ? question.detail + L"\n\n" : question.detail;
+    dialog.pszContent = content.c_str();
     dialog.cButtons = static_cast<UINT>(buttons.size());
     dialog.pButtons = buttons.data();
-    dialog.nDefaultButton = buttons.back().nButtonID;
+    if (buttons.empty())
+        dialog.dwCommonButtons = TDCBF_OK_BUTTON;
+    else
+        dialog.nDefaultButton = buttons.back().nButtonID;
+    dialog.pfCallback = OnDialog;
+    dialog.lpCallbackData = reinterpret_cast<LONG_PTR>(question.font);
     int pressed = 0;
     if (FAILED(TaskDialogIndirect(&dialog, &pressed, nullptr, nullptr)))
         throw std::bad_alloc();
+    if (buttons.empty())
+        return 0;
     const int answer = pressed - firstAnswer;
     return answer >= 0 && answer < static_cast<int>(buttons.size()) ? static_cast<std::size_t>(answer)
                                                                     : buttons.size() - 1;

@@ -5,15 +5,21 @@
 
 namespace vixahost::browse {
 
+// The same font for a language's texts. A script whose letters are shaped is shaped within one font, so where the font
+// lacks them another one that has them is asked for by its character set.
+LOGFONTW FontFor(LOGFONTW font, LANGID language);
+
 // How controls are drawn: the system's message font and its scale.
 class Style
 {
 public:
-    Style();
+    explicit Style(LANGID language = 0x0409);
 
     void Swap(Style& other) noexcept;
 
     HFONT Font() const noexcept { return font.get(); }
+    // Whether that is another font than the system's, which doesn't have the language's letters.
+    bool ReplacesSystemFont() const noexcept { return replaces; }
     // Pixels for a length given at 96 dots per inch.
     int Scale(int length) const noexcept { return MulDiv(length, dpi, 96); }
     int LineHeight() const noexcept { return lineHeight; } // pixels of one line of text
@@ -22,6 +28,7 @@ private:
     UniqueFont font;
     int dpi = 96;
     int lineHeight = 16;
+    bool replaces = false;
 };
 
 // A control of a system class, in the style's font. Throws FailedJob.

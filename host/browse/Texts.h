@@ -16,6 +16,7 @@ class Texts
 public:
     explicit Texts(LANGID chosen = 0x0409) noexcept : language(chosen) {}
     void SetLanguage(LANGID chosen) noexcept { language = chosen; }
+    LANGID Language() const noexcept { return language; }
 
     // The text of an IDT_ number; English where the language has none, and empty for a number without a text.
     std::wstring operator()(UINT id) const;

@@ -8,19 +8,14 @@
 
 namespace vixahost::media {
 
-Picture PictureOfWindow(HWND window)
+namespace {
+
+// `area` of what a device context shows.
+Picture ReadBack(HDC source, const RECT& area)
 {
-    RECT outer = {}, area = {};
-    GetWindowRect(window, &outer);
-    GetClientRect(window, &area);
-    MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&area), 2);
-    MENUBARINFO menu = {};
-    menu.cbSize = sizeof menu;
-    if (GetMenuBarInfo(window, OBJID_MENU, 0, &menu) && menu.rcBar.bottom > menu.rcBar.top)
-        area.top = menu.rcBar.top;
     Picture picture(area.right - area.left, area.bottom - area.top);
     if (picture.pixels.empty())
-        throw FailedJob("The window has no size to take a picture of.");
+        throw FailedJob("There is no area to take a picture of.");
     BITMAPINFO info = {};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
     info.bmiHeader.biWidth = picture.width;
@@ -31,20 +26,40 @@ Picture PictureOfWindow(HWND window)
     const UniqueMemoryDC dc(CreateCompatibleDC(nullptr));
     const UniqueBitmap bitmap(CreateDIBSection(dc.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
     if (!bitmap)
-        throw FailedJob("There is no room for a picture of the window.");
+        throw FailedJob("There is no room for a picture of what is seen.");
     const HGDIOBJ old = SelectObject(dc.get(), bitmap.get());
-    const UniqueWindowDC source(GetWindowDC(window), {window});
-    const bool done = BitBlt(dc.get(), 0, 0, picture.width, picture.height, source.get(), area.left - outer.left,
-                             area.top - outer.top, SRCCOPY) != FALSE;
+    const bool done =
+        BitBlt(dc.get(), 0, 0, picture.width, picture.height, source, area.left, area.top, SRCCOPY) != FALSE;
     const DWORD error = GetLastError();
     GdiFlush();
     std::memcpy(picture.pixels.data(), bits, picture.pixels.size());
     SelectObject(dc.get(), old);
     if (!done)
-        throw FailedJob("The window can't be read back (" + ExplainError(error) + ").");
+        throw FailedJob("What is seen can't be read back (" + ExplainError(error) + ").");
     for (std::size_t i = 3; i < picture.pixels.size(); i += 4)
         picture.pixels[i] = 255;
     return picture;
+}
+
+} // namespace
+
+Picture PictureOfWindow(HWND window)
+{
+    RECT outer = {}, area = {};
+    GetWindowRect(window, &outer);
+    GetClientRect(window, &area);
+    MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&area), 2);
+    MENUBARINFO menu = {};
+    menu.cbSize = sizeof menu;
+    if (GetMenuBarInfo(window, OBJID_MENU, 0, &menu) && menu.rcBar.bottom > menu.rcBar.top)
+        area.top = menu.rcBar.top;
+    OffsetRect(&area, -outer.left, -outer.top);
+    return ReadBack(UniqueWindowDC(GetWindowDC(window), {window}).get(), area);
+}
+
+Picture PictureOfScreen(const RECT& area)
+{
+    return ReadBack(UniqueScreenDC(GetDC(nullptr)).get(), area);
 }
 
 } // namespace vixahost::media

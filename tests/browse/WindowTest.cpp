@@ -1,4 +1,5 @@
 // The browser's window, driven as its users do: by the mouse and the keys, and judged by what is on the screen.
+#include "host/base/Handles.h"
 #include "host/browse/BrowseWindow.h"
 #include "host/browse/Ids.h"
 #include "host/media/PictureFile.h"
@@ -531,6 +532,23 @@ LONG CALLBACK CountFaults(EXCEPTION_POINTERS* fault)
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
+// Thai letters are shaped within one font: each control that has some is written in a font with them.
+BOOL CALLBACK HasItsLetters(HWND control, LPARAM language)
+{
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0));
+    const std::wstring text = TextOf(control);
+    const std::size_t letter = text.find_first_of(L"\u0E01\u0E15\u0E40\u0E1B");
+    if (!font || letter == std::wstring::npos)
+        return TRUE;
+    const UniqueScreenDC screen(GetDC(nullptr));
+    const HGDIOBJ old = SelectObject(screen.get(), font);
+    WORD glyph = 0;
+    GetGlyphIndicesW(screen.get(), text.c_str() + letter, 1, &glyph, GGI_MARK_NONEXISTING_GLYPHS);
+    SelectObject(screen.get(), old);
+    EXPECT_NE(glyph, 0xFFFF) << reinterpret_cast<const char*>(language) << ": boxes in " << GetDlgCtrlID(control);
+    return TRUE;
+}
+
 // As after a fault, or a screenshot. Not every system lets a fault out of a window's procedure: it is counted before.
 TEST(BrowserWindowEnd, AnOpenWindowCanBeDestroyed)
 {
@@ -547,6 +565,18 @@ TEST(BrowserWindowEnd, AnOpenWindowCanBeDestroyed)
                 SendMessageW(button, BCM_GETIDEALSIZE, 0, reinterpret_cast<LPARAM>(&needed));
                 GetClientRect(button, &room);
                 EXPECT_LE(needed.cx, room.right) << language.code << ": button " << GetDlgCtrlID(button);
+            }
+            TreeView_SelectItem(tree, TreeView_GetChild(tree, TreeView_GetRoot(tree))); // one with settings
+            EnumChildWindows(frame, HasItsLetters, reinterpret_cast<LPARAM>(language.code.c_str()));
+            // Its menus are drawn by the window where the system's font has no Thai, and still follow their keys.
+            MENUITEMINFOW file = {};
+            file.cbSize = sizeof file;
+            file.fMask = MIIM_FTYPE;
+            GetMenuItemInfoW(GetMenu(frame), 0, TRUE, &file);
+            if (file.fType & MFT_OWNERDRAW) {
+                EXPECT_EQ(language.code, "th-TH");
+                EXPECT_EQ(SendMessageW(frame, WM_MENUCHAR, 'f', reinterpret_cast<LPARAM>(GetMenu(frame))),
+                          MAKELRESULT(0, MNC_EXECUTE));
             }
             RECT last = {}, room = {};
             TreeView_GetItemRect(tree, TreeView_GetNextItem(tree, nullptr, TVGN_LASTVISIBLE), &last, FALSE);

@@ -1,8 +1,8 @@
 // panel_sheet FILE.png: a picture of all panels in five languages, taken from the display.
 #include "host/media/PictureFile.h"
+#include "host/media/WindowPicture.h"
 #include "tests/dialogs/PanelFixture.h"
 
-#include <cstring>
 #include <exception>
 #include <iostream>
 #include <list>
@@ -55,28 +55,6 @@ public:
     int width = 0, height = 0;
 };
 
-vixahost::media::Picture TakePicture(int width, int height)
-{
-    vixahost::media::Picture picture(width, height);
-    const HDC screen = GetDC(nullptr);
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    void* bits = nullptr;
-    const HBITMAP bitmap = CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    const HDC memory = CreateCompatibleDC(screen);
-    const HGDIOBJ old = SelectObject(memory, bitmap);
-    BitBlt(memory, 0, 0, width, height, screen, 0, 0, SRCCOPY | CAPTUREBLT);
-    GdiFlush();
-    std::memcpy(picture.pixels.data(), bits, picture.pixels.size());
-    for (std::size_t i = 3; i < picture.pixels.size(); i += 4)
-        picture.pixels[i] = 255;
-    SelectObject(memory, old);
-    DeleteDC(memory);
-    DeleteObject(bitmap);
-    ReleaseDC(nullptr, screen);
-    return picture;
-}
-
 void DrawSheet(const std::filesystem::path& file)
 {
     // The font that the panels have on Windows.
@@ -107,7 +85,8 @@ void DrawSheet(const std::filesystem::path& file)
     first.MoveTo(first.Control(1029), 62, 9);
     HostWindow::PumpUntil([] { return false; }, 2500);
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    vixahost::media::WritePicture(file, vixahost::media::PictureFormat::Png, TakePicture(width, top));
+    vixahost::media::WritePicture(file, vixahost::media::PictureFormat::Png,
+                                  vixahost::media::PictureOfScreen({0, 0, width, top}));
     CoUninitialize();
 }
 
