@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# package.sh: makes the installer, a plain zip of the same files, and a zip for programs that use the library, in
-# build/package. The same commit gives the same bytes: every file carries the commit's date, and all lists are sorted.
+# package.sh [--verify]: makes the installer, a plain zip of the same files, a zip for programs that use the library, and their bill
+# of materials, in build/package. The same commit gives the same bytes: every file carries the commit's date, and all lists are
+# sorted. --verify makes them once more, from nothing, of a copy of the sources in another folder, at another time, by another
+# user when root starts it, and compares everything, debug files included. (Compiler caches that rewrite paths get in its way.)
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 "$ROOT/tools/setup.sh"
@@ -10,7 +12,7 @@ done
 
 version=$(sed -n 's/^project(VixaVideoFX VERSION \([0-9.]*\) .*/\1/p' "$ROOT/CMakeLists.txt")
 # Without the history, as in an unpacked archive of the sources, their own date does.
-SOURCE_DATE_EPOCH=$(git -C "$ROOT" log -1 --format=%ct 2>/dev/null || stat -c %Y "$ROOT/CMakeLists.txt")
+: "${SOURCE_DATE_EPOCH:=$(git -C "$ROOT" log -1 --format=%ct 2>/dev/null || stat -c %Y "$ROOT/CMakeLists.txt")}"
 export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C
 [ -z "$(git -C "$ROOT" status --porcelain 2>/dev/null)" ] || say "    (the working tree differs from the commit)"
 
@@ -28,7 +30,7 @@ for folder in x86:32:i686 x64:64:x86_64; do
     IFS=: read -r folder width machine <<<"$folder"
     bin="$BUILD/win$width/bin"
     for file in VixaVideoFX.dll vixahost.exe; do
-        $machine-w64-mingw32-strip --strip-all --remove-section=.gnu_debuglink -o "$stage/$folder/$file" "$bin/$file"
+        $machine-w64-mingw32-strip --preserve-dates --strip-all --remove-section=.gnu_debuglink -o "$stage/$folder/$file" "$bin/$file"
     done
     cp "$bin"/VixaVideoFX_*.nls "$stage/$folder/"
 done
@@ -93,4 +95,28 @@ step package-installer "Making $name-setup.exe" \
     makensis -V3 "-DVERSION=$version" "-DFILES=$lists" "-DOUT_FILE=$out/$name-setup.exe" \
     "-DSIZE_KB=$(du -sk --apparent-size "$stage" | cut -f1)" "$ROOT/installer/VixaVideoFX.nsi"
 
-(cd "$out" && sha256sum "$name.zip" "$sdk_name.zip" "$name-setup.exe" | tee SHA256SUMS)
+bill="VixaVideoFX-$version.spdx.json"
+step package-bill "Making $bill" sh -c "'$ROOT/tools/bill.sh' >'$out/$bill'"
+
+(cd "$out" && sha256sum "$bill" "$name.zip" "$sdk_name.zip" "$name-setup.exe" | tee SHA256SUMS)
+
+[ "${1:-}" = --verify ] || exit 0
+other=$(mktemp -d)
+trap 'rm -rf "$other"' EXIT
+copy="$other/the same once more"
+mkdir -p "$copy/build"
+(cd "$ROOT" && git ls-files -z --cached --others --exclude-standard | xargs -0 cp --parents -t "$copy")
+cp -r "$BUILD/deps" "$copy/build/"
+find "$copy" -type f -exec touch --date=2001-02-03 {} +
+as=(env HOME="$other" XDG_CACHE_HOME="$other" TZ=Asia/Tokyo SOURCE_DATE_EPOCH="$SOURCE_DATE_EPOCH")
+if [ "$(id -u)" = 0 ]; then
+    chown -R nobody "$other"
+    as=(setpriv --reuid=nobody --regid=nogroup --clear-groups "${as[@]}")
+fi
+step package-verify "Making them once more" "${as[@]}" bash -c 'umask 027; exec "$0"' "$copy/tools/package.sh"
+differing=0
+while read -r file; do
+    cmp "$BUILD/$file" "$copy/build/$file" || differing=$((differing + 1))
+done < <(cd "$BUILD" && ls package/SHA256SUMS package/*.{zip,exe,json} win{32,64}/bin/{VixaVideoFX.dll,VixaVideoFX.dll.debug,vixahost.exe})
+[ $differing -eq 0 ] || fail "$differing files are others when they are made again."
+say "Made twice, the packages and both widths' programs with their debug information are the same."
