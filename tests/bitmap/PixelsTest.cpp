@@ -102,6 +102,12 @@ TEST(Pixels, TintChangesItsRectangleAndMaskOnly)
     for (std::int32_t x = 0; x < 5; ++x)
         EXPECT_EQ(picture.At(x, 3)[1], x == 0 || x == 4 ? 255 : 9) << x;
     EXPECT_EQ(picture.At(0, 2)[1], 9);
+    // Each channel by its own table, from its own value.
+    auto* const pixel = picture.At(1, 2);
+    pixel[0] = 10, pixel[1] = 60, pixel[2] = 200;
+    const TintTables half = MakeTintTables(0x00102030, 128);
+    Tint(picture.Pixels(), {1, 2, 2, 3}, half, nullptr);
+    EXPECT_TRUE(pixel[0] == half.blue[10] && pixel[1] == half.green[60] && pixel[2] == half.red[200]);
 }
 
 TEST(Pixels, ColourVariationIsTheMeanDeviation)

@@ -92,6 +92,10 @@ TEST_P(ResourceFile, AnHonestFileIsWhole)
     EXPECT_TRUE(IsWholeWith(directories + 16, 0)) << "a module without resources is a module";
     EXPECT_TRUE(IsWholeWith(directories - 4, 2)) << "its directories end before the resources";
     EXPECT_TRUE(IsWholeWith(data + 4, 0)) << "an empty resource";
+    Bytes file = HonestFile();
+    Put(file, directories - 4, 2);
+    Put(file, directories + 16, 0x2000);
+    EXPECT_TRUE(IsWholeResourceModule(file)) << "what follows the last directory is none";
 }
 
 TEST_P(ResourceFile, TruncatedAnywhereItIsNot)

@@ -73,8 +73,8 @@ TEST(Manifest, WhatDoesNotParseGivesNoName)
 
 TEST(Manifest, NameThatIsNotUtf8IsAnError)
 {
-    for (const std::string& name :
-         {"\x80x"s, "\xC3(x"s, "\xC0\xAF."s, "\xED\xA0\x80."s, "\xF5\x80\x80\x80."s, "ab\xE2\x82"s})
+    for (const std::string& name : {"\x80x"s, "\xC3(x"s, "\xC0\xAF."s, "\xED\xA0\x80."s, "\xF0\x8F\xBF\xBF."s,
+                                    "\xF5\x80\x80\x80."s, "ab\xE2\x82"s})
         EXPECT_EQ(ThrownBy([&] {
                       ManifestName("<?xml version='1.0' encoding='iso-8859-1'?><assembly><assemblyIdentity name='" +
                                    name + "'/></assembly>");
@@ -93,6 +93,8 @@ TEST(Manifest, NestingAndAttributesAreBoundedBeforeParsing)
         "<r>" + Repeat(5000, "<a x='1'><b/>text<!-- </a> <c> --><![CDATA[</a><c>]]></a>\n") + "</r>";
     EXPECT_TRUE(IsSafeToParse(many));
     EXPECT_TRUE(IsSafeToParse(declaration + "<!DOCTYPE r>" + many));
+    // The first and the last character of four bytes; text behind the last tag.
+    EXPECT_TRUE(IsSafeToParse(many + "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"));
 
     for (const std::string& text : {
              "<a>" + deep + "</a>",
