@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# fuzz.sh [RUNS [NAME...]]: runs the fuzz targets (all of them without names) with RUNS inputs each, a million without a
+# fuzz.sh [RUNS | --keep [NAME...]]: runs the fuzz targets (all of them without names) with RUNS inputs each, a million without a
 # number. What crashes, hangs or grows too large stands in build/fuzz/fuzz/found/NAME afterwards; inputs that reached
-# something new are kept there for the next run.
+# something new are kept there for the next run. --keep takes those of them into fuzz/corpus, the smallest first, that reach a
+# place in the code which nothing there reaches, and no others: how often a place is reached doesn't count.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 runs=${1:-1000000}
@@ -18,6 +19,13 @@ for name in "${names[@]}"; do
     ! grep -q "^vixa_fuzz($name .*DICTIONARY" "$ROOT/fuzz/CMakeLists.txt" ||
         options+=("-dict=$ROOT/fuzz/$(sed -n "s/^vixa_fuzz($name .*DICTIONARY \([^)]*\))/\1/p" "$ROOT/fuzz/CMakeLists.txt")")
     mkdir -p "$found"
+    if [ "$runs" = --keep ]; then
+        before=$(ls "$ROOT/fuzz/corpus/$name" | wc -l)
+        step "fuzz-keep-$name" "Looking for what $name adds" "$BUILD/fuzz/bin/fuzz_$name" -merge=1 -use_counters=0 -max_len=4096 \
+            "$ROOT/fuzz/corpus/$name" "$found"
+        say "$name: $(($(ls "$ROOT/fuzz/corpus/$name" | wc -l) - before)) new, $(du -bs "$ROOT/fuzz/corpus/$name" | cut -f1) bytes with them"
+        continue
+    fi
     status=0
     (cd "$found" && "$BUILD/fuzz/bin/fuzz_$name" "${options[@]}" "$found" "$ROOT/fuzz/corpus/$name") >"$log" 2>&1 || status=$?
     count=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
