@@ -108,6 +108,7 @@ void BrowseWindow::OnCreate()
     ShowMedium();
     ShowTexts();
     tree->ShowFirst();
+    FollowColours(hwnd);
     SetTimer(hwnd, failureTimer, failureInterval, nullptr);
     // Who uses the keys sees where they go from the beginning, not only after the first.
     SendMessageW(hwnd, WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS | UISF_HIDEACCEL), 0);
@@ -209,6 +210,7 @@ LRESULT BrowseWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
         // The system's own controls ask for new colours only when they are told.
         for (HWND child = GetWindow(hwnd, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
             SendMessageW(child, message, wParam, lParam);
+        FollowColours(hwnd);
         return 0;
     case WM_SETTINGCHANGE:
         TakeNewStyle();
@@ -469,7 +471,10 @@ void BrowseWindow::ShowPanel()
         return;
     }
     const effects::CatalogueEntry& entry = *effects::FindEntry(session->Catalogue(), current->classId);
+    const HWND before = panel->Panel();
     panel->Open(entry, current->block);
+    if (panel->Panel() != before)
+        FollowColours(panel->Handle());
     SetWindowTextW(panelLabel, texts(IDT_SETTINGS, {entry.name}).c_str());
     const bool empty = panel->IsEmpty();
     ShowWindow(emptyPanel, empty ? SW_SHOW : SW_HIDE);

@@ -3,6 +3,9 @@
 #include "host/base/HostError.h"
 #include "host/base/ResultCode.h"
 
+#include <commctrl.h>
+#include <uxtheme.h>
+
 #include <utility>
 
 namespace vixahost::browse {
@@ -45,6 +48,34 @@ void Style::Swap(Style& other) noexcept
     std::swap(dpi, other.dpi);
     std::swap(lineHeight, other.lineHeight);
     std::swap(replaces, other.replaces);
+}
+
+namespace {
+
+BOOL CALLBACK DrawPlainly(HWND control, LPARAM dark)
+{
+    // Of a list of classes that has none, no style is found; not every system takes an empty text for such a list.
+    const wchar_t* const classes = dark ? L" " : nullptr;
+    SetWindowTheme(control, classes, classes);
+    wchar_t name[30] = {};
+    GetClassNameW(control, name, 30);
+    // Lists keep the colours that they were made with.
+    if (_wcsicmp(name, WC_LISTVIEWW) == 0) {
+        ListView_SetBkColor(control, GetSysColor(COLOR_WINDOW));
+        ListView_SetTextBkColor(control, GetSysColor(COLOR_WINDOW));
+        ListView_SetTextColor(control, GetSysColor(COLOR_WINDOWTEXT));
+    }
+    return TRUE;
+}
+
+} // namespace
+
+void FollowColours(HWND window)
+{
+    const COLORREF ground = GetSysColor(COLOR_WINDOW);
+    const int brightness = (2 * GetRValue(ground) + 5 * GetGValue(ground) + GetBValue(ground)) / 8;
+    EnumChildWindows(window, DrawPlainly, brightness < 128);
+    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 HWND CreateControl(const wchar_t* className, const wchar_t* text, DWORD style, HWND parent, int id, const Style& look,

@@ -31,6 +31,10 @@ private:
     bool replaces = false;
 };
 
+// The system's visual style is made for light colours. Under dark ones the window's controls are drawn without it, in
+// the colours themselves.
+void FollowColours(HWND window);
+
 // A control of a system class, in the style's font. Throws FailedJob.
 HWND CreateControl(const wchar_t* className, const wchar_t* text, DWORD style, HWND parent, int id, const Style& look,
                    DWORD exStyle = 0);

@@ -16,6 +16,7 @@
 #include <atomic>
 #include <cstring>
 #include <functional>
+#include <numeric>
 #include <set>
 #include <string>
 #include <thread>
@@ -472,6 +473,24 @@ TEST_F(BrowserWindow, IsUsedByKeysAndHeard)
     EXPECT_TRUE(WaitFor([&] { return Seen() == whole; }));
     EXPECT_NE(zoomed, whole);
     CoUninitialize();
+}
+
+TEST_F(BrowserWindow, FollowsDarkColoursWhileItIsOpen)
+{
+    const int elements[] = {COLOR_WINDOW, COLOR_BTNFACE};
+    const COLORREF light[] = {GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_BTNFACE)};
+    constexpr COLORREF dark[] = {RGB(30, 30, 30), RGB(40, 40, 40)};
+    const auto brightness = [this](int id) {
+        const media::Picture part = media::PictureOfWindow(GetDlgItem(frame, id));
+        return std::accumulate(part.pixels.begin(), part.pixels.end(), 0.0) / static_cast<double>(part.pixels.size());
+    };
+    SeenAtRest();
+    for (const auto* const scheme : {dark, light}) {
+        SetSysColors(2, elements, scheme);
+        for (const int id : {IDC_TREE, IDC_STACK, IDC_STATUS}) // each pixel's alpha of 255 counts with a quarter
+            EXPECT_TRUE(WaitFor([&] { return (brightness(id) < 150) == (scheme == dark); }, 1500))
+                << id << " is as bright as " << brightness(id);
+    }
 }
 
 void Drop(HWND on, const std::filesystem::path& file)

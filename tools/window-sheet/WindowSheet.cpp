@@ -75,7 +75,8 @@ media::Picture Packed(const std::vector<media::Picture>& parts)
     return sheet;
 }
 
-void UseDarkColours()
+// Gives what to call to have the system's own colours again.
+std::function<void()> UseDarkColours()
 {
     const struct
     {
@@ -91,12 +92,17 @@ void UseDarkColours()
                   {COLOR_3DDKSHADOW, RGB(10, 10, 10)},   {COLOR_APPWORKSPACE, RGB(25, 25, 25)},
                   {COLOR_INFOBK, RGB(60, 60, 60)},       {COLOR_INFOTEXT, RGB(240, 240, 240)}};
     std::vector<int> elements;
-    std::vector<COLORREF> colours;
+    std::vector<COLORREF> colours, before;
     for (const auto& part : scheme) {
         elements.push_back(part.element);
+        before.push_back(GetSysColor(part.element));
         colours.push_back(part.colour);
     }
-    SetSysColors(static_cast<int>(elements.size()), elements.data(), colours.data());
+    const auto set = [elements](const std::vector<COLORREF>& values) {
+        SetSysColors(static_cast<int>(elements.size()), elements.data(), values.data());
+    };
+    set(colours);
+    return [set, before] { set(before); };
 }
 
 void DrawSheet(browse::BrowseWindow& window, const effects::Language& language, const std::filesystem::path& folder)
@@ -133,14 +139,16 @@ void Run(const std::filesystem::path& folder, SIZE size, std::vector<std::string
     browse::BrowseWindow window(size);
     ShowWindow(window.Handle(), SW_SHOW);
     SetForegroundWindow(window.Handle());
+    std::function<void()> restore = [] {};
     if (wanted.front() == "dark") {
-        UseDarkColours();
+        restore = UseDarkColours();
         wanted.erase(wanted.begin());
     }
     for (const effects::Language& language : effects::InstalledLanguages(window.Work().LibraryFile()))
         for (const std::string_view code : wanted)
             if (code == "all" || language.code == code)
                 DrawSheet(window, language, folder);
+    restore();
 }
 
 } // namespace
