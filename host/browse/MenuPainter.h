@@ -23,7 +23,7 @@ public:
     void Take(HMENU menu);
 
     // What WM_MEASUREITEM and WM_DRAWITEM ask; false when it is not about an item of these.
-    bool Measure(MEASUREITEMSTRUCT& item) const;
+    bool Measure(MEASUREITEMSTRUCT& wanted) const;
     bool Draw(const DRAWITEMSTRUCT& drawing) const;
     // The place of the item of a drawn menu that a key chooses.
     static std::optional<UINT> ItemOf(HMENU menu, wchar_t key);

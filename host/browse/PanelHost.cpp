@@ -20,12 +20,6 @@ bool IsA(HWND control, const wchar_t* kind)
     return _wcsicmp(name, kind) == 0;
 }
 
-BOOL CALLBACK GiveFont(HWND window, LPARAM font)
-{
-    SendMessageW(window, WM_SETFONT, static_cast<WPARAM>(font), TRUE);
-    return TRUE;
-}
-
 BOOL CALLBACK GiveTooltipFont(HWND window, LPARAM font)
 {
     return !IsA(window, TOOLTIPS_CLASSW) || GiveFont(window, font);

@@ -1,5 +1,7 @@
 #include "host/browse/Question.h"
 
+#include "host/browse/Style.h"
+
 #include <commctrl.h>
 
 #include <new>
@@ -7,12 +9,6 @@
 namespace vixahost::browse {
 
 namespace {
-
-BOOL CALLBACK GiveFont(HWND window, LPARAM font)
-{
-    SendMessageW(window, WM_SETFONT, static_cast<WPARAM>(font), TRUE);
-    return TRUE;
-}
 
 HRESULT CALLBACK OnDialog(HWND dialog, UINT notification, WPARAM, LPARAM, LONG_PTR font) noexcept
 {

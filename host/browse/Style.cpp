@@ -70,6 +70,12 @@ BOOL CALLBACK DrawPlainly(HWND control, LPARAM dark)
 
 } // namespace
 
+BOOL CALLBACK GiveFont(HWND window, LPARAM font)
+{
+    SendMessageW(window, WM_SETFONT, static_cast<WPARAM>(font), TRUE);
+    return TRUE;
+}
+
 void FollowColours(HWND window)
 {
     const COLORREF ground = GetSysColor(COLOR_WINDOW);

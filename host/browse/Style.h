@@ -35,6 +35,9 @@ private:
 // the colours themselves.
 void FollowColours(HWND window);
 
+// For windows that are walked through (EnumChildWindows and its like): the text is written in this HFONT, the caller's.
+BOOL CALLBACK GiveFont(HWND window, LPARAM font);
+
 // A control of a system class, in the style's font. Throws FailedJob.
 HWND CreateControl(const wchar_t* className, const wchar_t* text, DWORD style, HWND parent, int id, const Style& look,
                    DWORD exStyle = 0);

@@ -110,7 +110,7 @@ void DrawSheet(browse::BrowseWindow& window, const effects::Language& language, 
     window.SetLanguage(language.id);
     const HWND frame = window.Handle(), tree = GetDlgItem(frame, IDC_TREE);
     // An effect with many settings, and what choosing it says.
-    const auto second = TreeView_GetNextItem(tree, TreeView_GetChild(tree, TreeView_GetRoot(tree)), TVGN_NEXT);
+    auto* const second = TreeView_GetNextItem(tree, TreeView_GetChild(tree, TreeView_GetRoot(tree)), TVGN_NEXT);
     TreeView_SelectItem(tree, TreeView_GetNextItem(tree, second, TVGN_NEXT));
     TreeView_SelectItem(tree, second);
     PumpFor(600, window);
