@@ -19,10 +19,10 @@ sums() { printf '[{"algorithm": "SHA1", "checksumValue": "%s"}, {"algorithm": "S
 linked() {
     local tree="$BUILD/win$1" library
     {
-        # (The compiler names a header by the link's path or by the shorter one that the link leads to.)
         # The archives of which a member was taken, and the objects with which every program begins and ends.
         sed -n -e '/^Discarded input sections/q' -e 's/^\([^ (]*\.a\)(.*/\1/p' "$tree/bin/$2.map"
         sed -n 's/^LOAD \(\/usr\/.*\.o\)$/\1/p' "$tree/bin/$2.map"
+        # The compiler names a header by the link's path or by the shorter one that the link leads to.
         [ "$2" != vixahost.exe ] || ninja -C "$tree" -t deps |
             awk '/^[^ ]/ { mine = /^host\// } mine && /^ .*host-headers\/|^ +\/usr\/include\// { sub(/^ +/, ""); print }'
     } | sort -u | while read -r library; do
