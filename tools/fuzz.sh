@@ -8,20 +8,21 @@
 runs=${1:-1000000}
 shift || true
 configure fuzz
-[ $# -gt 0 ] || mapfile -t names < <(sed -n 's/^vixa_fuzz(\([a-z_]*\) .*/\1/p' "$ROOT/fuzz/CMakeLists.txt")
+[ $# -gt 0 ] || mapfile -t names < <(sed -n 's/^ *vixa_fuzz(\([a-z0-9_]*\) .*/\1/p' "$ROOT/fuzz/CMakeLists.txt")
 [ $# -eq 0 ] || names=("$@")
 build fuzz "${names[@]/#/fuzz_}"
 
 for name in "${names[@]}"; do
     found="$BUILD/fuzz/fuzz/found/$name"
     log="$LOGS/fuzz-$name.log"
-    options=(-runs="$runs" -timeout=10 -rss_limit_mb=1024 -max_len=16384 -print_final_stats=1)
-    ! grep -q "^vixa_fuzz($name .*DICTIONARY" "$ROOT/fuzz/CMakeLists.txt" ||
-        options+=("-dict=$ROOT/fuzz/$(sed -n "s/^vixa_fuzz($name .*DICTIONARY \([^)]*\))/\1/p" "$ROOT/fuzz/CMakeLists.txt")")
+    row=$(grep "^ *vixa_fuzz($name " "$ROOT/fuzz/CMakeLists.txt")
+    limit=$(sed -n 's/.*MAX_BYTES \([0-9]*\).*/\1/p' <<<"$row") words=$(sed -n 's/.*DICTIONARY \([^ )]*\).*/\1/p' <<<"$row")
+    options=(-runs="$runs" -timeout=10 -rss_limit_mb=1024 -max_len="$limit" -print_final_stats=1)
+    [ -z "$words" ] || options+=("-dict=$ROOT/fuzz/$words")
     mkdir -p "$found"
     if [ "$runs" = --keep ]; then
         before=$(ls "$ROOT/fuzz/corpus/$name" | wc -l)
-        step "fuzz-keep-$name" "Looking for what $name adds" "$BUILD/fuzz/bin/fuzz_$name" -merge=1 -use_counters=0 -max_len=4096 \
+        step "fuzz-keep-$name" "Looking for what $name adds" "$BUILD/fuzz/bin/fuzz_$name" -merge=1 -use_counters=0 -max_len="$limit" \
             "$ROOT/fuzz/corpus/$name" "$found"
         say "$name: $(($(ls "$ROOT/fuzz/corpus/$name" | wc -l) - before)) new, $(du -bs "$ROOT/fuzz/corpus/$name" | cut -f1) bytes with them"
         continue
