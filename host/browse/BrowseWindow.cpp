@@ -677,9 +677,11 @@ void BrowseWindow::Save(const std::filesystem::path& file)
         order.still = medium.Still();
     order.stack = effects::SwitchedOn(session->Stack().Items());
     order.target = file;
-    const bool done = SaveDialog::Run(hwnd, *style, texts, std::move(order));
+    const Saved done = SaveDialog::Run(hwnd, *style, texts, std::move(order));
     const std::wstring saved = texts(IDT_SAVED, {file.native()});
-    Tell(!done ? texts(IDT_SAVE_CANCELLED) : medium.LosesSoundIn(file) ? texts(IDT_WITHOUT_SOUND, {saved}) : saved);
+    Tell(done == Saved::No             ? texts(IDT_SAVE_CANCELLED)
+         : done == Saved::WithoutSound ? texts(IDT_WITHOUT_SOUND, {saved})
+                                       : saved);
 }
 
 void BrowseWindow::SetLanguage(LANGID language)

@@ -42,11 +42,6 @@ Medium::Medium(media::Picture source, std::string title) : name(std::move(title)
     TakePicture();
 }
 
-bool Medium::LosesSoundIn(const std::filesystem::path& target) const
-{
-    return clip && clip->HasSound() && !media::KeepsSound(*clip, target);
-}
-
 void Medium::TakePicture()
 {
     media::PictureReader reader(picture);

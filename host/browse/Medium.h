@@ -25,8 +25,6 @@ public:
     bool IsClip() const noexcept { return clip != nullptr; }
     const std::filesystem::path& File() const noexcept { return path; } // empty for a picture without a file
     std::optional<media::YuvFrames> Yuv() const { return clip ? clip->Yuv() : std::nullopt; }
-    // Whether the clip's sound would not be in a copy of that name.
-    bool LosesSoundIn(const std::filesystem::path& target) const;
     const media::Picture& Still() const noexcept { return picture; } // empty for a clip
     const media::FrameFormat& Format() const noexcept { return format; }
     std::int64_t FrameCount() const noexcept { return count; } // 1 for a picture

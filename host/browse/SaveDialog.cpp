@@ -41,7 +41,7 @@ SaveDialog::SaveDialog(HWND owner, const Style& look, const Texts& language, Sav
     job = std::make_unique<SaveJob>(std::move(order), [window] { PostMessageW(window, jobEnded, 0, 0); });
 }
 
-bool SaveDialog::Run(HWND owner, const Style& look, const Texts& texts, SaveOrder order)
+Saved SaveDialog::Run(HWND owner, const Style& look, const Texts& texts, SaveOrder order)
 {
     SaveDialog dialog(owner, look, texts, std::move(order));
     SetTimer(dialog.hwnd, progressTimer, 100, nullptr);
@@ -65,9 +65,9 @@ bool SaveDialog::Run(HWND owner, const Style& look, const Texts& texts, SaveOrde
         dialog.job->Cancel();
     const std::string failure = dialog.job->Wait();
     if (failure.empty())
-        return true;
+        return dialog.job->LostSound() ? Saved::WithoutSound : Saved::Whole;
     if (dialog.job->Cancelled())
-        return false;
+        return Saved::No;
     throw FailedJob(failure);
 }
 

@@ -10,12 +10,19 @@
 
 namespace vixahost::browse {
 
+enum class Saved
+{
+    No, // the user has cancelled
+    Whole,
+    WithoutSound, // that the clip has
+};
+
 class SaveDialog : public Window
 {
 public:
-    // Saves; returns when it is done. False when the user has cancelled. Throws HostError. `owner` is disabled
-    // meanwhile; for a picture no window appears unless it takes its time.
-    static bool Run(HWND owner, const Style& look, const Texts& texts, SaveOrder order);
+    // Saves; returns when it is done. Throws HostError. `owner` is disabled meanwhile; for a picture no window appears
+    // unless it takes its time.
+    static Saved Run(HWND owner, const Style& look, const Texts& texts, SaveOrder order);
 
 private:
     SaveDialog(HWND owner, const Style& look, const Texts& language, SaveOrder order);

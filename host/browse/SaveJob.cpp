@@ -56,7 +56,7 @@ void SaveJob::Run()
         if (order.source.empty())
             SaveThroughEffects(job, order.still, *media::PictureFormatOf(order.target));
         else
-            SaveThroughEffects(job, order.source, order.choice);
+            lostSound = SaveThroughEffects(job, order.source, order.choice).losesSound;
     } catch (const std::bad_alloc&) {
         failure = "There is not enough memory for a picture of this size.";
     } catch (const std::exception& fault) {

@@ -40,6 +40,8 @@ public:
     // Waits for the end. What went wrong, or "" when the target is written; cancelled jobs wrote nothing.
     std::string Wait();
     bool Cancelled() const noexcept { return cancelled; }
+    // Whether the target lacks the clip's sound; after Wait.
+    bool LostSound() const noexcept { return lostSound; }
 
 private:
     void Run();
@@ -49,6 +51,7 @@ private:
     std::atomic<bool> cancelled = false;
     std::atomic<std::int64_t> done = 0, total = 0;
     std::string failure;
+    bool lostSound = false;
     std::thread thread;
 };
 

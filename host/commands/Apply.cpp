@@ -117,6 +117,11 @@ private:
     std::optional<Progress> progress;
 };
 
+bool IsAviName(const std::filesystem::path& name)
+{
+    return _wcsicmp(name.extension().c_str(), L".avi") == 0;
+}
+
 // How the input's sound comes to the frames that were written.
 std::string WayToSound(const std::filesystem::path& input, const std::filesystem::path& output,
                        const media::FrameReader& reader)
@@ -125,7 +130,7 @@ std::string WayToSound(const std::filesystem::path& input, const std::filesystem
     if (IsStandard(output))
         return "FFmpeg puts it back when it reads the clip after the frames: -i - " + sound;
     // Neither y4m nor a sequence holds sound, and a sequence doesn't tell its rate.
-    const bool avi = _wcsicmp(output.extension().c_str(), L".avi") == 0;
+    const bool avi = IsAviName(output);
     const auto sequence = media::SequenceName::Of(output);
     const media::FrameFormat format = reader.Format();
     std::filesystem::path whole = output.parent_path() / (input.stem().native() + L"-with-sound");
@@ -159,8 +164,10 @@ graph::JobDone Apply(const Job& job, const std::optional<media::PictureFormat>& 
     if (reader->HadAlpha())
         Complain("The pictures' transparency is left out: a clip's frames have none.\n");
     if (target->losesSound)
-        Complain("The clip's sound is left out: only AVI clips that are made of AVI clips have some. " +
-                 WayToSound(job.command.input, job.command.output, *reader) + "\n");
+        Complain(
+            std::string("The clip's sound is left out: ") +
+            (IsAviName(job.command.output) ? "this system has no decoder for it. " : "only AVI clips have some. ") +
+            WayToSound(job.command.input, job.command.output, *reader) + "\n");
     return done;
 }
 

@@ -72,6 +72,7 @@ JobDone SaveThroughEffects(const FileJob& job, const std::filesystem::path& clip
     const auto target = media::CreateClip(job.target, *reader, choice.colours);
     JobDone done = SaveThroughEffects(job, *reader, *target->writer);
     target->Commit();
+    done.losesSound = target->losesSound;
     return done;
 }
 

@@ -30,6 +30,7 @@ struct JobDone
     std::int64_t frames;
     double milliseconds;                      // that the effects took for a frame
     std::optional<media::YuvFrames> yuv = {}; // as what a clip of YUV was read
+    bool losesSound = false;                  // that the clip has
 };
 
 // They throw HostError, and StoppedJob for a job that was stopped; nothing is written then.

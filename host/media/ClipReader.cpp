@@ -26,6 +26,31 @@ bool IsSound(const AviStream& stream)
     return stream.type == TagOf("auds");
 }
 
+// As it stands in the file.
+class AviSound final : public SoundReader
+{
+public:
+    AviSound(FileBytes& from, const AviStream& stream) : file(from), sound(stream) {}
+
+    const AviStream& Stream() const noexcept override { return sound; }
+    bool Read(std::vector<std::uint8_t>& data) override
+    {
+        if (next == sound.chunks.size())
+            return false;
+        const AviChunk& chunk = sound.chunks[next++];
+        const std::size_t before = data.size();
+        data.resize(before + chunk.bytes);
+        if (!ReadChunk(file, chunk, std::span(data).subspan(before)))
+            throw FailedJob("The clip's sound is damaged; get a whole copy of the clip.");
+        return true;
+    }
+
+private:
+    FileBytes& file;
+    const AviStream& sound;
+    std::size_t next = 0; // chunk
+};
+
 } // namespace
 
 ClipReader::ClipReader(const std::filesystem::path& source, const YuvChoice& choice)
@@ -40,13 +65,13 @@ ClipReader::ClipReader(const std::filesystem::path& source, const YuvChoice& cho
         decoder = std::make_unique<FrameDecoder>(path, format);
 }
 
-std::optional<AviOrigin> ClipReader::Avi()
+std::vector<std::unique_ptr<SoundReader>> ClipReader::Sound()
 {
-    AviOrigin origin = {*pictures, {}, file};
+    std::vector<std::unique_ptr<SoundReader>> sound;
     for (const AviStream& stream : clip.streams)
         if (IsSound(stream))
-            origin.sound.push_back(&stream);
-    return origin;
+            sound.push_back(std::make_unique<AviSound>(file, stream));
+    return sound;
 }
 
 bool ClipReader::HasSound() const

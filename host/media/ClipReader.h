@@ -30,8 +30,9 @@ public:
 
     std::optional<YuvFrames> Yuv() const override;
 
-    std::optional<AviOrigin> Avi() override;
+    const AviStream* AviPictures() const override { return pictures; }
     bool HasSound() const override;
+    std::vector<std::unique_ptr<SoundReader>> Sound() override;
 
 private:
     void ReadUncompressed(const AviChunk& chunk, std::span<std::uint8_t> frame);

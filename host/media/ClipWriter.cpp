@@ -12,11 +12,11 @@ namespace vixahost::media {
 
 namespace {
 
-AviStream PicturesOf(const FrameFormat& format, const std::optional<AviOrigin>& origin)
+AviStream PicturesOf(const FrameFormat& format, const AviStream* origin)
 {
     AviStream stream;
     if (origin)
-        stream = origin->pictures;
+        stream = *origin;
     stream.type = TagOf("vids");
     stream.handler = TagOf("DIB ");
     stream.rate = format.rate;
@@ -34,12 +34,12 @@ AviStream PicturesOf(const FrameFormat& format, const std::optional<AviOrigin>& 
     return stream;
 }
 
-std::vector<AviStream> StreamsOf(const FrameFormat& format, const std::optional<AviOrigin>& origin)
+std::vector<AviStream> StreamsOf(const FrameFormat& format, const AviStream* pictures,
+                                 const std::vector<std::unique_ptr<SoundReader>>& sounds)
 {
-    std::vector<AviStream> streams = {PicturesOf(format, origin)};
-    if (origin)
-        for (const AviStream* const sound : origin->sound)
-            streams.push_back(*sound);
+    std::vector<AviStream> streams = {PicturesOf(format, pictures)};
+    for (const auto& sound : sounds)
+        streams.push_back(sound->Stream());
     return streams;
 }
 
@@ -49,15 +49,15 @@ std::vector<AviStream> StreamsOf(const FrameFormat& format, const std::optional<
 class ClipWriter::SoundCopy
 {
 public:
-    SoundCopy(AviOutput& target, std::size_t streamNumber, FileBytes& from, const AviStream& stream)
-        : file(target), number(streamNumber), source(from), sound(stream)
+    SoundCopy(AviOutput& target, std::size_t streamNumber, std::unique_ptr<SoundReader> from)
+        : file(target), number(streamNumber), sound(std::move(from))
     {
     }
 
     // Copies up to the sample that sounds at a time in units of 100 ns.
     void CopyUntil(REFERENCE_TIME time)
     {
-        limit = static_cast<double>(time) / 1e7 * sound.rate / sound.scale;
+        limit = static_cast<double>(time) / 1e7 * sound->Stream().rate / sound->Stream().scale;
         Copy();
     }
 
@@ -72,13 +72,12 @@ private:
     // may go on in the next chunk.
     void Copy()
     {
-        const std::size_t size = sound.sampleSize;
+        const std::size_t size = sound->Stream().sampleSize;
         while (static_cast<double>(copied) < limit) {
             const std::size_t whole = size > 0 ? (data.size() - done) / size : 0;
             if (whole == 0) {
-                if (chunk == sound.chunks.size())
+                if (!Load())
                     return;
-                Load(sound.chunks[chunk++]);
                 if (size == 0) {
                     Write(data, 1);
                     done = data.size();
@@ -92,15 +91,12 @@ private:
         }
     }
 
-    // Behind what is left of the last one.
-    void Load(const AviChunk& next)
+    // Behind what is left of the last one; false when there is no more.
+    bool Load()
     {
         data.erase(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(done));
         done = 0;
-        const std::size_t left = data.size();
-        data.resize(left + next.bytes);
-        if (!ReadChunk(source, next, std::span(data).subspan(left)))
-            throw FailedJob("The clip's sound is damaged; get a whole copy of the clip.");
+        return sound->Read(data);
     }
 
     void Write(std::span<const std::uint8_t> bytes, std::size_t samples)
@@ -111,24 +107,19 @@ private:
 
     AviOutput& file;
     std::size_t number; // of the stream
-    FileBytes& source;
-    const AviStream& sound;
+    std::unique_ptr<SoundReader> sound;
     double limit = 0;         // in samples
     std::uint64_t copied = 0; // in samples
-    std::size_t chunk = 0;    // the next one
     std::size_t done = 0;     // the bytes of the data that are through
     std::vector<std::uint8_t> data;
 };
 
-ClipWriter::ClipWriter(const TargetFile& finished, const FrameFormat& size, const std::optional<AviOrigin>& origin,
-                       std::uint64_t partBytes)
-    : target(finished), format(size), file(finished), output(file, StreamsOf(format, origin), partBytes)
+ClipWriter::ClipWriter(const TargetFile& finished, const FrameFormat& size, const AviStream* pictures,
+                       std::vector<std::unique_ptr<SoundReader>> sounds, std::uint64_t partBytes)
+    : target(finished), format(size), file(finished), output(file, StreamsOf(format, pictures, sounds), partBytes)
 {
-    if (!origin)
-        return;
-    std::size_t number = 0;
-    for (const AviStream* const stream : origin->sound)
-        sound.push_back(std::make_unique<SoundCopy>(output, ++number, origin->bytes, *stream));
+    for (auto& stream : sounds)
+        sound.push_back(std::make_unique<SoundCopy>(output, sound.size() + 1, std::move(stream)));
 }
 
 ClipWriter::~ClipWriter() = default;

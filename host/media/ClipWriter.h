@@ -1,4 +1,4 @@
-// Writes an AVI clip: uncompressed RGB, with another clip's sound.
+// Writes an AVI clip: uncompressed RGB, and another clip's sound.
 #pragma once
 
 #include "host/base/TargetFile.h"
@@ -16,10 +16,11 @@ namespace vixahost::media {
 class ClipWriter : public FrameWriter
 {
 public:
-    // A new file in the place of the target's temporary one, with the frames' size and rate, and what `origin` has
-    // besides. The target and the origin's reader must outlive the writer. Throws FailedJob.
-    ClipWriter(const TargetFile& finished, const FrameFormat& size, const std::optional<AviOrigin>& origin,
-               std::uint64_t partBytes = AviOutput::usualPart);
+    // A new file in the place of the target's temporary one, with the frames' size and rate, what `pictures` (null:
+    // nothing) says of them besides, and sound. The target and what the sound reads must outlive the writer. Throws
+    // FailedJob.
+    ClipWriter(const TargetFile& finished, const FrameFormat& size, const AviStream* pictures,
+               std::vector<std::unique_ptr<SoundReader>> sounds, std::uint64_t partBytes = AviOutput::usualPart);
     ~ClipWriter() override;
 
     // Throws FailedJob as soon as something can't be written.

@@ -45,11 +45,6 @@ std::unique_ptr<ClipFrames> OpenClip(const std::filesystem::path& file, const Cl
     return std::make_unique<DecodedClipReader>(file);
 }
 
-bool KeepsSound(FrameReader& clip, const std::filesystem::path& target)
-{
-    return EndsIn(target, L".avi") && clip.Avi();
-}
-
 void ClipTarget::Commit()
 {
     writer->Commit();
@@ -60,17 +55,18 @@ void ClipTarget::Commit()
 std::unique_ptr<ClipTarget> CreateClip(const std::filesystem::path& file, FrameReader& reader, const YuvChoice& colours)
 {
     auto target = std::make_unique<ClipTarget>();
-    const auto origin = reader.Avi();
     const FrameFormat format = reader.Format();
-    target->losesSound = reader.HasSound() && !KeepsSound(reader, file);
+    const bool avi = EndsIn(file, L".avi");
+    auto sound = avi ? reader.Sound() : std::vector<std::unique_ptr<SoundReader>>();
+    target->losesSound = reader.HasSound() && sound.empty();
     if (auto sequence = SequenceName::Of(file)) {
         target->writer =
             std::make_unique<SequenceWriter>(std::move(*sequence), format, reader.FirstNumber().value_or(1));
         return target;
     }
     target->file.emplace(file);
-    if (EndsIn(file, L".avi"))
-        target->writer = std::make_unique<ClipWriter>(*target->file, format, origin);
+    if (avi)
+        target->writer = std::make_unique<ClipWriter>(*target->file, format, reader.AviPictures(), std::move(sound));
     else
         target->writer = NewRawWriter(&*target->file, reader, colours, false);
     return target;

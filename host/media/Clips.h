@@ -25,9 +25,6 @@ bool HoldsClip(const std::filesystem::path& file);
 // Throws NoDecoder and FailedJob.
 std::unique_ptr<ClipFrames> OpenClip(const std::filesystem::path& file, const ClipChoice& choice = {});
 
-// Whether a clip's sound goes into a copy of that name.
-bool KeepsSound(FrameReader& clip, const std::filesystem::path& target);
-
 // Where a clip's frames go. It appears when it is whole.
 struct ClipTarget
 {

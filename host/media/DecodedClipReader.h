@@ -1,6 +1,8 @@
 // A clip of which only the platform knows the structure.
 #pragma once
 
+#include "host/base/HostError.h"
+#include "host/media/DecodedSoundReader.h"
 #include "host/media/FrameDecoder.h"
 #include "host/media/Frames.h"
 
@@ -9,17 +11,27 @@
 
 namespace vixahost::media {
 
-// Every frame comes from the platform's decoders, in a process of their own; sound is left where it is. One thread at a
+// Every frame comes from the platform's decoders, in a process of their own, and the sound in another. One thread at a
 // time.
 class DecodedClipReader final : public ClipFrames
 {
 public:
     // Throws NoDecoder and FailedJob.
-    explicit DecodedClipReader(const std::filesystem::path& file) : decoder(file) {}
+    explicit DecodedClipReader(const std::filesystem::path& file) : path(file), decoder(file) {}
 
     FrameFormat Format() const override { return decoder.Clip().format; }
     std::int64_t FrameCount() const noexcept override { return decoder.Clip().frames; }
     bool HasSound() const override { return decoder.Clip().sound; }
+    std::vector<std::unique_ptr<SoundReader>> Sound() override
+    {
+        std::vector<std::unique_ptr<SoundReader>> sound;
+        try {
+            if (HasSound())
+                sound.push_back(std::make_unique<DecodedSoundReader>(path, decoder.Clip()));
+        } catch (const NoDecoder&) { // then it can't be had
+        }
+        return sound;
+    }
     bool Read(std::span<std::uint8_t> frame) override { return decoder.Decode(position++, frame); }
     void Seek(std::int64_t index) noexcept override
     {
@@ -27,6 +39,7 @@ public:
     }
 
 private:
+    std::filesystem::path path;
     FrameDecoder decoder;
     std::int64_t position = 0;
 };

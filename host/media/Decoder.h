@@ -3,6 +3,7 @@
 
 #include "host/media/Frames.h"
 
+#include <array>
 #include <cstdint>
 #include <span>
 
@@ -14,6 +15,15 @@ struct DecodedClip
     FrameFormat format;
     std::int64_t frames = 0; // by its length, which may be a guess; 0: unknown
     bool sound = false;
+    REFERENCE_TIME beginning = 0; // the first frame's own time
+};
+
+// And of its sound.
+struct DecodedSound
+{
+    std::array<std::uint8_t, 64> format = {}; // a WAVEFORMATEX of PCM, or more
+    std::uint32_t formatBytes = 0;
+    REFERENCE_TIME beginning = 0; // the first sample's own time
 };
 
 // One thread, in which COM must be running.

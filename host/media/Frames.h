@@ -1,6 +1,7 @@
 // What flows through the host's graph: frames of one size, from a reader to a writer.
 #pragma once
 
+#include "host/media/Sound.h"
 #include "host/media/YuvPixels.h"
 
 #include <strmif.h>
@@ -39,17 +40,6 @@ struct FrameFormat
 using FrameBytes = std::vector<std::uint8_t>;
 using SharedFrame = std::shared_ptr<const FrameBytes>;
 
-class FileBytes;
-struct AviStream;
-
-// The AVI clip that frames come from, for a copy: what its header says of them, its sound, and where both lie.
-struct AviOrigin
-{
-    const AviStream& pictures;
-    std::vector<const AviStream*> sound; // empty for a silent clip
-    FileBytes& bytes;
-};
-
 // Gives frames one after the other. Called on the graph's streaming thread only.
 class FrameReader
 {
@@ -62,10 +52,12 @@ public:
     virtual std::int64_t FrameCount() const noexcept { return 0; }
     // What the frames were before they became RGB; none for those that were no YUV.
     virtual std::optional<YuvFrames> Yuv() const { return std::nullopt; }
-    // Holds as long as the reader lives; none for frames from elsewhere.
-    virtual std::optional<AviOrigin> Avi() { return std::nullopt; }
+    // What the AVI clip that frames come from says of them, for a copy; null for frames from elsewhere.
+    virtual const AviStream* AviPictures() const { return nullptr; }
     // Whether sound belongs to the frames.
     virtual bool HasSound() const { return false; }
+    // From its beginning; empty where it can't be had. The reader must outlive it. Throws HostError.
+    virtual std::vector<std::unique_ptr<SoundReader>> Sound() { return {}; }
     // Whether a frame that was read had transparency, which no clip keeps.
     virtual bool HadAlpha() const { return false; }
     // The first frame's number, where frames are files with numbers.

@@ -1,18 +1,12 @@
 #include "host/media/GraphDecoder.h"
 
 #include "host/base/HostError.h"
-#include "host/base/ResultCode.h"
 #include "host/base/Text.h"
-#include "host/base/Verbose.h"
 #include "host/media/AviHeader.h"
 #include "host/media/DibSize.h"
-#include "host/media/FileOnDisk.h"
-#include "host/media/GraphText.h"
-#include "host/media/Pins.h"
 #include "host/media/Room.h"
 
 #include <amvideo.h>
-#include <evcode.h>
 #include <strmif.h>
 #include <uuids.h>
 
@@ -25,45 +19,20 @@
 
 namespace vixahost::media {
 
-using Microsoft::WRL::ComPtr;
-
 namespace {
 
 constexpr REFERENCE_TIME second = 10'000'000;
+constexpr REFERENCE_TIME roundedTime = second / 500; // what times of whole milliseconds may be off, and more
 // Frames up to so many ahead are reached by decoding those between; further ones by a jump of the splitter.
 constexpr std::int64_t decodedOnTheWay = 50;
 
-// Owns what a media type points at.
-struct HeldType : AM_MEDIA_TYPE
+AM_MEDIA_TYPE Rgb32Frames()
 {
-    HeldType() : AM_MEDIA_TYPE() {}
-    HeldType(const HeldType&) = delete;
-    HeldType& operator=(const HeldType&) = delete;
-    ~HeldType()
-    {
-        CoTaskMemFree(pbFormat);
-        if (pUnk)
-            pUnk->Release();
-    }
-};
-
-bool OffersSound(IPin& pin)
-{
-    ComPtr<IEnumMediaTypes> types;
-    AM_MEDIA_TYPE* type = nullptr;
-    if (FAILED(pin.EnumMediaTypes(&types)) || types->Next(1, &type, nullptr) != S_OK)
-        return false;
-    HeldType held;
-    static_cast<AM_MEDIA_TYPE&>(held) = *type;
-    CoTaskMemFree(type);
-    return IsEqualGUID(held.majortype, MEDIATYPE_Audio) != FALSE;
-}
-
-std::string Undecoded(const std::filesystem::path& clip)
-{
-    FileOnDisk bytes(clip);
-    return "This system has no decoder for " + Show(clip) + " (" + std::string(ForeignClip(bytes)) + "). " +
-           WaysOutFor(clip);
+    AM_MEDIA_TYPE wanted = {};
+    wanted.majortype = MEDIATYPE_Video;
+    wanted.subtype = MEDIASUBTYPE_RGB32;
+    wanted.formattype = FORMAT_VideoInfo;
+    return wanted;
 }
 
 } // namespace
@@ -84,82 +53,24 @@ FrameFormat RateOfInterval(REFERENCE_TIME interval) noexcept
     return {0, 0, static_cast<std::uint32_t>(second), static_cast<std::uint32_t>(interval)};
 }
 
-HRESULT GraphDecoder::Grabbed::QueryInterface(REFIID riid, void** object)
-{
-    if (!object)
-        return E_POINTER;
-    const bool mine = IsEqualGUID(riid, IID_IUnknown) || IsEqualGUID(riid, IID_ISampleGrabberCB);
-    *object = mine ? this : nullptr;
-    return mine ? S_OK : E_NOINTERFACE;
-}
-
-HRESULT GraphDecoder::Grabbed::SampleCB(double, IMediaSample* sample)
-{
-    return sample ? decoder.Take(*sample) : E_POINTER;
-}
-
 GraphDecoder::GraphDecoder(std::filesystem::path clip, const std::optional<FrameFormat>& known)
-    : path(std::move(clip)), given(CreateEventW(nullptr, FALSE, FALSE, nullptr)),
-      taken(CreateEventW(nullptr, FALSE, FALSE, nullptr))
+    : path(std::move(clip)), graph(path, Rgb32Frames(), [this](IMediaSample& sample) { Take(sample); })
 {
-    if (!given || !taken)
-        throw FailedJob("The system gives no event (" + ExplainError(GetLastError()) + ").");
-    Build();
     TakeFormat(known);
-    TakeSound();
+    facts.sound = graph.LeavesSound();
     next.pixels.resize(facts.format.FrameBytes());
     shown.pixels.resize(facts.format.FrameBytes());
-}
-
-GraphDecoder::~GraphDecoder()
-{
-    Stop();
-    if (grabber)
-        grabber->SetCallback(nullptr, 0);
-}
-
-void GraphDecoder::Build()
-{
-    constexpr CLSID sampleGrabber = {0xC1F400A0, 0x3F08, 0x11D3, {0x9F, 0x0B, 0x00, 0x60, 0x08, 0x03, 0x9E, 0x37}};
-    constexpr CLSID nullRenderer = {0xC1F400A4, 0x3F08, 0x11D3, {0x9F, 0x0B, 0x00, 0x60, 0x08, 0x03, 0x9E, 0x37}};
-    ComPtr<IBaseFilter> source, end, nowhere;
-    ComPtr<IMediaFilter> clock;
-    const auto create = [](const CLSID& which, const auto& into) {
-        return SUCCEEDED(CoCreateInstance(which, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(into)));
-    };
-    AM_MEDIA_TYPE wanted = {};
-    wanted.majortype = MEDIATYPE_Video;
-    wanted.subtype = MEDIASUBTYPE_RGB32;
-    wanted.formattype = FORMAT_VideoInfo;
-    if (!create(CLSID_FilterGraph, graph.GetAddressOf()) || !create(sampleGrabber, end.GetAddressOf()) ||
-        !create(nullRenderer, nowhere.GetAddressOf()) || FAILED(end.As(&grabber)) || FAILED(graph.As(&control)) ||
-        FAILED(graph->QueryInterface(IID_IMediaEvent, &events)) || FAILED(graph.As(&clock)) ||
-        FAILED(grabber->SetMediaType(&wanted)) || FAILED(grabber->SetCallback(&grabbed, 0)) ||
-        FAILED(graph->AddFilter(end.Get(), L"Frames")) || FAILED(graph->AddFilter(nowhere.Get(), L"Nowhere")))
-        throw FailedJob("The system's filter graph can't be had.");
-    if (FAILED(graph->AddSourceFilter(path.c_str(), L"Clip", &source)))
-        throw NoDecoder(Undecoded(path));
-    const ComPtr<IPin> input = FindPin(*end.Get(), PINDIR_INPUT);
-    // The graph finds the splitter and the decoder.
-    if (!input || !AnyPin(*source.Get(), PINDIR_OUTPUT,
-                          [&](IPin& output) { return SUCCEEDED(graph->Connect(&output, input.Get())); }))
-        throw NoDecoder(Undecoded(path));
-    ComPtr<IPin> upstream;
-    const ComPtr<IPin> output = FindPin(*end.Get(), PINDIR_OUTPUT), last = FindPin(*nowhere.Get(), PINDIR_INPUT);
-    if (!output || !last || FAILED(graph->ConnectDirect(output.Get(), last.Get(), nullptr)) ||
-        FAILED(clock->SetSyncSource(nullptr)) || FAILED(input->ConnectedTo(&upstream)))
-        throw FailedJob("The system's filter graph takes no frames of " + Show(path) + ".");
-    upstream.As(&seeking); // without it frames come in their order only
-    if (verbose)
-        Complain("The decoding graph:\n" + DescribeRow(source.Get()));
+    if (!known)
+        TakeBeginning();
 }
 
 void GraphDecoder::TakeFormat(const std::optional<FrameFormat>& known)
 {
     HeldType type;
-    if (FAILED(grabber->GetConnectedMediaType(&type)) || type.cbFormat < sizeof(VIDEOINFOHEADER) || !type.pbFormat)
-        throw FailedJob("The system's filter graph doesn't tell the frames of " + Show(path) + ".");
+    graph.Type(type);
     VIDEOINFOHEADER header = {};
+    if (type.cbFormat < sizeof header)
+        throw FailedJob("The system's filter graph doesn't tell the frames of " + Show(path) + ".");
     std::memcpy(&header, type.pbFormat, sizeof header);
     topDown = header.bmiHeader.biHeight < 0;
     const int width = header.bmiHeader.biWidth, height = std::abs(header.bmiHeader.biHeight);
@@ -170,117 +81,81 @@ void GraphDecoder::TakeFormat(const std::optional<FrameFormat>& known)
     facts.format = known ? *known : RateOfInterval(header.AvgTimePerFrame);
     facts.format.width = width;
     facts.format.height = height;
-    LONGLONG duration = 0;
-    if (seeking && SUCCEEDED(seeking->GetDuration(&duration)) && duration > 0)
-        facts.frames = std::max<std::int64_t>(
-            std::llround(static_cast<double>(duration) / 1e7 * facts.format.rate / facts.format.scale), 1);
+    if (graph.Duration() > 0)
+        facts.frames = std::max<std::int64_t>(IndexAt(graph.Duration()), 1);
 }
 
-// Whether a pin that leads nowhere offers some.
-void GraphDecoder::TakeSound()
+// A clip's first frame may have a later time than 0: where it was cut, where sound comes before it, and where frames
+// are stored in another order than they are shown.
+void GraphDecoder::TakeBeginning()
 {
-    ComPtr<IEnumFilters> filters;
-    if (FAILED(graph->EnumFilters(&filters)))
+    RunFrom(0);
+    hasNext = WaitForFrame(0);
+    if (hasNext && IndexAt(next.time) != 0) {
+        facts.beginning = next.time;
+        next.time = 0;
+    }
+    // The length may count that time too, or sound that goes on; then the last frame tells.
+    const bool whole = std::abs(graph.Duration() - facts.format.TimeOf(facts.frames)) < roundedTime;
+    if (facts.frames == 0 || (whole && facts.beginning == 0))
         return;
-    for (ComPtr<IBaseFilter> filter; filters->Next(1, filter.ReleaseAndGetAddressOf(), nullptr) == S_OK;)
-        facts.sound |= AnyPin(*filter.Get(), PINDIR_OUTPUT, [](IPin& pin) {
-            ComPtr<IPin> peer;
-            return FAILED(pin.ConnectedTo(&peer)) && OffersSound(pin);
-        });
+    RunFrom(std::max<std::int64_t>(facts.frames - 1 - IndexAt(facts.beginning + second), 0));
+    while (WaitForFrame(facts.frames)) {
+        facts.frames = IndexAt(next.time) + 1;
+        graph.GoOn();
+    }
+    running = false;
 }
 
-void GraphDecoder::Stop() noexcept
+// The frame that begins nearest.
+std::int64_t GraphDecoder::IndexAt(REFERENCE_TIME time) const noexcept
 {
-    stopping = true;
-    SetEvent(taken.get());
-    if (control)
-        control->Stop();
-    stopping = false;
-    ResetEvent(taken.get());
-    ResetEvent(given.get());
-    // What was told of the run before.
-    long code = 0;
-    LONG_PTR first = 0, other = 0;
-    while (events && SUCCEEDED(events->GetEvent(&code, &first, &other, 0)))
-        events->FreeEventParams(code, first, other);
-    running = hasNext = hasShown = ended = false;
+    return std::llround(static_cast<double>(time) / second * facts.format.rate / facts.format.scale);
 }
 
 void GraphDecoder::RunFrom(std::int64_t index)
 {
-    Stop();
-    origin = facts.format.TimeOf(index);
-    LONGLONG start = origin;
-    // From its beginning a clip can always be read.
-    if (seeking &&
-        FAILED(seeking->SetPositions(&start, AM_SEEKING_AbsolutePositioning, nullptr, AM_SEEKING_NoPositioning)) &&
-        index > 0)
-        throw FailedJob("The system's decoder can't go to frame " + std::to_string(index) + " of " + Show(path) + ".");
-    shownIndex = index;
+    graph.Stop();
+    hasNext = hasShown = ended = false;
     running = true;
-    if (const HRESULT result = control->Run(); FAILED(result))
-        throw FailedJob("The system's decoder for " + Show(path) + " doesn't start: " + Explain(result) + ".");
+    shownIndex = index;
+    origin = facts.format.TimeOf(index) - facts.beginning;
+    if (!graph.RunFrom(facts.format.TimeOf(index)))
+        throw FailedJob("The system's decoder can't go to frame " + std::to_string(index) + " of " + Show(path) + ".");
 }
 
-HRESULT GraphDecoder::Take(IMediaSample& sample) noexcept
+void GraphDecoder::Take(IMediaSample& sample) noexcept
 {
-    if (stopping)
-        return S_OK;
     BYTE* bytes = nullptr;
     REFERENCE_TIME begin = 0, end = 0;
     const std::size_t size = next.pixels.size(), row = static_cast<std::size_t>(facts.format.width) * 4;
     wrongFrame = FAILED(sample.GetPointer(&bytes)) || sample.GetActualDataLength() < 0 ||
                  static_cast<std::size_t>(sample.GetActualDataLength()) < size;
-    if (!wrongFrame) {
-        if (FAILED(sample.GetTime(&begin, &end)))
-            begin = hasShown ? shown.time - origin + second * facts.format.scale / facts.format.rate : 0;
+    if (wrongFrame)
+        return;
+    next.time = origin;
+    if (SUCCEEDED(sample.GetTime(&begin, &end)))
         next.time = origin + begin;
-        if (!topDown)
-            std::memcpy(next.pixels.data(), bytes, size);
-        else
-            for (std::size_t at = 0; at < size; at += row)
-                std::memcpy(next.pixels.data() + (size - row - at), bytes + at, row);
-        // Not every decoder writes the byte that has no colour.
-        for (std::size_t at = 3; at < size; at += 4)
-            next.pixels[at] = 0;
-    }
-    SetEvent(given.get());
-    WaitForSingleObject(taken.get(), INFINITE);
-    return S_OK;
-}
-
-bool GraphDecoder::HasEnded(std::int64_t index)
-{
-    long code = 0;
-    LONG_PTR first = 0, other = 0;
-    while (SUCCEEDED(events->GetEvent(&code, &first, &other, 0))) {
-        events->FreeEventParams(code, first, other);
-        if (code == EC_ERRORABORT || code == EC_STREAM_ERROR_STOPPED)
-            throw FailedJob("Frame " + std::to_string(index) + " of " + Show(path) +
-                            " can't be decoded; the clip is damaged.");
-        ended |= code == EC_COMPLETE;
-    }
-    return ended;
+    else if (hasShown)
+        next.time = shown.time + second * facts.format.scale / facts.format.rate;
+    if (!topDown)
+        std::memcpy(next.pixels.data(), bytes, size);
+    else
+        for (std::size_t at = 0; at < size; at += row)
+            std::memcpy(next.pixels.data() + (size - row - at), bytes + at, row);
+    // Not every decoder writes the byte that has no colour.
+    for (std::size_t at = 3; at < size; at += 4)
+        next.pixels[at] = 0;
 }
 
 // False at the stream's end.
 bool GraphDecoder::WaitForFrame(std::int64_t index)
 {
-    OAEVENT told = 0;
-    if (FAILED(events->GetEventHandle(&told)))
-        throw FailedJob("The system's filter graph reports no events.");
-    const std::array<HANDLE, 2> signs = {given.get(), reinterpret_cast<HANDLE>(told)};
-    for (;;) {
-        const DWORD which = WaitForMultipleObjects(static_cast<DWORD>(signs.size()), signs.data(), FALSE, INFINITE);
-        if (which == WAIT_OBJECT_0)
-            break;
-        if (HasEnded(index))
-            return false;
-    }
-    if (wrongFrame)
+    ended = !graph.Wait("Frame " + std::to_string(index));
+    if (!ended && wrongFrame)
         throw FailedJob("Frame " + std::to_string(index) + " of " + Show(path) +
                         " has another size than the others; convert the clip first: " + ConversionOf(path));
-    return true;
+    return !ended;
 }
 
 bool GraphDecoder::Decode(std::int64_t index, std::span<std::uint8_t> frame)
@@ -298,7 +173,7 @@ bool GraphDecoder::Decode(std::int64_t index, std::span<std::uint8_t> frame)
         std::swap(shown, next);
         hasShown = true;
         hasNext = false;
-        SetEvent(taken.get());
+        graph.GoOn();
     }
     if (!hasShown || (ended && shown.time + 2 * half < latest))
         return false;

@@ -1,16 +1,9 @@
-// A clip decoded by the platform's filter graph: file source, splitter, decoder, and a grabber at the end.
+// A clip decoded by the platform's filter graph.
 #pragma once
 
-#include "host/base/Handles.h"
 #include "host/media/Decoder.h"
+#include "host/media/GrabbingGraph.h"
 
-#include <windows.h>
-
-#include <control.h>
-#include <qedit.h>
-#include <wrl/client.h>
-
-#include <atomic>
 #include <filesystem>
 #include <optional>
 #include <vector>
@@ -28,67 +21,36 @@ public:
     // an apartment. Throws NoDecoder when the platform makes no frames of the file, FailedJob when they aren't those
     // that are known.
     GraphDecoder(std::filesystem::path clip, const std::optional<FrameFormat>& known);
-    ~GraphDecoder() override;
-    GraphDecoder(const GraphDecoder&) = delete;
-    GraphDecoder& operator=(const GraphDecoder&) = delete;
 
     const DecodedClip& Clip() const noexcept override { return facts; }
     // A frame is what the clip shows at its time: the one before it stays where the clip has none of its own.
     bool Decode(std::int64_t index, std::span<std::uint8_t> frame) override;
 
 private:
-    template <typename Interface>
-    using ComPtr = Microsoft::WRL::ComPtr<Interface>;
-
-    // Takes each frame on the graph's thread, which then waits until the next one is wanted. Lives as long as the
-    // decoder, whoever holds a reference.
-    class Grabbed final : public ISampleGrabberCB
-    {
-    public:
-        explicit Grabbed(GraphDecoder& to) : decoder(to) {}
-        HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override;
-        ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-        ULONG STDMETHODCALLTYPE Release() override { return 1; }
-        HRESULT STDMETHODCALLTYPE SampleCB(double time, IMediaSample* sample) override;
-        HRESULT STDMETHODCALLTYPE BufferCB(double, BYTE*, long) override { return E_NOTIMPL; }
-
-    private:
-        GraphDecoder& decoder;
-    };
-
     struct Frame
     {
         std::vector<std::uint8_t> pixels;
-        REFERENCE_TIME time = 0; // since the clip's beginning
+        REFERENCE_TIME time = 0; // since the clip's first frame
     };
 
-    void Build();
     void TakeFormat(const std::optional<FrameFormat>& known);
-    void TakeSound();
+    void TakeBeginning();
     void RunFrom(std::int64_t index);
-    void Stop() noexcept;
-    HRESULT Take(IMediaSample& sample) noexcept;
+    void Take(IMediaSample& sample) noexcept;
     bool WaitForFrame(std::int64_t index);
-    bool HasEnded(std::int64_t index);
+    std::int64_t IndexAt(REFERENCE_TIME time) const noexcept;
 
     std::filesystem::path path;
     DecodedClip facts;
     bool topDown = false;
-    Grabbed grabbed{*this};
-    ComPtr<IGraphBuilder> graph;
-    ComPtr<IMediaControl> control;
-    ComPtr<IMediaEvent> events;
-    ComPtr<ISampleGrabber> grabber;
-    ComPtr<IMediaSeeking> seeking;
-    UniqueEvent given, taken;
 
-    // The graph's thread writes the next frame, between `taken` and `given`.
+    // The graph's thread writes the next frame while this one waits for it.
     Frame next, shown;
     bool hasNext = false, hasShown = false, ended = false, running = false;
     bool wrongFrame = false; // the next one is none of this clip's size
-    std::atomic<bool> stopping = false;
     std::int64_t shownIndex = 0;
     REFERENCE_TIME origin = 0; // that the graph counts times from
+    GrabbingGraph graph;       // its thread ends before the rest does
 };
 
 } // namespace vixahost::media

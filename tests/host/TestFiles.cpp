@@ -383,6 +383,13 @@ Bytes Element(std::uint32_t identifier, const std::string& text)
     return Element(identifier, Bytes(text.begin(), text.end()));
 }
 
+std::uint32_t BitsOf(float number)
+{
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &number, sizeof bits);
+    return bits;
+}
+
 Bytes Joined(const std::vector<Bytes>& parts)
 {
     Bytes whole;
@@ -393,24 +400,35 @@ Bytes Joined(const std::vector<Bytes>& parts)
 
 } // namespace
 
-Bytes MakeMatroska(const ClipRecipe& recipe)
+Bytes MakeMatroska(const ClipRecipe& recipe, int late)
 {
     const std::uint32_t milliseconds = 1000 * recipe.scale / recipe.rate;
-    const float duration = static_cast<float>(milliseconds) * static_cast<float>(recipe.frames);
-    std::uint32_t bits = 0;
-    std::memcpy(&bits, &duration, sizeof bits);
+    const auto pictureDelay = static_cast<std::uint32_t>(std::max(late, 0)) * milliseconds;
+    const auto soundDelay = static_cast<std::uint32_t>(std::max(-late, 0)) * milliseconds;
+    const auto duration = static_cast<float>(milliseconds * std::uint32_t(recipe.frames) + pictureDelay + soundDelay);
     const auto width = static_cast<std::uint32_t>(recipe.width), height = static_cast<std::uint32_t>(recipe.height);
     const Bytes video = Joined({Element(0xB0, width), Element(0xBA, height)});
     const Bytes track =
         Joined({Element(0xD7, 1u), Element(0x73C5, 1u), Element(0x83, 1u), Element(0x86, std::string("V_MJPEG")),
                 Element(0x23E383, milliseconds * 1'000'000), Element(0xE0, video)});
-    std::vector<Bytes> segment = {Element(0x1549A966, Joined({Element(0x2AD7B1, 1'000'000u), Element(0x4489, bits)})),
-                                  Element(0x1654AE6B, Element(0xAE, track))};
+    const Bytes audio = Joined({Element(0xB5, BitsOf(44100.0f)), Element(0x9F, 2u), Element(0x6264, 16u)});
+    const Bytes soundTrack = Joined({Element(0xD7, 2u), Element(0x73C5, 2u), Element(0x83, 2u),
+                                     Element(0x86, std::string("A_PCM/INT/LIT")), Element(0xE1, audio)});
+    std::vector<Bytes> segment = {
+        Element(0x1549A966, Joined({Element(0x2AD7B1, 1'000'000u), Element(0x4489, BitsOf(duration))})),
+        Element(0x1654AE6B, Joined({Element(0xAE, track), Element(0xAE, soundTrack)}))};
+    const Bytes sound = ClipSound(recipe);
+    const auto put = [&segment](std::uint8_t trackNumber, std::uint32_t time, const auto& begin, const auto& end) {
+        Bytes block = {std::uint8_t(0x80 | trackNumber), 0, 0, 0x80}; // no time after the cluster's, a key frame
+        block.insert(block.end(), begin, end);
+        segment.push_back(Element(0x1F43B675, Joined({Element(0xE7, time), Element(0xA3, block)})));
+    };
     for (int frame = 0; frame < recipe.frames; ++frame) {
-        Bytes block = {0x81, 0, 0, 0x80}; // the track, no time after the cluster's, a key frame
-        block.insert(block.end(), recipe.stored[std::size_t(frame)].begin(), recipe.stored[std::size_t(frame)].end());
-        segment.push_back(
-            Element(0x1F43B675, Joined({Element(0xE7, milliseconds * std::uint32_t(frame)), Element(0xA3, block)})));
+        const std::uint32_t time = milliseconds * std::uint32_t(frame);
+        const Bytes& picture = recipe.stored[std::size_t(frame)];
+        put(1, time + pictureDelay, picture.begin(), picture.end());
+        put(2, time + soundDelay, sound.begin() + std::ptrdiff_t(SamplesUpTo(recipe, frame) * blockAlign),
+            sound.begin() + std::ptrdiff_t(SamplesUpTo(recipe, frame + 1) * blockAlign));
     }
     return Joined({Element(0x1A45DFA3, Joined({Element(0x4282, std::string("matroska")), Element(0x4287, 2u),
                                                Element(0x4285, 2u)})),

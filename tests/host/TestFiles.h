@@ -59,8 +59,9 @@ struct ClipRecipe
 ClipRecipe JpegRecipe(int frames = 20);
 // The grey of a pixel of frame `frame` of such a clip; rows count from the top.
 std::uint8_t JpegGrey(const ClipRecipe& recipe, int frame, int row);
-// The same pictures in Matroska.
-Bytes MakeMatroska(const ClipRecipe& recipe);
+// The same pictures in Matroska, with the recipe's sound. The pictures begin so many frames after the sound; below 0:
+// the sound after them.
+Bytes MakeMatroska(const ClipRecipe& recipe, int late = 0);
 
 // Blue, green, red and the fourth byte of one pixel, counted from the picture's bottom row.
 std::uint8_t ClipByte(int frame, int x, int y, int channel);

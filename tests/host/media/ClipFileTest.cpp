@@ -104,14 +104,15 @@ TEST_F(ClipFile, ThePlatformsGraphDecodesEveryFrame)
     const ClipRecipe recipe = JpegRecipe();
     WriteBytes(folder / L"clip.avi", MakeClip(recipe));
     WriteBytes(folder / L"clip.mkv", MakeMatroska(recipe));
-    for (const wchar_t* const name : {L"clip.avi", L"clip.mkv"}) {
+    WriteBytes(folder / L"late.mkv", MakeMatroska(recipe, 2)); // as where frames aren't stored in their order
+    for (const wchar_t* const name : {L"clip.avi", L"clip.mkv", L"late.mkv"}) {
         const bool avi = media::IsAvi(folder / name);
         ASSERT_TRUE(media::HoldsClip(folder / name));
         const auto reader = media::OpenClip(folder / name);
-        SCOPED_TRACE(avi ? "AVI" : "Matroska");
+        SCOPED_TRACE(testing::Message() << name);
         ASSERT_EQ(reader->FrameCount(), recipe.frames);
-        EXPECT_EQ(reader->HasSound(), avi);
-        EXPECT_EQ(reader->Avi().has_value(), avi);
+        EXPECT_TRUE(reader->HasSound());
+        EXPECT_EQ(reader->AviPictures() != nullptr, avi);
         const media::FrameFormat format = reader->Format();
         ASSERT_EQ(std::tie(format.width, format.height, format.rate, format.scale), std::tuple(48, 32, 25u, 1u));
         Bytes frame(format.FrameBytes());
@@ -139,6 +140,33 @@ TEST_F(ClipFile, ThePlatformsGraphDecodesEveryFrame)
                                                 {0, 30u, 1u}}) {
         const media::FrameFormat found = media::RateOfInterval(interval);
         EXPECT_EQ(std::pair(found.rate, found.scale), std::pair(rate, scale)) << interval;
+    }
+}
+
+// It stands to the pictures as in the clip; small differences are those of codecs, and do not count.
+TEST_F(ClipFile, DecodedSoundIsKept)
+{
+    const ClipRecipe recipe = JpegRecipe();
+    const Bytes sound = ClipSound(recipe);
+    constexpr std::ptrdiff_t frameOfSound = 44100 / 25 * 4;
+    for (const int late : {2, 10, -10}) {
+        SCOPED_TRACE(late);
+        WriteBytes(folder / L"clip.mkv", MakeMatroska(recipe, late));
+        const auto reader = media::OpenClip(folder / L"clip.mkv");
+        const auto target = media::CreateClip(folder / L"copy.avi", *reader);
+        EXPECT_FALSE(target->losesSound);
+        Bytes frame(reader->Format().FrameBytes());
+        while (reader->Read(frame))
+            target->writer->Write(frame);
+        target->writer->Finish();
+        target->Commit();
+        const ParsedClip copy = ParseClip(ReadBytes(folder / L"copy.avi"));
+        EXPECT_EQ(copy.frames.size(), std::size_t(recipe.frames));
+        EXPECT_EQ(copy.soundSampleSize, 4u);
+        EXPECT_EQ(copy.soundRate, copy.soundScale * 44100);
+        Bytes wanted(late < 0 ? std::size_t(-late * frameOfSound) : 0);
+        wanted.insert(wanted.end(), sound.begin() + (late == 10 ? late * frameOfSound : 0), sound.end());
+        EXPECT_TRUE(copy.sound == wanted) << copy.sound.size() << " of " << wanted.size() << " bytes";
     }
 }
 
@@ -220,7 +248,7 @@ TEST_F(ClipFile, ACopyKeepsFramesRateLengthAndSound)
             media::ClipReader reader(Make(recipe));
             ASSERT_EQ(reader.HasSound(), sound);
             TargetFile target(copy);
-            media::ClipWriter writer(target, reader.Format(), reader.Avi());
+            media::ClipWriter writer(target, reader.Format(), reader.AviPictures(), reader.Sound());
             Bytes frame(reader.Format().FrameBytes());
             while (reader.Read(frame))
                 writer.Write(frame);
