@@ -128,6 +128,10 @@ TEST_P(ResourceFile, OtherFormatsAndLyingFieldsAreRefused)
     EXPECT_FALSE(IsWholeWith(data, 0x500)) << "data in no section";
     EXPECT_FALSE(IsWholeWith(data + 4, end - block + 1)) << "data longer than the section";
     EXPECT_FALSE(IsWholeWith(data + 4, 0xFFFFFFFF)) << "data longer than memory";
+    Bytes file = HonestFile();
+    Put(file, root + 16, 0x80000000u | (typeName + 1 - raw));
+    Put(file, typeName + 1, 5, 2);
+    EXPECT_FALSE(IsWholeResourceModule(file)) << "a name that ends one byte behind the section";
 }
 
 // What is asked is only that nothing outside the file is read (the address sanitizer watches) and that it ends.

@@ -100,6 +100,7 @@ TEST(Manifest, NestingAndAttributesAreBoundedBeforeParsing)
              "<a>" + deep + "</a>",
              Repeat(100000, "<a>"),
              Repeat(100000, "<a b='"),
+             Repeat(200, "<\x7F>"), // the least of what the parser takes for a name besides letters
              // Each hides an end tag where only a careless reader would see one.
              Repeat(200, "<a><!--</a>-->"),
              Repeat(200, "<a b='</a>'>"),
