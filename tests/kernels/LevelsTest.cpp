@@ -2,6 +2,8 @@
 #include "host/fixtures/GuardedMemory.h"
 #include "tests/kernels/Helpers.h"
 
+#include <vixavideofx/DataBlocks.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -89,7 +91,7 @@ protected:
         return testing::AssertionSuccess();
     }
 
-    ::vixahost::fixtures::GuardedMemory guarded{1 << 18};
+    ::vixahost::fixtures::GuardedMemory guarded{std::size_t{17} << 20};
 };
 
 // Where a level is missing, its forms go untested: let the log say so.
@@ -153,6 +155,22 @@ TEST_F(Levels, ConvolveWithAKernelThatOutlivedItsKind)
             SameAsScalar(Contents(std::size_t{37} * 9 * 4, 4), 37,
                          [&](const KernelSet& kernels, Frame frame) { Convolve(kernels, frame, 37, 9, parameters); }))
             << "kernel of kind " << kind;
+    }
+}
+
+// Frames beyond 16 MiB are walked in another way.
+TEST_F(Levels, ShiftTheEdgesOfALargeFrame)
+{
+    using vixavideofx::ConvolutionKind;
+    constexpr std::int32_t width = 2203, height = 1999;
+    const Bytes before = Contents(std::size_t{width} * height * 4, 4);
+    for (const ConvolutionKind kind :
+         {ConvolutionKind::ShiftEdges, ConvolutionKind::ShiftEdgesVertical, ConvolutionKind::ShiftEdgesHorizontal}) {
+        const ConvolutionParameters parameters = ParametersOfKind(static_cast<std::int32_t>(kind));
+        EXPECT_TRUE(SameAsScalar(
+            before, width,
+            [&](const KernelSet& kernels, Frame frame) { Convolve(kernels, frame, width, height, parameters); }))
+            << "kernel of kind " << static_cast<std::int32_t>(kind);
     }
 }
 
