@@ -172,7 +172,7 @@ std::optional<UINT> MenuPainter::ItemOf(HMENU menu, wchar_t key)
             continue;
         const std::wstring& text = ItemAt(info.dwItemData)->text;
         const std::size_t mark = text.find(L'&');
-        if (mark + 1 < text.size() && upper(text[mark + 1]) == upper(key))
+        if (mark != std::wstring::npos && mark + 1 < text.size() && upper(text[mark + 1]) == upper(key))
             return i;
     }
     return std::nullopt;

@@ -20,9 +20,28 @@ bool IsA(HWND control, const wchar_t* kind)
     return _wcsicmp(name, kind) == 0;
 }
 
-BOOL CALLBACK GiveTooltipFont(HWND window, LPARAM font)
+struct TooltipSearch
 {
-    return !IsA(window, TOOLTIPS_CLASSW) || GiveFont(window, font);
+    HWND panel, found = nullptr;
+};
+
+BOOL CALLBACK FindTooltip(HWND window, LPARAM data)
+{
+    auto& search = *reinterpret_cast<TooltipSearch*>(data);
+    TTTOOLINFOW first = {};
+    first.cbSize = sizeof first;
+    if (IsA(window, TOOLTIPS_CLASSW) && SendMessageW(window, TTM_ENUMTOOLSW, 0, reinterpret_cast<LPARAM>(&first)) &&
+        first.hwnd == search.panel)
+        search.found = window;
+    return search.found == nullptr;
+}
+
+// The tooltip that speaks for the panel's controls, of this thread's, or null. The panel may be gone.
+HWND TooltipOf(HWND panel)
+{
+    TooltipSearch search = {panel};
+    EnumThreadWindows(GetCurrentThreadId(), FindTooltip, reinterpret_cast<LPARAM>(&search));
+    return search.found;
 }
 
 } // namespace
@@ -77,7 +96,10 @@ void PanelHost::ReplaceFont()
     font.reset(CreateFontIndirectW(&chosen));
     const auto handle = reinterpret_cast<LPARAM>(font.get());
     EnumChildWindows(panel, GiveFont, handle);
-    EnumThreadWindows(GetCurrentThreadId(), GiveTooltipFont, handle);
+    if (const HWND tooltip = TooltipOf(panel)) {
+        tooltipFont = SendMessageW(tooltip, WM_GETFONT, 0, 0);
+        GiveFont(tooltip, handle);
+    }
 }
 
 // A slider shows no text of its own: for who hears the window it is called as the label above it.
@@ -106,6 +128,9 @@ void PanelHost::Close()
 {
     if (panel && IsWindow(panel))
         DestroyWindow(panel);
+    // A tooltip that stays has the font back that it came with.
+    if (const HWND tooltip = font ? TooltipOf(panel) : nullptr)
+        GiveFont(tooltip, tooltipFont);
     panel = nullptr;
     font.reset();
     info.Reset();

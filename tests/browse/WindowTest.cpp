@@ -576,6 +576,10 @@ TEST(BrowserWindowEnd, AnOpenWindowCanBeDestroyed)
     {
         BrowseWindow window({0, 0});
         const HWND frame = window.Handle(), tree = GetDlgItem(frame, IDC_TREE);
+        // Somebody else's, whose font is none of the panels' business.
+        const HWND tooltip =
+            CreateWindowExW(0, TOOLTIPS_CLASSW, nullptr, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+        const LRESULT tooltipFont = SendMessageW(tooltip, WM_GETFONT, 0, 0);
         for (const effects::Language& language : effects::InstalledLanguages(window.Work().LibraryFile())) {
             window.SetLanguage(language.id);
             for (HWND button = nullptr; (button = FindWindowExW(frame, button, L"Button", nullptr));) {
@@ -587,6 +591,7 @@ TEST(BrowserWindowEnd, AnOpenWindowCanBeDestroyed)
             }
             TreeView_SelectItem(tree, TreeView_GetChild(tree, TreeView_GetRoot(tree))); // one with settings
             EnumChildWindows(frame, HasItsLetters, reinterpret_cast<LPARAM>(language.code.c_str()));
+            EXPECT_EQ(SendMessageW(tooltip, WM_GETFONT, 0, 0), tooltipFont) << language.code;
             // Its menus are drawn by the window where the system's font has no Thai, and still follow their keys.
             MENUITEMINFOW file = {};
             file.cbSize = sizeof file;
@@ -602,6 +607,7 @@ TEST(BrowserWindowEnd, AnOpenWindowCanBeDestroyed)
             GetClientRect(tree, &room);
             EXPECT_LE(last.bottom, room.bottom) << language.code << ": not every effect is in sight";
         }
+        DestroyWindow(tooltip);
     }
     EXPECT_EQ(faults, 0);
     RemoveVectoredExceptionHandler(handler);
