@@ -4,6 +4,8 @@
 #include "tests/kernels/ChainRecipe.h"
 
 #include <array>
+#include <bit>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -56,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t byte
             Require(back == 0);
             continue;
         }
-        Require(std::memcmp(&back, &sent, sizeof sent) == 0);
+        Require(std::bit_cast<std::uint64_t>(back) == std::bit_cast<std::uint64_t>(sent));
         double allowed = sent >= 1 ? 1 : sent > 0 ? sent : 0;
         if (plugin.Parameter(index).type == F0R_PARAM_BOOL)
             allowed = sent >= 0.5 ? 1 : 0;

@@ -316,7 +316,7 @@ private:
                                              "1.5",
                                              "\xEF\xBB\xBF",
                                              "\xFF",
-                                             "\xE2\x80\xAE",
+                                             std::string("\xE2\x80") + '\xAE', // from right to left
                                              "\xF0\x9F\x8E\x9E",
                                              "\x1B[31m",
                                              std::string(1, '\0'),

@@ -11,11 +11,11 @@ namespace vixahost::media {
 
 namespace {
 
-constexpr REFERENCE_TIME second = 10'000'000;
+constexpr REFERENCE_TIME unitsPerSecond = 10'000'000;
 // Both streams' times still have what a codec needs to begin with: frames that are stored before they are shown,
 // samples that are never heard. What differs by more was meant so.
-constexpr REFERENCE_TIME codecLead = second / 5;
-constexpr std::int64_t silentPiece = 64 * 1024;
+constexpr REFERENCE_TIME codecLead = unitsPerSecond / 5;
+constexpr std::int64_t silentPiece = std::int64_t{64} * 1024;
 
 } // namespace
 
@@ -38,11 +38,12 @@ DecodedSoundReader::DecodedSoundReader(const std::filesystem::path& file, const 
     stream.format.assign(sound.format.begin(), sound.format.begin() + static_cast<std::ptrdiff_t>(bytes));
     silence = header.wBitsPerSample == 8 ? 0x80 : 0;
     // Not beyond the clip, whatever times its sound tells.
-    const REFERENCE_TIME longest = std::min(clip.format.TimeOf(clip.frames), 24 * 3600 * second);
+    const REFERENCE_TIME longest =
+        std::min(clip.format.TimeOf(clip.frames), REFERENCE_TIME{24} * 3600 * unitsPerSecond);
     const REFERENCE_TIME later = std::clamp(sound.beginning - clip.beginning, -longest, longest);
     if (std::abs(later) > codecLead)
-        lead = later / second * stream.rate * stream.sampleSize +
-               later % second * stream.rate / second * stream.sampleSize;
+        lead = later / unitsPerSecond * stream.rate * stream.sampleSize +
+               later % unitsPerSecond * stream.rate / unitsPerSecond * stream.sampleSize;
 }
 
 bool DecodedSoundReader::Read(std::vector<std::uint8_t>& data)

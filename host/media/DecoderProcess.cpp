@@ -50,7 +50,7 @@ struct Shared
     std::array<char, 1024> failure; // ends with a zero
 };
 
-constexpr std::uint32_t pieceBytes = 64 * 1024; // of sound
+constexpr std::uint32_t soundBytes = 64 * 1024; // of sound
 
 Shared& HeadOf(const UniqueView& view)
 {
@@ -112,7 +112,7 @@ void DecoderProcess::TakeMemory()
     const FrameFormat& format = clip.format;
     const bool sensible = task.sound || (format.rate > 0 && format.scale > 0);
     const auto frame = DibBytes(format.width, format.height, 32);
-    memoryBytes = task.sound ? pieceBytes : frame.value_or(0);
+    memoryBytes = task.sound ? soundBytes : frame.value_or(0);
     HANDLE theirs = reinterpret_cast<HANDLE>(static_cast<UINT_PTR>(HeadOf(view).memory)), own = nullptr;
     if (memoryBytes > 0 && sensible)
         DuplicateHandle(process->Handle(), theirs, GetCurrentProcess(), &own, 0, FALSE, DUPLICATE_SAME_ACCESS);
@@ -183,16 +183,16 @@ std::unique_ptr<Decoder> OpenDecoder(const std::filesystem::path& clip, const Fr
 }
 
 // One of the two.
-struct Opened
+struct OpenedSource
 {
     std::unique_ptr<Decoder> frames;
     std::unique_ptr<GraphSound> sound;
 };
 
 // Answers until the process ends.
-void Serve(const Opened& clip, Shared& shared, const std::function<void()>& answerAndWait)
+void Serve(const OpenedSource& clip, Shared& shared, const std::function<void()>& answerAndWait)
 {
-    std::size_t bytes = pieceBytes;
+    std::size_t bytes = soundBytes;
     if (clip.frames) {
         shared.clip = clip.frames->Clip();
         bytes = shared.clip.format.FrameBytes();
@@ -233,7 +233,7 @@ void RunDecoder(const std::filesystem::path& clip, const DecoderEnds& ends)
     Shared& shared = HeadOf(view);
     verbose = shared.verbose;
     try {
-        Opened opened;
+        OpenedSource opened;
         if (shared.wantsSound)
             opened.sound = std::make_unique<GraphSound>(clip);
         else
