@@ -72,13 +72,19 @@ std::size_t Chain::Advance(Link& link, std::size_t ready, bool last) noexcept
 
 void Chain::Run(std::size_t bandBytes) noexcept
 {
+    if (links.size() == 1)
+        RunStep(links.front().step);
+    else
+        RunBands(bandBytes);
+    links.clear();
+    points.clear();
+}
+
+void Chain::RunBands(std::size_t bandBytes) noexcept
+{
     std::size_t total = 0;
     for (const Link& link : links)
         total = std::max(total, link.step.frame.size());
-    if (links.size() == 1) {
-        RunStep(links.front().step);
-        total = 0;
-    }
     for (std::size_t at = 0; at < links.size(); ++at)
         links[at].planned = links[at].step.kernels->points && PlanPoint(links[at].step.parameters, points[at]);
     // What goes in one pass needs no bands.
@@ -95,8 +101,6 @@ void Chain::Run(std::size_t bandBytes) noexcept
                 ready = Advance(links[at], ready, last);
         }
     }
-    links.clear();
-    points.clear();
 }
 
 } // namespace vixa::kernels

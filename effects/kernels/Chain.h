@@ -35,6 +35,7 @@ private:
         std::size_t rows; // rows, in a convolution
     };
 
+    void RunBands(std::size_t bandBytes) noexcept;
     std::size_t PointsFrom(std::size_t first) const noexcept;
     void AdvancePoints(std::size_t first, std::size_t count, std::size_t ready) noexcept;
     static std::size_t Advance(Link& link, std::size_t ready, bool last) noexcept;
