@@ -155,7 +155,6 @@ void BrowseWindow::ShowTexts()
     ShowTitle();
     ShowStack();
     ShowPosition();
-    ShowStatus();
 }
 
 LRESULT BrowseWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
@@ -422,6 +421,7 @@ void BrowseWindow::OnPanelChanged(const std::vector<std::int32_t>& block)
     if (!changed)
         return;
     changedAt = now;
+    told.clear();
     list->Show(session->Stack().Items(), selected, session->Catalogue());
 }
 
@@ -502,7 +502,6 @@ void BrowseWindow::ShowMedium()
         KillTimer(hwnd, playTimer);
     }
     LayOut();
-    ShowStatus();
 }
 
 void BrowseWindow::ShowPosition()
@@ -528,13 +527,30 @@ void BrowseWindow::ShowStatus()
         spent = texts(IDT_EFFECTS_TIME, {Number("%.2f", result.milliseconds)});
     if (latency > 0)
         spent += L", " + texts(IDT_APPEARED, {Number("%.1f", latency)});
-    SendMessageW(status, SB_SETTEXTW, 1, reinterpret_cast<LPARAM>(size.c_str()));
-    SendMessageW(status, SB_SETTEXTW, 2, reinterpret_cast<LPARAM>(spent.c_str()));
+
+    // The times change with every picture: their part only grows, or its border would never rest.
+    RECT client = {};
+    GetClientRect(status, &client);
+    const int edges = style->Scale(16), grip = GetSystemMetrics(SM_CXVSCROLL);
+    timesWidth = std::max({timesWidth, style->Width(spent) + edges + grip, style->Scale(120)});
+    const int times = std::max<int>(client.right - timesWidth, 0);
+    const int sizes = std::max(times - style->Width(size) - edges, 0);
+    // What is said comes first: where it doesn't fit beside the others, it has the line to itself.
+    const bool alone = style->Width(told) + edges > sizes;
+    const std::vector<int> parts = alone ? std::vector{-1} : std::vector{sizes, times, -1};
+    if (parts != statusParts)
+        SendMessageW(status, SB_SETPARTS, parts.size(), reinterpret_cast<LPARAM>(parts.data()));
+    statusParts = parts;
+    const std::wstring said = style->Shortened(told, client.right - edges - grip);
+    const std::wstring* const shown[] = {&said, &size, &spent};
+    for (std::size_t i = 0; i < parts.size(); ++i)
+        SendMessageW(status, SB_SETTEXTW, i, reinterpret_cast<LPARAM>(shown[i]->c_str()));
 }
 
-void BrowseWindow::Tell(const std::wstring& text) const
+void BrowseWindow::Tell(const std::wstring& text)
 {
-    SendMessageW(status, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    told = text;
+    ShowStatus();
 }
 
 void BrowseWindow::UpdateMenu()
@@ -583,9 +599,7 @@ void BrowseWindow::LayOut()
     RECT client = {}, bar = {};
     GetClientRect(hwnd, &client);
     GetWindowRect(status, &bar);
-    const int times = style->Scale(250), sizes = style->Scale(session->Open().IsClip() ? 290 : 150);
-    const int parts[] = {std::max<int>(client.right - times - sizes, 60), std::max<int>(client.right - times, 120), -1};
-    SendMessageW(status, SB_SETPARTS, 3, reinterpret_cast<LPARAM>(parts));
+    ShowStatus();
 
     const int gap = style->Scale(6), line = style->LineHeight() + style->Scale(4), button = style->Scale(26);
     const int bottom = client.bottom - (bar.bottom - bar.top) - gap;
@@ -610,22 +624,40 @@ void BrowseWindow::LayOut()
     MoveWindow(stackLabel, left, y, width, line, TRUE);
     MoveWindow(tree->Handle(), left, gap, width, std::max(y - 2 * gap, 0), TRUE);
 
-    const bool clip = session->Open().IsClip();
     const int x = left + width + gap, right = client.right - gap;
-    const int previewBottom = clip ? bottom - button - gap : bottom;
+    const int previewBottom = LayOutClip({x, gap, std::max(right, x + 1), bottom});
     MoveWindow(preview->Handle(), x, gap, std::max(right - x, 1), std::max(previewBottom - gap, 1), TRUE);
-    const int timeWidth = style->Scale(130), clipWidth = style->Scale(90);
-    int cursor = x;
-    for (const HWND control : clipButtons) {
-        MoveWindow(control, cursor, bottom - button, clipWidth, button, TRUE);
-        cursor += clipWidth + gap;
-    }
-    MoveWindow(seekBar, cursor, bottom - button, std::max(right - timeWidth - cursor, 1), button, TRUE);
-    MoveWindow(timeText, right - timeWidth, bottom - button + (button - line) / 2, timeWidth, line, TRUE);
+}
+
+// What belongs to a clip, at the area's bottom; tells where the picture above it may end.
+int BrowseWindow::LayOutClip(const RECT& area)
+{
+    const Medium& medium = session->Open();
+    const bool clip = medium.IsClip();
     for (const HWND control : clipButtons)
         ShowWindow(control, clip ? SW_SHOW : SW_HIDE);
     ShowWindow(seekBar, clip ? SW_SHOW : SW_HIDE);
     ShowWindow(timeText, clip ? SW_SHOW : SW_HIDE);
+    if (!clip)
+        return area.bottom;
+    const int gap = style->Scale(6), line = style->LineHeight() + style->Scale(4), high = style->Scale(26);
+    const auto buttons = static_cast<int>(clipButtons.size());
+    const int room = area.right - area.left, buttonWidth = std::min(style->Scale(90), (room + gap) / buttons - gap);
+    const std::wstring longest = Wide(TimeText(medium.Format(), medium.FrameCount() - 1, medium.FrameCount()));
+    const int timeWidth = std::max(style->Scale(130), style->Width(longest) + gap);
+    int cursor = area.left, y = area.bottom - high;
+    for (const HWND control : clipButtons) {
+        MoveWindow(control, cursor, y, buttonWidth, high, TRUE);
+        cursor += buttonWidth + gap;
+    }
+    // In a narrow window the position has a line of its own, above the buttons.
+    if (area.right - timeWidth - cursor < style->Scale(120)) {
+        cursor = area.left;
+        y -= high + gap;
+    }
+    MoveWindow(seekBar, cursor, y, std::max<int>(area.right - timeWidth - cursor, 1), high, TRUE);
+    MoveWindow(timeText, area.right - timeWidth, y + (high - line) / 2, timeWidth, line, TRUE);
+    return y - gap;
 }
 
 void BrowseWindow::TakeNewStyle()
@@ -637,6 +669,7 @@ void BrowseWindow::TakeNewStyle()
     SendMessageW(emptyPanel, WM_SETFONT, font, TRUE);
     // The parts keep a reference to the style object: it takes the new one's content.
     style->Swap(*fresh);
+    timesWidth = 0;
     LayOut();
 }
 

@@ -72,6 +72,7 @@ private:
     void ShowStatus();
     void UpdateMenu();
     void LayOut();
+    int LayOutClip(const RECT& area);
     void TakeNewStyle();
     void ShowFocus() const;
 
@@ -91,7 +92,7 @@ private:
     std::optional<std::filesystem::path> AskTarget(FilePurpose purpose, std::filesystem::path suggestion);
     void SaveStack(const std::filesystem::path& file);
     // Says something in the status line until the next thing is done.
-    void Tell(const std::wstring& text) const;
+    void Tell(const std::wstring& text);
     void ShowHelp();
     void About();
 
@@ -115,6 +116,9 @@ private:
     RecentFiles recent;
     std::vector<std::filesystem::path> ownPresets, opened; // what was opened since the window was
     effects::EffectStack savedStack;                       // as the stack was begun, loaded or saved
+    std::wstring told;                                     // what the status line says
+    std::vector<int> statusParts;                          // right edges, as the status line has them
+    int timesWidth = 0;                                    // pixels, of the last of them
     HACCEL keys = nullptr;
     HWND lastFocus = nullptr; // the control that had the keys last
 };

@@ -6,6 +6,7 @@
 #include <commctrl.h>
 #include <uxtheme.h>
 
+#include <cwchar>
 #include <utility>
 
 namespace vixahost::browse {
@@ -48,6 +49,30 @@ void Style::Swap(Style& other) noexcept
     std::swap(dpi, other.dpi);
     std::swap(lineHeight, other.lineHeight);
     std::swap(replaces, other.replaces);
+}
+
+int Style::Width(const std::wstring& text) const
+{
+    const UniqueScreenDC screen(GetDC(nullptr));
+    const HGDIOBJ old = SelectObject(screen.get(), font.get());
+    SIZE size = {};
+    GetTextExtentPoint32W(screen.get(), text.c_str(), static_cast<int>(text.size()), &size);
+    SelectObject(screen.get(), old);
+    return size.cx;
+}
+
+std::wstring Style::Shortened(std::wstring text, int width) const
+{
+    const UniqueScreenDC screen(GetDC(nullptr));
+    const HGDIOBJ old = SelectObject(screen.get(), font.get());
+    RECT box = {0, 0, width, lineHeight};
+    const auto length = static_cast<int>(text.size());
+    text.resize(text.size() + 4); // as many letters as the marks of what is left out may take
+    DrawTextW(screen.get(), text.data(), length, &box,
+              DT_SINGLELINE | DT_NOPREFIX | DT_CALCRECT | DT_PATH_ELLIPSIS | DT_END_ELLIPSIS | DT_MODIFYSTRING);
+    SelectObject(screen.get(), old);
+    text.resize(std::wcslen(text.c_str()));
+    return text;
 }
 
 namespace {

@@ -3,6 +3,8 @@
 
 #include "host/base/Handles.h"
 
+#include <string>
+
 namespace vixahost::browse {
 
 // The same font for a language's texts. A script whose letters are shaped is shaped within one font, so where the font
@@ -23,6 +25,9 @@ public:
     // Pixels for a length given at 96 dots per inch.
     int Scale(int length) const noexcept { return MulDiv(length, dpi, 96); }
     int LineHeight() const noexcept { return lineHeight; } // pixels of one line of text
+    int Width(const std::wstring& text) const;             // pixels of a text in one line
+    // A text for so many pixels; what is too long lacks the middle of a path in it, or its own end.
+    std::wstring Shortened(std::wstring text, int width) const;
 
 private:
     UniqueFont font;

@@ -589,13 +589,6 @@ TEST(BrowserWindowEnd, AnOpenWindowCanBeDestroyed)
         const LRESULT tooltipFont = SendMessageW(tooltip, WM_GETFONT, 0, 0);
         for (const effects::Language& language : effects::InstalledLanguages(window.Work().LibraryFile())) {
             window.SetLanguage(language.id);
-            for (HWND button = nullptr; (button = FindWindowExW(frame, button, L"Button", nullptr));) {
-                SIZE needed = {};
-                RECT room = {};
-                SendMessageW(button, BCM_GETIDEALSIZE, 0, reinterpret_cast<LPARAM>(&needed));
-                GetClientRect(button, &room);
-                EXPECT_LE(needed.cx, room.right) << language.code << ": button " << GetDlgCtrlID(button);
-            }
             TreeView_SelectItem(tree, TreeView_GetChild(tree, TreeView_GetRoot(tree))); // one with settings
             EnumChildWindows(frame, HasItsLetters, reinterpret_cast<LPARAM>(language.code.c_str()));
             EXPECT_EQ(SendMessageW(tooltip, WM_GETFONT, 0, 0), tooltipFont) << language.code;
@@ -618,6 +611,80 @@ TEST(BrowserWindowEnd, AnOpenWindowCanBeDestroyed)
     }
     EXPECT_EQ(faults, 0);
     RemoveVectoredExceptionHandler(handler);
+    CoUninitialize();
+}
+
+BOOL CALLBACK CollectVisible(HWND control, LPARAM list)
+{
+    if (IsWindowVisible(control))
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(control);
+    return TRUE;
+}
+
+// What each part of the status line says fits into the part.
+void ExpectRoomInStatus(HWND status)
+{
+    const UniqueScreenDC screen(GetDC(nullptr));
+    const HGDIOBJ old = SelectObject(screen.get(), reinterpret_cast<HFONT>(SendMessageW(status, WM_GETFONT, 0, 0)));
+    for (LRESULT i = SendMessageW(status, SB_GETPARTS, 0, 0); i-- > 0;) {
+        wchar_t text[300] = {};
+        SendMessageW(status, SB_GETTEXTW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(text));
+        RECT part = {};
+        SendMessageW(status, SB_GETRECT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&part));
+        SIZE size = {};
+        GetTextExtentPoint32W(screen.get(), text, static_cast<int>(std::wcslen(text)), &size);
+        EXPECT_LE(size.cx, part.right - part.left) << "part " << i << " of the status line is cut off";
+    }
+    SelectObject(screen.get(), old);
+}
+
+TEST(BrowserWindowEnd, TheSmallestWindowHasRoomForEverythingInEveryLanguage)
+{
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    const test::ScratchFolder folder;
+    const auto clip = std::filesystem::absolute(folder / L"clip.avi");
+    test::WriteBytes(clip, test::MakeClip({}));
+    {
+        BrowseWindow window({0, 0});
+        const HWND frame = window.Handle(), tree = GetDlgItem(frame, IDC_TREE), status = GetDlgItem(frame, IDC_STATUS);
+        window.Open(clip);
+        ShowWindow(frame, SW_SHOW);
+        MINMAXINFO limits = {};
+        SendMessageW(frame, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
+        SetWindowPos(frame, nullptr, 0, 0, limits.ptMinTrackSize.x, limits.ptMinTrackSize.y, SWP_NOMOVE);
+        for (const effects::Language& language : effects::InstalledLanguages(window.Work().LibraryFile())) {
+            SCOPED_TRACE(language.code);
+            window.SetLanguage(language.id);
+            ExpectRoomInStatus(status);
+            TreeView_SelectItem(tree, TreeView_GetChild(tree, TreeView_GetRoot(tree)));
+            TreeView_SelectItem(tree, TreeView_GetNextVisible(tree, TreeView_GetSelection(tree)));
+            ExpectRoomInStatus(status); // what took the other's place is said
+            std::vector<HWND> controls;
+            EnumChildWindows(frame, CollectVisible, reinterpret_cast<LPARAM>(&controls));
+            std::erase_if(controls, [&](HWND control) { return GetParent(control) != frame; });
+            RECT inside = {};
+            GetClientRect(frame, &inside);
+            MapWindowPoints(frame, nullptr, reinterpret_cast<POINT*>(&inside), 2);
+            for (std::size_t i = 0; i < controls.size(); ++i) {
+                RECT place = {}, common = {};
+                GetWindowRect(controls[i], &place);
+                EXPECT_TRUE(UnionRect(&common, &inside, &place) && EqualRect(&common, &inside))
+                    << "control " << GetDlgCtrlID(controls[i]) << " reaches out of the window";
+                EXPECT_GT(place.right - place.left, 60) << "control " << GetDlgCtrlID(controls[i]);
+                SIZE needed = {};
+                if (ClassOf(controls[i]) == L"Button" &&
+                    SendMessageW(controls[i], BCM_GETIDEALSIZE, 0, reinterpret_cast<LPARAM>(&needed))) {
+                    EXPECT_LE(needed.cx, place.right - place.left) << "button " << GetDlgCtrlID(controls[i]);
+                }
+                for (std::size_t k = 0; k < i; ++k) {
+                    RECT other = {};
+                    GetWindowRect(controls[k], &other);
+                    EXPECT_FALSE(IntersectRect(&common, &place, &other))
+                        << "controls " << GetDlgCtrlID(controls[k]) << " and " << GetDlgCtrlID(controls[i]);
+                }
+            }
+        }
+    }
     CoUninitialize();
 }
 
