@@ -7,6 +7,8 @@
 #include "host/base/Text.h"
 #include "host/effects/LibraryFile.h"
 
+#include <memory>
+
 namespace vixahost::commands {
 
 namespace {
@@ -29,14 +31,21 @@ bool HandOver(const std::filesystem::path& library)
     const std::filesystem::path host = effects::HostFor(library);
     if (host.empty())
         throw FailedJob(effects::WidthComplaint(library));
-    ChildStart start = {host, GivenWords(), Show(library)};
+    ChildStart start = {host, GivenWords(), "that library"};
     start.input = GetStdHandle(STD_INPUT_HANDLE);
     start.output = GetStdHandle(STD_OUTPUT_HANDLE);
     start.error = GetStdHandle(STD_ERROR_HANDLE);
     CatchInterrupts(); // the other one answers them
-    const ChildProcess process(start);
-    process.EndsWithin(INFINITE);
-    const DWORD status = process.Status();
+    const auto process = [&] {
+        try {
+            return std::make_unique<ChildProcess>(start);
+        } catch (const FailedJob& failure) {
+            // Above all 64-bit programs on a 32-bit system.
+            throw FailedJob(effects::WidthComplaint(library) + " " + failure.what());
+        }
+    }();
+    process->EndsWithin(INFINITE);
+    const DWORD status = process->Status();
     // What it can end with by itself is a small number, and it has said why.
     constexpr DWORD lastOwnStatus = 4;
     if (status > lastOwnStatus)

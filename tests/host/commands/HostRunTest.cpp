@@ -280,6 +280,10 @@ TEST_F(HostRun, BadInputIsToldInOneLineAndWritesNothing)
     other[machine] = static_cast<std::uint8_t>(other[machine] ^ 0x4C ^ 0x64); // i386 is 0x014C, AMD64 0x8664
     other[machine + 1] = static_cast<std::uint8_t>(other[machine + 1] ^ 0x01 ^ 0x86);
     WriteBytes(folder / L"other.dll", other);
+    // With a host of that width beside it which the system doesn't start.
+    std::filesystem::create_directory(folder / L"other");
+    WriteBytes(folder / L"other/other.dll", other);
+    WriteBytes(folder / L"other/vixahost.exe", other);
     const char* const otherWidth = sizeof(void*) == 4 ? "is a 64-bit library" : "is a 32-bit library";
 
     struct Case
@@ -320,6 +324,7 @@ TEST_F(HostRun, BadInputIsToldInOneLineAndWritesNothing)
         {{L"apply", L"Emboss", L"clip.avi", L"nowhere/out.avi"}, 1, "nowhere"},
         {{L"validate", L"other.dll"}, 1, otherWidth},
         {{L"list", L"--dll", L"other.dll"}, 1, otherWidth},
+        {{L"validate", L"other/other.dll"}, 1, otherWidth},
     };
     const auto before = folder.Names();
     const Bytes input = ReadBytes(folder / L"in.png");
