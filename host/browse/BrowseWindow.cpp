@@ -210,6 +210,7 @@ LRESULT BrowseWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
         for (HWND child = GetWindow(hwnd, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
             SendMessageW(child, message, wParam, lParam);
         FollowColours(hwnd);
+        NewMenu();
         return 0;
     case WM_SETTINGCHANGE:
         TakeNewStyle();

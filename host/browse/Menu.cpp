@@ -106,9 +106,8 @@ public:
                 continue;
             }
             const std::wstring text = item.text ? Keyed(item.text, used) : std::wstring(item.label);
-            // Letters of a linked font may be drawn wider than they were measured.
-            const bool linked = std::any_of(text.begin(), text.end(), [](wchar_t c) { return c >= 0x0370; });
-            const std::wstring keys = *item.keys ? std::wstring(linked ? L"  \t" : L"\t") + item.keys : std::wstring();
+            // Letters of a linked font may be drawn wider than they were measured, and a system's gap can be small.
+            const std::wstring keys = *item.keys ? std::wstring(L"  \t") + item.keys : std::wstring();
             Append(menu, MF_STRING, item.command, text + keys);
         }
         return menu;

@@ -54,7 +54,8 @@ void MenuPainter::Take(HMENU menu)
     metrics.cbSize = sizeof metrics;
     SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
     const LOGFONTW chosen = FontFor(metrics.lfMenuFont, thai);
-    if (chosen.lfCharSet == metrics.lfMenuFont.lfCharSet)
+    every = DarkColours();
+    if (!every && chosen.lfCharSet == metrics.lfMenuFont.lfCharSet)
         return; // the system has all letters
     own.reset(CreateFontIndirectW(&metrics.lfMenuFont));
     other.reset(CreateFontIndirectW(&chosen));
@@ -75,7 +76,7 @@ void MenuPainter::TakeItems(HMENU menu, bool isBar)
         if (const HMENU below = GetSubMenu(menu, static_cast<int>(i)))
             TakeItems(below, false);
     }
-    if (std::none_of(texts.begin(), texts.end(), Lacks))
+    if (!every && std::none_of(texts.begin(), texts.end(), Lacks))
         return;
     for (UINT i = 0; i < count; ++i) {
         MENUITEMINFOW info = {};

@@ -1,4 +1,5 @@
-// Draws menus whose letters the system's menu font lacks.
+// Draws menus whose letters the system's menu font lacks, and all of them under dark colours, where the system may draw
+// what is disabled as bright as the rest, and doubled.
 #pragma once
 
 #include "host/base/Handles.h"
@@ -41,6 +42,7 @@ private:
     void TakeItems(HMENU menu, bool isBar);
 
     UniqueFont own, other; // the system's, and the one with the letters that it lacks
+    bool every = false;    // whether all items are drawn here
     std::vector<std::unique_ptr<Item>> items;
 };
 

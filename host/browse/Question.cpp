@@ -4,6 +4,7 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <new>
 
 namespace vixahost::browse {
@@ -12,9 +13,19 @@ namespace {
 
 HRESULT CALLBACK OnDialog(HWND dialog, UINT notification, WPARAM, LPARAM, LONG_PTR font) noexcept
 {
-    if (notification == TDN_DIALOG_CONSTRUCTED && font)
+    if (notification != TDN_DIALOG_CONSTRUCTED)
+        return S_OK;
+    if (font)
         EnumChildWindows(dialog, GiveFont, font);
+    FollowColours(dialog);
     return S_OK;
+}
+
+// Letters of a linked font may be drawn wider than the dialog measures them: their buttons get some room more.
+std::wstring AnswerText(const std::wstring& answer)
+{
+    const bool eastern = std::any_of(answer.begin(), answer.end(), [](wchar_t letter) { return letter >= 0x2E80; });
+    return eastern ? L"  " + answer + L"  " : answer;
 }
 
 } // namespace
@@ -22,8 +33,11 @@ HRESULT CALLBACK OnDialog(HWND dialog, UINT notification, WPARAM, LPARAM, LONG_P
 std::size_t Ask(HWND owner, const wchar_t* title, const Question& question)
 {
     constexpr int firstAnswer = 100;
-    std::vector<TASKDIALOG_BUTTON> buttons;
+    std::vector<std::wstring> answers;
     for (const std::wstring& answer : question.answers)
+        answers.push_back(AnswerText(answer));
+    std::vector<TASKDIALOG_BUTTON> buttons;
+    for (const std::wstring& answer : answers)
         buttons.push_back({firstAnswer + static_cast<int>(buttons.size()), answer.c_str()});
     TASKDIALOGCONFIG dialog = {};
     dialog.cbSize = sizeof dialog;

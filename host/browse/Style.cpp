@@ -101,11 +101,15 @@ BOOL CALLBACK GiveFont(HWND window, LPARAM font)
     return TRUE;
 }
 
-void FollowColours(HWND window)
+bool DarkColours()
 {
     const COLORREF ground = GetSysColor(COLOR_WINDOW);
-    const int brightness = (2 * GetRValue(ground) + 5 * GetGValue(ground) + GetBValue(ground)) / 8;
-    EnumChildWindows(window, DrawPlainly, brightness < 128);
+    return 2 * GetRValue(ground) + 5 * GetGValue(ground) + GetBValue(ground) < 8 * 128;
+}
+
+void FollowColours(HWND window)
+{
+    EnumChildWindows(window, DrawPlainly, DarkColours());
     RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 

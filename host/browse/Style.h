@@ -36,6 +36,9 @@ private:
     bool replaces = false;
 };
 
+// Whether the system's colours are light letters on a dark ground.
+bool DarkColours();
+
 // The system's visual style is made for light colours. Under dark ones the window's controls are drawn without it, in
 // the colours themselves.
 void FollowColours(HWND window);

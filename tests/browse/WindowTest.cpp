@@ -482,21 +482,41 @@ TEST_F(BrowserWindow, IsUsedByKeysAndHeard)
     CoUninitialize();
 }
 
+// Whether the window draws the first menu's first item itself.
+bool IsDrawnHere(HMENU bar)
+{
+    MENUITEMINFOW item = {};
+    item.cbSize = sizeof item;
+    item.fMask = MIIM_FTYPE;
+    return GetMenuItemInfoW(GetSubMenu(bar, 0), 0, TRUE, &item) && (item.fType & MFT_OWNERDRAW);
+}
+
 TEST_F(BrowserWindow, FollowsDarkColoursWhileItIsOpen)
 {
     const int elements[] = {COLOR_WINDOW, COLOR_BTNFACE};
     const COLORREF light[] = {GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_BTNFACE)};
     constexpr COLORREF dark[] = {RGB(30, 30, 30), RGB(40, 40, 40)};
-    const auto brightness = [this](int id) {
-        const media::Picture part = media::PictureOfWindow(GetDlgItem(frame, id));
+    const auto brightness = [](HWND control) {
+        const media::Picture part = media::PictureOfWindow(control);
         return std::accumulate(part.pixels.begin(), part.pixels.end(), 0.0) / static_cast<double>(part.pixels.size());
     };
     SeenAtRest();
     for (const auto* const scheme : {dark, light}) {
         SetSysColors(2, elements, scheme);
         for (const int id : {IDC_TREE, IDC_STACK, IDC_STATUS}) // each pixel's alpha of 255 counts with a quarter
-            EXPECT_TRUE(WaitFor([&] { return (brightness(id) < 150) == (scheme == dark); }, 1500))
-                << id << " is as bright as " << brightness(id);
+            EXPECT_TRUE(WaitFor([&] { return (brightness(GetDlgItem(frame, id)) < 150) == (scheme == dark); }, 1500))
+                << id << " is as bright as " << brightness(GetDlgItem(frame, id));
+        EXPECT_TRUE(WaitFor([&] { return IsDrawnHere(GetMenu(frame)) == (scheme == dark); }, 1500));
+        PostMessageW(frame, WM_COMMAND, IDM_ABOUT, 0);
+        HWND button = nullptr;
+        EXPECT_TRUE(WaitFor([&] {
+            button = FindWindowExW(GetForegroundWindow(), nullptr, L"Button", L"OK");
+            return IsWindowVisible(button);
+        }));
+        EXPECT_TRUE(WaitFor([&] { return (brightness(button) < 150) == (scheme == dark); }, 1500))
+            << "the question's button is as bright as " << brightness(button);
+        SendMessageW(button, BM_CLICK, 0, 0);
+        EXPECT_TRUE(WaitFor([&] { return GetForegroundWindow() == frame; }));
     }
 }
 
