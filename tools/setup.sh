@@ -61,7 +61,9 @@ if [ ${#missing[@]} -gt 0 ]; then
         missing=("${own[@]}")
     fi
     [ ${#missing[@]} -eq 0 ] || step apt-install "Installing packages (about a minute)" "${install[@]}" "${missing[@]}"
-    rm -f "$BUILD"/*/build.ninja # a build looks for what is there now
+    # A build looks for what is there now; the others go on meanwhile.
+    for tree in ${1:+frei0r win32 win64}; do rm -f "$BUILD/$tree/build.ninja"; done
+    [ -n "${1:-}" ] || rm -f "$BUILD"/*/build.ninja
 fi
 printf '%s\n' "$fingerprint" >"$stamp"
 sources
