@@ -59,6 +59,11 @@ BrowseWindow::BrowseWindow(SIZE size) : style(std::make_unique<Style>()), recent
     Create({L"VixaBrowseWindow", 0, IDC_ARROW, reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1)}, program,
            WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, WS_EX_ACCEPTFILES, nullptr, nullptr, size);
     const HWND window = hwnd;
+    openPage = [window](const std::filesystem::path& page) {
+        // Above 32 it worked.
+        return reinterpret_cast<INT_PTR>(
+                   ShellExecuteW(window, nullptr, page.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) > 32;
+    };
     session = std::make_unique<Session>([this, window] {
         // One message at a time: the newest result is what it shows.
         if (!resultPosted.exchange(true))
@@ -854,9 +859,8 @@ void BrowseWindow::ShowHelp()
     const std::filesystem::path page = HelpPage(ThisProgram().parent_path(), stem);
     if (page.empty())
         return About();
-    // Above 32 it worked.
-    if (reinterpret_cast<INT_PTR>(ShellExecuteW(hwnd, nullptr, page.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) <= 32)
-        Tell(page.native());
+    if (!openPage(page))
+        Ask(hwnd, program, {texts(IDT_NO_VIEWER), page.native(), {}, OwnFont()});
 }
 
 void BrowseWindow::About()

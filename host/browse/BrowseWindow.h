@@ -17,6 +17,7 @@
 #include <shellapi.h>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 
 namespace vixahost::browse {
@@ -46,6 +47,9 @@ public:
     double Latency() const noexcept { return latency; }
     // True while a change has not reached the screen yet.
     bool Pending() const { return session->Busy() || shownNumber != session->Latest().number; }
+    // Opens a page of the documents in a program that shows it; false when there is none. At first the system does.
+    std::function<bool(const std::filesystem::path& page)> openPage;
+
     // The panel's child window of the library, for those who drive the window from outside.
     HWND Panel() const noexcept { return panel->Panel(); }
 

@@ -125,6 +125,10 @@ protected:
             CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
             {
                 BrowseWindow window({1000, 700});
+                window.openPage = [this](const std::filesystem::path& page) {
+                    openedPage = page;
+                    return ++pagesOpened > 1;
+                };
                 ShowWindow(window.Handle(), SW_SHOW);
                 SetForegroundWindow(window.Handle());
                 frame = window.Handle();
@@ -302,6 +306,8 @@ protected:
     }
 
     std::thread thread;
+    std::filesystem::path openedPage; // where F1 leads, the window's thread's until the count below says so
+    std::atomic<int> pagesOpened = 0; // the first isn't shown by any program
     std::atomic<HWND> frame = nullptr;
     HWND tree = nullptr, preview = nullptr, panelHost = nullptr;
 };
@@ -489,6 +495,29 @@ bool IsDrawnHere(HMENU bar)
     item.cbSize = sizeof item;
     item.fMask = MIIM_FTYPE;
     return GetMenuItemInfoW(GetSubMenu(bar, 0), 0, TRUE, &item) && (item.fType & MFT_OWNERDRAW);
+}
+
+TEST_F(BrowserWindow, F1OpensThePageOfTheEffectOrSaysWhereItIs)
+{
+    Choose(Effects()[2]);
+    SeenAtRest();
+    Key(VK_F1);
+    ASSERT_TRUE(WaitFor([&] { return pagesOpened == 1; }));
+    const std::filesystem::path page = openedPage;
+    EXPECT_EQ(page.filename(), L"gamma-correction.md");
+    EXPECT_TRUE(std::filesystem::is_regular_file(page));
+    EXPECT_TRUE(WaitFor([&] {
+        const HWND dialog = GetForegroundWindow();
+        return dialog != frame && FindWindowExW(dialog, nullptr, nullptr, page.c_str());
+    })) << "nothing says that it could not be opened, and where it is";
+    EXPECT_TRUE(Answer(L"OK"));
+    EXPECT_TRUE(WaitFor([&] { return GetForegroundWindow() == frame; }));
+    Key(VK_DELETE, true);
+    Key(VK_F1); // of no effect: all of them
+    ASSERT_TRUE(WaitFor([&] { return pagesOpened == 2; }));
+    EXPECT_EQ(openedPage.filename(), L"README.md");
+    Key(VK_F1);
+    EXPECT_TRUE(WaitFor([&] { return pagesOpened == 3; })) << "what worked is spoken of";
 }
 
 TEST_F(BrowserWindow, FollowsDarkColoursWhileItIsOpen)
