@@ -93,18 +93,44 @@ void Paste(const std::wstring& text)
 
 // The place and the button are one event each: a pointer set beforehand can still be moved back by what the display
 // reports late of an earlier click.
-void Click(POINT at)
+void Mouse(POINT at, DWORD flag)
 {
     const LONG width = GetSystemMetrics(SM_CXSCREEN), height = GetSystemMetrics(SM_CYSCREEN);
-    for (const DWORD flag : {DWORD{MOUSEEVENTF_LEFTDOWN}, DWORD{MOUSEEVENTF_LEFTUP}}) {
-        INPUT input = {};
-        input.type = INPUT_MOUSE;
-        // The middle of the pixel in 65536ths of the screen.
-        input.mi.dx = (at.x * 2 + 1) * 32768 / width;
-        input.mi.dy = (at.y * 2 + 1) * 32768 / height;
-        input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | flag;
-        SendInput(1, &input, sizeof input);
-    }
+    INPUT input = {};
+    input.type = INPUT_MOUSE;
+    // The middle of the pixel in 65536ths of the screen.
+    input.mi.dx = (at.x * 2 + 1) * 32768 / width;
+    input.mi.dy = (at.y * 2 + 1) * 32768 / height;
+    input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | flag;
+    SendInput(1, &input, sizeof input);
+}
+
+void Click(POINT at)
+{
+    Mouse(at, MOUSEEVENTF_LEFTDOWN);
+    Mouse(at, MOUSEEVENTF_LEFTUP);
+}
+
+// With the button held. The pointer moves on after it, as hands do.
+void Drag(POINT from, POINT to)
+{
+    Mouse(from, MOUSEEVENTF_LEFTDOWN);
+    Mouse({(from.x + to.x) / 2, (from.y + to.y) / 2}, 0);
+    Mouse(to, 0);
+    Mouse(to, MOUSEEVENTF_LEFTUP);
+    Mouse({to.x + 30, to.y + 30}, 0);
+}
+
+void Drop(HWND on, const std::filesystem::path& file)
+{
+    const std::size_t bytes = sizeof(DROPFILES) + (file.native().size() + 2) * sizeof(wchar_t);
+    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, bytes);
+    auto* const drop = static_cast<DROPFILES*>(GlobalLock(memory));
+    drop->pFiles = sizeof(DROPFILES);
+    drop->fWide = TRUE;
+    std::memcpy(drop + 1, file.c_str(), file.native().size() * sizeof(wchar_t));
+    GlobalUnlock(memory);
+    PostMessageW(on, WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
 }
 
 // A point of a window by its share of the width and of the height.
@@ -468,6 +494,15 @@ TEST_F(BrowserWindow, IsUsedByKeysAndHeard)
         EXPECT_TRUE(name && *name && !std::wstring(name).starts_with(L"Slider")) << GetDlgCtrlID(control);
         SysFreeString(name);
     }
+    // Sliders are told apart by the labels above them.
+    for (const HTREEITEM effect : Effects()) {
+        Choose(effect);
+        SeenAtRest();
+        std::set<std::wstring> names;
+        for (HWND slider = nullptr; (slider = FindWindowExW(Panel(), slider, L"msctls_trackbar32", nullptr));)
+            EXPECT_TRUE(names.insert(TextOf(slider)).second && !TextOf(slider).empty())
+                << std::filesystem::path(Name(effect)).string() << ": " << GetDlgCtrlID(slider);
+    }
     // Another window comes between: the same control has the keys again.
     const HWND held = FocusOf(frame);
     PostMessageW(frame, WM_COMMAND, IDM_ABOUT, 0);
@@ -495,6 +530,137 @@ bool IsDrawnHere(HMENU bar)
     item.cbSize = sizeof item;
     item.fMask = MIIM_FTYPE;
     return GetMenuItemInfoW(GetSubMenu(bar, 0), 0, TRUE, &item) && (item.fType & MFT_OWNERDRAW);
+}
+
+TEST_F(BrowserWindow, TheViewFollowsKeysAndADraggingMouse)
+{
+    const auto both = SeenAtRest();
+    Key('3', true);
+    EXPECT_TRUE(ChangesFrom(both));
+    const auto after = SeenAtRest();
+    Key('2', true);
+    EXPECT_TRUE(ChangesFrom(after));
+    const auto before = SeenAtRest();
+    for (const auto* const view : {&after, &before, &after}) {
+        Key('B', true);
+        EXPECT_TRUE(WaitFor([&] { return Seen() == *view; })) << "another key than before and after in turn";
+    }
+    // The divider goes where it is let go, and stays.
+    Click(PointIn(preview, 0.25, 0.5));
+    const auto clicked = SeenAtRest();
+    Key('1', true);
+    EXPECT_TRUE(ChangesFrom(clicked));
+    Drag(PointIn(preview, 0.5, 0.5), PointIn(preview, 0.25, 0.5));
+    EXPECT_TRUE(WaitFor([&] { return SeenAtRest() == clicked; }));
+
+    // In its own size each pixel of the picture is one of the screen.
+    RECT pane = {};
+    GetClientRect(preview, &pane);
+    const media::Picture scene = media::DrawSampleScene();
+    ASSERT_TRUE(pane.right > scene.width && pane.bottom > scene.height);
+    const auto pixel = [&](const std::vector<std::uint8_t>& seen, int x, int y) {
+        const std::uint8_t* const at = seen.data() + (static_cast<std::ptrdiff_t>(y) * pane.right + x) * 4;
+        return RGB(at[2], at[1], at[0]);
+    };
+    Key('2', true);
+    Key('4', true);
+    EXPECT_TRUE(WaitFor([&] { return SeenAtRest() != before; }));
+    const auto own = SeenAtRest();
+    const int left = (pane.right - scene.width) / 2, top = (pane.bottom - scene.height) / 2;
+    int wrong = 0;
+    for (int y = scene.height / 2; y < scene.height; ++y) // the label is above
+        for (int x = 0; x < scene.width - 20; ++x) {
+            const std::uint8_t* const wanted = scene.Row(y) + static_cast<std::ptrdiff_t>(x) * 4;
+            wrong += pixel(own, left + x, top + y) != RGB(wanted[2], wanted[1], wanted[0]);
+        }
+    EXPECT_EQ(wrong, 0) << "of the picture's lower half";
+
+    // Larger than the pane it follows the mouse that drags it.
+    for (int i = 0; i < 4; ++i)
+        Key(VK_ADD, true);
+    const auto large = SeenAtRest();
+    Drag(PointIn(preview, 0.5, 0.6), [&] {
+        POINT to = PointIn(preview, 0.5, 0.6);
+        to.x -= 40;
+        return to;
+    }());
+    const auto follows = [&](const std::vector<std::uint8_t>& moved) {
+        for (int y = 50; y < pane.bottom / 2; ++y)
+            for (int x = 100; x < pane.right - 150; ++x)
+                if (pixel(moved, x, y) != pixel(large, x + 40, y))
+                    return false;
+        return moved != large;
+    };
+    EXPECT_TRUE(WaitFor([&] { return follows(SeenAtRest()); })) << "the picture isn't where it was dragged to";
+}
+
+TEST_F(BrowserWindow, OffersRecentFilesPresetsAndANewName)
+{
+    const test::ScratchFolder folder;
+    const auto here = std::filesystem::absolute(folder / L"a.png").parent_path();
+    const auto first = here / L"first.png", second = here / L"second.png";
+    for (const auto& file : {first, second}) {
+        media::WritePicture(file, media::PictureFormat::Png, media::DrawSampleScene());
+        Drop(frame, file);
+        ASSERT_TRUE(WaitFor([&] { return TextOf(frame).starts_with(file.filename().native()); }));
+    }
+    const auto entry = [&](UINT command) {
+        wchar_t text[400] = {};
+        GetMenuStringW(GetMenu(frame), command, text, 400, MF_BYCOMMAND);
+        return std::wstring(text);
+    };
+    EXPECT_TRUE(entry(IDM_RECENT_FILE).ends_with(L"second.png"));
+    ASSERT_TRUE(entry(IDM_RECENT_FILE + 1).ends_with(L"first.png"));
+    PostMessageW(frame, WM_COMMAND, IDM_RECENT_FILE + 1, 0);
+    EXPECT_TRUE(WaitFor([&] { return TextOf(frame).starts_with(L"first.png"); }));
+    EXPECT_TRUE(WaitFor([&] { return entry(IDM_RECENT_FILE).ends_with(L"first.png"); }));
+
+    const HWND list = GetDlgItem(frame, IDC_STACK);
+    const auto shown = [&] {
+        std::wstring names;
+        for (int i = 0; i < ListView_GetItemCount(list); ++i) {
+            wchar_t text[100] = {};
+            ListView_GetItemText(list, i, 0, text, 100);
+            names += std::wstring(text) + L";";
+        }
+        return names;
+    };
+    const auto choosePreset = [&](const std::wstring& name) {
+        UINT command = IDM_PRESET;
+        while (entry(command) != name && !entry(command).empty())
+            ++command;
+        EXPECT_EQ(entry(command), name);
+        PostMessageW(frame, WM_COMMAND, command, 0);
+    };
+    const auto plain = SeenAtRest();
+    choosePreset(L"Negative");
+    EXPECT_TRUE(WaitFor([&] { return shown() == L"Invert color;"; }));
+    EXPECT_TRUE(ChangesFrom(plain));
+
+    // A stack of one's own, under a name of one's own.
+    const auto own = PresetFolder() / L"of a test.txt";
+    DeleteFileW(own.c_str());
+    SetForegroundWindow(frame);
+    PostMessageW(frame, WM_COMMAND, IDM_SAVE_PRESET, 0);
+    AnswerFileDialog(own);
+    ASSERT_TRUE(WaitFor([&] { return Told().ends_with(L"of a test.txt"); }));
+    choosePreset(L"Relief");
+    EXPECT_TRUE(WaitFor([&] { return shown() != L"Invert color;"; }));
+    choosePreset(L"of a test");
+    EXPECT_TRUE(WaitFor([&] { return shown() == L"Invert color;"; }));
+    DeleteFileW(own.c_str());
+
+    test::WriteBytes(here / L"first-invert-color.png", test::Bytes(1));
+    Key('S', true);
+    HWND field = nullptr;
+    EXPECT_TRUE(WaitFor([&] {
+        const HWND dialog = GetForegroundWindow();
+        field = dialog != frame ? FocusOf(dialog) : nullptr;
+        return field && TextOf(field) == L"first-invert-color-2.png";
+    })) << "a name that is free should be offered, not \""
+        << std::filesystem::path(TextOf(field)).string() << "\"";
+    Key(VK_ESCAPE);
+    EXPECT_TRUE(WaitFor([&] { return GetForegroundWindow() == frame; }));
 }
 
 TEST_F(BrowserWindow, F1OpensThePageOfTheEffectOrSaysWhereItIs)
@@ -547,18 +713,6 @@ TEST_F(BrowserWindow, FollowsDarkColoursWhileItIsOpen)
         SendMessageW(button, BM_CLICK, 0, 0);
         EXPECT_TRUE(WaitFor([&] { return GetForegroundWindow() == frame; }));
     }
-}
-
-void Drop(HWND on, const std::filesystem::path& file)
-{
-    const std::size_t bytes = sizeof(DROPFILES) + (file.native().size() + 2) * sizeof(wchar_t);
-    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, bytes);
-    auto* const drop = static_cast<DROPFILES*>(GlobalLock(memory));
-    drop->pFiles = sizeof(DROPFILES);
-    drop->fWide = TRUE;
-    std::memcpy(drop + 1, file.c_str(), file.native().size() * sizeof(wchar_t));
-    GlobalUnlock(memory);
-    PostMessageW(on, WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
 }
 
 TEST_F(BrowserWindow, TakesDroppedFilesAndSavesAClipUntilItIsCancelled)
