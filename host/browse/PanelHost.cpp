@@ -36,7 +36,7 @@ BOOL CALLBACK FindTooltip(HWND window, LPARAM data)
     return search.found == nullptr;
 }
 
-// The tooltip that speaks for the panel's controls, of this thread's, or null. The panel may be gone.
+// The tooltip that speaks for the panel's controls, of this thread's, or null.
 HWND TooltipOf(HWND panel)
 {
     TooltipSearch search = {panel};
@@ -96,10 +96,8 @@ void PanelHost::ReplaceFont()
     font.reset(CreateFontIndirectW(&chosen));
     const auto handle = reinterpret_cast<LPARAM>(font.get());
     EnumChildWindows(panel, GiveFont, handle);
-    if (const HWND tooltip = TooltipOf(panel)) {
-        tooltipFont = SendMessageW(tooltip, WM_GETFONT, 0, 0);
+    if (const HWND tooltip = TooltipOf(panel))
         GiveFont(tooltip, handle);
-    }
 }
 
 // A slider shows no text of its own: for who hears the window it is called as the label above it.
@@ -128,11 +126,8 @@ void PanelHost::Close()
 {
     if (panel && IsWindow(panel))
         DestroyWindow(panel);
-    // A tooltip that stays has the font back that it came with.
-    if (const HWND tooltip = font ? TooltipOf(panel) : nullptr)
-        GiveFont(tooltip, tooltipFont);
     panel = nullptr;
-    font.reset();
+    font.reset(); // the panel's tooltip, which had it too, went with the panel
     info.Reset();
     set.Reset();
     classId = {};

@@ -41,8 +41,7 @@ private:
     Microsoft::WRL::ComPtr<IEffectInfo> info;
     Microsoft::WRL::ComPtr<effects::DataPropertySet> set;
     const Texts& texts;
-    UniqueFont font;        // the panel's, where its own lacks letters
-    LPARAM tooltipFont = 0; // the HFONT that its tooltip had before
+    UniqueFont font; // the panel's, where its own lacks letters
     GUID classId = {};
     HWND panel = nullptr;
 };

@@ -778,6 +778,12 @@ BOOL CALLBACK HasItsLetters(HWND control, LPARAM language)
     return TRUE;
 }
 
+BOOL CALLBACK CountTooltip(HWND window, LPARAM count)
+{
+    *reinterpret_cast<int*>(count) += ClassOf(window) == TOOLTIPS_CLASSW;
+    return TRUE;
+}
+
 // As after a fault, or a screenshot. Not every system lets a fault out of a window's procedure: it is counted before.
 TEST(BrowserWindowEnd, AnOpenWindowCanBeDestroyed)
 {
@@ -790,11 +796,17 @@ TEST(BrowserWindowEnd, AnOpenWindowCanBeDestroyed)
         const HWND tooltip =
             CreateWindowExW(0, TOOLTIPS_CLASSW, nullptr, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
         const LRESULT tooltipFont = SendMessageW(tooltip, WM_GETFONT, 0, 0);
+        int others = 0;
+        EnumThreadWindows(GetCurrentThreadId(), CountTooltip, reinterpret_cast<LPARAM>(&others));
         for (const effects::Language& language : effects::InstalledLanguages(window.Work().LibraryFile())) {
+            SCOPED_TRACE(language.code);
             window.SetLanguage(language.id);
             TreeView_SelectItem(tree, TreeView_GetChild(tree, TreeView_GetRoot(tree))); // one with settings
             EnumChildWindows(frame, HasItsLetters, reinterpret_cast<LPARAM>(language.code.c_str()));
-            EXPECT_EQ(SendMessageW(tooltip, WM_GETFONT, 0, 0), tooltipFont) << language.code;
+            EXPECT_EQ(SendMessageW(tooltip, WM_GETFONT, 0, 0), tooltipFont);
+            int tooltips = 0;
+            EnumThreadWindows(GetCurrentThreadId(), CountTooltip, reinterpret_cast<LPARAM>(&tooltips));
+            EXPECT_EQ(tooltips, others + 1) << "the panel's has to go with it: it may have its font";
             // Its menus are drawn by the window where the system's font has no Thai, and still follow their keys.
             MENUITEMINFOW file = {};
             file.cbSize = sizeof file;
