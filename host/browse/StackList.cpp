@@ -2,6 +2,8 @@
 
 #include "host/base/Text.h"
 
+#include <algorithm>
+
 namespace vixahost::browse {
 
 StackList::StackList(HWND parent, int id, const Style& look) : style(look)
@@ -22,7 +24,15 @@ void StackList::FitColumns()
 {
     RECT client = {};
     GetClientRect(list, &client);
-    const int first = client.right / 2;
+    int names = style.Scale(80);
+    for (int row = 0; row < ListView_GetItemCount(list); ++row) {
+        wchar_t name[200] = {};
+        ListView_GetItemText(list, row, 0, name, 200);
+        names = std::max(names, style.Width(name));
+    }
+    const int first = std::min<int>(names + style.Scale(26), client.right / 2); // with a box and space around
+    if (ListView_GetColumnWidth(list, 0) == first && ListView_GetColumnWidth(list, 1) == client.right - first)
+        return;
     ListView_SetColumnWidth(list, 0, first);
     ListView_SetColumnWidth(list, 1, client.right - first);
 }
@@ -58,6 +68,7 @@ void StackList::Show(const effects::EffectStack& items, std::size_t selected,
         if (ListView_GetItemState(list, row, LVIS_SELECTED | LVIS_FOCUSED) != state)
             ListView_SetItemState(list, row, state, LVIS_SELECTED | LVIS_FOCUSED);
     }
+    FitColumns();
     if (selected < items.size())
         ListView_EnsureVisible(list, static_cast<int>(selected), FALSE);
     showing = false;
