@@ -1,6 +1,7 @@
 // AVI files from outside: whatever the reader accepts must lie within the file, and turning its frames into 32 bits
 // must stay within what was read. The sanitizers see a byte too far.
 #include "host/media/DibSize.h"
+#include "host/media/ForeignClip.h"
 #include "tests/host/media/MemoryFile.h"
 
 #include <algorithm>
@@ -45,6 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     MemoryFile file({data, data + size});
     LacksItsFilm(file);
+    TellsOfSound(file);
     try {
         const AviFile clip = ReadAviFile(file);
         for (const AviStream& stream : clip.streams) {

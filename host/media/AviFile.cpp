@@ -385,8 +385,6 @@ FirstPart ReadFirstPart(FileBytes& file, const FileChunk& riff)
     return {std::move(*header), *movie, index};
 }
 
-constexpr std::string_view mp4 = "MP4 or QuickTime";
-
 // A time in units of 100 ns stays below 2^61 for all frames.
 void CheckLength(const AviStream& stream)
 {
@@ -408,58 +406,6 @@ bool BeginsAsAvi(FileBytes& file)
 {
     const auto riff = ChunkAt(file, 0);
     return riff && riff->tag == TagOf("RIFF") && riff->type == TagOf("AVI ");
-}
-
-std::string_view ForeignClip(FileBytes& file)
-{
-    struct Row
-    {
-        std::size_t at;
-        std::string_view bytes, kind;
-    };
-    using namespace std::string_view_literals;
-    static constexpr Row rows[] = {{4, "ftyp"sv, mp4},
-                                   {4, "moov"sv, mp4},
-                                   {0, "\x1A\x45\xDF\xA3"sv, "Matroska or WebM"sv},
-                                   {0, "FLV\1"sv, "Flash video"sv},
-                                   {0, "OggS"sv, "Ogg"sv},
-                                   {0, "\0\0\1\xBA"sv, "MPEG"sv},
-                                   {0, "\x30\x26\xB2\x75"sv, "Windows Media"sv}};
-    std::array<std::uint8_t, 8> head = {};
-    if (!file.Read(0, head))
-        return {};
-    const auto* const found = std::ranges::find_if(rows, [&](const Row& row) {
-        return std::equal(row.bytes.begin(), row.bytes.end(), head.begin() + static_cast<std::ptrdiff_t>(row.at),
-                          [](char letter, std::uint8_t byte) { return static_cast<std::uint8_t>(letter) == byte; });
-    });
-    return found == std::end(rows) ? std::string_view() : found->kind;
-}
-
-bool LacksItsFilm(FileBytes& file)
-{
-    std::array<std::uint8_t, 16> box = {}; // its size and its name, both with the most significant byte first
-    const auto number = [&](std::size_t at, std::size_t bytes) {
-        std::uint64_t value = 0;
-        for (std::size_t i = at; i < at + bytes; ++i)
-            value = value << 8 | box[i];
-        return value;
-    };
-    std::uint64_t at = 0;
-    const auto read = [&](std::size_t bytes) { return file.Read(at, std::span(box).first(bytes)); };
-    if (ForeignClip(file) != mp4)
-        return false;
-    while (read(8)) {
-        if (TagAt(box, 4) == TagOf("moov"))
-            return false;
-        std::uint64_t size = number(0, 4);
-        if (size == 1 && read(16)) // a longer one, whose size stands behind its name
-            size = number(8, 8);
-        // The last one's size may be 0.
-        if (size < 8 || size > file.Size() - at)
-            return true;
-        at += size;
-    }
-    return true;
 }
 
 AviFile ReadAviFile(FileBytes& file)

@@ -10,7 +10,6 @@
 #include <span>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace vixahost::media {
@@ -77,14 +76,6 @@ AviFile ReadAviFile(FileBytes& file);
 
 // True when the file begins as an AVI clip does.
 bool BeginsAsAvi(FileBytes& file);
-
-// The kind of clip, of those that aren't read here, that a file begins as: "MP4 or QuickTime"; empty for any other
-// file.
-std::string_view ForeignClip(FileBytes& file);
-
-// True for an MP4 or QuickTime clip without the box that describes its film: a recording that was not ended, or a copy
-// that was cut short.
-bool LacksItsFilm(FileBytes& file);
 
 // The chunk's data; false when the chunk isn't what the index says. `into` has the chunk's size.
 bool ReadChunk(FileBytes& file, const AviChunk& chunk, std::span<std::uint8_t> into);

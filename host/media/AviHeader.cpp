@@ -3,6 +3,7 @@
 #include "host/base/HostError.h"
 #include "host/base/Text.h"
 #include "host/media/FileOnDisk.h"
+#include "host/media/ForeignClip.h"
 
 #include <cwchar>
 

@@ -4,6 +4,7 @@
 #include "host/media/ClipReader.h"
 #include "host/media/ClipWriter.h"
 #include "host/media/DecodedClipReader.h"
+#include "host/media/ForeignClip.h"
 #include "host/media/PictureSequence.h"
 #include "host/media/RawClip.h"
 

@@ -6,6 +6,7 @@
 #include "host/base/Verbose.h"
 #include "host/media/AviHeader.h"
 #include "host/media/FileOnDisk.h"
+#include "host/media/ForeignClip.h"
 #include "host/media/GraphText.h"
 #include "host/media/Pins.h"
 

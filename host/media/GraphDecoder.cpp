@@ -4,6 +4,8 @@
 #include "host/base/Text.h"
 #include "host/media/AviHeader.h"
 #include "host/media/DibSize.h"
+#include "host/media/FileOnDisk.h"
+#include "host/media/ForeignClip.h"
 #include "host/media/Room.h"
 
 #include <amvideo.h>
@@ -57,7 +59,8 @@ GraphDecoder::GraphDecoder(std::filesystem::path clip, const std::optional<Frame
     : path(std::move(clip)), graph(path, Rgb32Frames(), [this](IMediaSample& sample) { Take(sample); })
 {
     TakeFormat(known);
-    facts.sound = graph.LeavesSound();
+    FileOnDisk bytes(path);
+    facts.sound = graph.LeavesSound() || TellsOfSound(bytes);
     next.pixels.resize(facts.format.FrameBytes());
     shown.pixels.resize(facts.format.FrameBytes());
     if (!known)

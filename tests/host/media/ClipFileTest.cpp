@@ -98,6 +98,18 @@ TEST_F(ClipFile, ACompressedClipIsDecoded)
     }
 }
 
+// The graph says nothing of a stream that it has no decoder for.
+TEST_F(ClipFile, SoundWithoutADecoderIsMissed)
+{
+    Bytes clip = MakeMatroska(JpegRecipe());
+    const std::string_view known = "A_PCM/INT/LIT", unknown = "A_NOT/DECODED";
+    std::ranges::copy(unknown, std::ranges::search(clip, known).begin());
+    WriteBytes(folder / L"clip.mkv", clip);
+    const auto reader = media::OpenClip(folder / L"clip.mkv");
+    EXPECT_TRUE(reader->HasSound());
+    EXPECT_TRUE(reader->Sound().empty());
+}
+
 // With GStreamer's decoders, which ./test installs.
 TEST_F(ClipFile, ThePlatformsGraphDecodesEveryFrame)
 {
