@@ -105,7 +105,7 @@ void BrowseWindow::OnCreate()
         clipButtons.push_back(MakeButton(hwnd, button, *style));
     seekBar =
         CreateControl(TRACKBAR_CLASSW, L"", WS_VISIBLE | WS_TABSTOP | TBS_HORZ | TBS_NOTICKS, hwnd, IDC_SEEK, *style);
-    timeText = CreateControl(WC_STATICW, L"", WS_VISIBLE | SS_RIGHT, hwnd, 0, *style);
+    timeText = CreateControl(WC_STATICW, L"", WS_VISIBLE | SS_LEFTNOWORDWRAP, hwnd, 0, *style);
     status = CreateControl(STATUSCLASSNAMEW, L"", WS_VISIBLE | SBARS_SIZEGRIP, hwnd, IDC_STATUS, *style);
     menuContent.languages = effects::InstalledLanguages(session->LibraryFile());
     savedStack = session->Stack().Items();
@@ -650,7 +650,8 @@ int BrowseWindow::LayOutClip(const RECT& area)
     const auto buttons = static_cast<int>(clipButtons.size());
     const int room = area.right - area.left, buttonWidth = std::min(style->Scale(90), (room + gap) / buttons - gap);
     const std::wstring longest = Wide(TimeText(medium.Format(), medium.FrameCount() - 1, medium.FrameCount()));
-    const int timeWidth = std::max(style->Scale(130), style->Width(longest) + gap);
+    // Digits may be drawn wider than they were measured, which would cut off the last.
+    const int timeWidth = std::max(style->Scale(100), style->Width(longest) * 9 / 8);
     int cursor = area.left, y = area.bottom - high;
     for (const HWND control : clipButtons) {
         MoveWindow(control, cursor, y, buttonWidth, high, TRUE);
