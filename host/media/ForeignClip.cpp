@@ -103,8 +103,9 @@ std::vector<std::uint8_t> Beginning(FileBytes& file, std::uint64_t most)
 
 bool Contains(std::span<const std::uint8_t> bytes, std::string_view text)
 {
-    return std::ranges::search(bytes, text, {}, {}, [](char letter) { return static_cast<std::uint8_t>(letter); })
-               .begin() != bytes.end();
+    return std::search(bytes.begin(), bytes.end(), text.begin(), text.end(), [](std::uint8_t byte, char letter) {
+               return byte == static_cast<std::uint8_t>(letter);
+           }) != bytes.end();
 }
 
 bool Mp4TellsOfSound(FileBytes& file)
@@ -146,13 +147,9 @@ std::string_view ForeignClip(FileBytes& file)
         std::size_t at;
         std::string_view bytes, kind;
     };
-    static constexpr Row rows[] = {{4, "ftyp"sv, mp4},
-                                   {4, "moov"sv, mp4},
-                                   {0, "\x1A\x45\xDF\xA3"sv, matroska},
-                                   {0, "FLV\1"sv, flash},
-                                   {0, "OggS"sv, ogg},
-                                   {0, "\0\0\1\xBA"sv, mpeg},
-                                   {0, "\x30\x26\xB2\x75"sv, windowsMedia}};
+    static constexpr Row rows[] = {
+        {4, "ftyp"sv, mp4}, {4, "moov"sv, mp4},        {0, "\x1A\x45\xDF\xA3"sv, matroska},    {0, "FLV\1"sv, flash},
+        {0, "OggS"sv, ogg}, {0, "\0\0\1\xBA"sv, mpeg}, {0, "\x30\x26\xB2\x75"sv, windowsMedia}};
     std::array<std::uint8_t, 8> head = {};
     if (!file.Read(0, head))
         return {};
@@ -166,9 +163,8 @@ std::string_view ForeignClip(FileBytes& file)
 bool LacksItsFilm(FileBytes& file)
 {
     Walk walk = {file};
-    return ForeignClip(file) == mp4 && !AnyBox(walk, walk.Whole(), [](std::uint32_t name, Stretch) {
-        return name == Name("moov");
-    });
+    return ForeignClip(file) == mp4 &&
+           !AnyBox(walk, walk.Whole(), [](std::uint32_t name, Stretch) { return name == Name("moov"); });
 }
 
 bool TellsOfSound(FileBytes& file)
@@ -183,7 +179,9 @@ bool TellsOfSound(FileBytes& file)
     if (kind == flash)
         return bytes.size() > 4 && (bytes[4] & 4) != 0;
     if (kind == ogg)
-        return Contains(bytes, "\1vorbis"sv) || Contains(bytes, "OpusHead"sv) || Contains(bytes, "\x7F""FLAC"sv) ||
+        return Contains(bytes, "\1vorbis"sv) || Contains(bytes, "OpusHead"sv) ||
+               Contains(bytes, "\x7F"
+                               "FLAC"sv) ||
                Contains(bytes, "Speex   "sv);
     if (kind == windowsMedia) // the identifier of its streams of sound
         return Contains(bytes, "\x40\x9E\x69\xF8\x4D\x5B\xCF\x11\xA8\xFD\x00\x80\x5F\x5C\x44\x2B"sv);

@@ -103,7 +103,7 @@ TEST_F(ClipFile, SoundWithoutADecoderIsMissed)
 {
     Bytes clip = MakeMatroska(JpegRecipe());
     const std::string_view known = "A_PCM/INT/LIT", unknown = "A_NOT/DECODED";
-    std::ranges::copy(unknown, std::ranges::search(clip, known).begin());
+    std::ranges::copy(unknown, std::search(clip.begin(), clip.end(), known.begin(), known.end()));
     WriteBytes(folder / L"clip.mkv", clip);
     const auto reader = media::OpenClip(folder / L"clip.mkv");
     EXPECT_TRUE(reader->HasSound());

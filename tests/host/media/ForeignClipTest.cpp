@@ -39,8 +39,8 @@ const std::string matroskaHead = Element("\x1A\x45\xDF\xA3", "\x42\x82\x88matros
 std::string Tracks(const std::string& kind)
 {
     return Element("\x1F\x43\xB6\x74", "xx") +
-           Element("\x16\x54\xAE\x6B", Element("\xAE", "\xD7\x81\1\x83\x81\1") +
-                                           Element("\xAE", "\xD7\x81\2\x83\x81" + kind));
+           Element("\x16\x54\xAE\x6B",
+                   Element("\xAE", "\xD7\x81\1\x83\x81\1") + Element("\xAE", "\xD7\x81\2\x83\x81" + kind));
 }
 
 bool TellsOfSound(const std::string& text)
