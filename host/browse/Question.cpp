@@ -34,6 +34,7 @@ std::size_t Ask(HWND owner, const wchar_t* title, const Question& question)
 {
     constexpr int firstAnswer = 100;
     std::vector<std::wstring> answers;
+    answers.reserve(question.answers.size());
     for (const std::wstring& answer : question.answers)
         answers.push_back(AnswerText(answer));
     std::vector<TASKDIALOG_BUTTON> buttons;
