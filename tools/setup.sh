@@ -62,8 +62,11 @@ if [ ${#missing[@]} -gt 0 ]; then
     fi
     [ ${#missing[@]} -eq 0 ] || step apt-install "Installing packages (about a minute)" "${install[@]}" "${missing[@]}"
     # A build looks for what is there now; the others go on meanwhile.
-    for tree in ${1:+frei0r win32 win64}; do rm -f "$BUILD/$tree/build.ninja"; done
-    [ -n "${1:-}" ] || rm -f "$BUILD"/*/build.ninja
+    if [ -n "${1:-}" ]; then
+        rm -f "$BUILD"/{frei0r,win32,win64}/build.ninja
+    else
+        rm -f "$BUILD"/*/build.ninja
+    fi
 fi
 printf '%s\n' "$fingerprint" >"$stamp"
 sources
