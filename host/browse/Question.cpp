@@ -34,10 +34,10 @@ std::size_t Ask(HWND owner, const wchar_t* title, const Question& question)
 {
     constexpr int firstAnswer = 100;
     std::vector<std::wstring> answers;
-    answers.reserve(question.answers.size());
     for (const std::wstring& answer : question.answers)
         answers.push_back(AnswerText(answer));
     std::vector<TASKDIALOG_BUTTON> buttons;
+    buttons.reserve(answers.size());
     for (const std::wstring& answer : answers)
         buttons.push_back({firstAnswer + static_cast<int>(buttons.size()), answer.c_str()});
     TASKDIALOGCONFIG dialog = {};
